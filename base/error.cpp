@@ -1,0 +1,164 @@
+#include "base/error.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <zip.h>
+
+#include "base/owned.h"
+
+const char *v_error_message_unknown = "An unknown program error has occured.";
+
+namespace {
+
+constexpr const char *out_of_memory_text = "The program has run out of memory.";
+constexpr const char *informative_out_of_memory_text =
+    "The program has run out of memory.\n"
+    "\n"
+    "Suggestion: Consider increasing memory by adding more RAM to the computer or by\n"
+    "increasing the amount of virtual memory on your system.\n"
+    "\n"
+    "Alternatively, it could be that you have too many things open/running on your\n"
+    "computer simultaneously.";
+
+OwnedText error;
+bool did_run_out_of_memory = false;
+
+void discard() {
+  error.reset();
+  did_run_out_of_memory = false;
+}
+
+// Takes the text over. It is built before the old message goes, so it may have been made from it.
+void store(OwnedText text, bool out_of_memory = false) {
+  error = std::move(text);
+  did_run_out_of_memory = out_of_memory;
+}
+
+void put_in_front(OwnedText text) {
+  error = error ? OwnedText(g_strdup_printf("%s\n\n%s", text.get(), error.get())) : std::move(text);
+}
+
+} // namespace
+
+void v_error_set(const char *text) { store(copy_text(text)); }
+
+void v_error_set_utf8_printf(const char *format, ...) {
+  discard();
+  va_list arguments;
+  va_start(arguments, format);
+  store(OwnedText(g_strdup_vprintf(format, arguments)));
+  va_end(arguments);
+}
+
+void v_error_append(const char *text) { put_in_front(copy_text(text)); }
+
+void v_error_append_utf8_printf(const char *format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  v_error_append_utf8_vprintf(format, arguments);
+  va_end(arguments);
+}
+
+void v_error_append_utf8_vprintf(const char *format, va_list arguments) {
+  put_in_front(OwnedText(g_strdup_vprintf(format, arguments)));
+}
+
+void v_error_clear() { discard(); }
+
+const char *v_error_get() { return error ? error.get() : ""; }
+
+void v_error_set_file_io_reading() { v_error_set("File I/O error when reading file."); }
+
+void v_error_set_file_io_reading_broken_file() {
+  v_error_set("File I/O error when reading file: The file is broken.");
+}
+
+void v_error_set_file_io_writing() { v_error_set("File I/O error when writing to file."); }
+
+void v_error_set_not_enough_diskspace() {
+  v_error_set("There is not enough disk space on this computer.");
+}
+
+void v_error_set_out_of_memory() { store(copy_text(out_of_memory_text), true); }
+
+void v_error_set_informative_out_of_memory() {
+  store(copy_text(informative_out_of_memory_text), true);
+}
+
+void v_error_set_unknown() { v_error_set(v_error_message_unknown); }
+
+void v_error_set_from_errno() {
+  const int number = errno;
+  v_error_set_utf8_printf("Error %d: %s", number, g_strerror(number));
+}
+
+void v_error_set_from_gerror_and_free(GError *gerror) {
+  const OwnedError owned(gerror);
+  v_error_set_utf8_printf("GError %d: %s", owned->code, owned->message);
+}
+
+void v_error_set_from_zip_error(struct zip_error *zip_error) {
+  v_error_set(zip_error_strerror(zip_error));
+}
+
+void v_error_set_from_zip_error_code(int code) {
+  zip_error_t zip_error;
+  zip_error_init(&zip_error);
+  zip_error_init_with_code(&zip_error, code);
+  v_error_set_from_zip_error(&zip_error);
+  zip_error_fini(&zip_error);
+}
+
+void v_error_set_from_cairo_status(int status) {
+  // cairo's numbers; this floor does not see its headers.
+  switch (status) {
+  case 1:
+    v_error_set_out_of_memory();
+    break;
+  case 10:
+    v_error_set("Error reading data.");
+    break;
+  case 11:
+    v_error_set("Error writing data.");
+    break;
+  case 18:
+    v_error_set("File not found error.");
+    break;
+  case 39:
+    v_error_set("PNG error.");
+    break;
+  default:
+    v_error_set("An internal error in the graphics subsystem occurred.");
+  }
+}
+
+bool v_error_did_run_out_of_memory() { return did_run_out_of_memory; }
+
+bool v_error_make_more_informative_if_out_of_memory() {
+  if (!did_run_out_of_memory) {
+    return false;
+  }
+  v_error_set_informative_out_of_memory();
+  return true;
+}
+
+void v_error_limit_line_count(int maximum_line_count) {
+  if (!error || maximum_line_count < 0) {
+    return;
+  }
+  const char *start = error.get();
+  const char *cut = start;
+  for (int line = 0; line < maximum_line_count; line++) {
+    const char *newline = std::strchr(cut, '\n');
+    if (newline == nullptr) {
+      return;
+    }
+    cut = newline + 1;
+  }
+  while (cut > start && cut[-1] == '\n') {
+    cut--;
+  }
+  const OwnedText kept(g_strndup(start, static_cast<gsize>(cut - start)));
+  error.reset(g_strdup_printf("%s\n\n(Error message truncated.)", kept.get()));
+}

@@ -1,0 +1,57 @@
+#pragma once
+// The error state: one process-wide message (UTF-8) and a flag that says whether the message tells
+// of exhausted memory. Who finds the root cause of a failure sets the message, each caller that
+// adds context appends its sentence, and the action that started the work shows the whole. Success
+// never clears it: read it only right after an operation has reported failure. GUI thread only.
+
+#include <cstdarg>
+
+#include <glib.h>
+
+struct zip_error;
+
+// What is said of a failure that cannot happen. Writable: a program may put its own text here.
+extern const char *v_error_message_unknown;
+
+// Setting replaces the message by a copy of the text and resets the flag.
+void v_error_set(const char *text);
+// The old message is discarded before the arguments are read: they must not point into it.
+void v_error_set_utf8_printf(const char *format, ...) G_GNUC_PRINTF(1, 2);
+
+// Appending puts the text in front of the held message, a blank line between; with no message held
+// it becomes the message. The flag stays as it is.
+void v_error_append(const char *text);
+void v_error_append_utf8_printf(const char *format, ...) G_GNUC_PRINTF(1, 2);
+void v_error_append_utf8_vprintf(const char *format, va_list arguments) G_GNUC_PRINTF(1, 0);
+
+void v_error_clear();
+// The held message (borrowed, valid until the next change), "" when there is none; never null.
+const char *v_error_get();
+
+void v_error_set_file_io_reading();
+void v_error_set_file_io_reading_broken_file();
+void v_error_set_file_io_writing();
+void v_error_set_not_enough_diskspace();
+void v_error_set_out_of_memory();
+void v_error_set_informative_out_of_memory();
+void v_error_set_unknown();
+
+// "Error <number>: <the system's text>" for the present errno.
+void v_error_set_from_errno();
+// "GError <code>: <message>"; takes the error over and frees it.
+void v_error_set_from_gerror_and_free(GError *error);
+void v_error_set_from_zip_error(struct zip_error *error);
+void v_error_set_from_zip_error_code(int code);
+// status is a cairo_status_t.
+void v_error_set_from_cairo_status(int status);
+
+// True when the held message tells of exhausted memory.
+bool v_error_did_run_out_of_memory();
+// Replaces an out-of-memory message by the long one with its advice and returns true; any other
+// message stays and false is returned.
+bool v_error_make_more_informative_if_out_of_memory();
+
+// Cuts the message after maximum_line_count line feeds, drops the blank lines before the cut and
+// says so in a last paragraph. A message with fewer line feeds, and a negative count, change
+// nothing.
+void v_error_limit_line_count(int maximum_line_count);

@@ -1,0 +1,189 @@
+#include "base/fs_utils.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/error.h"
+#include "base/text_buffer.h"
+
+namespace {
+
+int last_error_number = 0;
+
+bool fail(const char *sentence) {
+  last_error_number = errno;
+  v_error_set_from_errno();
+  v_error_append(sentence);
+  return false;
+}
+
+OwnedText convert(const char *name, decltype(&g_filename_to_utf8) converter, const char *sentence) {
+  OwnedError error;
+  OwnedText converted(converter(name, -1, nullptr, nullptr, receive(error)));
+  if (!converted) {
+    v_error_set_from_gerror_and_free(error.release());
+    v_error_append(sentence);
+  }
+  return converted;
+}
+
+} // namespace
+
+int v_fs_utils_get_last_error_number() { return last_error_number; }
+
+OwnedText v_fs_utils_convert_glibfsenc_to_utf8(const char *name) {
+  return convert(name, g_filename_to_utf8, "Could not convert filename to unicode.");
+}
+
+OwnedText v_fs_utils_convert_utf8_to_glibfsenc(const char *path) {
+  return convert(path, g_filename_from_utf8, "Could not use filename.");
+}
+
+OwnedText v_fs_utils_convert_osfsenc_to_utf8(const char *name) {
+  return v_fs_utils_convert_glibfsenc_to_utf8(name);
+}
+
+OwnedText v_fs_utils_convert_utf8_to_osfsenc(const char *path) {
+  return v_fs_utils_convert_utf8_to_glibfsenc(path);
+}
+
+OwnedFile v_fs_utils_open_file(const char *path, const char *mode) {
+  const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(path);
+  if (!name) {
+    return nullptr;
+  }
+  OwnedFile file(std::fopen(name.get(), mode));
+  if (!file) {
+    fail("Cannot open file.");
+  }
+  return file;
+}
+
+bool v_fs_utils_close_file(OwnedFile file) {
+  return !file || std::fclose(file.release()) == 0 || fail("Cannot close file.");
+}
+
+OwnedFolder v_fs_utils_open_folder(const char *path) {
+  const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(path);
+  if (!name) {
+    return nullptr;
+  }
+  OwnedFolder listing(opendir(name.get()));
+  if (!listing) {
+    fail("Cannot open folder.");
+  }
+  return listing;
+}
+
+bool v_fs_utils_next_folder_entry(DIR *listing, OwnedText &name) {
+  name.reset();
+  errno = 0;
+  const dirent *entry = readdir(listing);
+  if (entry == nullptr) {
+    return errno == 0 || fail("Cannot read folder contents.");
+  }
+  name = v_fs_utils_convert_osfsenc_to_utf8(entry->d_name);
+  return name != nullptr;
+}
+
+bool v_fs_utils_close_folder(OwnedFolder listing) {
+  return !listing || closedir(listing.release()) == 0 || fail("Cannot close folder.");
+}
+
+bool v_fs_utils_create_folder(const char *path) {
+  const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(path);
+  return name && (mkdir(name.get(), 0700) == 0 || fail("Cannot create folder."));
+}
+
+bool v_fs_utils_create_folder_recursively(const char *path) {
+  const OwnedText parent = copy_text(path);
+  v_fs_utils_strip_ending_path_delimiters(parent.get());
+  v_fs_utils_strip_entry_name_from_path(parent.get());
+  v_fs_utils_strip_ending_path_delimiters(parent.get());
+  VFileInfo info;
+  // The walk upward ends at the empty parent, which no folder can be created for.
+  const bool parent_is_missing =
+      *parent != '\0' && v_fs_utils_get_info(parent.get(), info) && !info.exists;
+  if (parent_is_missing && !v_fs_utils_create_folder_recursively(parent.get())) {
+    return false;
+  }
+  return v_fs_utils_create_folder(path);
+}
+
+bool v_fs_utils_delete_folder_if_exists(const char *path) {
+  const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(path);
+  return name && (rmdir(name.get()) == 0 || errno == ENOENT || fail("Cannot delete folder."));
+}
+
+bool v_fs_utils_delete_file_if_exists(const char *path) {
+  const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(path);
+  return name && (unlink(name.get()) == 0 || errno == ENOENT || fail("Cannot unlink file."));
+}
+
+void v_fs_utils_discard_file(const char *path) {
+  const OwnedText name(g_filename_from_utf8(path, -1, nullptr, nullptr, nullptr));
+  if (name && unlink(name.get()) != 0) {
+    last_error_number = errno;
+  }
+}
+
+bool v_fs_utils_get_info(const char *path, VFileInfo &info) {
+  info = {};
+  const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(path);
+  if (!name) {
+    return false;
+  }
+  struct stat status;
+  if (stat(name.get(), &status) != 0) {
+    return errno == ENOENT || fail("Cannot get file status.");
+  }
+  // Single bits of the mode, as every tool of the suite tells them: a block device has the folder's
+  // bit too, a socket both.
+  info.exists = 1;
+  info.is_folder = (status.st_mode & 0x4000) != 0;
+  info.is_file = (status.st_mode & 0x8000) != 0;
+  info.modification_time = status.st_mtime;
+  info.size = status.st_size;
+  return true;
+}
+
+OwnedText v_fs_utils_create_path_in_folder_(const char *folder, const char *const *parts,
+                                            int count) {
+  const OwnedText start = copy_text(folder);
+  v_fs_utils_strip_ending_path_delimiters(start.get());
+  OwnedUtf8String path = v_utf8_string_new(start.get());
+  for (int i = 0; i < count; i++) {
+    if (*parts[i] == '\0') {
+      continue;
+    }
+    if (path->len != 0) {
+      v_utf8_string_append_byte(path.get(), '/');
+    }
+    v_utf8_string_append(path.get(), parts[i]);
+  }
+  return v_utf8_string_free(std::move(path), false);
+}
+
+const char *v_fs_utils_find_entry_name_in_path(const char *path) {
+  const char *delimiter = std::strrchr(path, '/');
+  return delimiter == nullptr ? path : delimiter + 1;
+}
+
+void v_fs_utils_strip_entry_name_from_path(char *path) {
+  char *end = std::strrchr(path, '/');
+  if (end == nullptr) {
+    *path = '\0';
+    return;
+  }
+  *end = '\0';
+  v_fs_utils_strip_ending_path_delimiters(path);
+}
+
+void v_fs_utils_strip_ending_path_delimiters(char *path) {
+  for (gsize length = std::strlen(path); length > 0 && path[length - 1] == '/'; length--) {
+    path[length - 1] = '\0';
+  }
+}

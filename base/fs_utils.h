@@ -1,0 +1,78 @@
+#pragma once
+// The operating system's file functions, one uniform layer. Every path is UTF-8 with "/" as its
+// delimiter; conversion to the file system's encoding happens in here and nowhere else. On failure
+// the message is the system's ("Error 2: No such file or directory") or the conversion's, with the
+// sentence named at each function in front; a path that cannot be converted fails with "Could not
+// use filename.".
+
+#include <cstdint>
+
+#include "base/owned.h"
+
+struct VFileInfo {
+  std::uint32_t exists = 0;           // 1 when the path names something
+  std::uint32_t is_folder = 0;        // the mode's bit 0x4000
+  std::uint32_t is_file = 0;          // the mode's bit 0x8000
+  std::int64_t modification_time = 0; // seconds since the epoch
+  std::int64_t size = 0;              // bytes
+};
+
+// The system's number of the last failing call of this layer, 0 when none has failed yet.
+int v_fs_utils_get_last_error_number();
+
+// Between file names as the system gives them and UTF-8. Null with "Could not convert filename to
+// unicode." or "Could not use filename.". The two pairs differ in who deals in the name, GLib or
+// the operating system; here both use the same encoding.
+OwnedText v_fs_utils_convert_glibfsenc_to_utf8(const char *name);
+OwnedText v_fs_utils_convert_utf8_to_glibfsenc(const char *path);
+OwnedText v_fs_utils_convert_osfsenc_to_utf8(const char *name);
+OwnedText v_fs_utils_convert_utf8_to_osfsenc(const char *path);
+
+// Opens a buffered file with a standard mode ("rb", "wb"). Null with "Cannot open file.".
+OwnedFile v_fs_utils_open_file(const char *path, const char *mode);
+// Closes; null is success. False with "Cannot close file.": what was buffered may be lost.
+bool v_fs_utils_close_file(OwnedFile file);
+
+// Null with "Cannot open folder.".
+OwnedFolder v_fs_utils_open_folder(const char *path);
+// The next entry's name ("." and ".." included, in the system's order); at the end true with null.
+// False with "Cannot read folder contents." or "Could not convert filename to unicode."; after the
+// latter the listing goes on behind the entry.
+bool v_fs_utils_next_folder_entry(DIR *listing, OwnedText &name);
+// Closes; null is success. False with "Cannot close folder.".
+bool v_fs_utils_close_folder(OwnedFolder listing);
+
+// Creates one folder for its owner alone (0700). False with "Cannot create folder.", also when it
+// is there already.
+bool v_fs_utils_create_folder(const char *path);
+// Creates missing parents first.
+bool v_fs_utils_create_folder_recursively(const char *path);
+// Removes an empty folder; a missing one is success. False with "Cannot delete folder.".
+bool v_fs_utils_delete_folder_if_exists(const char *path);
+// Removes a file; a missing one is success. False with "Cannot unlink file.".
+bool v_fs_utils_delete_file_if_exists(const char *path);
+// Removes what a failed write has left, as far as it can. Says nothing: the message of the failure
+// that led here stands.
+void v_fs_utils_discard_file(const char *path);
+
+// Fills the record, following links; a missing path is success with every field zero. False with
+// "Cannot get file status.".
+bool v_fs_utils_get_info(const char *path, VFileInfo &info);
+
+// Joins a folder and count parts: trailing "/" of the folder go, empty parts are skipped, parts are
+// joined by one "/". A folder of only "/" counts as empty, so its parts make a relative path.
+OwnedText v_fs_utils_create_path_in_folder_(const char *folder, const char *const *parts,
+                                            int count);
+// The same with the parts written out.
+template <typename... Parts>
+OwnedText v_fs_utils_create_path_in_folder(const char *folder, Parts... parts) {
+  const char *const array[] = {parts...};
+  return v_fs_utils_create_path_in_folder_(folder, array, sizeof...(parts));
+}
+// The text after the last "/", or the whole path; points into the argument.
+const char *v_fs_utils_find_entry_name_in_path(const char *path);
+// In place: cuts the last entry and the run of "/" before it ("/a//b" becomes "/a", "/b" and "b"
+// become "").
+void v_fs_utils_strip_entry_name_from_path(char *path);
+// In place: removes every trailing "/" ("/" becomes "").
+void v_fs_utils_strip_ending_path_delimiters(char *path);

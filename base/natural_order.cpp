@@ -1,0 +1,101 @@
+#include "base/natural_order.h"
+
+#include <cstddef>
+
+#include "base/whitespace.h"
+
+namespace {
+
+bool is_digit(char byte) { return byte >= '0' && byte <= '9'; }
+
+char upper_case(char byte) {
+  return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 'a' + 'A') : byte;
+}
+
+std::size_t digit_run_length(const char *text) {
+  std::size_t length = 0;
+  while (is_digit(text[length])) {
+    length++;
+  }
+  return length;
+}
+
+// The first differing digit decides; a run that ends first is smaller.
+int compare_left_aligned(const char *a, const char *b) {
+  for (;; a++, b++) {
+    if (!is_digit(*a) || !is_digit(*b)) {
+      return static_cast<int>(is_digit(*a)) - static_cast<int>(is_digit(*b));
+    }
+    if (*a != *b) {
+      return *a < *b ? -1 : 1;
+    }
+  }
+}
+
+// The longer run is greater; of equally long ones the first differing digit decides.
+int compare_right_aligned(const char *a, const char *b) {
+  int bias = 0;
+  for (;; a++, b++) {
+    if (!is_digit(*a) || !is_digit(*b)) {
+      const int longer = static_cast<int>(is_digit(*a)) - static_cast<int>(is_digit(*b));
+      return longer != 0 ? longer : bias;
+    }
+    if (bias == 0 && *a != *b) {
+      bias = *a < *b ? -1 : 1;
+    }
+  }
+}
+
+const char *skip_ignored(const char *text, bool skip_zeros) {
+  while (v_ascii_is_space(*text) || (skip_zeros && *text == '0')) {
+    text++;
+  }
+  return text;
+}
+
+// Plain char has no fixed sign.
+int compare_signed(char a, char b) {
+  const auto signed_a = static_cast<signed char>(a);
+  const auto signed_b = static_cast<signed char>(b);
+  return static_cast<int>(signed_a > signed_b) - static_cast<int>(signed_a < signed_b);
+}
+
+} // namespace
+
+int strnatcmp0(const char *a, const char *b, bool fold_case, bool skip_zeros) {
+  for (;;) {
+    a = skip_ignored(a, skip_zeros);
+    b = skip_ignored(b, skip_zeros);
+    if (is_digit(*a) && is_digit(*b)) {
+      const bool is_fraction = *a == '0' || *b == '0';
+      if (const int order =
+              is_fraction ? compare_left_aligned(a, b) : compare_right_aligned(a, b)) {
+        return order;
+      }
+      // Equal runs are passed whole: digit by digit they would be compared again from each digit
+      // on.
+      const std::size_t length = digit_run_length(a);
+      a += length;
+      b += length;
+      continue;
+    }
+    if (*a == '\0' && *b == '\0') {
+      return 0;
+    }
+    const int order =
+        fold_case ? compare_signed(upper_case(*a), upper_case(*b)) : compare_signed(*a, *b);
+    if (order != 0) {
+      return order;
+    }
+    a++;
+    b++;
+  }
+}
+
+int strnatcmp(const char *a, const char *b) { return strnatcmp0(a, b, false, false); }
+
+int strnatcasecmp(const char *a, const char *b) { return strnatcmp0(a, b, true, false); }
+
+int strnatzerocmp(const char *a, const char *b) { return strnatcmp0(a, b, false, true); }
+
+int strnatzerocasecmp(const char *a, const char *b) { return strnatcmp0(a, b, true, true); }

@@ -1,0 +1,35 @@
+#pragma once
+// What is asked of the operating system beyond files: the only place that knows which one it is.
+// One source per system answers the first group; the rest is common to all of them.
+
+#include "base/owned.h"
+
+// Path (UTF-8) of the own executable. Null with "Error getting exe path from system.".
+OwnedText v_platform_get_exe_path();
+// Path (UTF-8) of the executable of a running process. Null when there is no such process or it may
+// not be asked for; no message of its own.
+OwnedText v_platform_get_exe_path_for_process_id(long process_id);
+// What the file name of an installed program ends in: ".app" where programs are bundles, else "".
+const char *v_platform_get_program_ending();
+// The command line (UTF-8) that starts the program at the quoted path; arguments are put in as they
+// are ("" for none).
+OwnedText v_platform_create_launch_command_line(const char *quoted_program_path,
+                                                const char *arguments);
+
+// The folder (UTF-8) that holds the running executable, and beside it fonts and delivered
+// components. Null when the executable cannot be found.
+OwnedText v_platform_get_install_folder_path();
+// The folder (UTF-8) in which the suite's printing code keeps its temporary files.
+OwnedText v_platform_get_temp_files_folder_path();
+// The text quoted for the shell.
+OwnedText v_platform_escape_string_for_command_line(const char *text);
+// Starts a UTF-8 command line without waiting for it. False with a message when it cannot be
+// converted or started.
+bool v_platform_run_command_line(const char *command_line);
+
+// The command line that makes the system start a new instance of an application bundle.
+OwnedText v_platform_format_bundle_command_line(const char *quoted_bundle_path,
+                                                const char *arguments);
+// The command line that starts a plain program file.
+OwnedText v_platform_format_program_command_line(const char *quoted_program_path,
+                                                 const char *arguments);

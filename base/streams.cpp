@@ -1,0 +1,277 @@
+#include "base/streams.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include <zip.h>
+
+#include "base/error.h"
+#include "base/fs_utils.h"
+
+void CloseZipEntry::operator()(struct zip_file *entry) const noexcept { zip_fclose(entry); }
+
+namespace {
+
+bool fail(const char *message) {
+  v_error_set(message);
+  return false;
+}
+
+bool read_file(VInputStream *stream, void *buffer, std::size_t n, std::size_t &count) {
+  if (stream->file == nullptr) {
+    return fail("Opening input file failed.");
+  }
+  count = std::fread(buffer, 1, n, stream->file);
+  return !std::ferror(stream->file) || fail("File read error.");
+}
+
+bool read_memory(VInputStream *stream, void *buffer, std::size_t n, std::size_t &count) {
+  count = std::min(n, stream->length - stream->position);
+  std::copy_n(stream->data + stream->position, count, static_cast<std::byte *>(buffer));
+  stream->position += count;
+  return true;
+}
+
+bool read_zip_entry(VInputStream *stream, void *buffer, std::size_t n, std::size_t &count) {
+  if (stream->zip_entry == nullptr) {
+    v_error_append("Opening compressed input file failed.");
+    return false;
+  }
+  const zip_int64_t bytes_read = zip_fread(stream->zip_entry, buffer, n);
+  if (bytes_read < 0) {
+    v_error_set_from_zip_error(zip_file_get_error(stream->zip_entry));
+    v_error_append("Compressed file read error.");
+    return false;
+  }
+  count = static_cast<std::size_t>(bytes_read);
+  return true;
+}
+
+bool skip_memory(VInputStream *stream, std::size_t n) {
+  if (stream->length - stream->position < n) {
+    return fail("Memory buffer end reached prematurely.");
+  }
+  stream->position += n;
+  return true;
+}
+
+bool skip_file(VInputStream *stream, std::size_t n) {
+  if (stream->file == nullptr) {
+    return fail("Opening input file failed.");
+  }
+  if (fseeko(stream->file, static_cast<off_t>(n), SEEK_CUR) != 0) {
+    v_error_set_from_errno();
+    return false;
+  }
+  return true;
+}
+
+bool skip_zip_entry(VInputStream *stream, std::size_t n) {
+  std::byte passed[1024];
+  while (n > 0) {
+    std::size_t count = 0;
+    if (!v_input_stream_read(stream, passed, std::min(n, sizeof passed), count)) {
+      return false;
+    }
+    if (count == 0) {
+      return fail("Premature end of data stream.");
+    }
+    n -= count;
+  }
+  return true;
+}
+
+bool copy(VInputStream *source, VOutputStream *destination) {
+  for (;;) {
+    const std::byte *data = nullptr;
+    std::size_t length = 0;
+    if (!v_input_stream_get_some(source, data, length)) {
+      return false;
+    }
+    if (length == 0) {
+      return v_output_stream_flush(destination);
+    }
+    if (!v_output_stream_write(destination, data, length)) {
+      return false;
+    }
+  }
+}
+
+} // namespace
+
+OwnedInputStream v_input_stream_new_for_file_path(const char *path) {
+  OwnedInputStream stream(new VInputStream);
+  stream->kind = StreamKind::file;
+  stream->owned_file = v_fs_utils_open_file(path, "rb");
+  stream->file = stream->owned_file.get();
+  return stream;
+}
+
+OwnedInputStream v_input_stream_new_for_memory(const void *data, std::size_t length) {
+  OwnedInputStream stream(new VInputStream);
+  stream->kind = StreamKind::memory;
+  stream->data = static_cast<const std::byte *>(data);
+  stream->length = length;
+  return stream;
+}
+
+OwnedInputStream v_input_stream_new_for_zip_file(struct zip_file *entry) {
+  OwnedInputStream stream(new VInputStream);
+  stream->kind = StreamKind::zip_entry;
+  stream->zip_entry = entry;
+  return stream;
+}
+
+OwnedInputStream v_input_stream_new_for_zip_file_path(struct zip *archive, const char *entry_name) {
+  OwnedInputStream stream =
+      v_input_stream_new_for_zip_file(zip_fopen(archive, entry_name, ZIP_FL_ENC_GUESS));
+  stream->owned_zip_entry.reset(stream->zip_entry);
+  if (stream->zip_entry == nullptr) {
+    v_error_set_from_zip_error(zip_get_error(archive));
+    v_error_append("Could not open compressed file.");
+  }
+  return stream;
+}
+
+bool v_input_stream_read(VInputStream *stream, void *buffer, std::size_t n, std::size_t &count) {
+  count = 0;
+  switch (stream->kind) {
+  case StreamKind::file:
+    return read_file(stream, buffer, n, count);
+  case StreamKind::memory:
+    return read_memory(stream, buffer, n, count);
+  case StreamKind::zip_entry:
+    return read_zip_entry(stream, buffer, n, count);
+  }
+  return false;
+}
+
+bool v_input_stream_get_some(VInputStream *stream, const std::byte *&data, std::size_t &length) {
+  if (stream->kind != StreamKind::memory) {
+    data = stream->buffer;
+    return v_input_stream_read(stream, stream->buffer, sizeof stream->buffer, length);
+  }
+  data = stream->data + stream->position;
+  length = stream->length - stream->position;
+  stream->position = stream->length;
+  return true;
+}
+
+bool v_input_stream_skip(VInputStream *stream, std::size_t n) {
+  switch (stream->kind) {
+  case StreamKind::file:
+    return skip_file(stream, n);
+  case StreamKind::memory:
+    return skip_memory(stream, n);
+  case StreamKind::zip_entry:
+    return skip_zip_entry(stream, n);
+  }
+  return false;
+}
+
+void v_input_stream_destroy(VInputStream *stream) { delete stream; }
+
+OwnedOutputStream v_output_stream_new_for_file_path(const char *path) {
+  // A failed delete shows up again when the file is created, or does no harm.
+  v_fs_utils_delete_file_if_exists(path);
+  OwnedOutputStream stream(new VOutputStream);
+  stream->kind = StreamKind::file;
+  stream->owned_file = v_fs_utils_open_file(path, "wb");
+  stream->file = stream->owned_file.get();
+  stream->path = copy_text(path);
+  return stream;
+}
+
+OwnedOutputStream v_output_stream_new_for_file(std::FILE *file) {
+  OwnedOutputStream stream(new VOutputStream);
+  stream->kind = StreamKind::file;
+  stream->file = file;
+  return stream;
+}
+
+OwnedOutputStream v_output_stream_new_for_memory() { return OwnedOutputStream(new VOutputStream); }
+
+bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t n) {
+  if (n == 0) {
+    return true;
+  }
+  if (stream->kind == StreamKind::memory) {
+    if (stream->memory == nullptr) {
+      stream->memory = g_byte_array_new();
+    }
+    g_byte_array_append(stream->memory, static_cast<const guint8 *>(data), static_cast<guint>(n));
+    return true;
+  }
+  if (stream->file == nullptr) {
+    return fail("Creating file failed.");
+  }
+  if (std::fwrite(data, 1, n, stream->file) < n) {
+    stream->write_failed = true;
+    return fail("File write error.");
+  }
+  return true;
+}
+
+bool v_output_stream_flush(VOutputStream *stream) {
+  if (stream->file == nullptr || std::fflush(stream->file) == 0) {
+    return true;
+  }
+  stream->write_failed = true;
+  return fail("File write error.");
+}
+
+OwnedText v_output_stream_get_memory_data(VOutputStream *stream, std::size_t &length) {
+  length = 0;
+  if (stream->memory == nullptr) {
+    return copy_text("");
+  }
+  length = stream->memory->len;
+  const guint8 terminator = 0;
+  g_byte_array_append(stream->memory, &terminator, 1);
+  return OwnedText(
+      reinterpret_cast<char *>(g_byte_array_free(std::exchange(stream->memory, nullptr), FALSE)));
+}
+
+void v_output_stream_destroy(VOutputStream *stream) {
+  if (stream == nullptr) {
+    return;
+  }
+  if (stream->memory != nullptr) {
+    g_byte_array_unref(stream->memory);
+  }
+  if (stream->owned_file) {
+    const bool is_broken = stream->write_failed || std::ferror(stream->file);
+    const bool is_closed = std::fclose(stream->owned_file.release()) == 0;
+    if (is_broken || !is_closed) {
+      v_fs_utils_discard_file(stream->path.get());
+    }
+  }
+  delete stream;
+}
+
+OwnedText v_stream_copy_to_memory(VInputStream *stream, std::size_t &length) {
+  const OwnedOutputStream memory = v_output_stream_new_for_memory();
+  if (!copy(stream, memory.get())) {
+    length = 0;
+    return nullptr;
+  }
+  return v_output_stream_get_memory_data(memory.get(), length);
+}
+
+OwnedText v_stream_copy_from_zip_file_path_to_memory(struct zip *archive, const char *entry_name,
+                                                     std::size_t &length) {
+  return v_stream_copy_to_memory(v_input_stream_new_for_zip_file_path(archive, entry_name).get(),
+                                 length);
+}
+
+bool v_stream_copy_from_file_path_to_file_path(const char *source, const char *destination) {
+  if (std::strcmp(source, destination) == 0) {
+    return true;
+  }
+  // Source first: under another spelling of the same path, deleting the destination would take the
+  // file away before it is open.
+  const OwnedInputStream input = v_input_stream_new_for_file_path(source);
+  const OwnedOutputStream output = v_output_stream_new_for_file_path(destination);
+  return copy(input.get(), output.get());
+}

@@ -1,0 +1,95 @@
+#pragma once
+// Byte streams with one interface over files, memory blocks and entries of a zip archive, and the
+// copies built on them. Failing operations return false and leave a message.
+
+#include <cstddef>
+#include <cstdint>
+
+#include "base/owned.h"
+
+struct zip;
+struct zip_file;
+
+struct CloseZipEntry {
+  void operator()(struct zip_file *entry) const noexcept;
+};
+
+enum class StreamKind { file, memory, zip_entry };
+
+struct VInputStream {
+  StreamKind kind = StreamKind::memory;
+  // The source; null for a file or an entry that could not be opened: the first read then fails.
+  std::FILE *file = nullptr;
+  struct zip_file *zip_entry = nullptr;
+  const std::byte *data = nullptr;
+  // Set when the stream has opened the source itself.
+  OwnedFile owned_file;
+  std::unique_ptr<struct zip_file, CloseZipEntry> owned_zip_entry;
+  // Memory: bytes in the caller's block, and how many of them are read.
+  std::size_t length = 0;
+  std::size_t position = 0;
+  // File and zip entry: what v_input_stream_get_some points into.
+  std::byte buffer[4096];
+};
+
+struct VOutputStream {
+  StreamKind kind = StreamKind::memory;
+  std::FILE *file = nullptr; // null when the file could not be created
+  OwnedFile owned_file;
+  OwnedText path;               // UTF-8; set when the stream created the file itself
+  bool write_failed = false;    // file: what lies on disk is not what was written
+  GByteArray *memory = nullptr; // made at the first write; freed by v_output_stream_destroy
+};
+
+void v_input_stream_destroy(VInputStream *stream);
+void v_output_stream_destroy(VOutputStream *stream);
+using OwnedInputStream = Owned<VInputStream, v_input_stream_destroy>;
+using OwnedOutputStream = Owned<VOutputStream, v_output_stream_destroy>;
+
+// Always a stream; when the file cannot be opened its first read fails.
+OwnedInputStream v_input_stream_new_for_file_path(const char *path);
+// Reads the caller's block, which must outlive the stream.
+OwnedInputStream v_input_stream_new_for_memory(const void *data, std::size_t length);
+// Reads an entry that the caller has opened and closes.
+OwnedInputStream v_input_stream_new_for_zip_file(struct zip_file *entry);
+// Always a stream; an entry that cannot be opened leaves the archive's message with "Could not open
+// compressed file." in front, and the first read fails.
+OwnedInputStream v_input_stream_new_for_zip_file_path(struct zip *archive, const char *entry_name);
+
+// Reads up to n bytes; count is below n only at the end of the data, 0 at the end. "Opening input
+// file failed.", "File read error.", "Opening compressed input file failed.", "Compressed file read
+// error.".
+bool v_input_stream_read(VInputStream *stream, void *buffer, std::size_t n, std::size_t &count);
+// The next piece, valid until the next call; length 0 is the end. A memory stream gives all that is
+// left at once.
+bool v_input_stream_get_some(VInputStream *stream, const std::byte *&data, std::size_t &length);
+// Passes over n bytes. A file may be passed beyond its end; memory ("Memory buffer end reached
+// prematurely.", the position stays) and zip entries ("Premature end of data stream.") may not.
+bool v_input_stream_skip(VInputStream *stream, std::size_t n);
+
+// Deletes what is at the path and creates the file. Always a stream; when the file cannot be
+// created the first write of at least one byte fails.
+OwnedOutputStream v_output_stream_new_for_file_path(const char *path);
+// Writes to the caller's file, which stays open when the stream is destroyed.
+OwnedOutputStream v_output_stream_new_for_file(std::FILE *file);
+OwnedOutputStream v_output_stream_new_for_memory();
+// "Creating file failed.", "File write error.". Nothing is written for n = 0, which never fails.
+bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t n);
+// Hands everything written so far to the system, so that a full disk is noticed while there is
+// still somebody to tell: "File write error.". Memory streams, and a stream without a file, have
+// nothing to flush.
+bool v_output_stream_flush(VOutputStream *stream);
+// The bytes written to a memory stream, followed by a zero byte that length does not count; the
+// stream is empty afterwards. Any other stream gives "" and length 0.
+OwnedText v_output_stream_get_memory_data(VOutputStream *stream, std::size_t &length);
+// v_output_stream_destroy closes a file that the stream created, and deletes it if a write has
+// failed.
+
+// The rest of the stream, followed by a zero byte that length does not count. Null on failure.
+OwnedText v_stream_copy_to_memory(VInputStream *stream, std::size_t &length);
+OwnedText v_stream_copy_from_zip_file_path_to_memory(struct zip *archive, const char *entry_name,
+                                                     std::size_t &length);
+// Copies byte for byte over whatever is at the destination. Two equal path texts succeed without
+// touching anything. A source that cannot be opened leaves an empty destination, a failed write
+// none.
+bool v_stream_copy_from_file_path_to_file_path(const char *source, const char *destination);

@@ -1,0 +1,43 @@
+#pragma once
+// Growable strings over GLib's, and the small text operations that the other floors share.
+
+#include <cstdarg>
+
+#include "base/owned.h"
+
+inline void free_growable_string(GString *string) { g_string_free(string, TRUE); }
+
+// A growable UTF-8 string, and its twin for ISO-8859-1: the same bytes-in, bytes-out string under
+// two names, so that a signature tells which encoding it holds.
+using VUtf8String = GString;
+using VLatin1String = GString;
+using OwnedUtf8String = Owned<GString, free_growable_string>;
+using OwnedLatin1String = Owned<GString, free_growable_string>;
+
+// A new string that begins with a copy of the text (null: empty).
+OwnedUtf8String v_utf8_string_new(const char *text);
+void v_utf8_string_append(VUtf8String *string, const char *text);
+void v_utf8_string_append_byte(VUtf8String *string, char byte);
+void v_utf8_string_append_printf(VUtf8String *string, const char *format, ...) G_GNUC_PRINTF(2, 3);
+void v_utf8_string_append_vprintf(VUtf8String *string, const char *format, va_list arguments)
+    G_GNUC_PRINTF(2, 0);
+// Ends the string. Returns its characters, or null when free_data is true.
+OwnedText v_utf8_string_free(OwnedUtf8String string, bool free_data);
+
+OwnedLatin1String v_latin1_string_new(const char *text);
+void v_latin1_string_append(VLatin1String *string, const char *text);
+void v_latin1_string_append_byte(VLatin1String *string, char byte);
+void v_latin1_string_append_printf(VLatin1String *string, const char *format, ...)
+    G_GNUC_PRINTF(2, 3);
+void v_latin1_string_append_vprintf(VLatin1String *string, const char *format, va_list arguments)
+    G_GNUC_PRINTF(2, 0);
+OwnedText v_latin1_string_free(OwnedLatin1String string, bool free_data);
+
+// New text with every occurrence of find replaced. An empty find is found nowhere.
+OwnedText v_char_strdup_replace(const char *text, const char *find, const char *replacement);
+// The same for a text that is handed over.
+OwnedText v_char_strdup_replace_and_free(OwnedText text, const char *find, const char *replacement);
+// New text of count strings one after the other; null entries are skipped, count 0 gives "".
+OwnedText v_utf8_cat_(const char *const *array, int count);
+// True when the text ends in suffix; ASCII letters match without regard to case.
+bool v_utf8_has_suffix_case_insensitive_ascii(const char *text, const char *suffix);

@@ -1,0 +1,26 @@
+#pragma once
+// Between the ISO-8859-1 of the data model and the UTF-8 of XML parser, toolkit and file system.
+
+#include "base/owned.h"
+
+// New UTF-8 text of an ISO-8859-1 text; never fails.
+OwnedText v_convert_latin1_to_utf8(const char *latin1_text);
+// New ISO-8859-1 text of a UTF-8 text; null with "Character incompatible with ISO-8859-1 found
+// where not allowed." when it holds a character that ISO-8859-1 does not have.
+OwnedText v_convert_utf8_to_latin1(const char *utf8_text);
+// True when the one character at the pointer into valid UTF-8 text exists in ISO-8859-1. Sets no
+// error.
+bool v_convert_test_utf8_char_for_latin1(const char *utf8_character);
+
+// True when every byte is below 128. Sets no error.
+bool v_ascii_test(const char *text);
+// The text itself (borrowed) when every byte is below 128, else null with "Non-ascii byte found
+// where not allowed.".
+const char *v_ascii_assert_in_utf8(const char *utf8_text);
+const char *v_ascii_assert_in_latin1(const char *latin1_text);
+
+// The text itself (borrowed) when there is one and it is not empty; null with "Text content does
+// not exist." for null and "Text content is empty." for "".
+const char *v_latin1_assert_nonempty(const char *latin1_text);
+// The same for a text that is handed over: on failure it is freed and null comes back.
+OwnedText v_latin1_assert_nonempty_or_free(OwnedText latin1_text);

@@ -1,0 +1,218 @@
+#include "base/xml_writing.h"
+
+#include <cstdarg>
+
+#include <libxml/xmlsave.h>
+
+#include "base/error.h"
+#include "base/fs_utils.h"
+#include "base/text_buffer.h"
+#include "base/text_encoding.h"
+
+namespace {
+
+const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar *>(text); }
+
+xmlNode *or_fail(xmlNode *node, const char *message) {
+  if (node == nullptr) {
+    v_error_set(message);
+  }
+  return node;
+}
+
+// null for a byte that is written as it is.
+const char *escape(char byte) {
+  switch (byte) {
+  case '&':
+    return "&amp;";
+  case '"':
+    return "&quot;";
+  case '\'':
+    return "&apos;";
+  case '<':
+    return "&lt;";
+  case '>':
+    return "&gt;";
+  case '\n':
+    return "&#xA;";
+  case '\t':
+    return "&#x9;";
+  case '\r':
+    return "&#xD;&#x9;";
+  default:
+    return nullptr;
+  }
+}
+
+struct CloseSaveContext {
+  void operator()(xmlSaveCtxt *context) const noexcept { xmlSaveClose(context); }
+};
+
+// The save call reports success even on a full disk; only the close, which writes the rest, tells.
+bool save(xmlDoc *document, std::unique_ptr<xmlSaveCtxt, CloseSaveContext> context) {
+  const bool is_saved = xmlSaveDoc(context.get(), document) != -1;
+  const bool is_closed = xmlSaveClose(context.release()) != -1;
+  return is_saved && is_closed;
+}
+
+} // namespace
+
+OwnedXmlDoc v_xml_new_doc() {
+  OwnedXmlDoc document(xmlNewDoc(as_xml("1.0")));
+  if (!document) {
+    v_error_set("Error when creating new empty XML tree.");
+  }
+  return document;
+}
+
+xmlNode *v_xml_add_root_element(xmlDoc *document, const char *name) {
+  xmlNode *root = or_fail(xmlNewDocNode(document, nullptr, as_xml(name), nullptr),
+                          "Error when creating an XML element.");
+  if (root != nullptr) {
+    xmlFreeNode(xmlDocSetRootElement(document, root));
+  }
+  return root;
+}
+
+xmlNode *v_xml_add_child_element(xmlNode *parent, const char *name) {
+  return or_fail(xmlNewChild(parent, nullptr, as_xml(name), nullptr),
+                 "Error when creating an XML child element.");
+}
+
+xmlNode *v_xml_add_child_element_with_ascii_text_content(xmlNode *parent, const char *name,
+                                                         const char *ascii_text) {
+  return v_ascii_assert_in_utf8(ascii_text) == nullptr
+             ? nullptr
+             : v_xml_add_child_element_with_utf8_text_content(parent, name, ascii_text);
+}
+
+xmlNode *v_xml_add_child_element_with_utf8_text_content(xmlNode *parent, const char *name,
+                                                        const char *utf8_text) {
+  return or_fail(xmlNewTextChild(parent, nullptr, as_xml(name), as_xml(utf8_text)),
+                 "Error when creating an XML text child element.");
+}
+
+xmlNode *v_xml_add_child_element_with_latin1_text_content(xmlNode *parent, const char *name,
+                                                          const char *latin1_text) {
+  return v_xml_add_child_element_with_utf8_text_content(
+      parent, name, v_convert_latin1_to_utf8(latin1_text).get());
+}
+
+bool v_xml_set_attribute(xmlNode *node, const char *name, const char *value) {
+  if (value == nullptr) {
+    v_error_set("Missing value for XML attribute.");
+    return false;
+  }
+  if (xmlSetProp(node, as_xml(name), as_xml(value)) == nullptr) {
+    v_error_set("Error when setting an XML attribute.");
+    return false;
+  }
+  return true;
+}
+
+bool v_xml_set_attribute_with_ascii_content(xmlNode *node, const char *name,
+                                            const char *ascii_text) {
+  const bool is_unfit = ascii_text != nullptr && v_ascii_assert_in_utf8(ascii_text) == nullptr;
+  return !is_unfit && v_xml_set_attribute(node, name, ascii_text);
+}
+
+bool v_xml_set_attribute_with_latin1_content(xmlNode *node, const char *name,
+                                             const char *latin1_text) {
+  const OwnedText utf8_text =
+      latin1_text == nullptr ? nullptr : v_convert_latin1_to_utf8(latin1_text);
+  return v_xml_set_attribute(node, name, utf8_text.get());
+}
+
+bool v_xml_set_attribute_to_boolean(xmlNode *node, const char *name, bool value) {
+  return v_xml_set_attribute(node, name, value ? "true" : "false");
+}
+
+bool v_xml_set_attribute_to_int(xmlNode *node, const char *name, int value) {
+  const OwnedText text(g_strdup_printf("%d", value));
+  return v_xml_set_attribute(node, name, text.get());
+}
+
+bool v_xml_set_attribute_to_double(xmlNode *node, const char *name, double value) {
+  char text[G_ASCII_DTOSTR_BUF_SIZE];
+  return v_xml_set_attribute(node, name, g_ascii_dtostr(text, sizeof text, value));
+}
+
+bool v_xml_write_to_file(xmlDoc *document, const char *path, const char *encoding) {
+  OwnedFile file = v_fs_utils_open_file(path, "wb");
+  if (!file) {
+    return false;
+  }
+  const bool is_written = v_xml_write_to_stream(document, file.get(), encoding);
+  // A document that could not be written keeps that message; the file is closed either way.
+  if (is_written && v_fs_utils_close_file(std::move(file))) {
+    return true;
+  }
+  v_fs_utils_discard_file(path);
+  return false;
+}
+
+bool v_xml_write_to_stream(xmlDoc *document, std::FILE *stream, const char *encoding) {
+  std::unique_ptr<xmlSaveCtxt, CloseSaveContext> context(
+      xmlSaveToFd(fileno(stream), encoding, XML_SAVE_FORMAT));
+  if (!context) {
+    v_error_set("Could not create XML saving context for file.");
+    return false;
+  }
+  if (!save(document, std::move(context))) {
+    v_error_set("Could not write XML data.");
+    return false;
+  }
+  return true;
+}
+
+OwnedText v_xml_write_to_string(xmlDoc *document, const char *encoding) {
+  const Owned<xmlBuffer, xmlBufferFree> buffer(xmlBufferCreate());
+  std::unique_ptr<xmlSaveCtxt, CloseSaveContext> context(
+      xmlSaveToBuffer(buffer.get(), encoding, XML_SAVE_FORMAT));
+  if (!context || !save(document, std::move(context))) {
+    v_error_set("Could not write XML data to memory buffer.");
+    return nullptr;
+  }
+  return OwnedText(g_strndup(reinterpret_cast<const char *>(xmlBufferContent(buffer.get())),
+                             static_cast<gsize>(xmlBufferLength(buffer.get()))));
+}
+
+OwnedText v_xml_latin1_to_xml(const char *latin1_text) {
+  if (latin1_text == nullptr) {
+    return nullptr;
+  }
+  OwnedLatin1String escaped = v_latin1_string_new(nullptr);
+  for (const char *byte = latin1_text; *byte != '\0'; byte++) {
+    if (const char *reference = escape(*byte)) {
+      v_latin1_string_append(escaped.get(), reference);
+    } else {
+      v_latin1_string_append_byte(escaped.get(), *byte);
+    }
+  }
+  return v_latin1_string_free(std::move(escaped), false);
+}
+
+bool v_xml_write_string(std::FILE *stream, const char *latin1_text) {
+  return v_util_fprintf(stream, "%s", v_xml_latin1_to_xml(latin1_text).get());
+}
+
+bool v_xml_write_tabs(std::FILE *stream, int n) {
+  for (int i = 0; i < n; i++) {
+    if (!v_util_fprintf(stream, "\t")) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool v_util_fprintf(std::FILE *stream, const char *format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const int result = std::vfprintf(stream, format, arguments);
+  va_end(arguments);
+  if (result < 0) {
+    v_error_set_file_io_writing();
+    return false;
+  }
+  return true;
+}

@@ -1,0 +1,57 @@
+#pragma once
+// XML out, two ways: documents built as a tree and serialised by the parser library, and text
+// written by hand with an exact escaping rule for files whose every byte is promised.
+
+#include <cstdio>
+
+#include <libxml/tree.h>
+
+#include "base/owned.h"
+
+// New XML 1.0 document; null with "Error when creating new empty XML tree.".
+OwnedXmlDoc v_xml_new_doc();
+// Borrowed, owned by the document; null with "Error when creating an XML element.".
+xmlNode *v_xml_add_root_element(xmlDoc *document, const char *name);
+// Borrowed; null with "Error when creating an XML child element.".
+xmlNode *v_xml_add_child_element(xmlNode *parent, const char *name);
+// A child with text content; borrowed. Null with "Error when creating an XML text child element.",
+// and for ASCII with "Non-ascii byte found where not allowed.".
+xmlNode *v_xml_add_child_element_with_ascii_text_content(xmlNode *parent, const char *name,
+                                                         const char *ascii_text);
+xmlNode *v_xml_add_child_element_with_utf8_text_content(xmlNode *parent, const char *name,
+                                                        const char *utf8_text);
+xmlNode *v_xml_add_child_element_with_latin1_text_content(xmlNode *parent, const char *name,
+                                                          const char *latin1_text);
+
+// The value is UTF-8. False with "Missing value for XML attribute." for null, "Error when setting
+// an XML attribute." when it is refused.
+bool v_xml_set_attribute(xmlNode *node, const char *name, const char *value);
+bool v_xml_set_attribute_with_ascii_content(xmlNode *node, const char *name,
+                                            const char *ascii_text);
+bool v_xml_set_attribute_with_latin1_content(xmlNode *node, const char *name,
+                                             const char *latin1_text);
+// "true" or "false".
+bool v_xml_set_attribute_to_boolean(xmlNode *node, const char *name, bool value);
+bool v_xml_set_attribute_to_int(xmlNode *node, const char *name, int value);
+// With a decimal point in every locale, and as many digits as reading back needs.
+bool v_xml_set_attribute_to_double(xmlNode *node, const char *name, double value);
+
+// Writes the document, indented, in the named encoding over whatever is at the path (UTF-8). False
+// with the message of opening or closing the file or that of v_xml_write_to_stream; no file is left
+// half written.
+bool v_xml_write_to_file(xmlDoc *document, const char *path, const char *encoding);
+// False with "Could not create XML saving context for file." or "Could not write XML data.".
+bool v_xml_write_to_stream(xmlDoc *document, std::FILE *stream, const char *encoding);
+// The serialised document in the named encoding, zero-terminated; null with "Could not write XML
+// data to memory buffer.".
+OwnedText v_xml_write_to_string(xmlDoc *document, const char *encoding);
+
+// New escaped text of an ISO-8859-1 text; null for null. A carriage return becomes two references,
+// "&#xD;&#x9;": meant, and in every file of the suite.
+OwnedText v_xml_latin1_to_xml(const char *latin1_text);
+
+// The hand writers: false with "File I/O error when writing to file." on a failed write.
+bool v_xml_write_string(std::FILE *stream, const char *latin1_text);
+// Nothing is written for n below 1.
+bool v_xml_write_tabs(std::FILE *stream, int n);
+bool v_util_fprintf(std::FILE *stream, const char *format, ...) G_GNUC_PRINTF(2, 3);

@@ -1,0 +1,13 @@
+# Everything that is called and not written here. A floor names the ones that it may use.
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0>=2.74)
+pkg_check_modules(LIBXML2 REQUIRED IMPORTED_TARGET libxml-2.0>=2.9.14)
+pkg_check_modules(LIBXSLT REQUIRED IMPORTED_TARGET libxslt)
+pkg_check_modules(LIBZIP REQUIRED IMPORTED_TARGET libzip)
+pkg_check_modules(LIBPNG REQUIRED IMPORTED_TARGET libpng)
+pkg_check_modules(LIBJPEG REQUIRED IMPORTED_TARGET libjpeg)
+pkg_check_modules(LIBRSVG REQUIRED IMPORTED_TARGET librsvg-2.0)
+pkg_check_modules(FREETYPE REQUIRED IMPORTED_TARGET freetype2)
+pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo cairo-ft)
+pkg_check_modules(GTK REQUIRED IMPORTED_TARGET gtk+-3.0>=3.24)
+pkg_check_modules(GSPELL REQUIRED IMPORTED_TARGET gspell-1)
