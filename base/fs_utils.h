@@ -59,6 +59,12 @@ void v_fs_utils_discard_file(const char *path);
 // "Cannot get file status.".
 bool v_fs_utils_get_info(const char *path, VFileInfo &info);
 
+// Whether the record is that of a regular file. A socket has the file's bit of the mode as well,
+// and the folder's.
+inline bool v_fs_utils_is_regular_file(const VFileInfo &info) {
+  return info.exists && info.is_file && !info.is_folder;
+}
+
 // Joins a folder and count parts: trailing "/" of the folder go, empty parts are skipped, parts are
 // joined by one "/". A folder of only "/" counts as empty, so its parts make a relative path.
 OwnedText v_fs_utils_create_path_in_folder_(const char *folder, const char *const *parts,

@@ -1,0 +1,139 @@
+#include "codeset/codeset_io.h"
+
+#include <string_view>
+#include <unordered_set>
+
+#include "base/error.h"
+#include "base/fs_utils.h"
+#include "base/xml_reading.h"
+#include "base/xml_writing.h"
+#include "codeset/remark_xml.h"
+#include "langstr/langstr_xml.h"
+
+namespace {
+
+bool read_name_author_version(VCodeset *codeset, xmlDoc *document, const xmlNode *root) {
+  codeset->name = v_xml_parse_required_langstr(document, root, "name", LangstrSpacing::compact);
+  return codeset->name &&
+         v_xml_parse_langstr(codeset->author, document, root, "author", LangstrSpacing::compact) &&
+         v_xml_get_nonempty_text_content_from_distinct_child_node_as_compact_latin1(
+             codeset->version, document, root, "version");
+}
+
+bool read_remarks(VRemarkList *list, xmlDoc *document, const xmlNode *root) {
+  std::unordered_set<std::string_view> codes; // into the remarks of the list
+  for (const xmlNode *child = root->children; child != nullptr; child = child->next) {
+    if (!v_xml_node_has_name(child, "remark")) {
+      continue;
+    }
+    OwnedRemark remark = v_xml_parse_remark(document, child);
+    if (!remark) {
+      return false;
+    }
+    if (!codes.insert(remark->code.get()).second) {
+      v_error_set("Duplicate remark codes.");
+      return false;
+    }
+    v_remark_list_add_remark_last(list, std::move(remark));
+  }
+  if (codes.empty()) {
+    v_error_set("Missing remarks.");
+    return false;
+  }
+  v_remark_list_sort(list);
+  return true;
+}
+
+bool write_head(std::FILE *file, const VCodeset *codeset) {
+  return v_util_fprintf(file, "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n\n<codeset>\n\n") &&
+         v_xml_write_langstr(file, codeset->name.get(), "name", 1) &&
+         v_xml_write_langstr(file, codeset->author.get(), "author", 1);
+}
+
+bool write_version(std::FILE *file, const char *version) {
+  return version == nullptr ||
+         (v_util_fprintf(file, "\t<version>") && v_xml_write_string(file, version) &&
+          v_util_fprintf(file, "</version>\n"));
+}
+
+// The code goes out unescaped. This is meant: other tools of the suite write and compare it so.
+bool write_remark(std::FILE *file, const VRemark *remark) {
+  return v_util_fprintf(file, "\n\t<remark>\n\t\t<code>%s</code>\n", remark->code.get()) &&
+         v_xml_write_langstr(file, remark->description.get(), "description", 2) &&
+         v_util_fprintf(file, "\t</remark>\n");
+}
+
+bool write_remarks(std::FILE *file, const VRemarkList *list) {
+  for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+    if (!write_remark(file, remark)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// The last write is the flush: a full disk may show up only here.
+bool flush(std::FILE *file) {
+  if (std::fflush(file) != 0) {
+    v_error_set_file_io_writing();
+    return false;
+  }
+  return true;
+}
+
+bool write_codeset(std::FILE *file, const VCodeset *codeset) {
+  return write_head(file, codeset) && write_version(file, codeset->version.get()) &&
+         write_remarks(file, codeset->remarks.get()) && v_util_fprintf(file, "\n</codeset>\n") &&
+         flush(file);
+}
+
+} // namespace
+
+OwnedCodeset v_codeset_io_read_from_file(const char *path) {
+  const OwnedXmlDoc document = v_xml_parse_file(path);
+  if (!document) {
+    v_error_append("Error loading codeset file.");
+    return nullptr;
+  }
+  const xmlNode *root = v_xml_get_root_element(document.get());
+  if (root == nullptr) {
+    v_error_append("Invalid codeset file.");
+    return nullptr;
+  }
+  if (!v_xml_node_has_name(root, "codeset")) {
+    v_error_set("Not a codeset file.");
+    return nullptr;
+  }
+  OwnedCodeset codeset = v_codeset_new();
+  if (!read_name_author_version(codeset.get(), document.get(), root) ||
+      !read_remarks(codeset->remarks.get(), document.get(), root)) {
+    v_error_append("Error parsing codeset file.");
+    return nullptr;
+  }
+  return codeset;
+}
+
+OwnedCodeset v_codeset_io_read_from_file_in_workspace(const char *workspace_folder_path,
+                                                      const char *file_name) {
+  return v_codeset_io_read_from_file(
+      v_fs_utils_create_path_in_folder(workspace_folder_path, file_name).get());
+}
+
+bool v_codeset_io_write_to_file(const VCodeset *codeset, const char *path) {
+  if (!v_fs_utils_delete_file_if_exists(path)) {
+    v_error_append("Cannot access file.");
+    return false;
+  }
+  OwnedFile file = v_fs_utils_open_file(path, "wb");
+  if (!file) {
+    v_error_append("Cannot create file.");
+    v_fs_utils_discard_file(path);
+    return false;
+  }
+  if (!write_codeset(file.get(), codeset) || !v_fs_utils_close_file(std::move(file))) {
+    file.reset();
+    v_fs_utils_discard_file(path);
+    return false;
+  }
+  return true;
+}

@@ -1,0 +1,197 @@
+#include "codeset/remark.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "base/natural_order.h"
+
+namespace {
+
+void link_before(VRemark *place, OwnedRemark owned) {
+  VRemark *remark = owned.release();
+  remark->prev = place->prev;
+  remark->next = place;
+  place->prev->next = remark;
+  place->prev = remark;
+}
+
+void join(VRemark *first, VRemark *second) {
+  first->next = second;
+  second->prev = first;
+}
+
+bool has_code(const VRemark *remark, const char *code) {
+  return std::strcmp(remark->code.get(), code) == 0;
+}
+
+} // namespace
+
+OwnedRemark v_remark_new() { return OwnedRemark(new VRemark); }
+
+OwnedRemark v_remark_clone(const VRemark *remark) {
+  OwnedRemark clone = v_remark_new();
+  clone->code = copy_text(remark->code.get());
+  clone->description = v_langstr_clone(remark->description.get());
+  return clone;
+}
+
+void v_remark_destroy(VRemark *remark) {
+  if (remark == nullptr) {
+    return;
+  }
+  if (remark->prev != nullptr) {
+    v_remark_remove(remark);
+  }
+  delete remark;
+}
+
+VRemark *v_remark_remove(VRemark *remark) {
+  VRemark *predecessor = remark->prev;
+  join(predecessor, remark->next);
+  remark->prev = nullptr;
+  remark->next = nullptr;
+  return predecessor;
+}
+
+int v_remark_get_index(const VRemark *remark) {
+  int index = -1; // the head sentinel does not count
+  while ((remark = remark->prev) != nullptr) {
+    index++;
+  }
+  return index;
+}
+
+int v_remark_compare_codes(const char *a, const char *b) {
+  if (const int order = strnatzerocasecmp(a, b)) {
+    return order;
+  }
+  if (const int order = strnatcasecmp(a, b)) {
+    return order;
+  }
+  if (const int order = strnatzerocmp(a, b)) {
+    return order;
+  }
+  if (const int order = strnatcmp(a, b)) {
+    return order;
+  }
+  return std::strcmp(a, b);
+}
+
+OwnedRemarkList v_remark_list_new() {
+  OwnedRemarkList list(new VRemarkList);
+  join(&list->head, &list->tail);
+  return list;
+}
+
+void v_remark_list_destroy(VRemarkList *list) {
+  if (list == nullptr) {
+    return;
+  }
+  v_remark_list_destroy_remarks(list);
+  delete list;
+}
+
+void v_remark_list_destroy_remarks(VRemarkList *list) {
+  while (!v_remark_list_is_empty(list)) {
+    v_remark_destroy(list->head.next);
+  }
+}
+
+bool v_remark_list_is_empty(const VRemarkList *list) { return list->head.next == &list->tail; }
+
+void v_remark_list_add_remark_first(VRemarkList *list, OwnedRemark remark) {
+  link_before(list->head.next, std::move(remark));
+}
+
+void v_remark_list_add_remark_last(VRemarkList *list, OwnedRemark remark) {
+  link_before(&list->tail, std::move(remark));
+}
+
+void v_remark_list_add_remark_sorted(VRemarkList *list, OwnedRemark remark) {
+  VRemark *place = remark->code ? list->head.next : &list->tail;
+  while (place != &list->tail &&
+         v_remark_compare_codes(place->code.get(), remark->code.get()) <= 0) {
+    place = place->next;
+  }
+  link_before(place, std::move(remark));
+}
+
+void v_remark_list_sort(VRemarkList *list) {
+  std::vector<VRemark *> remarks;
+  for (VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+    remarks.push_back(remark);
+  }
+  const auto stands_before = [](const VRemark *a, const VRemark *b) {
+    return v_remark_compare_codes(a->code.get(), b->code.get()) < 0;
+  };
+  // Files are mostly written in order already.
+  if (std::is_sorted(remarks.begin(), remarks.end(), stands_before)) {
+    return;
+  }
+  std::stable_sort(remarks.begin(), remarks.end(), stands_before);
+  VRemark *last = &list->head;
+  for (VRemark *remark : remarks) {
+    join(last, remark);
+    last = remark;
+  }
+  join(last, &list->tail);
+}
+
+VRemark *v_remark_list_get_remark_for_code(const VRemarkList *list, const char *code) {
+  for (VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+    if (has_code(remark, code)) {
+      return remark;
+    }
+  }
+  return nullptr;
+}
+
+void v_remark_list_copy_remarks(VRemarkList *to, const VRemarkList *from) {
+  // What is appended to the list that is being walked is not copied again.
+  const VRemark *last = from->tail.prev;
+  for (const VRemark *remark = &from->head; remark != last;) {
+    remark = remark->next;
+    v_remark_list_add_remark_last(to, v_remark_clone(remark));
+  }
+}
+
+bool v_remark_list_has_remark(const VRemarkList *list, const char *code,
+                              const VLangstr *description) {
+  const VRemark *remark = v_remark_list_get_remark_for_code(list, code);
+  return remark != nullptr && v_langstr_is_identical(remark->description.get(), description);
+}
+
+bool v_remark_list_is_subset(const VRemarkList *a, const VRemarkList *b) {
+  for (const VRemark *remark = a->head.next; remark != &a->tail; remark = remark->next) {
+    const VRemark *other = v_remark_list_get_remark_for_code(b, remark->code.get());
+    if (other == nullptr ||
+        !v_langstr_is_subset(remark->description.get(), other->description.get())) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool v_remark_list_remark_is_mergeable(const VRemarkList *list, const VRemark *remark) {
+  const VRemark *present = v_remark_list_get_remark_for_code(list, remark->code.get());
+  return present == nullptr ||
+         v_langstr_is_mergeable(present->description.get(), remark->description.get());
+}
+
+bool v_remark_list_remarks_are_mergeable(const VRemarkList *a, const VRemarkList *b) {
+  for (const VRemark *remark = b->head.next; remark != &b->tail; remark = remark->next) {
+    if (!v_remark_list_remark_is_mergeable(a, remark)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+void v_remark_list_merge_remark(VRemarkList *list, const VRemark *remark) {
+  if (VRemark *present = v_remark_list_get_remark_for_code(list, remark->code.get())) {
+    v_langstr_merge(present->description, remark->description.get());
+  } else {
+    v_remark_list_add_remark_sorted(list, v_remark_clone(remark));
+  }
+}

@@ -1,0 +1,69 @@
+#pragma once
+// Remarks and the list that holds a codeset's remarks in the natural order of their codes. Codes
+// are ISO-8859-1 and compare byte for byte. Knows nothing of files and screens.
+
+#include "langstr/langstr.h"
+
+struct VRemark {
+  OwnedText code; // null while the remark is being built, and only then
+  OwnedLangstr description;
+  // The neighbours in the list that holds the remark, sentinels included; null in no list.
+  VRemark *prev = nullptr;
+  VRemark *next = nullptr;
+};
+
+// Unlinks the remark from its list, if it is in one, and frees it. Null is allowed.
+void v_remark_destroy(VRemark *remark);
+using OwnedRemark = Owned<VRemark, v_remark_destroy>;
+
+// Owns its remarks. They are walked from head.next until &tail.
+struct VRemarkList {
+  VRemark head; // sentinels
+  VRemark tail;
+};
+
+void v_remark_list_destroy(VRemarkList *list);
+using OwnedRemarkList = Owned<VRemarkList, v_remark_list_destroy>;
+
+// A remark in no list, without code, with an empty description.
+OwnedRemark v_remark_new();
+// A copy in no list.
+OwnedRemark v_remark_clone(const VRemark *remark);
+// Unlinks the remark, which is the caller's from then on, and returns the neighbour that stood
+// before it (borrowed, perhaps the head sentinel).
+VRemark *v_remark_remove(VRemark *remark);
+// The remark's place in its list, from 0.
+int v_remark_get_index(const VRemark *remark);
+
+// Remark code order: natural order without regard to case and zeros, then with zeros, then with
+// case, then with both, then the bytes. A strict total order: 0 for identical codes alone.
+int v_remark_compare_codes(const char *a, const char *b);
+
+OwnedRemarkList v_remark_list_new();
+// Destroys every remark; the list stays, empty.
+void v_remark_list_destroy_remarks(VRemarkList *list);
+bool v_remark_list_is_empty(const VRemarkList *list);
+void v_remark_list_add_remark_first(VRemarkList *list, OwnedRemark remark);
+void v_remark_list_add_remark_last(VRemarkList *list, OwnedRemark remark);
+// Links the remark before the first one whose code is greater, at the end when it has no code.
+// Linear; many remarks are added last and sorted once.
+void v_remark_list_add_remark_sorted(VRemarkList *list, OwnedRemark remark);
+// Brings a list whose remarks all have codes into remark code order; n log n.
+void v_remark_list_sort(VRemarkList *list);
+// The first remark with exactly this code (borrowed), or null.
+VRemark *v_remark_list_get_remark_for_code(const VRemarkList *list, const char *code);
+
+// Appends clones of all remarks of from, in its order.
+void v_remark_list_copy_remarks(VRemarkList *to, const VRemarkList *from);
+// Whether there is a remark with this code and the identical description.
+bool v_remark_list_has_remark(const VRemarkList *list, const char *code,
+                              const VLangstr *description);
+// Whether every remark of a has one in b with the same code whose description contains its own.
+bool v_remark_list_is_subset(const VRemarkList *a, const VRemarkList *b);
+// Whether the list has no remark of that code, or one whose description can be merged with it.
+bool v_remark_list_remark_is_mergeable(const VRemarkList *list, const VRemark *remark);
+// Whether that holds in a for every remark of b.
+bool v_remark_list_remarks_are_mergeable(const VRemarkList *a, const VRemarkList *b);
+// Adds a clone of the remark at its sorted place, or merges its description into the list's remark
+// of that code.
+void v_remark_list_merge_remark(VRemarkList *list, const VRemark *remark);

@@ -1,0 +1,168 @@
+#include "langstr/langstr.h"
+
+#include <cstring>
+#include <utility>
+
+namespace {
+
+bool equal(const char *a, const char *b) { return std::strcmp(a, b) == 0; }
+
+bool equal(const OwnedText &a, const OwnedText &b) { return equal(a.get(), b.get()); }
+
+bool is_untagged(const VLangstr &translation) { return *translation.lang == '\0'; }
+
+VLangstr *find_tag(VLangstr *langstr, const char *lang) {
+  while (langstr != nullptr && !equal(langstr->lang.get(), lang)) {
+    langstr = langstr->next.get();
+  }
+  return langstr;
+}
+
+bool has_text(const VLangstr *langstr, const char *text) {
+  while (langstr != nullptr && !equal(langstr->text.get(), text)) {
+    langstr = langstr->next.get();
+  }
+  return langstr != nullptr;
+}
+
+bool is_dialect_of(const char *tag, const char *lang, std::size_t lang_length) {
+  return std::strncmp(tag, lang, lang_length) == 0 && tag[lang_length] == '-';
+}
+
+void append(OwnedLangstr &langstr, const char *lang, const char *text) {
+  OwnedLangstr *end = &langstr;
+  while (*end) {
+    end = &(*end)->next;
+  }
+  end->reset(new VLangstr{copy_text(lang), copy_text(text), nullptr});
+}
+
+// Whether b holds one translation of a.
+bool holds(const VLangstr *b, const VLangstr &translation) {
+  if (is_untagged(translation)) {
+    return has_text(b, translation.text.get());
+  }
+  for (; b != nullptr; b = b->next.get()) {
+    if (equal(b->lang, translation.lang) && equal(b->text, translation.text)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+} // namespace
+
+void v_langstr_free(VLangstr *langstr) {
+  // One by one: a record that freed its successor would call itself as deep as the list is long.
+  while (langstr != nullptr) {
+    VLangstr *next = langstr->next.release();
+    delete langstr;
+    langstr = next;
+  }
+}
+
+bool v_langstr_set_translation(OwnedLangstr &langstr, const char *lang, const char *text) {
+  if (VLangstr *same_tag = find_tag(langstr.get(), lang)) {
+    if (equal(same_tag->text.get(), text)) {
+      return false;
+    }
+    same_tag->text = copy_text(text);
+    return true;
+  }
+  if (*lang == '\0') {
+    if (has_text(langstr.get(), text)) {
+      return false;
+    }
+  } else if (VLangstr *untagged = find_tag(langstr.get(), "");
+             untagged != nullptr && equal(untagged->text.get(), text)) {
+    untagged->lang = copy_text(lang);
+    return true;
+  }
+  append(langstr, lang, text);
+  return true;
+}
+
+const char *v_langstr_get_string(const VLangstr *langstr, const char *lang, bool allow_dialect) {
+  for (const VLangstr *t = langstr; t != nullptr; t = t->next.get()) {
+    if (equal(t->lang.get(), lang)) {
+      return t->text.get();
+    }
+  }
+  const std::size_t lang_length = std::strlen(lang);
+  if (!allow_dialect || lang_length < 2) {
+    return nullptr;
+  }
+  for (const VLangstr *t = langstr; t != nullptr; t = t->next.get()) {
+    if (is_dialect_of(t->lang.get(), lang, lang_length)) {
+      return t->text.get();
+    }
+  }
+  return nullptr;
+}
+
+OwnedLangstr v_langstr_clone(const VLangstr *langstr) {
+  OwnedLangstr copy;
+  OwnedLangstr *end = &copy;
+  for (; langstr != nullptr; langstr = langstr->next.get()) {
+    end->reset(
+        new VLangstr{copy_text(langstr->lang.get()), copy_text(langstr->text.get()), nullptr});
+    end = &(*end)->next;
+  }
+  return copy;
+}
+
+bool v_langstr_remove_lang(OwnedLangstr &langstr, const char *lang) {
+  OwnedLangstr *place = &langstr;
+  while (*place && !equal((*place)->lang.get(), lang)) {
+    place = &(*place)->next;
+  }
+  if (!*place) {
+    return false;
+  }
+  const OwnedLangstr removed = std::exchange(*place, std::move((*place)->next));
+  return true;
+}
+
+bool v_langstr_is_identical(const VLangstr *a, const VLangstr *b) {
+  while (a != nullptr && b != nullptr && equal(a->lang, b->lang) && equal(a->text, b->text)) {
+    a = a->next.get();
+    b = b->next.get();
+  }
+  return a == nullptr && b == nullptr;
+}
+
+bool v_langstr_is_subset(const VLangstr *a, const VLangstr *b) {
+  while (a != nullptr && holds(b, *a)) {
+    a = a->next.get();
+  }
+  return a == nullptr;
+}
+
+bool v_langstr_is_mergeable(const VLangstr *a, const VLangstr *b) {
+  bool has_common_text = false;
+  for (const VLangstr *x = a; x != nullptr; x = x->next.get()) {
+    for (const VLangstr *y = b; y != nullptr; y = y->next.get()) {
+      const bool same_tag = equal(x->lang, y->lang);
+      if (!same_tag && !is_untagged(*x) && !is_untagged(*y)) {
+        continue;
+      }
+      if (equal(x->text, y->text)) {
+        has_common_text = true;
+      } else if (same_tag && !is_untagged(*x)) {
+        return false;
+      }
+    }
+  }
+  return has_common_text;
+}
+
+bool v_langstr_merge(OwnedLangstr &a, const VLangstr *b) {
+  if (!v_langstr_is_mergeable(a.get(), b)) {
+    return false;
+  }
+  bool has_changed = false;
+  for (; b != nullptr; b = b->next.get()) {
+    has_changed |= v_langstr_set_translation(a, b->lang.get(), b->text.get());
+  }
+  return has_changed;
+}

@@ -1,0 +1,43 @@
+#pragma once
+// Language-tagged strings: one text in several languages at once, as an ordered list of
+// translations. Tags are ASCII, texts ISO-8859-1; both compare byte for byte. The null list is the
+// empty string, and every operation takes it. Knows nothing of what the text describes.
+
+#include "base/owned.h"
+
+struct VLangstr;
+void v_langstr_free(VLangstr *langstr);
+using OwnedLangstr = Owned<VLangstr, v_langstr_free>;
+
+// One translation. The whole string is its first translation; that one's text stands in for a
+// language that is missing. No two translations of a string have the same tag.
+struct VLangstr {
+  OwnedText lang; // "" for a translation of unknown language
+  OwnedText text;
+  OwnedLangstr next;
+};
+
+// The only way to add a translation, which keeps tags unique. Returns whether the string changed.
+//  - A translation with this tag gets the text.
+//  - An untagged text that some translation has already is not added.
+//  - A tagged text that the untagged translation has gives that one the tag, at its place.
+//  - Anything else is appended.
+bool v_langstr_set_translation(OwnedLangstr &langstr, const char *lang, const char *text);
+
+// The text for exactly this tag; failing that, with allow_dialect, for the first dialect of it
+// ("en" finds "en-uk", never the other way). Borrowed; null when there is none.
+const char *v_langstr_get_string(const VLangstr *langstr, const char *lang, bool allow_dialect);
+
+// A deep copy in the same order.
+OwnedLangstr v_langstr_clone(const VLangstr *langstr);
+// Removes the translation with exactly this tag. Returns whether there was one.
+bool v_langstr_remove_lang(OwnedLangstr &langstr, const char *lang);
+// Same translations in the same order.
+bool v_langstr_is_identical(const VLangstr *a, const VLangstr *b);
+// Every translation of a is in b: a tagged one under its tag, an untagged one under any.
+bool v_langstr_is_subset(const VLangstr *a, const VLangstr *b);
+// Some text stands in both under compatible tags (equal, or one of them empty), and no tag has two
+// different texts. An empty a is not mergeable.
+bool v_langstr_is_mergeable(const VLangstr *a, const VLangstr *b);
+// Sets every translation of b in a if the two are mergeable. Returns whether a changed.
+bool v_langstr_merge(OwnedLangstr &a, const VLangstr *b);

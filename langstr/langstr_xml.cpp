@@ -1,0 +1,98 @@
+#include "langstr/langstr_xml.h"
+
+#include "base/error.h"
+#include "base/whitespace.h"
+#include "base/xml_reading.h"
+#include "base/xml_writing.h"
+
+namespace {
+
+constexpr const char *lang_attribute = "lang";
+
+void normalise(char *latin1_text, LangstrSpacing spacing) {
+  if (spacing == LangstrSpacing::compact) {
+    v_strip_surrounding_and_spacify_compactly_within_original_for_latin1(latin1_text);
+  } else {
+    v_strip_surrounding_and_detabify_within_original_for_latin1(latin1_text);
+  }
+}
+
+} // namespace
+
+bool v_xml_parse_langstr(OwnedLangstr &langstr, xmlDoc *document, const xmlNode *parent,
+                         const char *element_name, LangstrSpacing spacing) {
+  langstr.reset();
+  for (const xmlNode *child = parent->children; child != nullptr; child = child->next) {
+    if (child->type != XML_ELEMENT_NODE || !v_xml_node_has_name(child, element_name)) {
+      continue;
+    }
+    if (!v_xml_parse_langstr_translation(langstr, document, child, LangTag::may_be_empty,
+                                         spacing)) {
+      langstr.reset();
+      return false;
+    }
+  }
+  return true;
+}
+
+OwnedLangstr v_xml_parse_required_langstr(xmlDoc *document, const xmlNode *parent,
+                                          const char *element_name, LangstrSpacing spacing) {
+  OwnedLangstr langstr;
+  if (v_xml_parse_langstr(langstr, document, parent, element_name, spacing) && !langstr) {
+    v_error_set_utf8_printf("Missing XML node: %s", element_name);
+  }
+  return langstr;
+}
+
+bool v_xml_parse_langstr_translation(OwnedLangstr &langstr, xmlDoc *document,
+                                     const xmlNode *element, LangTag lang_tag,
+                                     LangstrSpacing spacing) {
+  OwnedText lang;
+  if (!v_xml_get_attribute_value_as_ascii(lang, element, lang_attribute)) {
+    return false;
+  }
+  if (!lang) {
+    v_error_set_utf8_printf("Missing XML attribute: %s", lang_attribute);
+    return false;
+  }
+  v_strip_surrounding_and_spacify_compactly_within_original_for_ascii(lang.get());
+  if (lang_tag == LangTag::required && *lang == '\0') {
+    v_error_set("Empty XML lang attribute where not allowed.");
+    return false;
+  }
+  const OwnedText text = v_xml_get_text_content_as_latin1(document, element);
+  if (!text) {
+    return false;
+  }
+  normalise(text.get(), spacing);
+  if (*text == '\0') {
+    v_error_set("Empty text content in XML where not allowed.");
+    return false;
+  }
+  v_langstr_set_translation(langstr, lang.get(), text.get());
+  return true;
+}
+
+bool v_xml_write_langstr(std::FILE *stream, const VLangstr *langstr, const char *element_name,
+                         int depth) {
+  for (const VLangstr *t = langstr; t != nullptr; t = t->next.get()) {
+    if (!v_xml_write_tabs(stream, depth) ||
+        !v_util_fprintf(stream, "<%s lang=\"%s\">", element_name, t->lang.get()) ||
+        !v_xml_write_string(stream, t->text.get()) ||
+        !v_util_fprintf(stream, "</%s>\n", element_name)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool v_xml_add_langstr(xmlNode *parent, const VLangstr *langstr, const char *element_name) {
+  for (const VLangstr *t = langstr; t != nullptr; t = t->next.get()) {
+    xmlNode *element =
+        v_xml_add_child_element_with_latin1_text_content(parent, element_name, t->text.get());
+    if (element == nullptr || !v_xml_set_attribute(element, lang_attribute, t->lang.get())) {
+      return false;
+    }
+  }
+  return true;
+}

@@ -1,0 +1,35 @@
+#pragma once
+// The one XML form of a language-tagged string: a run of sibling elements of the same name, one per
+// translation, each with the attribute "lang" and the text as content.
+
+#include <cstdio>
+
+#include <libxml/tree.h>
+
+#include "langstr/langstr.h"
+
+// What normalising leaves of white space inside a text: single spaces, or line feeds as they are.
+enum class LangstrSpacing { compact, keep_lines };
+enum class LangTag { may_be_empty, required };
+
+// Reads every child element of the name (compact or with its lines) into langstr. None at all is
+// success with an empty string. On the first failure langstr is left empty and false returned, with
+// the message of v_xml_parse_langstr_translation.
+bool v_xml_parse_langstr(OwnedLangstr &langstr, xmlDoc *document, const xmlNode *parent,
+                         const char *element_name, LangstrSpacing spacing);
+// The same; null also with "Missing XML node: <name>" when there is no such element.
+OwnedLangstr v_xml_parse_required_langstr(xmlDoc *document, const xmlNode *parent,
+                                          const char *element_name, LangstrSpacing spacing);
+// Reads one element and sets it in langstr. False with "Missing XML attribute: lang", "Empty XML
+// lang attribute where not allowed.", "Empty text content in XML where not allowed." or the message
+// of the attribute or text getter.
+bool v_xml_parse_langstr_translation(OwnedLangstr &langstr, xmlDoc *document,
+                                     const xmlNode *element, LangTag lang_tag,
+                                     LangstrSpacing spacing);
+
+// Writes one line per translation, indented by depth tabs, in ISO-8859-1. False with "File I/O
+// error when writing to file."; what was written stays.
+bool v_xml_write_langstr(std::FILE *stream, const VLangstr *langstr, const char *element_name,
+                         int depth);
+// Adds one child element per translation to a tree. False with the message of the tree builder.
+bool v_xml_add_langstr(xmlNode *parent, const VLangstr *langstr, const char *element_name);

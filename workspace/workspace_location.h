@@ -1,0 +1,19 @@
+#pragma once
+// Where the workspace lies: a small file in the user's configuration folder, which all tools of the
+// suite read, and the place that is proposed to who has none yet. Paths are UTF-8.
+
+#include "base/owned.h"
+
+// Where the pointer file lies or will lie. With FolderCreation::yes its folder is made, missing
+// parents included. Null with "Error locating user config dir." or "Error creating/accessing
+// directory for settings in user config dir.".
+enum class FolderCreation { no, yes };
+OwnedText get_workspace_pointer_file_path(FolderCreation creation);
+
+// True with the saved folder, without trailing "/", or with null when nothing is saved. False with
+// null when there is a pointer file that cannot be read or understood.
+bool v_workspace_get_saved_folder_path(OwnedText &path);
+// Saves the folder; null removes the pointer file. False with a message.
+bool v_workspace_save_folder_path(const char *path);
+// "Vantorelle Workspace" in the home folder; null when the home folder cannot be had.
+OwnedText v_workspace_get_default_folder_path();
