@@ -1,0 +1,30 @@
+#pragma once
+// The frame that every tool of the suite runs in: the process-wide toolkit application, its
+// start-up and its shutdown. What the tool does reaches the frame through the application
+// configuration alone.
+
+#include <gtk/gtk.h>
+
+struct ApplicationConfiguration {
+  const char *application_id = nullptr; // reverse domain, static
+  // Called once, on the first activation; the application ends when it returns.
+  void (*run)(int argc, char **argv) = nullptr;
+  // Called on later activations while the tool runs; null for none.
+  void (*reactivate)(GtkApplication *application,
+                     ApplicationConfiguration *configuration) = nullptr;
+};
+
+// Runs the tool; returns the process's exit status. The arguments are handed to the tool, the
+// toolkit never sees them.
+int v_main(int argc, char **argv);
+
+// Defined by the tool: fills in its application id and callbacks.
+void v_init_application_configuration(ApplicationConfiguration *configuration);
+
+// The application's signal handlers. Start-up does the one-time work, and nothing is shown if it
+// fails: the activation that follows shows the whole message.
+void app_startup_callback(GtkApplication *application, ApplicationConfiguration *configuration);
+void app_activate_callback(GtkApplication *application, ApplicationConfiguration *configuration);
+int app_command_line_callback(GtkApplication *application, GApplicationCommandLine *command_line,
+                              void *data);
+void app_shutdown_callback(GtkApplication *application, ApplicationConfiguration *configuration);

@@ -1,0 +1,9 @@
+#include "app/application_menu.h"
+#include "app/sibling_tools.h"
+#include "gui/message_dialogs.h"
+
+void macos_menu_item_activate_callback(GtkMenuItem *, void *) {
+  if (!v_exe_launch_workspace_tool()) {
+    v_message_show_error(nullptr, "An error occured when trying to start the workspace tool.");
+  }
+}

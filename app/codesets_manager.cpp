@@ -1,0 +1,48 @@
+#include "app/codesets_manager.h"
+
+#include "app/application.h"
+#include "app/user_session.h"
+#include "base/fs_utils.h"
+#include "codeset/codeset_io.h"
+#include "gui/components/main_window.h"
+#include "workspace/display_text.h"
+
+void v_init_application_configuration(ApplicationConfiguration *configuration) {
+  configuration->application_id = "org.vantorelle.VantorelleRemarkCodesetsManager";
+  configuration->run = run;
+}
+
+void run(int, char **) {
+  const OwnedWindowStack window_stack = v_window_stack_new();
+  OwnedWorkspace workspace;
+  if (v_user_session_start(window_stack.get(), workspace)) {
+    RunContext context = {window_stack.get(), workspace.get()};
+    run_main_window(&context);
+    v_user_session_end(std::move(workspace));
+  }
+}
+
+void run_main_window(RunContext *context) {
+  v_components_gui_main_window_run(context->window_stack, context->workspace,
+                                   "Vantorelle Remark Codesets Manager 3.2.3", "codesets",
+                                   VFileType::remark_codeset, OfferBundled::yes, text_callback,
+                                   edit_callback, nullptr, context);
+}
+
+OwnedText text_callback(const char *file_path, void *run_context) {
+  // What is not a plain file is no codeset, and opening a pipe would wait for its other end.
+  VFileInfo info;
+  if (!v_fs_utils_get_info(file_path, info) || !v_fs_utils_is_regular_file(info)) {
+    return nullptr;
+  }
+  const OwnedCodeset codeset = v_codeset_io_read_from_file(file_path);
+  if (!codeset) {
+    return nullptr;
+  }
+  const auto *context = static_cast<const RunContext *>(run_context);
+  return v_util_get_codeset_string(context->workspace->settings.get(), codeset.get());
+}
+
+int edit_callback(const char *file_path, void *run_context) {
+  return run_editing_window(static_cast<const RunContext *>(run_context), file_path);
+}

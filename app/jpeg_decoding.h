@@ -1,0 +1,11 @@
+#pragma once
+// JPEG data to pixels.
+
+#include "app/image.h"
+#include "base/streams.h"
+
+// Decodes the stream's data into pixels 0x00RRGGBB: the top byte is 0, the picture is to be used as
+// an opaque one. Fills width and height (pixels). Null with "Failed decompressing JPEG image."
+// before the stream's or the library's message, "Incompatible JPEG data." or the pixel buffer's;
+// width and height stay then. A picture whose data ends too soon is a failure.
+OwnedPixels v_jpeg_decompress(VInputStream *stream, int &width, int &height);

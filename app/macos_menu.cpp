@@ -1,0 +1,16 @@
+#include <gtkosxapplication.h>
+
+#include "app/application_menu.h"
+#include "gui/widgets.h"
+
+// Behind the system's own first entry: a line, then the item.
+void v_application_menu_install(GtkApplication *) {
+  GtkosxApplication *application = gtkosx_application_get();
+  gtkosx_application_insert_app_menu_item(application, v_gui_menu_create_separator(), 1);
+  gtkosx_application_insert_app_menu_item(
+      application,
+      v_gui_menu_create_item_with_activate_callback(
+          "Workspace Tool", nullptr, 0, G_CALLBACK(macos_menu_item_activate_callback), nullptr),
+      2);
+  gtkosx_application_ready(application);
+}

@@ -1,0 +1,30 @@
+#pragma once
+// PNG data to pixels: every colour type and depth becomes 8 bits per sample, red, green, blue and
+// alpha.
+
+#include <cstddef>
+
+#include "app/image.h"
+#include "base/streams.h"
+
+enum class VPngAlphaMode {
+  on_white = 0, // the picture is laid on white, no alpha remains
+  straight = 1,
+  premultiplied = 2,
+};
+
+// Decodes the stream's data. Fills width, height (pixels) and opaque: true exactly when no pixel
+// has an alpha below 255. On failure they stay as they are and null comes back, with "The input
+// data is not a PNG image.", "Error reading PNG data." (damaged, cut short or too large: the
+// library takes up to 1000000 pixels either way), "Unexpected PNG row size: ..." or the
+// out-of-memory message; data whose beginning cannot be read leaves the stream's message.
+OwnedPixels v_png_decompress(VInputStream *stream, VPngAlphaMode alpha_mode, int &width,
+                             int &height, bool &opaque);
+OwnedPixels v_png_decompress_from_file_path(const char *path, VPngAlphaMode alpha_mode, int &width,
+                                            int &height, bool &opaque);
+OwnedPixels v_png_decompress_from_memory(const void *data, std::size_t length,
+                                         VPngAlphaMode alpha_mode, int &width, int &height,
+                                         bool &opaque);
+OwnedPixels v_png_decompress_from_zip_file_path(struct zip *archive, const char *entry_name,
+                                                VPngAlphaMode alpha_mode, int &width, int &height,
+                                                bool &opaque);

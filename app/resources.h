@@ -1,0 +1,18 @@
+#pragma once
+// The images and documents that travel inside the program.
+
+#include "app/image.h"
+#include "base/owned.h"
+#include "gui/file_types.h"
+
+// Opens the archive; to be done before anything is loaded. False with the archive layer's message.
+bool v_resources_open();
+// Closes the archive; without one it does nothing. What was loaded lives on.
+void v_resources_clean_up();
+
+// Null with "Could not load image resource." before the reason; keep_encoded_data as in
+// v_gfx_image_io_read_from_zip_file_path.
+OwnedImage v_resources_load_image(const char *entry_name, VFileType file_type,
+                                  bool keep_encoded_data);
+// Null with "Could not open XML resource." before the reason.
+OwnedXmlDoc v_resources_load_xml_doc(const char *entry_name);

@@ -1,0 +1,92 @@
+#include "app/temp_files.h"
+
+#include <cstdint>
+#include <cstring>
+
+#include "base/error.h"
+#include "base/fs_utils.h"
+#include "base/owned.h"
+#include "base/platform.h"
+
+namespace {
+
+using OwnedRegex = Owned<GRegex, g_regex_unref>;
+
+// vantorelle-<process id>.<fingerprint of the process's executable>.out or .odt
+constexpr const char *name_pattern = "^vantorelle-[0-9]+[.][0-9]+[.]o[du]t$";
+constexpr std::size_t prefix_length = 11;
+
+struct Maker {
+  long process_id = 0;
+  std::int64_t fingerprint = 0;
+};
+
+// The name matches the pattern. Numbers beyond the range become its end, which no process has.
+Maker get_maker(const char *file_name) {
+  const char *process_id = file_name + prefix_length;
+  const char *fingerprint = std::strchr(process_id, '.') + 1;
+  return {static_cast<long>(g_ascii_strtoll(process_id, nullptr, 10)),
+          g_ascii_strtoll(fingerprint, nullptr, 10)};
+}
+
+// The executable's size with the top bit cleared: names carry 31 bits.
+std::int64_t get_fingerprint(const VFileInfo &executable) { return executable.size & 0x7fffffff; }
+
+bool is_gone(const Maker &maker) {
+  const OwnedText path = v_platform_get_exe_path_for_process_id(maker.process_id);
+  if (!path) {
+    return true;
+  }
+  VFileInfo executable;
+  return v_fs_utils_get_info(path.get(), executable) && executable.exists &&
+         get_fingerprint(executable) != maker.fingerprint;
+}
+
+void clean_up_file(const char *folder, const char *name, const GRegex *pattern) {
+  if (!g_regex_match(pattern, name, G_REGEX_MATCH_DEFAULT, nullptr) || !is_gone(get_maker(name))) {
+    return;
+  }
+  const OwnedText path = v_fs_utils_create_path_in_folder(folder, name);
+  v_fs_utils_delete_file_if_exists(path.get());
+}
+
+OwnedRegex compile_pattern() {
+  OwnedRegex pattern(g_regex_new(name_pattern, G_REGEX_DEFAULT, G_REGEX_MATCH_DEFAULT, nullptr));
+  if (!pattern) {
+    v_error_set("Regex error.");
+  }
+  return pattern;
+}
+
+OwnedFolder open_folder(const char *path) {
+  OwnedFolder listing = v_fs_utils_open_folder(path);
+  if (!listing) {
+    v_error_append("Couldn't open temp files folder.");
+  }
+  return listing;
+}
+
+bool clean_up() {
+  const OwnedText folder = v_platform_get_temp_files_folder_path();
+  const OwnedFolder listing = folder ? open_folder(folder.get()) : nullptr;
+  const OwnedRegex pattern = listing ? compile_pattern() : nullptr;
+  if (!pattern) {
+    return false;
+  }
+  // A listing that breaks off is as good as one that ends: the rest waits for the next start.
+  OwnedText name;
+  while (v_fs_utils_next_folder_entry(listing.get(), name) && name) {
+    clean_up_file(folder.get(), name.get(), pattern.get());
+  }
+  return true;
+}
+
+} // namespace
+
+bool v_temp_files_clean_up() {
+  if (!clean_up()) {
+    v_error_append("Couldn't clean up temp files.");
+    return false;
+  }
+  return true;
+}

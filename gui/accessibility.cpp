@@ -1,0 +1,22 @@
+#include "gui/accessibility.h"
+
+namespace {
+
+gboolean key_press_event_callback(GtkWidget *window, GdkEventKey *event, void *) {
+  if (event->keyval != GDK_KEY_Escape) {
+    return GDK_EVENT_PROPAGATE;
+  }
+  gtk_window_close(GTK_WINDOW(window));
+  return GDK_EVENT_STOP;
+}
+
+} // namespace
+
+void v_gui_set_accessible_name(GtkWidget *widget, const char *name) {
+  atk_object_set_name(gtk_widget_get_accessible(widget), name);
+}
+
+void v_gui_close_on_escape(GtkWindow *window) {
+  // After: the focused widget, a list's search field for instance, has its turn first.
+  g_signal_connect_after(window, "key-press-event", G_CALLBACK(key_press_event_callback), nullptr);
+}

@@ -1,0 +1,13 @@
+#pragma once
+// Style sheets attached to single widgets. The texts are the program's own; one that does not parse
+// is a fault of the program and is reported by the toolkit.
+
+#include <gtk/gtk.h>
+
+#include "gui/owned_objects.h"
+
+// A new provider loaded from a style sheet (UTF-8).
+OwnedObject<GtkCssProvider> v_css_create_provider(const char *css);
+// Applies a style sheet (UTF-8) to this widget alone, not to its children, at the toolkit's
+// application priority. The widget keeps it.
+void v_css_style_widget(GtkWidget *widget, const char *css);

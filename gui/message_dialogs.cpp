@@ -1,0 +1,140 @@
+#include "gui/message_dialogs.h"
+
+#include <cstdarg>
+
+#include "base/error.h"
+#include "gui/owned_objects.h"
+
+namespace {
+
+constexpr MessageKind info_kind = {"Message", nullptr, ButtonSet::ok};
+constexpr MessageKind error_kind = {"Error", "dialog-error", ButtonSet::close};
+constexpr MessageKind warning_kind = {"Warning", "dialog-warning", ButtonSet::close};
+constexpr MessageKind question_kind = {"Question", "dialog-question", ButtonSet::none};
+
+// Lines of the program's own messages are shorter; only a long path or file text gets here.
+constexpr int longest_line = 100; // characters
+
+// The message wraps only where it would make the dialog wider than any screen.
+void pack_message(GtkBox *box, const char *text) {
+  GtkLabel *label = v_gui_pack_label(box, text, 0.0f, 0.0f);
+  gtk_label_set_line_wrap(label, TRUE);
+  gtk_label_set_line_wrap_mode(label, PANGO_WRAP_WORD_CHAR);
+  gtk_label_set_max_width_chars(label, longest_line);
+}
+
+GtkDialog *create_dialog(const char *title, const char *icon_name, const char *text,
+                         ButtonSet button_set) {
+  GtkDialog *dialog = v_gui_create_dialog(title, button_set);
+  GtkBox *box =
+      v_gui_pack_hbox(GTK_BOX(gtk_dialog_get_content_area(dialog)), Expand::yes, Spacing::standard);
+  if (icon_name != nullptr) {
+    GtkBox *icon_box = v_gui_pack_vbox(box, Expand::no, Spacing::standard);
+    v_gui_pack_image_from_icon_name(icon_box, icon_name, GTK_ICON_SIZE_DIALOG);
+  }
+  v_gui_set_box_spacing(box, icon_name != nullptr ? 20 : 25);
+  v_gui_set_margins(GTK_WIDGET(box), 20, 25, 20, icon_name != nullptr ? 20 : 25);
+  pack_message(box, text);
+  return dialog;
+}
+
+int run_dialog(VWindowStack *window_stack, const char *title, const char *icon_name,
+               const char *text, ButtonSet button_set) {
+  return v_message_run_and_destroy_dialog(window_stack,
+                                          create_dialog(title, icon_name, text, button_set));
+}
+
+int run_dialog_of_kind(VWindowStack *window_stack, const MessageKind *kind, const char *text) {
+  return run_dialog(window_stack, kind->title, kind->icon_name, text, kind->button_set);
+}
+
+} // namespace
+
+const MessageKind *const info_message = &info_kind;
+const MessageKind *const error_message = &error_kind;
+const MessageKind *const warning_message = &warning_kind;
+const MessageKind *const question_message = &question_kind;
+
+// Formats the variable arguments of the function it stands in into an owned text named text.
+#define FORMAT_TEXT(text, format)                                                                  \
+  va_list arguments;                                                                               \
+  va_start(arguments, format);                                                                     \
+  const OwnedText text(g_strdup_vprintf(format, arguments));                                       \
+  va_end(arguments)
+
+int v_message_show(VWindowStack *window_stack, const char *text) {
+  return run_dialog_of_kind(window_stack, info_message, text);
+}
+
+void v_message_show_utf8_printf(VWindowStack *window_stack, const char *format, ...) {
+  FORMAT_TEXT(text, format);
+  v_message_show(window_stack, text.get());
+}
+
+int v_message_show_error(VWindowStack *window_stack, const char *text) {
+  return run_dialog_of_kind(window_stack, error_message, text);
+}
+
+void v_message_show_error_utf8_printf(VWindowStack *window_stack, const char *format, ...) {
+  FORMAT_TEXT(text, format);
+  v_message_show_error(window_stack, text.get());
+}
+
+int v_message_show_unknown_error(VWindowStack *window_stack) {
+  return v_message_show_error(window_stack, v_error_message_unknown);
+}
+
+int v_message_show_warning(VWindowStack *window_stack, const char *text) {
+  return run_dialog_of_kind(window_stack, warning_message, text);
+}
+
+void v_message_show_warning_utf8_printf(VWindowStack *window_stack, const char *format, ...) {
+  FORMAT_TEXT(text, format);
+  v_message_show_warning(window_stack, text.get());
+}
+
+int v_message_ask_yes_no_question(VWindowStack *window_stack, int default_answer,
+                                  WarningIcon warning_icon, const char *text) {
+  const MessageKind *icon_kind =
+      warning_icon == WarningIcon::yes ? warning_message : question_message;
+  switch (run_dialog(window_stack, question_message->title, icon_kind->icon_name, text,
+                     ButtonSet::yes_no)) {
+  case GTK_RESPONSE_YES:
+    return 1;
+  case GTK_RESPONSE_NO:
+    return 0;
+  default:
+    return default_answer;
+  }
+}
+
+int v_message_ask_yes_no_question_utf8_printf(VWindowStack *window_stack, int default_answer,
+                                              WarningIcon warning_icon, const char *format, ...) {
+  FORMAT_TEXT(text, format);
+  return v_message_ask_yes_no_question(window_stack, default_answer, warning_icon, text.get());
+}
+
+GtkDialog *v_message_create_question_dialog(const char *title, const char *text) {
+  return create_dialog(title == nullptr ? question_message->title : title,
+                       question_message->icon_name, text, question_message->button_set);
+}
+
+GtkDialog *v_message_create_question_dialog_utf8_printf(const char *title, const char *format,
+                                                        ...) {
+  FORMAT_TEXT(text, format);
+  return v_message_create_question_dialog(title, text.get());
+}
+
+int v_message_run_and_destroy_dialog(VWindowStack *window_stack, GtkDialog *dialog) {
+  // A dialog may be destroyed while it runs, by the window below it.
+  const OwnedObject<GtkDialog> held = share(dialog);
+  if (window_stack != nullptr) {
+    v_window_stack_push_window(window_stack, GTK_WINDOW(dialog));
+  }
+  const int response = gtk_dialog_run(dialog);
+  gtk_widget_destroy(GTK_WIDGET(dialog));
+  if (window_stack != nullptr) {
+    v_window_stack_pop_window(window_stack);
+  }
+  return response;
+}

@@ -1,0 +1,152 @@
+#pragma once
+// The widgets that every window is made of, with the house defaults: a margin and a spacing of 8
+// pixels and no emoji input.
+//
+//   v_gui_create_<x>  makes a widget and shows it;
+//   v_gui_add_<x>     makes it and adds it to a container;
+//   v_gui_pack_<x>    makes it and packs it at the start of a box. Where an Expand is given the
+//                     widget both expands and fills or neither, else it says which.
+//
+// Results are borrowed: the container owns what is in it, and what was only created has the
+// toolkit's floating reference (windows and dialogs end by gtk_widget_destroy). Texts are UTF-8.
+// Alignments run from 0 (left, top) to 1, scales from 0 (natural size) to 1 (all the space); sizes
+// are pixels, and a size of -1 leaves that dimension free. A window itself is not shown here.
+
+#include <gtk/gtk.h>
+
+#include "base/owned.h"
+
+enum class Expand { no, yes };
+enum class Spacing { none, standard };
+enum class Required { no, yes };
+enum class ActivatesDefault { no, yes };
+enum class MakeDefault { no, yes };
+enum class Editable { no, yes };
+enum class HeadersVisible { no, yes };
+enum class FixedHeight { no, yes };
+enum class SelectionMode { single, multiple };
+enum class Homogeneous { no, yes };
+// Whether a field turns every run of blanks into one.
+enum class Compact { no, yes };
+
+// The buttons that a dialog is made with, in the order in which they are added.
+enum class ButtonSet {
+  none = 0,   // the caller adds them
+  ok = 1,     // "OK" (GTK_RESPONSE_OK)
+  close = 2,  // "Close" (GTK_RESPONSE_CLOSE)
+  yes_no = 4, // "No" (GTK_RESPONSE_NO), "Yes" (GTK_RESPONSE_YES); Yes first where that is usual
+};
+
+// 8 pixels.
+int v_gui_get_default_margin();
+
+// Windows. Not shown; title: null sets none.
+GtkWindow *v_gui_create_window(const char *title);
+// Modal and destroyed with its parent. The buttons share the width of the dialog, and the borders
+// of the dialog's own areas are 0.
+GtkDialog *v_gui_create_dialog(const char *title, ButtonSet button_set);
+
+// Boxes, none of them homogeneous.
+GtkBox *v_gui_create_vbox(Spacing spacing);
+GtkBox *v_gui_add_vbox(GtkContainer *container, Spacing spacing);
+GtkBox *v_gui_pack_vbox(GtkBox *box, Expand expand, Spacing spacing);
+GtkBox *v_gui_pack_hbox(GtkBox *box, Expand expand, Spacing spacing);
+// Packs an alignment and returns the box inside it.
+GtkBox *v_gui_pack_hbox_in_alignment(GtkBox *box, Expand expand, Spacing spacing, float x_align,
+                                     float y_align, float x_scale, float y_scale);
+// Packs a frame with the label of an input field and returns the box inside it, which keeps the
+// default margin to the frame.
+GtkBox *v_gui_pack_vbox_in_frame_with_input_field_label(GtkBox *box, Expand expand,
+                                                        const char *label, Required required,
+                                                        Spacing spacing);
+// Replaces the frame's label; null removes it.
+void v_gui_set_frame_label_markup(GtkFrame *frame, const char *markup);
+// Packs an empty area as a spacer, not expanding.
+void v_gui_pack_space(GtkBox *box, int width, int height);
+
+// Labels, packed without expanding.
+//
+// The markup of an input field's label: the label (plain text), a colon and, for a required field,
+// a pale "(Required)" in italics.
+OwnedText v_util_format_input_field_label_markup(const char *label, Required required);
+GtkLabel *v_gui_create_label_for_input_field(const char *label, Required required, float x_align,
+                                             float y_align);
+GtkLabel *v_gui_pack_label_for_input_field(GtkBox *box, const char *label, Required required,
+                                           float x_align, float y_align);
+// Plain text: markup shows as it stands.
+GtkLabel *v_gui_pack_label(GtkBox *box, const char *text, float x_align, float y_align);
+GtkLabel *v_gui_pack_label_with_markup(GtkBox *box, const char *markup, float x_align,
+                                       float y_align);
+
+// Buttons. label: null makes an empty button, which can hold any child. A button that is made the
+// default needs the box to be inside its window already.
+GtkButton *v_gui_create_button(const char *label);
+GtkButton *v_gui_pack_button(GtkBox *box, const char *label, MakeDefault make_default);
+// Packs an alignment (expanding as given) and returns the button inside it.
+GtkButton *v_gui_pack_button_in_alignment(GtkBox *box, Expand expand, const char *label,
+                                          MakeDefault make_default, float x_align, float y_align,
+                                          float x_scale, float y_scale);
+GtkAlignment *v_gui_create_alignment_for_widget(float x_align, float y_align, float x_scale,
+                                                float y_scale, GtkWidget *child);
+
+// Text fields. text: null leaves the entry empty.
+GtkEntry *v_gui_create_entry(const char *text, ActivatesDefault activates_default);
+GtkEntry *v_gui_pack_entry(GtkBox *box, Expand expand, const char *text,
+                           ActivatesDefault activates_default);
+void v_gui_set_entry_text(GtkEntry *entry, const char *text);
+// Borrowed from the entry until its next change.
+const char *v_gui_get_entry_text(GtkEntry *entry);
+// Wraps at words. One that is not editable shows no cursor either.
+GtkTextView *v_gui_add_text_view(GtkContainer *container, Editable editable);
+// Switch emoji input off, where the toolkit offers it, and ask input methods for none.
+void v_gui_disable_emojis_in_entry(GtkEntry *entry);
+void v_gui_disable_emojis_in_text_view(GtkTextView *text_view);
+
+// Lists and tables.
+//
+// Without overlay scroll bars; width and height are the least size.
+GtkScrolledWindow *v_gui_create_scrolled_window(int width, int height,
+                                                GtkPolicyType horizontal_policy,
+                                                GtkPolicyType vertical_policy,
+                                                GtkShadowType shadow);
+// Packed expanding.
+GtkScrolledWindow *v_gui_pack_scrolled_window(GtkBox *box, int width, int height,
+                                              GtkPolicyType horizontal_policy,
+                                              GtkPolicyType vertical_policy, GtkShadowType shadow);
+// FixedHeight::yes makes long lists fast. It demands that every column is of fixed sizing
+// (gtk_tree_view_column_set_sizing with GTK_TREE_VIEW_COLUMN_FIXED) before the column is added,
+// and that no cell wraps.
+GtkTreeView *v_gui_create_tree_view(HeadersVisible headers_visible, FixedHeight fixed_height,
+                                    SelectionMode selection_mode);
+GtkTreeView *v_gui_add_tree_view(GtkContainer *container, HeadersVisible headers_visible,
+                                 FixedHeight fixed_height, SelectionMode selection_mode);
+// Rows and columns keep the default spacing.
+GtkTable *v_gui_create_table(guint rows, guint columns, Homogeneous homogeneous);
+GtkComboBoxText *v_gui_create_combo_box_text();
+
+// Images, packed without expanding, and drawing.
+GtkImage *v_gui_pack_image_from_icon_name(GtkBox *box, const char *icon_name,
+                                          GtkIconSize icon_size);
+GtkDrawingArea *v_gui_add_drawing_area(GtkContainer *container);
+
+// Geometry and state of any widget.
+//
+// The margin lies inside a container (its border width) and outside any other widget.
+void v_gui_set_surrounding_margin(GtkWidget *widget, int margin);
+void v_gui_set_default_surrounding_margin(GtkWidget *widget);
+void v_gui_set_margins(GtkWidget *widget, int top, int right, int bottom, int left);
+void v_gui_set_box_spacing(GtkBox *box, int spacing);
+// State 0 is sensitive, any other is not.
+void v_gui_set_sensitivity(GtkWidget *widget, int state);
+// Lets the window shrink to its natural least size; does nothing to one that is maximised, full
+// screen or not yet realised.
+void v_gui_resize_window_to_minimum_unless_maximized(GtkWindow *window);
+
+// Menus.
+//
+// The data (borrowed) is kept on the item under "vantorelle_menu_item_data"; the sensitivity state
+// is that of v_gui_set_sensitivity; the callback is connected to "activate" with the user data.
+GtkMenuItem *v_gui_menu_create_item_with_activate_callback(const char *label, void *data,
+                                                           int sensitivity_state,
+                                                           GCallback callback, void *user_data);
+GtkSeparatorMenuItem *v_gui_menu_create_separator();

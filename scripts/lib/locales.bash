@@ -1,0 +1,29 @@
+# shellcheck shell=bash
+# The locales that the tests run under, made without touching the system. Sourced, not run.
+
+# Name, language definition, character set.
+readonly locale_table="
+sv_SE.UTF-8       sv_SE UTF-8
+tr_TR.UTF-8       tr_TR UTF-8
+de_DE.ISO-8859-1  de_DE ISO-8859-1
+ja_JP.EUC-JP      ja_JP EUC-JP
+"
+
+# Makes those locales that the folder does not hold yet. Several processes may ask at once.
+ensure_locales() (
+    local folder=$1 name definition charset
+    mkdir -p "$folder"
+    exec 9>"$folder/.lock"
+    flock 9
+    while read -r name definition charset; do
+        [[ -z $name || -e $folder/$name/LC_CTYPE ]] && continue
+        rm -rf "${folder:?}/$name.new"
+        # A definition may name characters that a small character set lacks: localedef warns, writes, and ends with 1.
+        localedef --no-archive -i "$definition" -f "$charset" "$folder/$name.new" >"$folder/.log" 2>&1 || true
+        if [[ ! -e $folder/$name.new/LC_CTYPE ]]; then
+            cat "$folder/.log" >&2
+            return 1
+        fi
+        mv "$folder/$name.new" "$folder/$name"
+    done <<<"$locale_table"
+)

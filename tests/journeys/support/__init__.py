@@ -1,0 +1,8 @@
+"""Drives the real program from outside: finds its widgets in the accessibility tree and operates them with X events."""
+
+from .journey import Journey, main
+from .program import Program
+from .waiting import JourneyTimeout, wait_until
+from .widgets import Dialog, FileChooser, Row, Widget, Window
+
+__all__ = ["Dialog", "FileChooser", "Journey", "JourneyTimeout", "Program", "Row", "Widget", "Window", "main", "wait_until"]

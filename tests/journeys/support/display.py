@@ -1,0 +1,60 @@
+"""The user's hands and eyes: mouse, keyboard, clipboard and screen of the X display."""
+
+import subprocess
+
+# A pause between keystrokes, in milliseconds. Characters outside the keyboard's layout are typed by remapping a key, which
+# the program has to notice before the key arrives.
+KEY_DELAY = 8
+REMAPPED_KEY_DELAY = 60
+
+CONTROL_KEYS = {"\n": "Return", "\t": "Tab"}
+
+
+def click(x, y, button=1, times=1):
+    xdotool("mousemove", x, y, "click", "--repeat", times, "--delay", 60, button)
+
+
+def move(x, y):
+    xdotool("mousemove", x, y)
+
+
+def press(*keys):
+    """Presses keys one after the other, each named as X names it: "Tab", "Return", "ctrl+a", "alt+F4"."""
+    xdotool("key", "--delay", KEY_DELAY, *keys)
+
+
+def type_text(text):
+    """Types the text by keys, line breaks as Return and tabs as Tab."""
+    run = ""
+    for character in text:
+        if character in CONTROL_KEYS:
+            type_run(run)
+            press(CONTROL_KEYS[character])
+            run = ""
+        else:
+            run += character
+    type_run(run)
+
+
+def type_run(text):
+    if text:
+        xdotool("type", "--delay", KEY_DELAY if text.isascii() else REMAPPED_KEY_DELAY, "--", text)
+
+
+def set_clipboard(text):
+    subprocess.run(
+        ("xclip", "-selection", "clipboard", "-in"), input=text.encode(), stdout=subprocess.DEVNULL, check=True, timeout=10)
+
+
+def clipboard():
+    answer = subprocess.run(
+        ("xclip", "-selection", "clipboard", "-out", "-target", "UTF8_STRING"), capture_output=True, check=True, timeout=10)
+    return answer.stdout.decode()
+
+
+def screenshot(path):
+    subprocess.run(("import", "-window", "root", str(path)), check=True, timeout=20)
+
+
+def xdotool(*arguments):
+    subprocess.run(("xdotool", *map(str, arguments)), check=True, timeout=60)

@@ -1,0 +1,135 @@
+"""One run of the staged program."""
+
+import os
+import pathlib
+import re
+import signal
+import subprocess
+
+from . import accessibility, widgets
+from .waiting import DEFAULT_SECONDS, wait_until
+
+EXECUTABLE = "vantorelle-remark-codesets-manager"
+START_SECONDS = 30
+
+# Lines that a clean run never prints: the toolkit's complaints and the reports of a build with checks.
+COMPLAINTS = re.compile(r"(WARNING|CRITICAL|ERROR) \*\*|\*\* (WARNING|CRITICAL|ERROR)|runtime error:|Sanitizer")
+
+
+class Program:
+    """Started at once. `home` is the user's home folder, `stage` the folder with the executable and what lies beside it,
+    `output` the file that takes what is printed, `environment` what is set (or, with None, unset) beyond the caller's."""
+
+    def __init__(self, home, stage, output, environment=None):
+        self.home = pathlib.Path(home)
+        self.stage = pathlib.Path(stage)
+        self.output = pathlib.Path(output)
+        self.ended_by_journey = False
+        self.expected_complaints = None
+        variables = {**os.environ, **home_environment(self.home), **(environment or {})}
+        with open(self.output, "wb") as stream:
+            self.process = subprocess.Popen(
+                [self.stage / EXECUTABLE], stdin=subprocess.DEVNULL, stdout=stream, stderr=subprocess.STDOUT, cwd=self.home,
+                env={name: value for name, value in variables.items() if value is not None})
+
+    @property
+    def pid(self):
+        return self.process.pid
+
+    @property
+    def is_running(self):
+        return self.process.poll() is None
+
+    @property
+    def printed(self):
+        """All that the program has printed so far."""
+        return self.output.read_text(errors="replace")
+
+    def wait(self, condition, what, seconds=DEFAULT_SECONDS):
+        """Like wait_until, but gives up as soon as the program has ended."""
+
+        def with_program():
+            value = condition()
+            if not value and not self.is_running:
+                raise AssertionError(
+                    f"The program ended with status {self.process.returncode} before {what() if callable(what) else what}.\n"
+                    f"{self.printed}")
+            return value
+
+        return wait_until(with_program, what, seconds)
+
+    # Windows
+
+    def windows(self):
+        """The windows that are to be seen."""
+        application = accessibility.application(self.pid)
+        if application is None:
+            return []
+        return [
+            widgets.as_window(self, child) for child in accessibility.children(application)
+            if accessibility.role(child) in widgets.WINDOW_ROLES and "showing" in accessibility.states(child)
+        ]
+
+    def window(self, title, kind=widgets.Window, seconds=START_SECONDS):
+        """The window of that title (or pattern) and kind, waited for until it is there and active."""
+        window = self.wait(
+            lambda: next((w for w in self.windows() if widgets.matches(title, w.title) and isinstance(w, kind)), None),
+            lambda: f"a window {title!r}; the windows are {self.windows()!r}", seconds)
+        return window.expect_active()
+
+    def dialog(self, title=None):
+        return self.window(title, widgets.Dialog, DEFAULT_SECONDS)
+
+    def file_chooser(self, title=None):
+        return self.window(title, widgets.FileChooser, DEFAULT_SECONDS)
+
+    def active_window(self):
+        return next((window for window in self.windows() if window.is_active), None)
+
+    def focused(self):
+        """The widget that has the keyboard focus in the active window, or None."""
+        window = self.active_window()
+        found = [widget for widget in window.find_all() if widget.is_focused] if window else []
+        return found[-1] if found else None
+
+    # The end
+
+    def expect_exit(self, status=0, seconds=DEFAULT_SECONDS):
+        wait_until(
+            lambda: not self.is_running,
+            lambda: f"the program to end; its windows are {self.windows()!r}", seconds)
+        self.ended_by_journey = True
+        if self.process.returncode != status:
+            raise AssertionError(f"The program ended with status {self.process.returncode}, not {status}.\n{self.printed}")
+
+    def kill(self, number=signal.SIGKILL):
+        """Ends the program as a crash or a log-out would."""
+        self.ended_by_journey = True
+        self.process.send_signal(number)
+        self.process.wait(DEFAULT_SECONDS)
+
+    def complaints(self):
+        return [line for line in self.printed.splitlines() if COMPLAINTS.search(line)]
+
+    def check(self):
+        """Fails when the program ended by itself unasked, or printed a complaint that the journey did not expect."""
+        if not self.is_running and not self.ended_by_journey:
+            raise AssertionError(f"The program ended by itself with status {self.process.returncode}.\n{self.printed}")
+        unexpected = [
+            line for line in self.complaints() if not (self.expected_complaints and self.expected_complaints.search(line))
+        ]
+        if unexpected:
+            raise AssertionError("The program complained:\n" + "\n".join(unexpected))
+
+    def dump(self):
+        """The program's accessibility tree as text."""
+        application = accessibility.application(self.pid) if self.is_running else None
+        return accessibility.dump(application) if application else "The program is not there.\n"
+
+
+def home_environment(home):
+    """A home of its own means XDG folders of its own."""
+    return {
+        "HOME": str(home), "XDG_CONFIG_HOME": str(home / ".config"), "XDG_DATA_HOME": str(home / ".local/share"),
+        "XDG_CACHE_HOME": str(home / ".cache"),
+    }

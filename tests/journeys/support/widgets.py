@@ -1,0 +1,454 @@
+"""Widgets, windows, dialogs, lists and the file chooser, as a user sees and operates them."""
+
+import re
+
+from gi.repository import Atspi
+
+from . import accessibility, display
+from .waiting import DEFAULT_SECONDS, settle, wait_until
+
+WINDOW_ROLES = ("frame", "dialog", "alert", "window", "file chooser", "file chooser dialog", "color chooser")
+DIALOG_ROLES = ("dialog", "alert")
+
+
+def matches(wanted, actual):
+    """`wanted` is a text, a compiled pattern to be found in the text, or None for anything."""
+    if wanted is None:
+        return True
+    return bool(wanted.search(actual)) if isinstance(wanted, re.Pattern) else wanted == actual
+
+
+class Widget:
+    """One accessible object of the program. What is asked is asked anew each time; what is found is waited for."""
+
+    def __init__(self, program, accessible):
+        self.program = program
+        self.accessible = accessible
+
+    def __repr__(self):
+        return f"{self.role} {self.name!r}"
+
+    def __eq__(self, other):
+        return isinstance(other, Widget) and self.accessible == other.accessible
+
+    __hash__ = None
+
+    # Reading
+
+    @property
+    def role(self):
+        return accessibility.role(self.accessible)
+
+    @property
+    def name(self):
+        return accessibility.name(self.accessible)
+
+    @property
+    def description(self):
+        return accessibility.description(self.accessible)
+
+    @property
+    def states(self):
+        self.accessible.clear_cache()
+        return accessibility.states(self.accessible)
+
+    @property
+    def text(self):
+        """What it shows: the content of a field, the words of a label, the choice of a combo box."""
+        self.accessible.clear_cache()
+        shown = accessibility.text(self.accessible)
+        return self.name if shown is None else shown
+
+    @property
+    def extents(self):
+        return accessibility.extents(self.accessible)
+
+    @property
+    def is_sensitive(self):
+        return "sensitive" in self.states
+
+    @property
+    def is_showing(self):
+        return "showing" in self.states
+
+    @property
+    def is_focused(self):
+        return "focused" in self.states
+
+    @property
+    def is_editable(self):
+        return "editable" in self.states
+
+    @property
+    def is_checked(self):
+        return bool({"checked", "pressed"} & self.states)
+
+    @property
+    def caret(self):
+        return accessibility.attempt(Atspi.Text.get_caret_offset, self.accessible)
+
+    @property
+    def selected_text(self):
+        """The marked part of a field; the empty text when nothing is marked."""
+        if not accessibility.attempt(Atspi.Text.get_n_selections, self.accessible, default=0):
+            return ""
+        marked = Atspi.Text.get_selection(self.accessible, 0)
+        return Atspi.Text.get_text(self.accessible, marked.start_offset, marked.end_offset)
+
+    def text_attributes(self, offset=0):
+        """The attributes of the text at an offset, such as {"underline": "error", "fg-color": "65535,0,0"}."""
+        run = accessibility.attempt(Atspi.Text.get_attribute_run, self.accessible, offset, False)
+        return run[0] if run else {}
+
+    # Finding inside
+
+    def find_all(self, role=None, name=None, labelled=None, showing=True):
+        """The widgets inside that fit now, in reading order. `role` is one role name or several; `labelled` is the text of
+        a label that belongs to the widget, by relation or by standing directly before it."""
+        roles = (role,) if isinstance(role, str) else role
+        self.accessible.clear_cache()
+        found = []
+        label_before = None
+        for accessible in accessibility.descendants(self.accessible):
+            own_role = accessibility.role(accessible)
+            if showing and "showing" not in accessibility.states(accessible):
+                continue
+            if (roles is None or own_role in roles) and matches(name, accessibility.name(accessible)) and (
+                labelled is None
+                or any(matches(labelled, label) for label in accessibility.labels_of(accessible))
+                or (label_before is not None and matches(labelled, label_before))
+            ):
+                found.append(as_widget(self.program, accessible))
+            if own_role == "label":
+                label_before = accessibility.name(accessible)
+            elif own_role not in ("filler", "panel", "scroll pane", "viewport"):
+                label_before = None
+        return found
+
+    def find(self, role=None, name=None, labelled=None, index=0, seconds=DEFAULT_SECONDS):
+        """The widget of that index among those that fit, waiting until it is there."""
+        wanted = ", ".join(f"{key} {value!r}" for key, value in (("role", role), ("name", name), ("label", labelled)) if value)
+        found = self.program.wait(
+            lambda: self.find_all(role, name, labelled)[index:] or None if index >= 0
+            else self.find_all(role, name, labelled)[index:][:1],
+            lambda: f"a widget with {wanted}, index {index}, in {self!r}", seconds)
+        return found[0]
+
+    def has(self, role=None, name=None, labelled=None):
+        return bool(self.find_all(role, name, labelled))
+
+    def button(self, name, index=0):
+        return self.find(accessibility.BUTTONS, name, index=index)
+
+    def field(self, labelled=None, index=0):
+        """A text field (entry or text view)."""
+        return self.find(accessibility.TEXTS, labelled=labelled, index=index)
+
+    def fields(self):
+        return self.find_all(accessibility.TEXTS)
+
+    def combo(self, labelled=None, index=0):
+        return self.find("combo box", labelled=labelled, index=index)
+
+    def combos(self):
+        return self.find_all("combo box")
+
+    def label(self, text):
+        return self.find("label", text)
+
+    def labels(self):
+        """The texts of all labels that are to be seen."""
+        return [widget.text for widget in self.find_all("label")]
+
+    def list(self, labelled=None, index=0):
+        return self.find(accessibility.LISTS, labelled=labelled, index=index)
+
+    def frame(self, title):
+        """The box whose frame bears the title. A required field's mark is part of the title: give a pattern to leave it out."""
+        return self.find("panel", title)
+
+    # Operating
+
+    def click(self, button=1, times=1):
+        """Clicks its middle once it is on the screen, at rest and sensitive."""
+        self.program.wait(lambda: self.is_sensitive, lambda: f"{self!r} to become sensitive")
+        self.click_as_it_is(button, times)
+
+    def click_as_it_is(self, button=1, times=1):
+        """Clicks its middle whether or not it is sensitive."""
+        x, y, width, height = self.resting_extents()
+        display.click(x + width // 2, y + height // 2, button, times)
+
+    def resting_extents(self):
+        """Its place on the screen when two looks in a row agree."""
+        looks = [None]
+
+        def at_rest():
+            looks.append(self.extents if self.is_showing else None)
+            return looks[-1] is not None and looks[-1] == looks[-2] and looks[-1]
+
+        return self.program.wait(at_rest, lambda: f"{self!r} to come to rest on the screen")
+
+    def focus(self):
+        """Gives it the keyboard by a click, unless it has it."""
+        if not self.is_focused:
+            self.click()
+            self.expect_focus()
+        return self
+
+    def type(self, text):
+        """Types by keys where the cursor stands."""
+        self.focus()
+        display.type_text(text)
+
+    def press(self, *keys):
+        self.focus()
+        display.press(*keys)
+
+    def paste(self, text):
+        self.focus()
+        display.set_clipboard(text)
+        display.press("ctrl+v")
+
+    def clear(self):
+        """Empties a field by keys."""
+        self.press("ctrl+a", "Delete")
+        self.expect_text("")
+
+    def enter(self, text):
+        """Replaces a field's content by typing."""
+        self.clear()
+        display.type_text(text)
+
+    def choose(self, choice):
+        """Opens a combo box and clicks the item of that name."""
+        self.click()
+        item = self.find("menu item", choice)
+        item.click()
+        self.expect_text(choice)
+
+    def choices(self):
+        """The names of a combo box's items, in order."""
+        return [item.name for item in self.find_all("menu item", showing=False)]
+
+    # Expecting, with patience
+
+    def expect_text(self, text, seconds=DEFAULT_SECONDS):
+        self.program.wait(
+            lambda: matches(text, self.text), lambda: f"{self!r} to show {text!r}; it shows {self.text!r}", seconds)
+
+    def expect_focus(self, seconds=DEFAULT_SECONDS):
+        self.program.wait(lambda: self.is_focused, lambda: f"the focus on {self!r}; it is on {self.program.focused()!r}", seconds)
+
+    def expect_sensitive(self, sensitive=True, seconds=DEFAULT_SECONDS):
+        state = "sensitive" if sensitive else "insensitive"
+        self.program.wait(lambda: self.is_sensitive == sensitive, lambda: f"{self!r} to become {state}", seconds)
+
+
+class Row(Widget):
+    """One row of a list: its cell in the first column."""
+
+    def __init__(self, table, index, accessible):
+        super().__init__(table.program, accessible)
+        self.table = table
+        self.index = index
+
+    @property
+    def is_selected(self):
+        return self.index in self.table.selected_indices()
+
+    @property
+    def colour(self):
+        """Its own text colour as (red, green, blue) of 0-65535, or None when it has none of its own."""
+        value = self.text_attributes().get("fg-color")
+        return tuple(map(int, value.split(","))) if value else None
+
+    def reveal(self):
+        """Turns the mouse wheel over the list until the whole row is to be seen."""
+
+        def seen():
+            x, y, width, height = self.table.resting_extents()
+            own = self.extents
+            if own and y <= own[1] and own[1] + own[3] <= y + height:
+                return True
+            display.click(x + width // 2, y + height // 2, 4 if self.is_above() else 5)
+            return False
+
+        self.program.wait(seen, lambda: f"{self!r} to be scrolled into view")
+
+    def is_above(self):
+        seen = [row.index for row in self.table.rows() if row.extents]
+        return bool(seen) and self.index <= seen[0]
+
+    def click_as_it_is(self, button=1, times=1):
+        self.reveal()
+        super().click_as_it_is(button, times)
+
+    def select(self):
+        self.click()
+        self.program.wait(lambda: self.is_selected, lambda: f"{self!r} to be selected")
+        return self
+
+
+class List(Widget):
+    """A list or tree view."""
+
+    def __len__(self):
+        self.accessible.clear_cache()
+        return max(accessibility.attempt(Atspi.Table.get_n_rows, self.accessible, default=0), 0)
+
+    def rows(self):
+        cells = ((index, accessibility.attempt(Atspi.Table.get_accessible_at, self.accessible, index, 0)) for index in range(len(self)))
+        return [Row(self, index, cell) for index, cell in cells if cell is not None]
+
+    def texts(self):
+        """The texts of all rows, in order."""
+        return [row.text for row in self.rows()]
+
+    def row(self, text):
+        """The first row with that text (or pattern), waiting until there is one."""
+        return self.program.wait(
+            lambda: next((row for row in self.rows() if matches(text, row.text)), None),
+            lambda: f"a row {text!r} among {self.texts()!r}")
+
+    def selected_indices(self):
+        self.accessible.clear_cache()
+        return list(accessibility.attempt(Atspi.Table.get_selected_rows, self.accessible, default=[]))
+
+    def selected_texts(self):
+        chosen = self.selected_indices()
+        return [row.text for row in self.rows() if row.index in chosen]
+
+    def expect_texts(self, texts, seconds=DEFAULT_SECONDS):
+        self.program.wait(
+            lambda: self.texts() == texts, lambda: f"the rows {texts!r}; they are {self.texts()!r}", seconds)
+
+    def expect_selected(self, texts, seconds=DEFAULT_SECONDS):
+        self.program.wait(
+            lambda: self.selected_texts() == texts, lambda: f"the selection {texts!r}; it is {self.selected_texts()!r}", seconds)
+
+
+class Window(Widget):
+    """A top-level window."""
+
+    @property
+    def title(self):
+        return self.name
+
+    @property
+    def is_active(self):
+        return "active" in self.states
+
+    @property
+    def is_open(self):
+        return any(window == self for window in self.program.windows())
+
+    def expect_active(self, seconds=DEFAULT_SECONDS):
+        self.program.wait(
+            lambda: self.is_active,
+            lambda: f"{self!r} to be the active window; the windows are {self.program.windows()!r}", seconds)
+        return self
+
+    def expect_closed(self, seconds=DEFAULT_SECONDS):
+        self.program.wait(lambda: not self.is_open, lambda: f"{self!r} to close", seconds)
+
+    def press(self, *keys):
+        """Presses keys wherever the focus is in this window."""
+        self.expect_active()
+        display.press(*keys)
+
+    def close(self):
+        """Asks the window manager to close it, as its title bar's button does."""
+        self.press("alt+F4")
+
+
+class Dialog(Window):
+    """A message or question."""
+
+    @property
+    def message(self):
+        return "\n".join(self.labels())
+
+    def answer(self, button):
+        """Clicks the button and waits until the dialog is gone."""
+        self.button(button).click()
+        self.expect_closed()
+
+
+class FileChooser(Window):
+    """The toolkit's file chooser."""
+
+    def name_field(self):
+        return self.find("text")
+
+    @property
+    def proposed_name(self):
+        return self.name_field().text
+
+    def filter_combo(self):
+        return self.find("combo box", index=-1)
+
+    @property
+    def filter(self):
+        """The name of the current filter."""
+        return self.filter_combo().text
+
+    @property
+    def filters(self):
+        return self.filter_combo().choices()
+
+    @property
+    def folder(self):
+        """The last entry name of the folder that is shown: the pressed button of the path bar."""
+        pressed = [button.name for button in self.find_all("toggle button") if button.is_checked]
+        return pressed[-1] if pressed else None
+
+    def enter_path(self, path):
+        """Puts an absolute path into the location field without accepting it."""
+        path = str(path)
+        self.expect_active()
+        if not self.has("text"):
+            # The first character brings the location field up; keys that come before it is there are lost.
+            display.press("slash")
+            self.name_field().expect_focus()
+        else:
+            self.name_field().focus()
+        settle()
+        display.press("ctrl+a")
+        if path.isascii():
+            display.type_text(path)
+        else:
+            display.set_clipboard(path)
+            display.press("ctrl+v")
+        field = self.name_field()
+        self.program.wait(lambda: field.text.startswith(path), lambda: f"the path {path!r}; it is {field.text!r}")
+        # The chooser may have completed the path to that of a longer name. The completion is marked, so it can be deleted.
+        settle()
+        if field.text != path:
+            display.press("Delete")
+            field.expect_text(path)
+
+    def accept(self, path):
+        """Chooses an absolute path. Does not wait: the chooser may ask a question first."""
+        self.enter_path(path)
+        display.press("Return")
+
+    def choose(self, path):
+        """Chooses an absolute path and waits until the chooser is gone."""
+        self.accept(path)
+        self.expect_closed()
+
+    def cancel(self):
+        self.button("Cancel").click()
+        self.expect_closed()
+
+
+def as_widget(program, accessible):
+    return List(program, accessible) if accessibility.role(accessible) in accessibility.LISTS else Widget(program, accessible)
+
+
+def as_window(program, accessible):
+    role = accessibility.role(accessible)
+    if role.startswith("file chooser"):
+        return FileChooser(program, accessible)
+    return Dialog(program, accessible) if role in DIALOG_ROLES else Window(program, accessible)
