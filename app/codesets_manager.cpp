@@ -1,16 +1,9 @@
 #include "app/codesets_manager.h"
 
-#include "app/application.h"
 #include "app/user_session.h"
-#include "base/fs_utils.h"
 #include "codeset/codeset_io.h"
 #include "gui/components/main_window.h"
 #include "workspace/display_text.h"
-
-void v_init_application_configuration(ApplicationConfiguration *configuration) {
-  configuration->application_id = "org.vantorelle.VantorelleRemarkCodesetsManager";
-  configuration->run = run;
-}
 
 void run(int, char **) {
   const OwnedWindowStack window_stack = v_window_stack_new();
@@ -30,11 +23,6 @@ void run_main_window(RunContext *context) {
 }
 
 OwnedText text_callback(const char *file_path, void *run_context) {
-  // What is not a plain file is no codeset, and opening a pipe would wait for its other end.
-  VFileInfo info;
-  if (!v_fs_utils_get_info(file_path, info) || !v_fs_utils_is_regular_file(info)) {
-    return nullptr;
-  }
   const OwnedCodeset codeset = v_codeset_io_read_from_file(file_path);
   if (!codeset) {
     return nullptr;

@@ -49,8 +49,6 @@ Decoding *decoding_of(Library *library) {
 
 void ignore_message(j_common_ptr) {}
 
-void ignore_warning(j_common_ptr, int) {}
-
 // The one place to which every error of the library unwinds; its message is set by then.
 bool run_guarded(Decoding *decoding, void (*step)(Decoding *)) {
   if (setjmp(decoding->unwinding) != 0) {
@@ -96,7 +94,6 @@ void skip_source(j_decompress_ptr library, long count) {
 void set_handlers(Decoding *decoding) {
   decoding->library.err = jpeg_std_error(&decoding->errors);
   decoding->errors.error_exit = unwind_with_message;
-  decoding->errors.emit_message = ignore_warning;
   decoding->errors.output_message = ignore_message;
   decoding->library.client_data = decoding;
   decoding->source.init_source = begin_source;

@@ -66,9 +66,8 @@ OwnedFolder open_folder(const char *path) {
   return listing;
 }
 
-bool clean_up() {
-  const OwnedText folder = v_platform_get_temp_files_folder_path();
-  const OwnedFolder listing = folder ? open_folder(folder.get()) : nullptr;
+bool clean_up(const char *folder) {
+  const OwnedFolder listing = folder != nullptr ? open_folder(folder) : nullptr;
   const OwnedRegex pattern = listing ? compile_pattern() : nullptr;
   if (!pattern) {
     return false;
@@ -76,7 +75,7 @@ bool clean_up() {
   // A listing that breaks off is as good as one that ends: the rest waits for the next start.
   OwnedText name;
   while (v_fs_utils_next_folder_entry(listing.get(), name) && name) {
-    clean_up_file(folder.get(), name.get(), pattern.get());
+    clean_up_file(folder, name.get(), pattern.get());
   }
   return true;
 }
@@ -84,7 +83,12 @@ bool clean_up() {
 } // namespace
 
 bool v_temp_files_clean_up() {
-  if (!clean_up()) {
+  const OwnedText folder = v_platform_get_temp_files_folder_path();
+  return v_temp_files_clean_up_in_folder(folder.get());
+}
+
+bool v_temp_files_clean_up_in_folder(const char *folder) {
+  if (!clean_up(folder)) {
     v_error_append("Couldn't clean up temp files.");
     return false;
   }

@@ -6,3 +6,6 @@
 // "Couldn't clean up temp files." before the reason when the folder could not be looked through at
 // all.
 bool v_temp_files_clean_up();
+// The same in a folder of the caller's choice (UTF-8). Null, for a folder that is not known, fails
+// without a further reason.
+bool v_temp_files_clean_up_in_folder(const char *folder);

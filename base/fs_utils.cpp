@@ -30,6 +30,14 @@ OwnedText convert(const char *name, decltype(&g_filename_to_utf8) converter, con
   return converted;
 }
 
+// A named pipe waits for whoever is at its other end, a device need never come to an end: neither
+// may stop the program, whatever lies in a user's folder.
+bool may_never_answer(const char *name, const char *mode) {
+  struct stat status;
+  return stat(name, &status) == 0 &&
+         (S_ISFIFO(status.st_mode) || (S_ISCHR(status.st_mode) && *mode == 'r'));
+}
+
 } // namespace
 
 int v_fs_utils_get_last_error_number() { return last_error_number; }
@@ -55,7 +63,12 @@ OwnedFile v_fs_utils_open_file(const char *path, const char *mode) {
   if (!name) {
     return nullptr;
   }
-  OwnedFile file(std::fopen(name.get(), mode));
+  OwnedFile file;
+  if (may_never_answer(name.get(), mode)) {
+    errno = ENXIO; // as for a socket
+  } else {
+    file.reset(std::fopen(name.get(), mode));
+  }
   if (!file) {
     fail("Cannot open file.");
   }
@@ -125,7 +138,11 @@ bool v_fs_utils_delete_file_if_exists(const char *path) {
 
 void v_fs_utils_discard_file(const char *path) {
   const OwnedText name(g_filename_from_utf8(path, -1, nullptr, nullptr, nullptr));
-  if (name && unlink(name.get()) != 0) {
+  struct stat status;
+  // A device was there before and holds nothing of ours.
+  const bool is_device = name && lstat(name.get(), &status) == 0 && !S_ISREG(status.st_mode) &&
+                         !S_ISLNK(status.st_mode);
+  if (name && !is_device && unlink(name.get()) != 0) {
     last_error_number = errno;
   }
 }

@@ -17,7 +17,8 @@ struct VFileInfo {
   std::int64_t size = 0;              // bytes
 };
 
-// The system's number of the last failing call of this layer, 0 when none has failed yet.
+// The system's number of the last call of this layer that has failed, 0 when none has yet. What is
+// missing where that is no failure does not count.
 int v_fs_utils_get_last_error_number();
 
 // Between file names as the system gives them and UTF-8. Null with "Could not convert filename to
@@ -28,7 +29,8 @@ OwnedText v_fs_utils_convert_utf8_to_glibfsenc(const char *path);
 OwnedText v_fs_utils_convert_osfsenc_to_utf8(const char *name);
 OwnedText v_fs_utils_convert_utf8_to_osfsenc(const char *path);
 
-// Opens a buffered file with a standard mode ("rb", "wb"). Null with "Cannot open file.".
+// Opens a buffered file with a standard mode ("rb", "wb"). Null with "Cannot open file.", also for
+// what could keep the program waiting for ever: a named pipe, and a character device to read from.
 OwnedFile v_fs_utils_open_file(const char *path, const char *mode);
 // Closes; null is success. False with "Cannot close file.": what was buffered may be lost.
 bool v_fs_utils_close_file(OwnedFile file);
@@ -45,14 +47,14 @@ bool v_fs_utils_close_folder(OwnedFolder listing);
 // Creates one folder for its owner alone (0700). False with "Cannot create folder.", also when it
 // is there already.
 bool v_fs_utils_create_folder(const char *path);
-// Creates missing parents first.
+// Creates missing parents first. The same failures, and an existing folder is one.
 bool v_fs_utils_create_folder_recursively(const char *path);
 // Removes an empty folder; a missing one is success. False with "Cannot delete folder.".
 bool v_fs_utils_delete_folder_if_exists(const char *path);
 // Removes a file; a missing one is success. False with "Cannot unlink file.".
 bool v_fs_utils_delete_file_if_exists(const char *path);
-// Removes what a failed write has left, as far as it can. Says nothing: the message of the failure
-// that led here stands.
+// Removes what a failed write has left, a file or a link, as far as it can; a device stays. Says
+// nothing: the message of the failure that led here stands.
 void v_fs_utils_discard_file(const char *path);
 
 // Fills the record, following links; a missing path is success with every field zero. False with

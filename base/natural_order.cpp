@@ -46,7 +46,8 @@ int compare_right_aligned(const char *a, const char *b) {
   }
 }
 
-const char *skip_ignored(const char *text, bool skip_zeros) {
+template <bool skip_zeros>
+const char *skip_ignored(const char *text) {
   while (v_ascii_is_space(*text) || (skip_zeros && *text == '0')) {
     text++;
   }
@@ -60,12 +61,11 @@ int compare_signed(char a, char b) {
   return static_cast<int>(signed_a > signed_b) - static_cast<int>(signed_a < signed_b);
 }
 
-} // namespace
-
-int strnatcmp0(const char *a, const char *b, bool fold_case, bool skip_zeros) {
+template <bool fold_case, bool skip_zeros>
+int compare(const char *a, const char *b) {
   for (;;) {
-    a = skip_ignored(a, skip_zeros);
-    b = skip_ignored(b, skip_zeros);
+    a = skip_ignored<skip_zeros>(a);
+    b = skip_ignored<skip_zeros>(b);
     if (is_digit(*a) && is_digit(*b)) {
       const bool is_fraction = *a == '0' || *b == '0';
       if (const int order =
@@ -92,10 +92,57 @@ int strnatcmp0(const char *a, const char *b, bool fold_case, bool skip_zeros) {
   }
 }
 
-int strnatcmp(const char *a, const char *b) { return strnatcmp0(a, b, false, false); }
+} // namespace
 
-int strnatcasecmp(const char *a, const char *b) { return strnatcmp0(a, b, true, false); }
+int strnatcmp0(const char *a, const char *b, bool fold_case, bool skip_zeros) {
+  if (fold_case) {
+    return skip_zeros ? strnatzerocasecmp(a, b) : strnatcasecmp(a, b);
+  }
+  return skip_zeros ? strnatzerocmp(a, b) : strnatcmp(a, b);
+}
 
-int strnatzerocmp(const char *a, const char *b) { return strnatcmp0(a, b, false, true); }
+int strnatcmp(const char *a, const char *b) { return compare<false, false>(a, b); }
 
-int strnatzerocasecmp(const char *a, const char *b) { return strnatcmp0(a, b, true, true); }
+int strnatcasecmp(const char *a, const char *b) { return compare<true, false>(a, b); }
+
+int strnatzerocmp(const char *a, const char *b) { return compare<false, true>(a, b); }
+
+int strnatzerocasecmp(const char *a, const char *b) { return compare<true, true>(a, b); }
+
+std::uint64_t strnatzerocasecmp_key(const char *text) {
+  std::uint64_t key = 0;
+  int shift = 64;
+  const auto append = [&](unsigned byte) {
+    if (shift > 0) {
+      shift -= 8;
+      key |= static_cast<std::uint64_t>(byte) << shift;
+    }
+  };
+  // A character is its byte, moved so that the order of signed bytes becomes that of unsigned ones.
+  const auto append_character = [&](char byte) {
+    append(static_cast<unsigned char>(byte) ^ 0x80U);
+  };
+  while (shift > 0) {
+    text = skip_ignored<true>(text);
+    const std::size_t length = digit_run_length(text);
+    if (length == 0) {
+      append_character(upper_case(*text));
+      if (*text == '\0') {
+        return key;
+      }
+      text++;
+      continue;
+    }
+    // A number is the byte of any digit, the count of its digits, and the digits.
+    append_character('0');
+    if (length >= 0xFF) {
+      append(0xFF);
+      return key; // here the count no longer tells which number is longer
+    }
+    append(static_cast<unsigned>(length));
+    for (const char *end = text + length; text != end; text++) {
+      append_character(*text);
+    }
+  }
+  return key;
+}

@@ -3,6 +3,8 @@
 // digits and letter case are those of ASCII whatever the locale, and bytes above 127 stand before
 // every ASCII character. Linear in the length of the texts.
 
+#include <cstdint>
+
 // Negative order is -1, equal 0, positive 1. fold_case: ASCII letters compare without regard to
 // case. skip_zeros: each "0" that a comparison step meets first is passed over like whitespace, so
 // 7 and 07 are equal, and so are a0b and ab.
@@ -12,3 +14,7 @@ int strnatcmp(const char *a, const char *b);
 int strnatcasecmp(const char *a, const char *b);
 int strnatzerocmp(const char *a, const char *b);
 int strnatzerocasecmp(const char *a, const char *b);
+
+// A number for sorting many texts: of two texts with different keys the one with the smaller key
+// is smaller in strnatzerocasecmp. Equal keys tell nothing.
+std::uint64_t strnatzerocasecmp_key(const char *text);

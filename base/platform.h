@@ -1,6 +1,7 @@
 #pragma once
-// What is asked of the operating system beyond files: the only place that knows which one it is.
-// One source per system answers the first group; the rest is common to all of them.
+// What is asked of the operating system beyond files. One source per system answers the first group
+// of functions, the second is common to all of them; the third only puts texts together and asks
+// nobody.
 
 #include "base/owned.h"
 
@@ -21,12 +22,12 @@ OwnedText v_platform_create_launch_command_line(const char *quoted_program_path,
 OwnedText v_platform_get_install_folder_path();
 // The folder (UTF-8) in which the suite's printing code keeps its temporary files.
 OwnedText v_platform_get_temp_files_folder_path();
-// The text quoted for the shell.
-OwnedText v_platform_escape_string_for_command_line(const char *text);
 // Starts a UTF-8 command line without waiting for it. False with a message when it cannot be
 // converted or started.
 bool v_platform_run_command_line(const char *command_line);
 
+// The text quoted for the shell.
+OwnedText v_platform_escape_string_for_command_line(const char *text);
 // The command line that makes the system start a new instance of an application bundle.
 OwnedText v_platform_format_bundle_command_line(const char *quoted_bundle_path,
                                                 const char *arguments);

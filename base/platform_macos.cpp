@@ -1,5 +1,7 @@
 #include "base/platform.h"
 
+#include <utility>
+
 #include <libproc.h>
 #include <unistd.h>
 
@@ -15,6 +17,9 @@ OwnedText v_platform_get_exe_path() {
 }
 
 OwnedText v_platform_get_exe_path_for_process_id(long process_id) {
+  if (!std::in_range<int>(process_id)) {
+    return nullptr;
+  }
   char name[PROC_PIDPATHINFO_MAXSIZE];
   const int length = proc_pidpath(static_cast<int>(process_id), name, sizeof name);
   return length > 0 ? v_fs_utils_convert_osfsenc_to_utf8(name) : nullptr;

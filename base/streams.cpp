@@ -1,6 +1,7 @@
 #include "base/streams.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <utility>
 
@@ -60,7 +61,11 @@ bool skip_file(VInputStream *stream, std::size_t n) {
   if (stream->file == nullptr) {
     return fail("Opening input file failed.");
   }
-  if (fseeko(stream->file, static_cast<off_t>(n), SEEK_CUR) != 0) {
+  const bool is_in_range = std::in_range<off_t>(n);
+  if (!is_in_range) {
+    errno = EOVERFLOW;
+  }
+  if (!is_in_range || fseeko(stream->file, static_cast<off_t>(n), SEEK_CUR) != 0) {
     v_error_set_from_errno();
     return false;
   }
@@ -82,6 +87,33 @@ bool skip_zip_entry(VInputStream *stream, std::size_t n) {
   return true;
 }
 
+bool write_memory(VOutputStream *stream, const void *data, std::size_t n) {
+  if (!stream->memory) {
+    stream->memory.reset(g_byte_array_new());
+  }
+  // One byte stays free for the terminator.
+  if (n >= G_MAXUINT - stream->memory->len) {
+    v_error_set_out_of_memory();
+    return false;
+  }
+  g_byte_array_append(stream->memory.get(), static_cast<const guint8 *>(data),
+                      static_cast<guint>(n));
+  return true;
+}
+
+// Without a message: a stream that is destroyed after a failure must not speak over it.
+void finish_file(VOutputStream *stream) {
+  if (stream->file == nullptr) {
+    return;
+  }
+  bool is_complete = std::fflush(stream->file) == 0 && !std::ferror(stream->file);
+  if (stream->owned_file) {
+    stream->file = nullptr;
+    is_complete = std::fclose(stream->owned_file.release()) == 0 && is_complete;
+  }
+  stream->write_failed = stream->write_failed || !is_complete;
+}
+
 bool copy(VInputStream *source, VOutputStream *destination) {
   for (;;) {
     const std::byte *data = nullptr;
@@ -90,7 +122,7 @@ bool copy(VInputStream *source, VOutputStream *destination) {
       return false;
     }
     if (length == 0) {
-      return v_output_stream_flush(destination);
+      return v_output_stream_finish(destination);
     }
     if (!v_output_stream_write(destination, data, length)) {
       return false;
@@ -173,13 +205,15 @@ bool v_input_stream_skip(VInputStream *stream, std::size_t n) {
 void v_input_stream_destroy(VInputStream *stream) { delete stream; }
 
 OwnedOutputStream v_output_stream_new_for_file_path(const char *path) {
-  // A failed delete shows up again when the file is created, or does no harm.
-  v_fs_utils_delete_file_if_exists(path);
   OwnedOutputStream stream(new VOutputStream);
   stream->kind = StreamKind::file;
-  stream->owned_file = v_fs_utils_open_file(path, "wb");
+  // A file that cannot be deleted is not emptied instead: it may be the very one that is about to
+  // be copied, and what is left of it after a failed write could not be removed.
+  if (v_fs_utils_delete_file_if_exists(path)) {
+    stream->owned_file = v_fs_utils_open_file(path, "wb");
+  }
   stream->file = stream->owned_file.get();
-  stream->path = copy_text(path);
+  stream->path = stream->owned_file ? copy_text(path) : nullptr;
   return stream;
 }
 
@@ -197,11 +231,7 @@ bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t 
     return true;
   }
   if (stream->kind == StreamKind::memory) {
-    if (stream->memory == nullptr) {
-      stream->memory = g_byte_array_new();
-    }
-    g_byte_array_append(stream->memory, static_cast<const guint8 *>(data), static_cast<guint>(n));
-    return true;
+    return write_memory(stream, data, n);
   }
   if (stream->file == nullptr) {
     return fail("Creating file failed.");
@@ -213,39 +243,31 @@ bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t 
   return true;
 }
 
-bool v_output_stream_flush(VOutputStream *stream) {
-  if (stream->file == nullptr || std::fflush(stream->file) == 0) {
-    return true;
-  }
-  stream->write_failed = true;
-  return fail("File write error.");
+bool v_output_stream_finish(VOutputStream *stream) {
+  finish_file(stream);
+  return !stream->write_failed || fail("File write error.");
 }
 
 OwnedText v_output_stream_get_memory_data(VOutputStream *stream, std::size_t &length) {
   length = 0;
-  if (stream->memory == nullptr) {
+  if (!stream->memory) {
     return copy_text("");
   }
   length = stream->memory->len;
   const guint8 terminator = 0;
-  g_byte_array_append(stream->memory, &terminator, 1);
-  return OwnedText(
-      reinterpret_cast<char *>(g_byte_array_free(std::exchange(stream->memory, nullptr), FALSE)));
+  g_byte_array_append(stream->memory.get(), &terminator, 1);
+  return OwnedText(reinterpret_cast<char *>(g_byte_array_free(stream->memory.release(), FALSE)));
 }
 
 void v_output_stream_destroy(VOutputStream *stream) {
   if (stream == nullptr) {
     return;
   }
-  if (stream->memory != nullptr) {
-    g_byte_array_unref(stream->memory);
-  }
   if (stream->owned_file) {
-    const bool is_broken = stream->write_failed || std::ferror(stream->file);
-    const bool is_closed = std::fclose(stream->owned_file.release()) == 0;
-    if (is_broken || !is_closed) {
-      v_fs_utils_discard_file(stream->path.get());
-    }
+    finish_file(stream);
+  }
+  if (stream->write_failed && stream->path) {
+    v_fs_utils_discard_file(stream->path.get());
   }
   delete stream;
 }

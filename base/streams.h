@@ -36,12 +36,13 @@ struct VOutputStream {
   StreamKind kind = StreamKind::memory;
   std::FILE *file = nullptr; // null when the file could not be created
   OwnedFile owned_file;
-  OwnedText path;               // UTF-8; set when the stream created the file itself
-  bool write_failed = false;    // file: what lies on disk is not what was written
-  GByteArray *memory = nullptr; // made at the first write; freed by v_output_stream_destroy
+  OwnedText path;            // UTF-8; set when the stream created the file itself
+  bool write_failed = false; // file: what lies on disk is not what was written
+  Owned<GByteArray, g_byte_array_unref> memory; // made at the first write
 };
 
 void v_input_stream_destroy(VInputStream *stream);
+// Closes a file that the stream created, and deletes it if a write has failed.
 void v_output_stream_destroy(VOutputStream *stream);
 using OwnedInputStream = Owned<VInputStream, v_input_stream_destroy>;
 using OwnedOutputStream = Owned<VOutputStream, v_output_stream_destroy>;
@@ -63,33 +64,34 @@ bool v_input_stream_read(VInputStream *stream, void *buffer, std::size_t n, std:
 // The next piece, valid until the next call; length 0 is the end. A memory stream gives all that is
 // left at once.
 bool v_input_stream_get_some(VInputStream *stream, const std::byte *&data, std::size_t &length);
-// Passes over n bytes. A file may be passed beyond its end; memory ("Memory buffer end reached
-// prematurely.", the position stays) and zip entries ("Premature end of data stream.") may not.
+// Passes over n bytes. A file may be passed beyond its end, and one that cannot be passed over
+// fails with the system's message; memory ("Memory buffer end reached prematurely.", the position
+// stays) and zip entries ("Premature end of data stream.") may not.
 bool v_input_stream_skip(VInputStream *stream, std::size_t n);
 
-// Deletes what is at the path and creates the file. Always a stream; when the file cannot be
-// created the first write of at least one byte fails.
+// Deletes the file at the path and creates it anew. Always a stream; when the file cannot be
+// deleted it is left alone, and then, as when it cannot be created, the first write of at least one
+// byte fails.
 OwnedOutputStream v_output_stream_new_for_file_path(const char *path);
 // Writes to the caller's file, which stays open when the stream is destroyed.
 OwnedOutputStream v_output_stream_new_for_file(std::FILE *file);
 OwnedOutputStream v_output_stream_new_for_memory();
-// "Creating file failed.", "File write error.". Nothing is written for n = 0, which never fails.
+// "Creating file failed.", "File write error."; memory holds less than 4 GiB ("The program has run
+// out of memory."). Nothing is written for n = 0, which never fails.
 bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t n);
-// Hands everything written so far to the system, so that a full disk is noticed while there is
-// still somebody to tell: "File write error.". Memory streams, and a stream without a file, have
-// nothing to flush.
-bool v_output_stream_flush(VOutputStream *stream);
+// Ends the writing: hands everything to the system and closes a file that the stream created, so
+// that a full disk is noticed while there is still somebody to tell: "File write error.". Memory
+// streams, and a stream without a file, have nothing to finish.
+bool v_output_stream_finish(VOutputStream *stream);
 // The bytes written to a memory stream, followed by a zero byte that length does not count; the
 // stream is empty afterwards. Any other stream gives "" and length 0.
 OwnedText v_output_stream_get_memory_data(VOutputStream *stream, std::size_t &length);
-// v_output_stream_destroy closes a file that the stream created, and deletes it if a write has
-// failed.
 
 // The rest of the stream, followed by a zero byte that length does not count. Null on failure.
 OwnedText v_stream_copy_to_memory(VInputStream *stream, std::size_t &length);
 OwnedText v_stream_copy_from_zip_file_path_to_memory(struct zip *archive, const char *entry_name,
                                                      std::size_t &length);
 // Copies byte for byte over whatever is at the destination. Two equal path texts succeed without
-// touching anything. A source that cannot be opened leaves an empty destination, a failed write
-// none.
+// touching anything. A source that cannot be opened leaves an empty destination, one that cannot be
+// read to its end what was read, a failed write none.
 bool v_stream_copy_from_file_path_to_file_path(const char *source, const char *destination);

@@ -1,8 +1,62 @@
 #include "base/text_encoding.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 #include "base/error.h"
+
+namespace {
+
+// The first byte from 128 up, or the end. Words of bytes are looked at whole: nearly all text that
+// is read goes through here.
+const char *skip_ascii(const char *text, const char *end) {
+  constexpr std::uint64_t high_bits = 0x8080808080808080;
+  std::uint64_t word;
+  while (end - text >= static_cast<std::ptrdiff_t>(sizeof word)) {
+    std::memcpy(&word, text, sizeof word);
+    if ((word & high_bits) != 0) {
+      break;
+    }
+    text += sizeof word;
+  }
+  while (text != end && static_cast<unsigned char>(*text) < 0x80) {
+    text++;
+  }
+  return text;
+}
+
+bool is_latin1_pair(unsigned char first, unsigned char second) {
+  return (first == 0xC2 || first == 0xC3) && (second & 0xC0) == 0x80;
+}
+
+// The text in ISO-8859-1, or null when it holds anything but ASCII and two-byte characters up to
+// U+00FF.
+OwnedText decode_latin1(const char *utf8_text) {
+  const std::size_t length = std::strlen(utf8_text);
+  const char *end = utf8_text + length;
+  OwnedText latin1_text(g_new(char, length + 1));
+  char *out = latin1_text.get();
+  for (const char *in = utf8_text;;) {
+    const char *run_end = skip_ascii(in, end);
+    out = std::copy(in, run_end, out);
+    if (run_end == end) {
+      break;
+    }
+    const auto first = static_cast<unsigned char>(run_end[0]);
+    const auto second = static_cast<unsigned char>(run_end[1]);
+    if (!is_latin1_pair(first, second)) {
+      return nullptr;
+    }
+    *out++ = static_cast<char>(((first & 0x03) << 6) | (second & 0x3F));
+    in = run_end + 2;
+  }
+  *out = '\0';
+  return latin1_text;
+}
+
+} // namespace
 
 OwnedText v_convert_latin1_to_utf8(const char *latin1_text) {
   const auto *bytes = reinterpret_cast<const unsigned char *>(latin1_text);
@@ -26,9 +80,10 @@ OwnedText v_convert_latin1_to_utf8(const char *latin1_text) {
 }
 
 OwnedText v_convert_utf8_to_latin1(const char *utf8_text) {
-  // ASCII, by far the most frequent text, is the same in both and needs no converter.
-  if (v_ascii_test(utf8_text)) {
-    return copy_text(utf8_text);
+  // Opening a converter costs as much as parsing a whole remark does: it is left for the texts that
+  // do not fit, or that it alone knows how to fit.
+  if (OwnedText latin1_text = decode_latin1(utf8_text)) {
+    return latin1_text;
   }
   OwnedText latin1_text(g_convert(utf8_text, -1, "ISO-8859-1", "UTF-8", nullptr, nullptr, nullptr));
   if (!latin1_text) {
@@ -42,12 +97,8 @@ bool v_convert_test_utf8_char_for_latin1(const char *utf8_character) {
 }
 
 bool v_ascii_test(const char *text) {
-  for (const char *byte = text; *byte != '\0'; byte++) {
-    if (static_cast<unsigned char>(*byte) >= 0x80) {
-      return false;
-    }
-  }
-  return true;
+  const char *end = text + std::strlen(text);
+  return skip_ascii(text, end) == end;
 }
 
 const char *v_ascii_assert_in_utf8(const char *utf8_text) {

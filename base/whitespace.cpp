@@ -1,5 +1,8 @@
 #include "base/whitespace.h"
 
+#include <cstddef>
+#include <cstring>
+
 namespace {
 
 enum class Rule { detabify, spacify, compact };
@@ -21,16 +24,31 @@ Character utf8_character(const char *text) {
   return {g_utf8_skip[static_cast<unsigned char>(*text)], g_unichar_isspace(code_point) != FALSE};
 }
 
+// The end of the run of characters that are not whitespace.
+template <Character (*character_at)(const char *)>
+const char *skip_word(const char *text) {
+  while (*text != '\0') {
+    const Character character = character_at(text);
+    if (character.is_space) {
+      break;
+    }
+    text += character.length;
+  }
+  return text;
+}
+
 template <Character (*character_at)(const char *)>
 char *normalise(char *text, Rule rule) {
   char *out = text;
   char *end = text; // after the last character that is not whitespace
   for (const char *in = text; *in != '\0';) {
-    const Character character = character_at(in);
-    if (!character.is_space) {
-      for (int i = 0; i < character.length; i++) {
-        *out++ = *in++;
+    // Words are moved whole, and in a text that is in order already not at all.
+    if (const auto length = skip_word<character_at>(in) - in; length > 0) {
+      if (out != in) {
+        std::memmove(out, in, static_cast<std::size_t>(length));
       }
+      in += length;
+      out += length;
       end = out;
       continue;
     }
@@ -39,7 +57,7 @@ char *normalise(char *text, Rule rule) {
     if (!is_leading && !continues_a_run) {
       *out++ = rule == Rule::detabify && *in == '\n' ? '\n' : ' ';
     }
-    in += character.length;
+    in += character_at(in).length;
   }
   *end = '\0';
   return text;
@@ -53,8 +71,6 @@ OwnedText normalise_copy(const char *text, Rule rule) {
 }
 
 } // namespace
-
-bool v_ascii_is_space(char byte) { return byte == ' ' || (byte >= '\t' && byte <= '\r'); }
 
 char *v_strip_surrounding_and_detabify_within_original_for_latin1(char *latin1_text) {
   return normalise<latin1_character>(latin1_text, Rule::detabify);

@@ -7,6 +7,7 @@
 #include <limits>
 #include <utility>
 
+#include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
@@ -22,9 +23,12 @@ namespace {
 constexpr int maximum_report_lines = 15;
 // Far more than is ever shown; a file with a million faults must not be collected whole.
 constexpr gsize maximum_report_bytes = 64 * 1024;
-// What entities may expand to in one text: the size to which the parser limits a single text
-// itself.
-constexpr gsize maximum_expanded_bytes = 10'000'000;
+// What the entities of one document may expand to, in bytes and nodes, over all texts that are read
+// from it: the size to which the parser limits a single text itself.
+constexpr gsize maximum_expansion = 10'000'000;
+// Entities within entities, again the parser's own limit. A loop of them can get past the parser in
+// the declared default of an attribute.
+constexpr int maximum_entity_depth = 40;
 
 OwnedUtf8String report; // what the parser has said, null while it has said nothing
 
@@ -87,20 +91,72 @@ private:
   xmlExternalEntityLoader external_entity_loader;
 };
 
+// The parser refuses entities that expand to too much text, but would follow those that expand to
+// nothing, over and over, for hours. This takes the place of its own look-up and ends the parse
+// after so many references; the context's private field leads to their count.
+template <auto look_up>
+xmlEntity *count_reference(void *context, const xmlChar *name) {
+  auto *parser = static_cast<xmlParserCtxt *>(context);
+  gsize &count = *static_cast<gsize *>(parser->_private);
+  if (count <= maximum_expansion) {
+    count++;
+    return look_up(context, name);
+  }
+  if (!report) {
+    report = v_utf8_string_new("Too many entity references.");
+  }
+  parser->wellFormed = 0;
+  xmlStopParser(parser);
+  return nullptr;
+}
+
+// Runs one of the parser's reading functions on a new context under our settings.
+template <typename Read>
+OwnedXmlDoc parse(Read read) {
+  const ParserSettings settings;
+  gsize reference_count = 0;
+  const Owned<xmlParserCtxt, xmlFreeParserCtxt> parser(xmlNewParserCtxt());
+  parser->_private = &reference_count;
+  parser->sax->getEntity = count_reference<xmlSAX2GetEntity>;
+  parser->sax->getParameterEntity = count_reference<xmlSAX2GetParameterEntity>;
+  OwnedXmlDoc document(read(parser.get()));
+  if (!document) {
+    set_error_from_report();
+    v_error_append("Could not parse XML data.");
+  }
+  return document;
+}
+
 const char *as_text(const xmlChar *text) { return reinterpret_cast<const char *>(text); }
 
 const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar *>(text); }
 
-// Appends the direct text of a list of sibling nodes. False when an entity is not known or expands
-// beyond the limit. The parser's own function for this copies the text anew for each piece.
-bool append_text(VUtf8String *text, xmlDoc *document, const xmlNode *siblings) {
+// Takes from what the document's entities may still expand to. The sum so far is kept with the
+// document, so that many small texts cannot together do what a single one may not.
+bool spend_expansion(xmlDoc *document, gsize amount) {
+  const gsize spent = GPOINTER_TO_SIZE(document->_private) + amount;
+  document->_private = GSIZE_TO_POINTER(spent);
+  return spent <= maximum_expansion;
+}
+
+// Appends the direct text of a list of sibling nodes, which lie so many entities deep. False when
+// an entity is not known or when entities expand beyond the limits. The parser's own function for
+// this copies the text anew for each piece.
+bool append_text(VUtf8String *text, xmlDoc *document, const xmlNode *siblings, int depth = 0) {
+  if (depth > maximum_entity_depth) {
+    return false;
+  }
   for (const xmlNode *node = siblings; node != nullptr; node = node->next) {
-    if (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE) {
+    const bool is_text = node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE;
+    if (depth > 0 &&
+        !spend_expansion(document, 1 + (is_text ? std::strlen(as_text(node->content)) : 0))) {
+      return false;
+    }
+    if (is_text) {
       v_utf8_string_append(text, as_text(node->content));
     } else if (node->type == XML_ENTITY_REF_NODE) {
       const xmlEntity *entity = xmlGetDocEntity(document, node->name);
-      if (entity == nullptr || !append_text(text, document, entity->children) ||
-          text->len > maximum_expanded_bytes) {
+      if (entity == nullptr || !append_text(text, document, entity->children, depth + 1)) {
         return false;
       }
     }
@@ -108,19 +164,44 @@ bool append_text(VUtf8String *text, xmlDoc *document, const xmlNode *siblings) {
   return true;
 }
 
+// UTF-8 text of a tree, where it lies in the tree or as it was put together; null when it cannot be
+// read.
+class TreeText {
+public:
+  explicit TreeText(const char *borrowed) : text(borrowed) {}
+  explicit TreeText(OwnedText joined) : owned(std::move(joined)), text(owned.get()) {}
+  const char *get() const { return text; }
+
+private:
+  OwnedText owned;
+  const char *text;
+};
+
 // Most texts are one piece and need not be put together.
-OwnedText text_of(xmlDoc *document, const xmlNode *children) {
+TreeText text_of(xmlDoc *document, const xmlNode *children) {
   if (children == nullptr) {
-    return copy_text("");
+    return TreeText("");
   }
   if (children->next == nullptr && children->type == XML_TEXT_NODE) {
-    return copy_text(as_text(children->content));
+    return TreeText(as_text(children->content));
   }
   OwnedUtf8String text = v_utf8_string_new(nullptr);
   if (!append_text(text.get(), document, children)) {
-    return nullptr;
+    return TreeText(nullptr);
   }
-  return v_utf8_string_free(std::move(text), false);
+  return TreeText(v_utf8_string_free(std::move(text), false));
+}
+
+// The value that the document type declares for an attribute that is not written. It is as much an
+// expansion as an entity's text is.
+TreeText declared_default(const xmlNode *node, const char *name) {
+  const OwnedXmlText value(xmlGetProp(node, as_xml(name)));
+  if (!value || !spend_expansion(node->doc, std::strlen(as_text(value.get())))) {
+    return TreeText(nullptr);
+  }
+  const Owned<xmlNode, xmlFreeNodeList> pieces(xmlStringGetNodeList(node->doc, value.get()));
+  // The pieces go with this call.
+  return TreeText(copy_text(text_of(node->doc, pieces.get()).get()));
 }
 
 enum class Encoding { ascii, latin1, utf8 };
@@ -129,18 +210,16 @@ enum class Content { any, nonempty };
 enum class Spacing { kept, compact };
 
 // The text in another encoding; null with the sentence before the reason when it does not fit.
-OwnedText encode(OwnedText utf8_text, Encoding encoding, const char *sentence) {
+OwnedText encode(const char *utf8_text, Encoding encoding, const char *sentence) {
   OwnedText text;
   switch (encoding) {
   case Encoding::utf8:
-    return utf8_text;
+    return copy_text(utf8_text);
   case Encoding::ascii:
-    if (v_ascii_assert_in_utf8(utf8_text.get()) != nullptr) {
-      return utf8_text;
-    }
+    text = copy_text(v_ascii_assert_in_utf8(utf8_text));
     break;
   case Encoding::latin1:
-    text = v_convert_utf8_to_latin1(utf8_text.get());
+    text = v_convert_utf8_to_latin1(utf8_text);
     break;
   }
   if (!text) {
@@ -162,21 +241,17 @@ bool get_attribute(OwnedText &value, const xmlNode *node, const char *name, Enco
   if (attribute == nullptr) {
     return presence == Presence::optional || fail_for_attribute("Missing XML attribute", name);
   }
-  if (attribute->type == XML_ATTRIBUTE_NODE) {
-    value = text_of(node->doc, attribute->children);
-  } else if (const OwnedXmlText declared{xmlGetProp(node, as_xml(name))}) {
-    // A default value that the document type declares.
-    value = copy_text(as_text(declared.get()));
-  }
-  if (!value) {
+  const TreeText text = attribute->type == XML_ATTRIBUTE_NODE
+                            ? text_of(node->doc, attribute->children)
+                            : declared_default(node, name);
+  if (text.get() == nullptr) {
     v_error_set("Error when reading XML attribute.");
     return false;
   }
-  if (content == Content::nonempty && *value == '\0') {
-    value.reset();
+  if (content == Content::nonempty && *text.get() == '\0') {
     return fail_for_attribute("Empty XML attribute", name);
   }
-  value = encode(std::move(value), encoding, "Invalid XML attribute content.");
+  value = encode(text.get(), encoding, "Invalid XML attribute content.");
   return value != nullptr;
 }
 
@@ -204,12 +279,12 @@ bool parse_double(double &value, const char *text) {
 // The one way to a node's text content.
 OwnedText get_text(xmlDoc *document, const xmlNode *node, Encoding encoding, Spacing spacing,
                    Content content) {
-  OwnedText text = text_of(document, node->children);
-  if (!text) {
+  const TreeText content_of_node = text_of(document, node->children);
+  if (content_of_node.get() == nullptr) {
     v_error_set("Error reading text content from XML node.");
     return nullptr;
   }
-  text = encode(std::move(text), encoding, "Invalid XML node content.");
+  OwnedText text = encode(content_of_node.get(), encoding, "Invalid XML node content.");
   if (!text) {
     return nullptr;
   }
@@ -248,13 +323,15 @@ OwnedXmlDoc v_xml_parse_file(const char *path) {
   if (!file) {
     return nullptr;
   }
-  const ParserSettings settings;
-  OwnedXmlDoc document(xmlReadFd(fileno(file.get()), nullptr, nullptr, 0));
-  if (!document) {
-    set_error_from_report();
-    v_error_append("Could not parse XML data.");
-  }
-  return document;
+  return parse([&](xmlParserCtxt *parser) {
+    return xmlCtxtReadFd(parser, fileno(file.get()), nullptr, nullptr, 0);
+  });
+}
+
+OwnedXmlDoc v_xml_parse_memory(const char *data, std::size_t length) {
+  return parse([&](xmlParserCtxt *parser) {
+    return xmlCtxtReadMemory(parser, data, static_cast<int>(length), nullptr, nullptr, 0);
+  });
 }
 
 bool v_xml_parse_file_if_exists(OwnedXmlDoc &document, const char *path) {
@@ -271,6 +348,11 @@ bool v_xml_parse_file_if_exists(OwnedXmlDoc &document, const char *path) {
 }
 
 void v_xml_free_doc(xmlDoc *document) { xmlFreeDoc(document); }
+
+void v_xml_remove_node(xmlNode *node) {
+  xmlUnlinkNode(node);
+  xmlFreeNode(node);
+}
 
 xmlNode *v_xml_get_root_element(xmlDoc *document) {
   xmlNode *root = xmlDocGetRootElement(document);

@@ -2,7 +2,11 @@
 // XML in: parsing with the parser's own report in the error state, and getters that turn everything
 // missing or malformed into a fixed message. Names are compared without namespaces. Attribute
 // values and text come back in the encoding that the getter's name says; the parser itself works in
-// UTF-8.
+// UTF-8. What the entities and declared defaults of a document add to all its texts is limited to
+// 10,000,000 bytes; what lies beyond counts as unreadable. The document's _private field keeps that
+// count.
+
+#include <cstddef>
 
 #include <libxml/tree.h>
 
@@ -15,8 +19,13 @@ OwnedXmlDoc v_xml_parse_file(const char *path);
 // True with null when there is no file at the path. False as v_xml_parse_file, or when the path
 // cannot be asked for.
 bool v_xml_parse_file_if_exists(OwnedXmlDoc &document, const char *path);
+// The same for a document in memory, length in bytes (below 2^31). Null with the parser's report as
+// above.
+OwnedXmlDoc v_xml_parse_memory(const char *data, std::size_t length);
 // Null is allowed.
 void v_xml_free_doc(xmlDoc *document);
+// Takes the node out of its tree and frees it with all that is in it.
+void v_xml_remove_node(xmlNode *node);
 // Borrowed; null with "Missing root element in XML tree.".
 xmlNode *v_xml_get_root_element(xmlDoc *document);
 

@@ -1,7 +1,10 @@
 #include "base/xml_writing.h"
 
 #include <cstdarg>
+#include <memory>
+#include <utility>
 
+#include <libxml/xmlerror.h>
 #include <libxml/xmlsave.h>
 
 #include "base/error.h"
@@ -47,12 +50,30 @@ const char *escape(char byte) {
 struct CloseSaveContext {
   void operator()(xmlSaveCtxt *context) const noexcept { xmlSaveClose(context); }
 };
+using OwnedSaveContext = std::unique_ptr<xmlSaveCtxt, CloseSaveContext>;
+
+void ignore_report(void *, const char *, ...) {}
+
+// What fails here is told by the error state; the library would print it as well.
+class SilentLibrary {
+public:
+  SilentLibrary() { xmlSetGenericErrorFunc(nullptr, ignore_report); }
+  ~SilentLibrary() { xmlSetGenericErrorFunc(nullptr, nullptr); }
+  SilentLibrary(const SilentLibrary &) = delete;
+  SilentLibrary &operator=(const SilentLibrary &) = delete;
+};
 
 // The save call reports success even on a full disk; only the close, which writes the rest, tells.
-bool save(xmlDoc *document, std::unique_ptr<xmlSaveCtxt, CloseSaveContext> context) {
+bool save(xmlDoc *document, OwnedSaveContext context) {
   const bool is_saved = xmlSaveDoc(context.get(), document) != -1;
   const bool is_closed = xmlSaveClose(context.release()) != -1;
   return is_saved && is_closed;
+}
+
+// The library's own writer to a descriptor takes a write that was cut short for a whole one.
+int write_whole(void *stream, const char *bytes, int length) {
+  const auto size = static_cast<std::size_t>(length);
+  return std::fwrite(bytes, 1, size, static_cast<std::FILE *>(stream)) == size ? length : -1;
 }
 
 } // namespace
@@ -152,13 +173,14 @@ bool v_xml_write_to_file(xmlDoc *document, const char *path, const char *encodin
 }
 
 bool v_xml_write_to_stream(xmlDoc *document, std::FILE *stream, const char *encoding) {
-  std::unique_ptr<xmlSaveCtxt, CloseSaveContext> context(
-      xmlSaveToFd(fileno(stream), encoding, XML_SAVE_FORMAT));
+  const SilentLibrary silent;
+  OwnedSaveContext context(xmlSaveToIO(write_whole, nullptr, stream, encoding, XML_SAVE_FORMAT));
   if (!context) {
     v_error_set("Could not create XML saving context for file.");
     return false;
   }
-  if (!save(document, std::move(context))) {
+  const bool is_saved = save(document, std::move(context));
+  if (!is_saved || std::fflush(stream) != 0) {
     v_error_set("Could not write XML data.");
     return false;
   }
@@ -166,9 +188,9 @@ bool v_xml_write_to_stream(xmlDoc *document, std::FILE *stream, const char *enco
 }
 
 OwnedText v_xml_write_to_string(xmlDoc *document, const char *encoding) {
+  const SilentLibrary silent;
   const Owned<xmlBuffer, xmlBufferFree> buffer(xmlBufferCreate());
-  std::unique_ptr<xmlSaveCtxt, CloseSaveContext> context(
-      xmlSaveToBuffer(buffer.get(), encoding, XML_SAVE_FORMAT));
+  OwnedSaveContext context(xmlSaveToBuffer(buffer.get(), encoding, XML_SAVE_FORMAT));
   if (!context || !save(document, std::move(context))) {
     v_error_set("Could not write XML data to memory buffer.");
     return nullptr;
@@ -193,7 +215,8 @@ OwnedText v_xml_latin1_to_xml(const char *latin1_text) {
 }
 
 bool v_xml_write_string(std::FILE *stream, const char *latin1_text) {
-  return v_util_fprintf(stream, "%s", v_xml_latin1_to_xml(latin1_text).get());
+  const OwnedText escaped = v_xml_latin1_to_xml(latin1_text);
+  return !escaped || v_util_fprintf(stream, "%s", escaped.get());
 }
 
 bool v_xml_write_tabs(std::FILE *stream, int n) {

@@ -40,17 +40,21 @@ bool v_xml_set_attribute_to_double(xmlNode *node, const char *name, double value
 // with the message of opening or closing the file or that of v_xml_write_to_stream; no file is left
 // half written.
 bool v_xml_write_to_file(xmlDoc *document, const char *path, const char *encoding);
-// False with "Could not create XML saving context for file." or "Could not write XML data.".
+// Writes behind what the stream holds already and flushes it. False with "Could not create XML
+// saving context for file." or "Could not write XML data.".
 bool v_xml_write_to_stream(xmlDoc *document, std::FILE *stream, const char *encoding);
-// The serialised document in the named encoding, zero-terminated; null with "Could not write XML
-// data to memory buffer.".
+// The serialised document in the named encoding, which must be one without zero bytes (not UTF-16);
+// null with "Could not write XML data to memory buffer.".
 OwnedText v_xml_write_to_string(xmlDoc *document, const char *encoding);
 
 // New escaped text of an ISO-8859-1 text; null for null. A carriage return becomes two references,
 // "&#xD;&#x9;": meant, and in every file of the suite.
 OwnedText v_xml_latin1_to_xml(const char *latin1_text);
 
-// The hand writers: false with "File I/O error when writing to file." on a failed write.
+// The hand writers: false with "File I/O error when writing to file." on a failed write. What the
+// stream buffers is written, and can fail, only when it is flushed or closed.
+
+// Writes the escaped text; nothing for null.
 bool v_xml_write_string(std::FILE *stream, const char *latin1_text);
 // Nothing is written for n below 1.
 bool v_xml_write_tabs(std::FILE *stream, int n);

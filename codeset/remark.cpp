@@ -1,6 +1,7 @@
 #include "codeset/remark.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -23,6 +24,37 @@ void join(VRemark *first, VRemark *second) {
 
 bool has_code(const VRemark *remark, const char *code) {
   return std::strcmp(remark->code.get(), code) == 0;
+}
+
+// Whether the test holds for the codes of some remark and the next.
+bool has_neighbours(const VRemarkList *list,
+                    bool (*test)(const char *code, const char *next_code)) {
+  const VRemark *last = list->tail.prev;
+  for (const VRemark *remark = list->head.next; remark != &list->tail && remark != last;
+       remark = remark->next) {
+    if (test(remark->code.get(), remark->next->code.get())) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool is_sorted(const VRemarkList *list) {
+  return !has_neighbours(list, [](const char *code, const char *next_code) {
+    return v_remark_compare_codes(code, next_code) > 0;
+  });
+}
+
+// A remark while its list is sorted. The key decides between most pairs of codes without a look at
+// the codes, which lie all over the memory: sorting takes a third of the time.
+struct Place {
+  std::uint64_t key;
+  VRemark *remark;
+};
+
+bool stands_before(const Place &a, const Place &b) {
+  return a.key != b.key ? a.key < b.key
+                        : v_remark_compare_codes(a.remark->code.get(), b.remark->code.get()) < 0;
 }
 
 } // namespace
@@ -118,24 +150,27 @@ void v_remark_list_add_remark_sorted(VRemarkList *list, OwnedRemark remark) {
 }
 
 void v_remark_list_sort(VRemarkList *list) {
-  std::vector<VRemark *> remarks;
-  for (VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-    remarks.push_back(remark);
-  }
-  const auto stands_before = [](const VRemark *a, const VRemark *b) {
-    return v_remark_compare_codes(a->code.get(), b->code.get()) < 0;
-  };
   // Files are mostly written in order already.
-  if (std::is_sorted(remarks.begin(), remarks.end(), stands_before)) {
+  if (is_sorted(list)) {
     return;
   }
-  std::stable_sort(remarks.begin(), remarks.end(), stands_before);
+  std::vector<Place> places;
+  for (VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+    places.push_back({strnatzerocasecmp_key(remark->code.get()), remark});
+  }
+  std::stable_sort(places.begin(), places.end(), stands_before);
   VRemark *last = &list->head;
-  for (VRemark *remark : remarks) {
-    join(last, remark);
-    last = remark;
+  for (const Place &place : places) {
+    join(last, place.remark);
+    last = place.remark;
   }
   join(last, &list->tail);
+}
+
+bool v_remark_list_has_duplicate_codes(const VRemarkList *list) {
+  return has_neighbours(list, [](const char *code, const char *next_code) {
+    return std::strcmp(code, next_code) == 0;
+  });
 }
 
 VRemark *v_remark_list_get_remark_for_code(const VRemarkList *list, const char *code) {

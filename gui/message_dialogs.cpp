@@ -1,6 +1,8 @@
 #include "gui/message_dialogs.h"
 
+#include <algorithm>
 #include <cstdarg>
+#include <cstring>
 
 #include "base/error.h"
 #include "gui/owned_objects.h"
@@ -12,15 +14,29 @@ constexpr MessageKind error_kind = {"Error", "dialog-error", ButtonSet::close};
 constexpr MessageKind warning_kind = {"Warning", "dialog-warning", ButtonSet::close};
 constexpr MessageKind question_kind = {"Question", "dialog-question", ButtonSet::none};
 
-// Lines of the program's own messages are shorter; only a long path or file text gets here.
-constexpr int longest_line = 100; // characters
+// Lines of the program's own messages are shorter; a long path or a text from a file may be longer.
+constexpr int widest_line = 100; // characters
 
-// The message wraps only where it would make the dialog wider than any screen.
+glong count_characters_of_longest_line(const char *text) {
+  glong longest = 0;
+  for (const char *line = text; line != nullptr;) {
+    const char *end = std::strchr(line, '\n');
+    longest = std::max(longest, g_utf8_strlen(line, end == nullptr ? -1 : end - line));
+    line = end == nullptr ? nullptr : end + 1;
+  }
+  return longest;
+}
+
+// A message wraps only where it would make the dialog wider than the screen. One that wraps has a
+// fixed width: the toolkit would keep the dialog as high as its narrowest form needs.
 void pack_message(GtkBox *box, const char *text) {
   GtkLabel *label = v_gui_pack_label(box, text, 0.0f, 0.0f);
-  gtk_label_set_line_wrap(label, TRUE);
-  gtk_label_set_line_wrap_mode(label, PANGO_WRAP_WORD_CHAR);
-  gtk_label_set_max_width_chars(label, longest_line);
+  if (count_characters_of_longest_line(text) > widest_line) {
+    gtk_label_set_line_wrap(label, TRUE);
+    gtk_label_set_line_wrap_mode(label, PANGO_WRAP_WORD_CHAR);
+    gtk_label_set_width_chars(label, widest_line);
+    gtk_label_set_max_width_chars(label, widest_line);
+  }
 }
 
 GtkDialog *create_dialog(const char *title, const char *icon_name, const char *text,

@@ -1,6 +1,7 @@
 #include "gui/widgets.h"
 
 #include "gui/css.h"
+#include "gui/screen_high_scroller.h"
 
 namespace {
 
@@ -119,6 +120,15 @@ GtkBox *v_gui_pack_vbox(GtkBox *box, Expand expand, Spacing spacing) {
 
 GtkBox *v_gui_pack_hbox(GtkBox *box, Expand expand, Spacing spacing) {
   return packed(box, expand, create_box(GTK_ORIENTATION_HORIZONTAL, spacing));
+}
+
+GtkBox *v_gui_pack_scrolling_vbox(GtkBox *box, Expand expand, Spacing spacing) {
+  GtkWidget *scroller = packed(box, expand, shown(v_screen_high_scroller_new()));
+  GtkBox *inner_box = v_gui_add_vbox(GTK_CONTAINER(scroller), spacing);
+  // What has the focus scrolls into view.
+  gtk_container_set_focus_vadjustment(
+      GTK_CONTAINER(inner_box), gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller)));
+  return inner_box;
 }
 
 GtkBox *v_gui_pack_hbox_in_alignment(GtkBox *box, Expand expand, Spacing spacing, float x_align,

@@ -51,6 +51,8 @@ GtkBox *v_gui_create_vbox(Spacing spacing);
 GtkBox *v_gui_add_vbox(GtkContainer *container, Spacing spacing);
 GtkBox *v_gui_pack_vbox(GtkBox *box, Expand expand, Spacing spacing);
 GtkBox *v_gui_pack_hbox(GtkBox *box, Expand expand, Spacing spacing);
+// A vertical box that scrolls where the screen is not as high as its content.
+GtkBox *v_gui_pack_scrolling_vbox(GtkBox *box, Expand expand, Spacing spacing);
 // Packs an alignment and returns the box inside it.
 GtkBox *v_gui_pack_hbox_in_alignment(GtkBox *box, Expand expand, Spacing spacing, float x_align,
                                      float y_align, float x_scale, float y_scale);

@@ -29,12 +29,12 @@ bool is_dialect_of(const char *tag, const char *lang, std::size_t lang_length) {
   return std::strncmp(tag, lang, lang_length) == 0 && tag[lang_length] == '-';
 }
 
-void append(OwnedLangstr &langstr, const char *lang, const char *text) {
+void append(OwnedLangstr &langstr, OwnedText lang, OwnedText text) {
   OwnedLangstr *end = &langstr;
   while (*end) {
     end = &(*end)->next;
   }
-  end->reset(new VLangstr{copy_text(lang), copy_text(text), nullptr});
+  end->reset(new VLangstr{std::move(lang), std::move(text), nullptr});
 }
 
 // Whether b holds one translation of a.
@@ -62,23 +62,27 @@ void v_langstr_free(VLangstr *langstr) {
 }
 
 bool v_langstr_set_translation(OwnedLangstr &langstr, const char *lang, const char *text) {
-  if (VLangstr *same_tag = find_tag(langstr.get(), lang)) {
-    if (equal(same_tag->text.get(), text)) {
+  return v_langstr_set_owned_translation(langstr, copy_text(lang), copy_text(text));
+}
+
+bool v_langstr_set_owned_translation(OwnedLangstr &langstr, OwnedText lang, OwnedText text) {
+  if (VLangstr *same_tag = find_tag(langstr.get(), lang.get())) {
+    if (equal(same_tag->text, text)) {
       return false;
     }
-    same_tag->text = copy_text(text);
+    same_tag->text = std::move(text);
     return true;
   }
   if (*lang == '\0') {
-    if (has_text(langstr.get(), text)) {
+    if (has_text(langstr.get(), text.get())) {
       return false;
     }
   } else if (VLangstr *untagged = find_tag(langstr.get(), "");
-             untagged != nullptr && equal(untagged->text.get(), text)) {
-    untagged->lang = copy_text(lang);
+             untagged != nullptr && equal(untagged->text, text)) {
+    untagged->lang = std::move(lang);
     return true;
   }
-  append(langstr, lang, text);
+  append(langstr, std::move(lang), std::move(text));
   return true;
 }
 

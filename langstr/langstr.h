@@ -23,6 +23,8 @@ struct VLangstr {
 //  - A tagged text that the untagged translation has gives that one the tag, at its place.
 //  - Anything else is appended.
 bool v_langstr_set_translation(OwnedLangstr &langstr, const char *lang, const char *text);
+// The same for a tag and a text that are handed over.
+bool v_langstr_set_owned_translation(OwnedLangstr &langstr, OwnedText lang, OwnedText text);
 
 // The text for exactly this tag; failing that, with allow_dialect, for the first dialect of it
 // ("en" finds "en-uk", never the other way). Borrowed; null when there is none.

@@ -1,5 +1,7 @@
 #include "langstr/langstr_xml.h"
 
+#include <utility>
+
 #include "base/error.h"
 #include "base/whitespace.h"
 #include "base/xml_reading.h"
@@ -60,7 +62,7 @@ bool v_xml_parse_langstr_translation(OwnedLangstr &langstr, xmlDoc *document,
     v_error_set("Empty XML lang attribute where not allowed.");
     return false;
   }
-  const OwnedText text = v_xml_get_text_content_as_latin1(document, element);
+  OwnedText text = v_xml_get_text_content_as_latin1(document, element);
   if (!text) {
     return false;
   }
@@ -69,7 +71,7 @@ bool v_xml_parse_langstr_translation(OwnedLangstr &langstr, xmlDoc *document,
     v_error_set("Empty text content in XML where not allowed.");
     return false;
   }
-  v_langstr_set_translation(langstr, lang.get(), text.get());
+  v_langstr_set_owned_translation(langstr, std::move(lang), std::move(text));
   return true;
 }
 

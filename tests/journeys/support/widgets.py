@@ -18,6 +18,15 @@ def matches(wanted, actual):
     return bool(wanted.search(actual)) if isinstance(wanted, re.Pattern) else wanted == actual
 
 
+def labels_of(accessible, label_before):
+    """What tells a person which widget this is: the labels related to it, the one directly before it, the name that is
+    spoken. A field's colon and mark are left out."""
+    labels = [*accessibility.labels_of(accessible), accessibility.name(accessible)]
+    if label_before is not None:
+        labels.append(label_before)
+    return [re.sub(r":( \(Required\))?$", "", label) for label in labels]
+
+
 class Widget:
     """One accessible object of the program. What is asked is asked anew each time; what is found is waited for."""
 
@@ -104,7 +113,7 @@ class Widget:
 
     def find_all(self, role=None, name=None, labelled=None, showing=True):
         """The widgets inside that fit now, in reading order. `role` is one role name or several; `labelled` is the text of
-        a label that belongs to the widget, by relation or by standing directly before it."""
+        a label that belongs to the widget, without its colon."""
         roles = (role,) if isinstance(role, str) else role
         self.accessible.clear_cache()
         found = []
@@ -114,16 +123,15 @@ class Widget:
             if showing and "showing" not in accessibility.states(accessible):
                 continue
             if (roles is None or own_role in roles) and matches(name, accessibility.name(accessible)) and (
-                labelled is None
-                or any(matches(labelled, label) for label in accessibility.labels_of(accessible))
-                or (label_before is not None and matches(labelled, label_before))
+                labelled is None or any(matches(labelled, label) for label in labels_of(accessible, label_before))
             ):
                 found.append(as_widget(self.program, accessible))
             if own_role == "label":
                 label_before = accessibility.name(accessible)
             elif own_role not in ("filler", "panel", "scroll pane", "viewport"):
                 label_before = None
-        return found
+        # Containers tell of their children in any order; a person reads from the top.
+        return sorted(found, key=lambda widget: widget.extents[1::-1]) if showing else found
 
     def find(self, role=None, name=None, labelled=None, index=0, seconds=DEFAULT_SECONDS):
         """The widget of that index among those that fit, waiting until it is there."""

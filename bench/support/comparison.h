@@ -1,0 +1,28 @@
+#pragma once
+// One row of the table: what is measured, its baseline, and the ratio to reach. Both are measured
+// in turns within one benchmark, and the row's figures are the medians.
+
+#include <functional>
+#include <string>
+
+#include <benchmark/benchmark.h>
+
+// What stands in the table besides the figures.
+struct Row {
+  std::string what;
+  std::string size;
+  std::string baseline;
+  const char *unit = "s"; // "s" or "MiB"
+  double target = 1;      // the greatest ratio
+};
+
+struct Comparison {
+  // Each does its work once and returns what it measured, in the row's unit. What it leaves behind
+  // is gone when it returns.
+  std::function<double()> measure_baseline;
+  std::function<double()> measure_ours;
+};
+
+// Adds the row; set_up is called once, when the row's turn has come, and what it captured lives as
+// long as the measuring.
+void v_bench_add_row(const Row &row, int repetitions, std::function<Comparison()> set_up);

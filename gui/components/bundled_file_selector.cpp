@@ -1,0 +1,96 @@
+#include "gui/components/bundled_file_selector.h"
+
+#include "base/fs_utils.h"
+#include "base/platform.h"
+#include "gui/accessibility.h"
+#include "gui/components/component_list.h"
+#include "gui/message_dialogs.h"
+#include "gui/widgets.h"
+
+namespace {
+
+struct BundledFileSelector {
+  VWindowStack *window_stack = nullptr;
+  OwnedObject<GtkListStore> list; // the second column holds the path
+  GtkWindow *window = nullptr;
+  GtkTreeView *tree_view = nullptr;
+  OwnedText result; // null until a file was chosen
+};
+
+void cell_data_func(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *model,
+                    GtkTreeIter *row, void *);
+void ok_callback(GtkButton *button, BundledFileSelector *state);
+
+// Build steps.
+
+void pack_buttons(GtkBox *box, BundledFileSelector *state) {
+  GtkBox *row = v_gui_pack_hbox(box, Expand::no, Spacing::standard);
+  GtkButton *ok = v_gui_pack_button(row, "OK", MakeDefault::yes);
+  g_signal_connect(ok, "clicked", G_CALLBACK(ok_callback), state);
+  GtkButton *cancel = v_gui_pack_button_in_alignment(row, Expand::yes, "Cancel", MakeDefault::no,
+                                                     1.0f, 0.0f, 0.0f, 0.0f);
+  g_signal_connect_swapped(cancel, "clicked", G_CALLBACK(gtk_widget_destroy), state->window);
+}
+
+void build_window(BundledFileSelector *state) {
+  state->window = v_gui_create_window("Select one to add");
+  GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(state->window), Spacing::standard);
+  state->tree_view = v_component_list_pack_view(box, state->list.get(), cell_data_func);
+  pack_buttons(box, state);
+  v_gui_close_on_escape(state->window);
+}
+
+// Updating.
+
+// A file that says nothing of itself is listed by its name.
+void fill_list(GtkListStore *list, const char *folder_path, const VComponentKind &kind) {
+  for (const OwnedText &name : v_component_list_find_names(folder_path, kind)) {
+    const OwnedText path = v_fs_utils_create_path_in_folder(folder_path, name.get());
+    const OwnedText text = kind.text_callback(path.get(), kind.user_data);
+    v_component_list_append(list, text ? text.get() : name.get(), path.get());
+  }
+}
+
+void cell_data_func(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *model,
+                    GtkTreeIter *row, void *) {
+  v_component_list_show_text(cell,
+                             v_component_list_get_text(model, row, v_component_column_text).get());
+}
+
+// Handlers.
+
+void ok_callback(GtkButton *, BundledFileSelector *state) {
+  std::optional<VComponentRow> row = v_component_list_get_selected_row(state->tree_view);
+  if (!row) {
+    v_message_show_error(state->window_stack, "None selected.");
+    return;
+  }
+  state->result = std::move(row->file);
+  gtk_widget_destroy(GTK_WIDGET(state->window));
+}
+
+} // namespace
+
+OwnedText v_components_gui_get_bundled_file_path(VWindowStack *window_stack,
+                                                 const VWorkspace *workspace,
+                                                 const VComponentKind &kind) {
+  return v_components_gui_bundled_file_selector_run(window_stack, workspace, kind);
+}
+
+OwnedText v_components_gui_bundled_file_selector_run(VWindowStack *window_stack, const VWorkspace *,
+                                                     const VComponentKind &kind) {
+  const OwnedText install_folder = v_platform_get_install_folder_path();
+  if (!install_folder) {
+    return nullptr;
+  }
+  const OwnedText folder_path =
+      v_fs_utils_create_path_in_folder(install_folder.get(), kind.folder_name);
+  BundledFileSelector state;
+  state.window_stack = window_stack;
+  state.list = v_component_list_new();
+  fill_list(state.list.get(), folder_path.get(), kind);
+  build_window(&state);
+  v_component_list_unselect_when_idle(state.tree_view);
+  v_window_stack_run_window(window_stack, state.window, Maximize::no, GTK_WIDGET(state.tree_view));
+  return std::move(state.result);
+}

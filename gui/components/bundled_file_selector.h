@@ -1,0 +1,16 @@
+#pragma once
+// Lets the user choose one of the component files that are delivered with the program.
+
+#include "gui/components/component_kind.h"
+#include "gui/window_stack.h"
+#include "workspace/workspace.h"
+
+// The path (UTF-8) of the chosen file; null when the window was cancelled or closed, and when the
+// installation folder is not known. The delivered files are the same for every workspace; the
+// argument only makes the component manager's two questions for a path alike.
+OwnedText v_components_gui_get_bundled_file_path(VWindowStack *window_stack,
+                                                 const VWorkspace *workspace,
+                                                 const VComponentKind &kind);
+OwnedText v_components_gui_bundled_file_selector_run(VWindowStack *window_stack,
+                                                     const VWorkspace *workspace,
+                                                     const VComponentKind &kind);

@@ -1,0 +1,101 @@
+#include "gui/components/component_list.h"
+
+#include <cstring>
+
+#include "base/error.h"
+#include "base/fs_utils.h"
+#include "gui/accessibility.h"
+#include "gui/widgets.h"
+
+namespace {
+
+// Characters that a row asks room for at most.
+constexpr int longest_text = 100;
+
+// The next entry whose name can be shown at all; null at the end, and also when the folder cannot
+// be read any further. A name that is not UTF-8 is passed over.
+OwnedText next_name(DIR *listing) {
+  OwnedText name;
+  while (!v_fs_utils_next_folder_entry(listing, name)) {
+    if (!g_str_has_prefix(v_error_get(), "Could not convert filename to unicode.")) {
+      return nullptr;
+    }
+  }
+  return name;
+}
+
+gboolean unselect_all_callback(void *view) {
+  gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(GTK_TREE_VIEW(view)));
+  return G_SOURCE_REMOVE;
+}
+
+void destroy_callback(GtkWidget *view, void *) { g_idle_remove_by_data(view); }
+
+} // namespace
+
+OwnedObject<GtkListStore> v_component_list_new() {
+  OwnedObject<GtkListStore> list = take(gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_STRING));
+  gtk_tree_sortable_set_sort_column_id(GTK_TREE_SORTABLE(list.get()), v_component_column_text,
+                                       GTK_SORT_ASCENDING);
+  return list;
+}
+
+void v_component_list_append(GtkListStore *list, const char *text, const char *file) {
+  gtk_list_store_insert_with_values(list, nullptr, -1, v_component_column_text, text,
+                                    v_component_column_file, file, -1);
+}
+
+GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
+                                        GtkTreeCellDataFunc cell_data_func) {
+  GtkScrolledWindow *scrolled_window = v_gui_pack_scrolled_window(
+      box, 300, 250, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC, GTK_SHADOW_IN);
+  GtkTreeView *view = v_gui_add_tree_view(GTK_CONTAINER(scrolled_window), HeadersVisible::no,
+                                          FixedHeight::no, SelectionMode::single);
+  gtk_tree_view_insert_column_with_data_func(view, -1, "Item", gtk_cell_renderer_text_new(),
+                                             cell_data_func, nullptr, nullptr);
+  gtk_tree_view_set_model(view, GTK_TREE_MODEL(list));
+  v_gui_set_accessible_name(GTK_WIDGET(view), "Items");
+  return view;
+}
+
+void v_component_list_show_text(GtkCellRenderer *cell, const char *text) {
+  const bool overlong = std::strlen(text) > longest_text;
+  g_object_set(cell, "text", text, "ellipsize",
+               overlong ? PANGO_ELLIPSIZE_END : PANGO_ELLIPSIZE_NONE, "width-chars",
+               overlong ? longest_text : -1, nullptr);
+}
+
+OwnedText v_component_list_get_text(GtkTreeModel *model, GtkTreeIter *row,
+                                    VComponentColumn column) {
+  OwnedText text;
+  gtk_tree_model_get(model, row, column, static_cast<char **>(receive(text)), -1);
+  return text;
+}
+
+std::optional<VComponentRow> v_component_list_get_selected_row(GtkTreeView *view) {
+  GtkTreeModel *model = nullptr;
+  GtkTreeIter row;
+  if (!gtk_tree_selection_get_selected(gtk_tree_view_get_selection(view), &model, &row)) {
+    return std::nullopt;
+  }
+  return VComponentRow{v_component_list_get_text(model, &row, v_component_column_text),
+                       v_component_list_get_text(model, &row, v_component_column_file)};
+}
+
+void v_component_list_unselect_when_idle(GtkTreeView *view) {
+  g_idle_add(unselect_all_callback, view);
+  g_signal_connect(view, "destroy", G_CALLBACK(destroy_callback), nullptr);
+}
+
+std::vector<OwnedText> v_component_list_find_names(const char *folder_path,
+                                                   const VComponentKind &kind) {
+  std::vector<OwnedText> names;
+  if (const OwnedFolder listing = v_fs_utils_open_folder(folder_path)) {
+    while (OwnedText name = next_name(listing.get())) {
+      if (v_component_kind_has_extension(kind, name.get())) {
+        names.push_back(std::move(name));
+      }
+    }
+  }
+  return names;
+}

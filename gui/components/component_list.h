@@ -1,0 +1,45 @@
+#pragma once
+// The list of component files, as the component manager and the bundled file selector show it: two
+// texts for each file, of which the first is seen and sorted by. All texts are UTF-8.
+
+#include <optional>
+#include <vector>
+
+#include <gtk/gtk.h>
+
+#include "gui/components/component_kind.h"
+#include "gui/owned_objects.h"
+
+enum VComponentColumn {
+  v_component_column_text, // the display text; null for an incompatible file
+  v_component_column_file, // what identifies the file: its entry name or its path
+};
+
+struct VComponentRow {
+  OwnedText text;
+  OwnedText file;
+};
+
+// Sorted ascending by the display text in the locale's order; no text sorts as an empty one.
+OwnedObject<GtkListStore> v_component_list_new();
+// text: null for none.
+void v_component_list_append(GtkListStore *list, const char *text, const char *file);
+// Packs a scrolled view of the list, expanding. cell_data_func fills the one cell of a row and gets
+// no data of its own; v_component_list_show_text is for it to call.
+GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
+                                        GtkTreeCellDataFunc cell_data_func);
+// Shows plain text in the cell. Overlong text ends in an ellipsis as soon as the window has not the
+// room for it: there is no horizontal scroll bar, and no file shall make the window wider than the
+// screen.
+void v_component_list_show_text(GtkCellRenderer *cell, const char *text);
+// New text from a column of a row; null for none.
+OwnedText v_component_list_get_text(GtkTreeModel *model, GtkTreeIter *row, VComponentColumn column);
+std::optional<VComponentRow> v_component_list_get_selected_row(GtkTreeView *view);
+// Unselects what the toolkit selects when it gives the view its first focus, as soon as that has
+// happened.
+void v_component_list_unselect_when_idle(GtkTreeView *view);
+
+// The names in the folder that have the kind's extension, in the system's order. Empty, without a
+// message of note, when the folder cannot be opened.
+std::vector<OwnedText> v_component_list_find_names(const char *folder_path,
+                                                   const VComponentKind &kind);

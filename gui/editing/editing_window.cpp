@@ -1,0 +1,344 @@
+#include "gui/editing/editing_window.h"
+
+#include "base/error.h"
+#include "base/fs_utils.h"
+#include "base/text_buffer.h"
+#include "base/text_encoding.h"
+#include "codeset/codeset_io.h"
+#include "gui/accessibility.h"
+#include "gui/editing/editing_widgets.h"
+#include "gui/editing/remark_dialog.h"
+#include "gui/message_dialogs.h"
+#include "gui/owned_objects.h"
+#include "workspace/display_text.h"
+
+namespace {
+
+enum CodesColumn { display_text_column, remark_column };
+
+struct EditingWindow {
+  const RunContext *context = nullptr;
+  const char *path = nullptr; // UTF-8
+  OwnedCodeset codeset;
+  // One row per remark, in list order: what it reads (UTF-8), and the remark, which the codeset
+  // owns.
+  OwnedObject<GtkListStore> codes_store;
+  GtkWindow *window = nullptr;
+  VLangstrEditor *name_editor = nullptr;
+  VLangstrEditor *author_editor = nullptr;
+  VSpacifyingEntry *version_entry = nullptr;
+  GtkTreeView *codes_view = nullptr;
+  VLangstrDisplay *description_display = nullptr;
+  // Sensitive while a remark is selected.
+  GtkButton *edit_button = nullptr;
+  GtkButton *delete_button = nullptr;
+  int saved = 0;
+};
+
+void shrunk_callback(VLangstrEditor *editor, EditingWindow *editing);
+void selection_change_callback(GtkTreeSelection *selection, EditingWindow *editing);
+void add_callback(GtkButton *button, EditingWindow *editing);
+void edit_callback(GtkButton *button, EditingWindow *editing);
+void delete_callback(GtkButton *button, EditingWindow *editing);
+void save_button_clicked_callback(GtkButton *button, EditingWindow *editing);
+void close_button_clicked_callback(GtkButton *button, EditingWindow *editing);
+gboolean window_delete_event_callback(GtkWidget *window, GdkEvent *event, EditingWindow *editing);
+
+const VSettings *settings_of(const EditingWindow *editing) {
+  return editing->context->workspace->settings.get();
+}
+
+// Build steps, one per row of the layout.
+
+VLangstrEditor *pack_langstr(EditingWindow *editing, GtkBox *box, const char *label,
+                             Required required, const VLangstr *value) {
+  GtkBox *frame_box = v_gui_pack_vbox_in_frame_with_input_field_label(box, Expand::no, label,
+                                                                      required, Spacing::standard);
+  VLangstrEditor *editor = v_gui_pack_langstr_editor(
+      frame_box, editing->context->window_stack, settings_of(editing),
+      VLangstrEditorMode::single_line, value, nullptr, ActivatesDefault::no);
+  g_signal_connect(editor, "shrunk", G_CALLBACK(shrunk_callback), editing);
+  return editor;
+}
+
+void pack_version(EditingWindow *editing, GtkBox *box) {
+  GtkBox *frame_box = v_gui_pack_vbox_in_frame_with_input_field_label(
+      box, Expand::no, "Version", Required::no, Spacing::standard);
+  editing->version_entry = v_gui_pack_spacifying_entry(
+      frame_box, Expand::no, Compact::yes, editing->codeset->version.get(), ActivatesDefault::no);
+  v_gui_set_accessible_name(GTK_WIDGET(editing->version_entry), "Version");
+}
+
+// One fixed-height column: with rows of their own heights a long list would be measured row by row.
+// What does not fit ends in an ellipsis, the display beside it shows it whole.
+void add_codes_column(GtkTreeView *view) {
+  GtkCellRenderer *renderer = gtk_cell_renderer_text_new();
+  g_object_set(renderer, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
+  GtkTreeViewColumn *column = gtk_tree_view_column_new_with_attributes(
+      "Remark", renderer, "text", display_text_column, nullptr);
+  gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
+  gtk_tree_view_append_column(view, column);
+}
+
+void pack_codes_view(EditingWindow *editing, GtkBox *box) {
+  GtkScrolledWindow *scroller = v_gui_pack_scrolled_window(box, 200, 150, GTK_POLICY_NEVER,
+                                                           GTK_POLICY_AUTOMATIC, GTK_SHADOW_IN);
+  editing->codes_view = v_gui_add_tree_view(GTK_CONTAINER(scroller), HeadersVisible::no,
+                                            FixedHeight::yes, SelectionMode::single);
+  add_codes_column(editing->codes_view);
+  v_gui_set_accessible_name(GTK_WIDGET(editing->codes_view), "Remark codes");
+  g_signal_connect(gtk_tree_view_get_selection(editing->codes_view), "changed",
+                   G_CALLBACK(selection_change_callback), editing);
+}
+
+GtkButton *pack_code_button(EditingWindow *editing, GtkBox *box, const char *label,
+                            GCallback callback) {
+  GtkButton *button = v_gui_pack_button(box, label, MakeDefault::no);
+  g_signal_connect(button, "clicked", callback, editing);
+  return button;
+}
+
+void pack_codes(EditingWindow *editing, GtkBox *box) {
+  GtkBox *frame_box = v_gui_pack_vbox_in_frame_with_input_field_label(
+      box, Expand::yes, "Remark codes", Required::yes, Spacing::standard);
+  GtkBox *list_row = v_gui_pack_hbox(frame_box, Expand::yes, Spacing::standard);
+  pack_codes_view(editing, list_row);
+  editing->description_display = v_gui_pack_langstr_display(list_row, 300, 150);
+  GtkBox *button_row = v_gui_pack_hbox(frame_box, Expand::no, Spacing::standard);
+  pack_code_button(editing, button_row, "Add new", G_CALLBACK(add_callback));
+  editing->edit_button = pack_code_button(editing, button_row, "Edit", G_CALLBACK(edit_callback));
+  editing->delete_button =
+      pack_code_button(editing, button_row, "Delete", G_CALLBACK(delete_callback));
+}
+
+void pack_window_buttons(EditingWindow *editing, GtkBox *box) {
+  GtkBox *row = v_gui_pack_hbox(box, Expand::no, Spacing::standard);
+  GtkButton *save = v_gui_pack_button(row, "Save codeset", MakeDefault::yes);
+  g_signal_connect(save, "clicked", G_CALLBACK(save_button_clicked_callback), editing);
+  GtkButton *close = v_gui_pack_button_in_alignment(row, Expand::yes, "Close", MakeDefault::no,
+                                                    1.0F, 0.0F, 0.0F, 0.0F);
+  g_signal_connect(close, "clicked", G_CALLBACK(close_button_clicked_callback), editing);
+}
+
+void build_window(EditingWindow *editing) {
+  const OwnedText title(g_strdup_printf("Edit remark codeset - %s",
+                                        v_fs_utils_find_entry_name_in_path(editing->path)));
+  editing->window = v_gui_create_window(title.get());
+  v_gui_close_on_escape(editing->window);
+  GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(editing->window), Spacing::standard);
+  // Many translations may be higher than the screen; the buttons below them stay in reach.
+  GtkBox *fields = v_gui_pack_scrolling_vbox(box, Expand::yes, Spacing::standard);
+  const VCodeset *codeset = editing->codeset.get();
+  editing->name_editor =
+      pack_langstr(editing, fields, "Codeset name", Required::yes, codeset->name.get());
+  editing->author_editor =
+      pack_langstr(editing, fields, "Author", Required::no, codeset->author.get());
+  pack_version(editing, fields);
+  pack_codes(editing, fields);
+  pack_window_buttons(editing, box);
+  g_signal_connect(editing->window, "delete-event", G_CALLBACK(window_delete_event_callback),
+                   editing);
+}
+
+// Update: model to widgets.
+
+OwnedText format_row(const EditingWindow *editing, const VRemark *remark) {
+  const OwnedText latin1_text(
+      g_strdup_printf("%s. %s", remark->code.get(),
+                      v_util_get_langstr_string(settings_of(editing), remark->description.get())));
+  return v_convert_latin1_to_utf8(latin1_text.get());
+}
+
+// No row is selected afterwards. The store is off the view meanwhile, which would otherwise follow
+// each of the rows.
+void fill_codes_store(EditingWindow *editing) {
+  GtkListStore *store = editing->codes_store.get();
+  gtk_tree_view_set_model(editing->codes_view, nullptr);
+  gtk_list_store_clear(store);
+  const VRemarkList *list = editing->codeset->remarks.get();
+  for (VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+    gtk_list_store_insert_with_values(store, nullptr, -1, display_text_column,
+                                      format_row(editing, remark).get(), remark_column, remark, -1);
+  }
+  gtk_tree_view_set_model(editing->codes_view, GTK_TREE_MODEL(store));
+}
+
+// Fills iter with the selected row and returns its remark; null when no row is selected.
+VRemark *get_selected_remark(const EditingWindow *editing, GtkTreeIter *iter) {
+  GtkTreeModel *model = nullptr;
+  VRemark *remark = nullptr;
+  GtkTreeSelection *selection = gtk_tree_view_get_selection(editing->codes_view);
+  if (gtk_tree_selection_get_selected(selection, &model, iter)) {
+    gtk_tree_model_get(model, iter, remark_column, &remark, -1);
+  }
+  return remark;
+}
+
+void update_gui(EditingWindow *editing) {
+  GtkTreeIter iter;
+  const VRemark *remark = get_selected_remark(editing, &iter);
+  for (GtkButton *button : {editing->edit_button, editing->delete_button}) {
+    v_gui_set_sensitivity(GTK_WIDGET(button), remark == nullptr);
+  }
+  v_langstr_display_set_text(editing->description_display,
+                             remark == nullptr ? nullptr : remark->description.get());
+}
+
+void show_codes(EditingWindow *editing) {
+  fill_codes_store(editing);
+  update_gui(editing);
+}
+
+// Read: widgets to model. Each false leaves its reason in the error state; what has been taken over
+// stays taken over, and is taken over again at the next attempt.
+
+bool check_remarks(const EditingWindow *editing) {
+  if (v_remark_list_is_empty(editing->codeset->remarks.get())) {
+    v_error_set("There must be at least one remark code in the codeset.");
+    return false;
+  }
+  return true;
+}
+
+bool read_name(EditingWindow *editing) {
+  OwnedLangstr &name = editing->codeset->name;
+  if (v_langstr_editor_get_text(editing->name_editor, name) == 0) {
+    return false;
+  }
+  if (!name) {
+    v_error_set("The codeset must have a name.");
+    return false;
+  }
+  return true;
+}
+
+bool read_author(EditingWindow *editing) {
+  return v_langstr_editor_get_text(editing->author_editor, editing->codeset->author) != 0;
+}
+
+bool read_version(EditingWindow *editing) {
+  OwnedText &version = editing->codeset->version;
+  version = v_spacifying_entry_get_text(editing->version_entry);
+  if (!version) {
+    v_error_set_unknown();
+    return false;
+  }
+  if (*version == '\0') {
+    version.reset();
+  }
+  return true;
+}
+
+// Handlers.
+
+// "shrunk" of the two editors: a row has gone.
+void shrunk_callback(VLangstrEditor *, EditingWindow *editing) {
+  v_gui_resize_window_to_minimum_unless_maximized(editing->window);
+}
+
+// "changed" of the list's selection; several times while rows go.
+void selection_change_callback(GtkTreeSelection *, EditingWindow *editing) { update_gui(editing); }
+
+int edit_remark(EditingWindow *editing, VRemark *remark) {
+  return v_remark_gui_edit_remark(editing->context->window_stack, settings_of(editing), remark,
+                                  editing->codeset.get(), "Edit remark code");
+}
+
+void insert_remark(EditingWindow *editing, OwnedRemark remark) {
+  v_remark_list_add_remark_sorted(editing->codeset->remarks.get(), std::move(remark));
+  show_codes(editing);
+}
+
+void add_callback(GtkButton *, EditingWindow *editing) {
+  OwnedRemark remark = v_remark_new();
+  if (edit_remark(editing, remark.get()) != 0) {
+    insert_remark(editing, std::move(remark));
+  }
+}
+
+void edit_callback(GtkButton *, EditingWindow *editing) {
+  GtkTreeIter iter;
+  VRemark *remark = get_selected_remark(editing, &iter);
+  if (remark != nullptr && edit_remark(editing, remark) != 0) {
+    // Its code, and so its place, may be another now.
+    v_remark_remove(remark);
+    insert_remark(editing, OwnedRemark(remark));
+  }
+}
+
+void delete_callback(GtkButton *, EditingWindow *editing) {
+  GtkTreeIter iter;
+  if (VRemark *remark = get_selected_remark(editing, &iter)) {
+    // Row first: while it goes, the selection may still tell of its remark.
+    gtk_list_store_remove(editing->codes_store.get(), &iter);
+    v_remark_destroy(remark);
+  }
+}
+
+void save_button_clicked_callback(GtkButton *, EditingWindow *editing) {
+  if (check_remarks(editing) && read_name(editing) && read_author(editing) &&
+      read_version(editing) && v_codeset_io_write_to_file(editing->codeset.get(), editing->path)) {
+    editing->saved = 1;
+    gtk_widget_destroy(GTK_WIDGET(editing->window));
+  } else {
+    v_message_show_error(editing->context->window_stack, v_error_get());
+  }
+}
+
+// Asked every time, whether or not anything was changed.
+bool may_close(const EditingWindow *editing) {
+  GtkDialog *dialog = v_message_create_question_dialog(
+      "Really close?", "Are you sure you want to close the codeset without saving?");
+  gtk_dialog_add_buttons(dialog, "gtk-close", GTK_RESPONSE_CLOSE, "gtk-cancel", GTK_RESPONSE_CANCEL,
+                         nullptr);
+  return v_message_run_and_destroy_dialog(editing->context->window_stack, dialog) ==
+         GTK_RESPONSE_CLOSE;
+}
+
+void close_button_clicked_callback(GtkButton *, EditingWindow *editing) {
+  if (may_close(editing)) {
+    gtk_widget_destroy(GTK_WIDGET(editing->window));
+  }
+}
+
+// The window manager's close button, and Escape. True keeps the window.
+gboolean window_delete_event_callback(GtkWidget *, GdkEvent *, EditingWindow *editing) {
+  return !may_close(editing);
+}
+
+// The codeset at the path, a new one when there is no file. Null after having told why.
+OwnedCodeset open_codeset(const RunContext *context, const char *path) {
+  VFileInfo info;
+  if (!v_fs_utils_get_info(path, info)) {
+    v_message_show_error_utf8_printf(
+        context->window_stack, "Something went wrong when accessing the codeset file:\n\n%s", path);
+    return nullptr;
+  }
+  if (!info.exists) {
+    return v_codeset_new();
+  }
+  OwnedCodeset codeset = v_codeset_io_read_from_file(path);
+  if (!codeset) {
+    v_error_append_utf8_printf("Error when loading the codeset file:\n\n%s", path);
+    v_message_show_error(context->window_stack, v_error_get());
+  }
+  return codeset;
+}
+
+} // namespace
+
+int run_editing_window(const RunContext *context, const char *path) {
+  EditingWindow editing;
+  editing.context = context;
+  editing.path = path;
+  editing.codeset = open_codeset(context, path);
+  if (!editing.codeset) {
+    return 0;
+  }
+  editing.codes_store = take(gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_POINTER));
+  build_window(&editing);
+  show_codes(&editing);
+  v_window_stack_run_window(context->window_stack, editing.window, Maximize::yes,
+                            GTK_WIDGET(editing.name_editor));
+  return editing.saved;
+}

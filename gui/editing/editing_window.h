@@ -1,0 +1,16 @@
+#pragma once
+// The window in which one codeset file is edited: its name, author, version and remark codes.
+
+#include "gui/window_stack.h"
+#include "workspace/workspace.h"
+
+// What a run of the tool consists of; all of it borrowed.
+struct RunContext {
+  VWindowStack *window_stack = nullptr;
+  VWorkspace *workspace = nullptr;
+};
+
+// Edits the file at the path (UTF-8), or a new codeset when there is none, and returns when the
+// window has been closed: 1 when the codeset was written, else 0. A file that cannot be read is
+// told of, and no window opens.
+int run_editing_window(const RunContext *context, const char *path);

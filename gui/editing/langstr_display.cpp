@@ -1,0 +1,71 @@
+#include "gui/editing/langstr_display.h"
+
+#include "base/text_encoding.h"
+#include "gui/widgets.h"
+#include "langstr/supported_languages.h"
+
+struct _VLangstrDisplay {
+  GtkScrolledWindow parent_instance;
+
+  GtkTextBuffer *buffer; // a reference of ours; null once the display is destroyed
+};
+
+G_DEFINE_TYPE(VLangstrDisplay, v_langstr_display, GTK_TYPE_SCROLLED_WINDOW)
+
+namespace {
+
+constexpr char bold_tag[] = "bold";
+
+// "destroy", which may come more than once.
+void destroy_callback(GtkWidget *widget) {
+  g_clear_object(&V_LANGSTR_DISPLAY(widget)->buffer);
+  GTK_WIDGET_CLASS(v_langstr_display_parent_class)->destroy(widget);
+}
+
+void insert_translation(GtkTextBuffer *buffer, GtkTextIter *place, const VLangstr *translation) {
+  const OwnedText language = v_supported_languages_format_language_string(translation->lang.get());
+  const OwnedText text = v_convert_latin1_to_utf8(translation->text.get());
+  gtk_text_buffer_insert_with_tags_by_name(buffer, place, language.get(), -1, bold_tag, nullptr);
+  gtk_text_buffer_insert(buffer, place, "\n\n", -1);
+  gtk_text_buffer_insert(buffer, place, text.get(), -1);
+}
+
+} // namespace
+
+static void v_langstr_display_class_init(VLangstrDisplayClass *klass) {
+  GTK_WIDGET_CLASS(klass)->destroy = destroy_callback;
+}
+
+static void v_langstr_display_init(VLangstrDisplay *display) {
+  gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(display), FALSE);
+}
+
+GtkWidget *v_langstr_display_new(int width, int height) {
+  auto *display = V_LANGSTR_DISPLAY(g_object_new(V_TYPE_LANGSTR_DISPLAY, nullptr));
+  GtkScrolledWindow *scroller = GTK_SCROLLED_WINDOW(display);
+  gtk_scrolled_window_set_policy(scroller, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+  gtk_scrolled_window_set_shadow_type(scroller, GTK_SHADOW_IN);
+  gtk_widget_set_size_request(GTK_WIDGET(display), width, height);
+  GtkTextView *view = v_gui_add_text_view(GTK_CONTAINER(display), Editable::no);
+  display->buffer = GTK_TEXT_BUFFER(g_object_ref(gtk_text_view_get_buffer(view)));
+  gtk_text_buffer_create_tag(display->buffer, bold_tag, "weight", 700, nullptr);
+  return GTK_WIDGET(display);
+}
+
+int v_langstr_display_set_text(VLangstrDisplay *display, const VLangstr *langstr) {
+  GtkTextBuffer *buffer = display->buffer;
+  if (buffer == nullptr) {
+    return 0;
+  }
+  gtk_text_buffer_set_text(buffer, "", -1);
+  GtkTextIter place;
+  gtk_text_buffer_get_start_iter(buffer, &place);
+  for (const VLangstr *translation = langstr; translation != nullptr;
+       translation = translation->next.get()) {
+    insert_translation(buffer, &place, translation);
+    if (translation->next) {
+      gtk_text_buffer_insert(buffer, &place, "\n\n", -1);
+    }
+  }
+  return 1;
+}

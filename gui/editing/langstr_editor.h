@@ -1,0 +1,28 @@
+#pragma once
+// Edits a multilingual text: one row per translation with a field, checked for spelling in the
+// row's language, a choice of the language, and buttons to delete the row and to add one.
+//
+// Signal "shrunk" (no arguments): a row has gone, the window may shrink.
+
+#include <gtk/gtk.h>
+
+#include "gui/widgets.h"
+#include "gui/window_stack.h"
+#include "langstr/langstr.h"
+#include "workspace/settings.h"
+
+enum class VLangstrEditorMode { single_line = 0, multi_line = 1 };
+
+#define V_TYPE_LANGSTR_EDITOR (v_langstr_editor_get_type())
+G_DECLARE_FINAL_TYPE(VLangstrEditor, v_langstr_editor, V, LANGSTR_EDITOR, GtkBox)
+
+// The window stack and the settings, whose preferred languages can be chosen, must outlive the
+// editor. initial_value is copied into the rows, null gives one empty row; rows whose language is
+// among locked_texts (null: none) cannot be changed. activates_default: Enter in a one-line field
+// presses the window's default button.
+GtkWidget *v_langstr_editor_new(VWindowStack *window_stack, const VSettings *settings,
+                                VLangstrEditorMode mode, const VLangstr *initial_value,
+                                const VLangstr *locked_texts, ActivatesDefault activates_default);
+// Returns 1 with the rows that have a text, in row order (null when all are empty), or 0 with null
+// and a message: two texts in one language, or a field or language that cannot be read.
+int v_langstr_editor_get_text(VLangstrEditor *editor, OwnedLangstr &langstr);

@@ -1,0 +1,64 @@
+#include "gui/editing/spacifying_entry.h"
+
+#include "base/text_encoding.h"
+#include "base/whitespace.h"
+#include "gui/editing/latin1_input.h"
+
+struct _VSpacifyingEntry {
+  GtkEntry parent_instance;
+
+  Compact compact;
+  gulong insert_text_handler;
+};
+
+G_DEFINE_TYPE(VSpacifyingEntry, v_spacifying_entry, GTK_TYPE_ENTRY)
+
+namespace {
+
+// "insert-text", before the toolkit inserts what is typed or pasted; moves the position behind it.
+void insert_text_callback(GtkEditable *editable, const char *text, int length, int *position,
+                          void *) {
+  v_latin1_input_repair_insertion(editable, text, length, InputLines::one,
+                                  [editable, position](const char *repaired) {
+                                    gtk_editable_insert_text(editable, repaired, -1, position);
+                                  });
+}
+
+} // namespace
+
+static void v_spacifying_entry_class_init(VSpacifyingEntryClass *) {}
+
+static void v_spacifying_entry_init(VSpacifyingEntry *entry) {
+  v_gui_disable_emojis_in_entry(GTK_ENTRY(entry));
+}
+
+GtkWidget *v_spacifying_entry_new(Compact compact) {
+  auto *entry = V_SPACIFYING_ENTRY(g_object_new(V_TYPE_SPACIFYING_ENTRY, nullptr));
+  entry->compact = compact;
+  entry->insert_text_handler =
+      g_signal_connect(entry, "insert-text", G_CALLBACK(insert_text_callback), nullptr);
+  return GTK_WIDGET(entry);
+}
+
+void v_spacifying_entry_set_text(VSpacifyingEntry *entry, const char *latin1_text) {
+  const OwnedText utf8_text = v_convert_latin1_to_utf8(latin1_text);
+  const char *normalised =
+      entry->compact == Compact::yes
+          ? v_strip_surrounding_and_spacify_compactly_within_original_for_utf8(utf8_text.get())
+          : v_strip_surrounding_and_spacify_within_original_for_utf8(utf8_text.get());
+  // The user is not beeped at for what the program does.
+  g_signal_handler_block(entry, entry->insert_text_handler);
+  gtk_entry_set_text(GTK_ENTRY(entry), normalised);
+  g_signal_handler_unblock(entry, entry->insert_text_handler);
+}
+
+OwnedText v_spacifying_entry_get_text(VSpacifyingEntry *entry) {
+  const OwnedText latin1_text =
+      v_latin1_input_convert(gtk_entry_get_text(GTK_ENTRY(entry)), InputLines::one);
+  if (!latin1_text) {
+    return nullptr;
+  }
+  return entry->compact == Compact::yes
+             ? v_strip_surrounding_and_spacify_compactly_in_new_for_latin1(latin1_text.get())
+             : v_strip_surrounding_and_spacify_in_new_for_latin1(latin1_text.get());
+}

@@ -1,0 +1,17 @@
+#pragma once
+// The field of several lines with the rules of the one-line field (spacifying_entry.h), but that line
+// feeds stay. Tab moves the focus.
+
+#include <gtk/gtk.h>
+
+#include "base/owned.h"
+
+#define V_TYPE_SPACIFYING_TEXT_VIEW (v_spacifying_text_view_get_type())
+G_DECLARE_FINAL_TYPE(VSpacifyingTextView, v_spacifying_text_view, V, SPACIFYING_TEXT_VIEW,
+                     GtkTextView)
+
+GtkWidget *v_spacifying_text_view_new();
+void v_spacifying_text_view_set_text(VSpacifyingTextView *view, const char *latin1_text);
+// The text (ISO-8859-1) without white space at its ends and with spaces for tabs; null, with a message,
+// when it cannot be had.
+OwnedText v_spacifying_text_view_get_text(VSpacifyingTextView *view);

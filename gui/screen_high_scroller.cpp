@@ -1,0 +1,53 @@
+#include "gui/screen_high_scroller.h"
+
+struct _VScreenHighScroller {
+  GtkScrolledWindow parent_instance;
+};
+
+G_DEFINE_TYPE(VScreenHighScroller, v_screen_high_scroller, GTK_TYPE_SCROLLED_WINDOW)
+
+namespace {
+
+// What title bars, desktop bars and the window's other rows leave of the screen's height, in
+// pixels.
+int get_usable_height(GtkWidget *widget) {
+  GdkRectangle area = {};
+  GdkDisplay *display = gtk_widget_get_display(widget);
+  GdkMonitor *monitor = gdk_display_get_primary_monitor(display);
+  gdk_monitor_get_workarea(monitor != nullptr ? monitor : gdk_display_get_monitor(display, 0),
+                           &area);
+  return area.height * 8 / 10;
+}
+
+// The scrolled window itself would be content with next to no height.
+void get_preferred_height(GtkWidget *widget, int *minimum, int *natural) {
+  GTK_WIDGET_CLASS(v_screen_high_scroller_parent_class)
+      ->get_preferred_height(widget, minimum, natural);
+  *minimum = *natural;
+}
+
+void get_preferred_height_for_width(GtkWidget *widget, int width, int *minimum, int *natural) {
+  GTK_WIDGET_CLASS(v_screen_high_scroller_parent_class)
+      ->get_preferred_height_for_width(widget, width, minimum, natural);
+  *minimum = *natural;
+}
+
+} // namespace
+
+static void v_screen_high_scroller_class_init(VScreenHighScrollerClass *scroller_class) {
+  GTK_WIDGET_CLASS(scroller_class)->get_preferred_height = get_preferred_height;
+  GTK_WIDGET_CLASS(scroller_class)->get_preferred_height_for_width = get_preferred_height_for_width;
+}
+
+static void v_screen_high_scroller_init(VScreenHighScroller *scroller) {
+  GtkScrolledWindow *scrolled_window = GTK_SCROLLED_WINDOW(scroller);
+  gtk_scrolled_window_set_policy(scrolled_window, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+  gtk_scrolled_window_set_overlay_scrolling(scrolled_window, FALSE);
+  gtk_scrolled_window_set_propagate_natural_height(scrolled_window, TRUE);
+  gtk_scrolled_window_set_max_content_height(scrolled_window,
+                                             get_usable_height(GTK_WIDGET(scroller)));
+}
+
+GtkWidget *v_screen_high_scroller_new() {
+  return GTK_WIDGET(g_object_new(V_TYPE_SCREEN_HIGH_SCROLLER, nullptr));
+}

@@ -1,0 +1,76 @@
+#include "base/platform.h"
+
+#include <cstring>
+#include <map>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <libproc.h>
+#include <unistd.h>
+
+#include "base/error.h"
+
+namespace {
+
+std::map<int, std::string> exe_names; // as the system gives them, by process id
+
+class PlatformMacosTest : public testing::Test {
+protected:
+  void SetUp() override {
+    exe_names.clear();
+    v_error_clear();
+  }
+};
+
+} // namespace
+
+int proc_pidpath(int process_id, void *buffer, std::uint32_t buffer_size) {
+  const auto found = exe_names.find(process_id);
+  if (found == exe_names.end() || found->second.size() >= buffer_size) {
+    return 0;
+  }
+  std::memcpy(buffer, found->second.c_str(), found->second.size() + 1);
+  return static_cast<int>(found->second.size());
+}
+
+TEST_F(PlatformMacosTest, ExePathIsThatOfTheOwnProcess) {
+  exe_names[getpid()] = "/Applications/Gr\u00f6n.app/Contents/MacOS/Gr\u00f6n";
+  EXPECT_STREQ(v_platform_get_exe_path().get(),
+               "/Applications/Gr\u00f6n.app/Contents/MacOS/Gr\u00f6n");
+  EXPECT_STREQ(v_platform_get_install_folder_path().get(),
+               "/Applications/Gr\u00f6n.app/Contents/MacOS");
+}
+
+TEST_F(PlatformMacosTest, MissingExePathHasItsMessage) {
+  EXPECT_EQ(v_platform_get_exe_path(), nullptr);
+  EXPECT_STREQ(v_error_get(), "Error getting exe path from system.");
+  EXPECT_EQ(v_platform_get_install_folder_path(), nullptr);
+}
+
+TEST_F(PlatformMacosTest, ExePathThatIsNoTextHasTheSameMessage) {
+  exe_names[getpid()] = "/Applications/\xff";
+  EXPECT_EQ(v_platform_get_exe_path(), nullptr);
+  EXPECT_STREQ(v_error_get(), "Error getting exe path from system.");
+}
+
+TEST_F(PlatformMacosTest, ExePathOfAnotherProcess) {
+  exe_names[4711] = "/usr/bin/printer";
+  v_error_set("before");
+  EXPECT_STREQ(v_platform_get_exe_path_for_process_id(4711).get(), "/usr/bin/printer");
+  EXPECT_EQ(v_platform_get_exe_path_for_process_id(4712), nullptr);
+  EXPECT_STREQ(v_error_get(), "before");
+}
+
+TEST_F(PlatformMacosTest, NumberTooLargeForAProcessIdIsNoProcess) {
+  exe_names[1] = "/sbin/launchd";
+  exe_names[0] = "/kernel";
+  EXPECT_EQ(v_platform_get_exe_path_for_process_id((1L << 32) + 1), nullptr);
+  EXPECT_EQ(v_platform_get_exe_path_for_process_id(1L << 32), nullptr);
+  EXPECT_EQ(v_platform_get_exe_path_for_process_id(-(1L << 32) + 1), nullptr);
+}
+
+TEST_F(PlatformMacosTest, ProgramsAreBundles) {
+  EXPECT_STREQ(v_platform_get_program_ending(), ".app");
+  EXPECT_STREQ(v_platform_create_launch_command_line("'/My Apps/Tool.app'", "").get(),
+               "open -n '/My Apps/Tool.app' --args ");
+}

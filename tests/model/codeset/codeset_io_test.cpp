@@ -1,0 +1,522 @@
+#include "codeset/codeset_io.h"
+
+#include <chrono>
+#include <functional>
+
+#include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/error.h"
+#include "model/codeset/remarks.h"
+#include "support/child_process.h"
+#include "support/files.h"
+
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class CodesetIo : public testing::Test {
+protected:
+  CodesetIo() { v_error_set("of an earlier failure"); }
+
+  OwnedCodeset read_bytes(const std::string &bytes) const {
+    write_file(path, bytes);
+    return v_codeset_io_read_from_file(path.c_str());
+  }
+
+  // The message of a file that must not be readable.
+  std::string message_of(const std::string &bytes) const {
+    EXPECT_EQ(read_bytes(bytes), nullptr) << bytes;
+    return v_error_get();
+  }
+
+  std::string written(const VCodeset *codeset) const {
+    EXPECT_TRUE(v_codeset_io_write_to_file(codeset, path.c_str())) << v_error_get();
+    return read_file(path);
+  }
+
+  TemporaryFolder folder;
+  std::string path = folder / "a.codeset";
+};
+
+OwnedCodeset codeset_of(const Translations &name, const Translations &author, const char *version,
+                        const Remarks &remarks) {
+  OwnedCodeset codeset = v_codeset_new();
+  codeset->name = langstr_of(name);
+  codeset->author = langstr_of(author);
+  codeset->version = copy_text(version);
+  codeset->remarks = list_of(remarks);
+  return codeset;
+}
+
+void expect_equal(const OwnedCodeset &a, const OwnedCodeset &b) {
+  ASSERT_TRUE(a && b) << v_error_get();
+  EXPECT_EQ(translations_of(a->name), translations_of(b->name));
+  EXPECT_EQ(translations_of(a->author), translations_of(b->author));
+  EXPECT_STREQ(a->version.get(), b->version.get());
+  EXPECT_EQ(remarks_of(a->remarks), remarks_of(b->remarks));
+  EXPECT_FALSE(a->outdated);
+  EXPECT_FALSE(b->outdated);
+}
+
+constexpr const char *a_name = "<name lang='sv'>Namn</name>";
+constexpr const char *a_remark =
+    "<remark><code>7</code><description lang='sv'>a</description></remark>";
+
+std::string codeset_xml(const std::string &content) { return "<codeset>" + content + "</codeset>"; }
+
+TEST_F(CodesetIo, WritesEveryByteAsPromised) {
+  const OwnedCodeset codeset = codeset_of(
+      {{"en-uk", "Paintings"}, {"sv", "M\xE5lningar"}}, {{"", "A & B <c@d>"}}, "1.2 \"beta\"",
+      {{"1", {{"en-uk", "It's\ta\r\nline"}, {"sv", "\xFF"}}}, {"a&<b>\"'\t\r\n\xE5", {{"", "x"}}}});
+  EXPECT_EQ(written(codeset.get()),
+            "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n"
+            "\n"
+            "<codeset>\n"
+            "\n"
+            "\t<name lang=\"en-uk\">Paintings</name>\n"
+            "\t<name lang=\"sv\">M\xE5lningar</name>\n"
+            "\t<author lang=\"\">A &amp; B &lt;c@d&gt;</author>\n"
+            "\t<version>1.2 &quot;beta&quot;</version>\n"
+            "\n"
+            "\t<remark>\n"
+            "\t\t<code>1</code>\n"
+            "\t\t<description lang=\"en-uk\">It&apos;s&#x9;a&#xD;&#x9;&#xA;line</description>\n"
+            "\t\t<description lang=\"sv\">\xFF</description>\n"
+            "\t</remark>\n"
+            "\n"
+            "\t<remark>\n"
+            "\t\t<code>a&<b>\"'\t\r\n\xE5</code>\n"
+            "\t\t<description lang=\"\">x</description>\n"
+            "\t</remark>\n"
+            "\n"
+            "</codeset>\n");
+}
+
+TEST_F(CodesetIo, WritesNoLineForWhatIsNotThere) {
+  const OwnedCodeset codeset =
+      codeset_of({{"sv", "100% %s"}}, {}, nullptr, {{"%s%n", {{"sv", "%d"}}}});
+  EXPECT_EQ(written(codeset.get()), "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n"
+                                    "\n"
+                                    "<codeset>\n"
+                                    "\n"
+                                    "\t<name lang=\"sv\">100% %s</name>\n"
+                                    "\n"
+                                    "\t<remark>\n"
+                                    "\t\t<code>%s%n</code>\n"
+                                    "\t\t<description lang=\"sv\">%d</description>\n"
+                                    "\t</remark>\n"
+                                    "\n"
+                                    "</codeset>\n");
+  expect_equal(v_codeset_io_read_from_file(path.c_str()), codeset);
+}
+
+TEST_F(CodesetIo, WritesAnEmptyCodesetToo) {
+  EXPECT_EQ(written(v_codeset_new().get()), "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n"
+                                            "\n"
+                                            "<codeset>\n"
+                                            "\n"
+                                            "\n"
+                                            "</codeset>\n");
+}
+
+TEST_F(CodesetIo, ReadsBackWhatItHasWritten) {
+  std::string every_character;
+  for (int byte = 0x21; byte < 0x100; byte++) {
+    every_character += static_cast<char>(byte);
+  }
+  std::string every_code_character = every_character;
+  std::erase(every_code_character, '&');
+  std::erase(every_code_character, '<');
+  const OwnedCodeset codeset = codeset_of({{"en-uk", every_character}, {"", "a b"}},
+                                          {{"sv-fi", every_character}}, every_character.c_str(),
+                                          {{"07", {{"sv", every_character}}},
+                                           {"7", {{"", "x"}}},
+                                           {every_code_character, {{"de", "y"}}}});
+  v_remark_list_sort(codeset->remarks.get());
+  const std::string bytes = written(codeset.get());
+  const OwnedCodeset reread = v_codeset_io_read_from_file(path.c_str());
+  expect_equal(reread, codeset);
+  ASSERT_NE(reread, nullptr);
+  EXPECT_EQ(written(reread.get()), bytes);
+}
+
+TEST_F(CodesetIo, ACodeThatIsMarkupMakesAFileThatIsRejected) {
+  for (const char *code : {"a&b", "a<b", "&", "<code>"}) {
+    written(codeset_of({{"sv", "n"}}, {}, nullptr, {{code, {{"sv", "x"}}}}).get());
+    EXPECT_EQ(v_codeset_io_read_from_file(path.c_str()), nullptr);
+    EXPECT_THAT(v_error_get(),
+                StartsWith("Error loading codeset file.\n\nCould not parse XML data.\n\n"));
+  }
+}
+
+TEST_F(CodesetIo, ReplacesAnOlderAndLongerFile) {
+  write_file(path, std::string(100'000, 'x'));
+  const OwnedCodeset codeset = codeset_of({{"sv", "n"}}, {}, nullptr, {{"1", {{"sv", "x"}}}});
+  EXPECT_THAT(written(codeset.get()), EndsWith("</remark>\n\n</codeset>\n"));
+}
+
+TEST_F(CodesetIo, SortsTheRemarksOfAFile) {
+  std::string remarks;
+  for (const char *code : {"10", "2", "1"}) {
+    remarks += std::string("<remark><code>") + code +
+               "</code><description lang='sv'>x</description></remark>";
+  }
+  const OwnedCodeset codeset = read_bytes(codeset_xml(a_name + remarks));
+  ASSERT_NE(codeset, nullptr) << v_error_get();
+  EXPECT_EQ(codes_of(codeset->remarks), (Codes{"1", "2", "10"}));
+  const std::string bytes = written(codeset.get());
+  EXPECT_LT(bytes.find("<code>1</code>"), bytes.find("<code>2</code>"));
+  EXPECT_LT(bytes.find("<code>2</code>"), bytes.find("<code>10</code>"));
+}
+
+TEST_F(CodesetIo, AcceptsMoreThanItWrites) {
+  const OwnedCodeset codeset = read_bytes(
+      "<?xml version='1.0' encoding='UTF-8'?>\n"
+      "<!-- before --><codeset kind='x'>text\n"
+      "<remark><description lang=' sv '>  b\n c </description><code>\n 7\t8 </code></remark>"
+      "<unknown><name lang='xx'>no</name></unknown>"
+      "<version>\n 1.0 \t beta </version>"
+      "<author lang=''> Anna\tB </author>"
+      "<remark id='1'><code>07</code><description lang=''>\xC3\xA5</description><x/></remark>"
+      "<!-- name --><name lang='sv'>\n&#xE5;&amp; <![CDATA[<a>]]></name>"
+      "<author lang='de'>C</author><name lang='de'>N</name>"
+      "</codeset>\n");
+  ASSERT_NE(codeset, nullptr) << v_error_get();
+  EXPECT_EQ(translations_of(codeset->name), (Translations{{"sv", "\xE5& <a>"}, {"de", "N"}}));
+  EXPECT_EQ(translations_of(codeset->author), (Translations{{"", "Anna B"}, {"de", "C"}}));
+  EXPECT_STREQ(codeset->version.get(), "1.0 beta");
+  EXPECT_EQ(remarks_of(codeset->remarks),
+            (Remarks{{"07", {{"", "\xE5"}}}, {"7 8", {{"sv", "b c"}}}}));
+  EXPECT_FALSE(codeset->outdated);
+}
+
+TEST_F(CodesetIo, ReadsWhateverEncodingIsDeclared) {
+  const std::string utf8 = codeset_xml("<name lang='sv'>\xC3\xA5</name>" + std::string(a_remark));
+  const std::string latin1 = codeset_xml("<name lang='sv'>\xE5</name>" + std::string(a_remark));
+  std::string utf16 = "\xFF\xFE";
+  for (const char character : latin1) {
+    utf16 += character;
+    utf16 += '\0';
+  }
+  for (const std::string &bytes :
+       {utf8, "\xEF\xBB\xBF" + utf8, "<?xml version='1.0' encoding='ISO-8859-1'?>" + latin1,
+        "<?xml version='1.0' encoding='windows-1252'?>" + latin1, utf16}) {
+    const OwnedCodeset codeset = read_bytes(bytes);
+    ASSERT_NE(codeset, nullptr) << v_error_get();
+    EXPECT_EQ(translations_of(codeset->name), (Translations{{"sv", "\xE5"}}));
+  }
+}
+
+TEST_F(CodesetIo, ReadsAFileOfAWorkspaceFolder) {
+  make_folder(folder / "codesets");
+  write_file(folder / "codesets/a.codeset", codeset_xml(std::string(a_name) + a_remark));
+  EXPECT_NE(v_codeset_io_read_from_file_in_workspace((folder / "codesets").c_str(), "a.codeset"),
+            nullptr);
+  EXPECT_EQ(v_codeset_io_read_from_file_in_workspace((folder / "codesets").c_str(), "b.codeset"),
+            nullptr);
+  EXPECT_STREQ(v_error_get(), "Error loading codeset file.\n\nCannot open file.\n\n"
+                              "Error 2: No such file or directory");
+}
+
+struct Rejection {
+  std::string content;
+  const char *message; // after "Error parsing codeset file.\n\n"
+};
+
+TEST_F(CodesetIo, SaysWhyAFileIsRejected) {
+  constexpr const char *outside_latin1 =
+      "Invalid XML node content.\n\n"
+      "Character incompatible with ISO-8859-1 found where not allowed.";
+  constexpr const char *missing_content = "Missing remark content in XML data.";
+  const std::string name = a_name;
+  const std::string remark = a_remark;
+  const auto with_version = [&](const char *version) { return name + version + remark; };
+  const Rejection rejections[] = {
+      {remark, "Missing XML node: name"},
+      {"", "Missing XML node: name"},
+      {"<author lang='sv'>a</author>" + remark, "Missing XML node: name"},
+      {"<name>a</name>" + remark, "Missing XML attribute: lang"},
+      {"<name lang='sv'> </name>" + remark, "Empty text content in XML where not allowed."},
+      {name + "<name lang='de'/>" + remark, "Empty text content in XML where not allowed."},
+      {"<name lang='sv'>&#x20AC;</name>" + remark, outside_latin1},
+      {"<name lang='s&#xE5;'>a</name>" + remark,
+       "Invalid XML attribute content.\n\nNon-ascii byte found where not allowed."},
+      {name + "<author lang='sv'/>" + remark, "Empty text content in XML where not allowed."},
+      {name + "<author>a</author>" + remark, "Missing XML attribute: lang"},
+      {with_version("<version>  \n</version>"),
+       "Missing text content in XML.\n\nText content is empty."},
+      {with_version("<version/>"), "Missing text content in XML.\n\nText content is empty."},
+      {with_version("<version>1</version><version>1</version>"),
+       "Duplicate XML nodes found where not allowed."},
+      {with_version("<version/><version/>"), "Duplicate XML nodes found where not allowed."},
+      {with_version("<version>&#x20AC;</version>"), outside_latin1},
+      {name, "Missing remarks."},
+      {name + "<x>" + remark + "</x>", "Missing remarks."},
+      {name + "<remark/>", missing_content},
+      {name + remark + "<remark/>", missing_content},
+      {name + "<remark><code>1</code><description lang='sv'>&#x20AC;</description></remark>",
+       missing_content},
+      {name + "<remark><code>1</code><description lang='sv'>a</description>"
+              "<description lang='de'>&#x20AC;</description></remark>",
+       outside_latin1},
+      {name + "<remark><code>1</code><description lang='sv'>a</description><code>2</code></remark>",
+       "Remark in XML has multiple codes."},
+      {name + remark + remark, "Duplicate remark codes."},
+      {name + remark + "<remark><code> 7\n</code><description lang='de'>b</description></remark>",
+       "Duplicate remark codes."},
+      // The first fault counts.
+      {"<remark/><version/>", "Missing XML node: name"},
+      {name + "<remark/><version/>", "Missing text content in XML.\n\nText content is empty."},
+  };
+  for (const Rejection &rejection : rejections) {
+    EXPECT_EQ(message_of(codeset_xml(rejection.content)),
+              std::string("Error parsing codeset file.\n\n") + rejection.message)
+        << rejection.content;
+  }
+}
+
+TEST_F(CodesetIo, CodesThatDifferOnlyInZerosOrCaseAreTwo) {
+  std::string remarks;
+  for (const char *code : {"7", "07", "a", "A"}) {
+    remarks += std::string("<remark><code>") + code +
+               "</code><description lang='sv'>x</description></remark>";
+  }
+  const OwnedCodeset codeset = read_bytes(codeset_xml(a_name + remarks));
+  ASSERT_NE(codeset, nullptr) << v_error_get();
+  EXPECT_EQ(codes_of(codeset->remarks), (Codes{"07", "7", "A", "a"}));
+}
+
+TEST_F(CodesetIo, AnotherRootIsNoCodesetFile) {
+  for (const char *root : {"codesets", "Codeset", "settings", "code"}) {
+    const std::string xml = std::string("<") + root + ">" + a_name + a_remark + "</" + root + ">";
+    EXPECT_EQ(message_of(xml), "Not a codeset file.");
+  }
+}
+
+TEST_F(CodesetIo, WhatIsNotXmlCannotBeLoaded) {
+  const std::string whole = codeset_xml(std::string(a_name) + a_remark);
+  for (const std::string &bytes :
+       {std::string(), std::string("\n"), std::string("text"), std::string("\0\0\0\0", 4),
+        whole.substr(0, whole.size() - 1), whole + whole,
+        codeset_xml("<name lang='sv'>\xE5</name>"), codeset_xml("<name lang='sv'>&#1;</name>"),
+        codeset_xml("<name lang='sv'>&undeclared;</name>"),
+        "<?xml version='1.0' encoding='no-such-encoding'?>" + whole}) {
+    EXPECT_THAT(message_of(bytes),
+                StartsWith("Error loading codeset file.\n\nCould not parse XML data.\n\n"));
+    EXPECT_TRUE(g_utf8_validate(v_error_get(), -1, nullptr));
+  }
+}
+
+TEST_F(CodesetIo, AFolderOrAMissingFileCannotBeLoaded) {
+  EXPECT_EQ(v_codeset_io_read_from_file(folder.path()), nullptr);
+  EXPECT_THAT(v_error_get(), StartsWith("Error loading codeset file.\n\n"));
+  EXPECT_EQ(v_codeset_io_read_from_file((folder / "missing").c_str()), nullptr);
+  EXPECT_STREQ(v_error_get(), "Error loading codeset file.\n\nCannot open file.\n\n"
+                              "Error 2: No such file or directory");
+  write_file(path, "");
+  EXPECT_EQ(v_codeset_io_read_from_file((path + "/under").c_str()), nullptr);
+  EXPECT_STREQ(v_error_get(), "Error loading codeset file.\n\nCannot open file.\n\n"
+                              "Error 20: Not a directory");
+}
+
+double seconds_of(const std::function<void()> &work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Wide of what is needed, also for an instrumented build, and far below what anything slower than
+// n log n takes.
+constexpr double patience = 10;
+
+constexpr int many = 100'000;
+
+TEST_F(CodesetIo, ReadsAHundredThousandRemarksInDescendingOrder) {
+  std::string remarks;
+  for (int i = many; i > 0; i--) {
+    remarks += "<remark><code>" + std::to_string(i) +
+               "</code><description lang='sv'>x</description></remark>\n";
+  }
+  write_file(path, codeset_xml(a_name + remarks));
+  OwnedCodeset codeset;
+  EXPECT_LT(seconds_of([&] { codeset = v_codeset_io_read_from_file(path.c_str()); }), patience);
+  ASSERT_NE(codeset, nullptr) << v_error_get();
+  const Codes codes = codes_of(codeset->remarks);
+  ASSERT_EQ(codes.size(), static_cast<std::size_t>(many));
+  for (int i = 0; i < many; i++) {
+    ASSERT_EQ(codes[static_cast<std::size_t>(i)], std::to_string(i + 1));
+  }
+  EXPECT_LT(seconds_of([&] { written(codeset.get()); }), patience);
+}
+
+TEST_F(CodesetIo, FindsADuplicateFarApart) {
+  std::string remarks;
+  for (int i = 0; i <= many; i++) {
+    remarks += "<remark><code>" + std::to_string(i % many) +
+               "</code><description lang='sv'>x</description></remark>\n";
+  }
+  write_file(path, codeset_xml(a_name + remarks));
+  EXPECT_LT(seconds_of([&] { EXPECT_EQ(v_codeset_io_read_from_file(path.c_str()), nullptr); }),
+            patience);
+  EXPECT_STREQ(v_error_get(), "Error parsing codeset file.\n\nDuplicate remark codes.");
+}
+
+std::string nested_entities(int depth) {
+  std::string declarations = "<!ENTITY e0 'aaaaaaaaaa'>";
+  for (int i = 1; i <= depth; i++) {
+    const std::string inner = "&e" + std::to_string(i - 1) + ";";
+    declarations += "<!ENTITY e" + std::to_string(i) + " '";
+    for (int copy = 0; copy < 10; copy++) {
+      declarations += inner;
+    }
+    declarations += "'>";
+  }
+  return "<!DOCTYPE codeset [" + declarations + "]>";
+}
+
+TEST_F(CodesetIo, RejectsEntitiesThatGrowWithoutMeasure) {
+  const std::string head = nested_entities(12);
+  const std::string remark = a_remark;
+  const std::string large = "<!DOCTYPE codeset [<!ENTITY e '" + std::string(100'000, 'x') + "'>]>";
+  std::string references;
+  for (int i = 0; i < 10'000; i++) {
+    references += "&e;";
+  }
+  for (const std::string &bytes :
+       {head + codeset_xml("<name lang='sv'>&e12;</name>" + remark),
+        head + codeset_xml("<name lang='&e12;'>x</name>" + remark),
+        head + codeset_xml(a_name + ("<remark><code>&e12;</code></remark>" + remark)),
+        large + codeset_xml("<name lang='sv'>" + references + "</name>" + remark),
+        "<!DOCTYPE codeset [<!ENTITY a '&b;'><!ENTITY b '&a;'>]>" +
+            codeset_xml("<name lang='sv'>&a;</name>" + remark)}) {
+    write_file(path, bytes);
+    EXPECT_LT(seconds_of([&] { EXPECT_EQ(v_codeset_io_read_from_file(path.c_str()), nullptr); }),
+              patience);
+    EXPECT_THAT(v_error_get(), StartsWith("Error "));
+  }
+}
+
+TEST_F(CodesetIo, OpensNothingThatAFileNames) {
+  const std::string secret = folder / "secret";
+  write_file(secret, "SECRET");
+  const OwnedCodeset codeset =
+      read_bytes("<!DOCTYPE codeset SYSTEM '" + secret + "' [<!ENTITY e SYSTEM '" + secret +
+                 "'>]>" + codeset_xml("<name lang='sv'>x&e;</name>" + std::string(a_remark)));
+  EXPECT_THAT(codeset ? written(codeset.get()) : v_error_get(), Not(HasSubstr("SECRET")));
+}
+
+TEST_F(CodesetIo, DeepNestingIsSurvived) {
+  std::string deep;
+  for (int i = 0; i < many; i++) {
+    deep += "<x>";
+  }
+  EXPECT_THAT(message_of(codeset_xml(deep)), StartsWith("Error loading codeset file.\n\n"));
+}
+
+// Three languages and more than one buffer of the file.
+OwnedCodeset sizeable_codeset() {
+  Remarks remarks;
+  for (int i = 0; i < 60; i++) {
+    remarks.push_back({std::to_string(i), {{"en-uk", "Loss"}, {"sv", "Bortfall"}, {"de", "Fehl"}}});
+  }
+  return codeset_of({{"sv", "Namn"}}, {{"sv", "Anna"}}, "1.0", remarks);
+}
+
+TEST_F(CodesetIo, AFullDiskLeavesNoFile) {
+  const OwnedCodeset codeset = sizeable_codeset();
+  const unsigned long size = written(codeset.get()).size();
+  ASSERT_GT(size, 8192U);
+  for (const unsigned long limit : {0UL, 1UL, 100UL, 4095UL, 4096UL, 4097UL, 8192UL, size - 1}) {
+    write_file(path, "old");
+    EXPECT_EQ(with_file_size_limit(limit,
+                                   [&] {
+                                     return v_codeset_io_write_to_file(codeset.get(), path.c_str())
+                                                ? "written"
+                                                : v_error_get();
+                                   }),
+              "File I/O error when writing to file.")
+        << limit;
+    EXPECT_EQ(list_folder(folder.path()), std::vector<std::string>()) << limit;
+  }
+  EXPECT_EQ(with_file_size_limit(size,
+                                 [&] {
+                                   return v_codeset_io_write_to_file(codeset.get(), path.c_str())
+                                              ? "written"
+                                              : v_error_get();
+                                 }),
+            "written");
+  EXPECT_EQ(read_file(path).size(), size);
+}
+
+TEST_F(CodesetIo, AFileThatCannotBeCreated) {
+  const OwnedCodeset codeset = sizeable_codeset();
+  EXPECT_FALSE(v_codeset_io_write_to_file(codeset.get(), (folder / "none/a.codeset").c_str()));
+  EXPECT_STREQ(v_error_get(), "Cannot create file.\n\nCannot open file.\n\n"
+                              "Error 2: No such file or directory");
+  EXPECT_EQ(list_folder(folder.path()), std::vector<std::string>());
+  const std::string long_name = folder / std::string(300, 'a');
+  EXPECT_FALSE(v_codeset_io_write_to_file(codeset.get(), long_name.c_str()));
+  EXPECT_THAT(v_error_get(), StartsWith("Cannot access file.\n\nCannot unlink file.\n\nError 36:"));
+}
+
+TEST_F(CodesetIo, WhatCannotBeReplacedStays) {
+  const OwnedCodeset codeset = sizeable_codeset();
+  make_folder(path);
+  write_file(path + "/inside", "kept");
+  EXPECT_FALSE(v_codeset_io_write_to_file(codeset.get(), path.c_str()));
+  EXPECT_THAT(v_error_get(), StartsWith("Cannot access file.\n\nCannot unlink file.\n\nError "));
+  EXPECT_EQ(read_file(path + "/inside"), "kept");
+
+  const std::string file = folder / "file";
+  write_file(file, "kept");
+  EXPECT_FALSE(v_codeset_io_write_to_file(codeset.get(), (file + "/a.codeset").c_str()));
+  EXPECT_STREQ(v_error_get(), "Cannot access file.\n\nCannot unlink file.\n\n"
+                              "Error 20: Not a directory");
+  EXPECT_EQ(read_file(file), "kept");
+}
+
+TEST_F(CodesetIo, AFolderThatMayNotBeWrittenTo) {
+  const OwnedCodeset codeset = sizeable_codeset();
+  write_file(path, "old");
+  set_permissions(folder.path(), 0555);
+  const auto save_as = [&](const std::string &target) {
+    return as_ordinary_user([&] {
+      return v_codeset_io_write_to_file(codeset.get(), target.c_str()) ? "written" : v_error_get();
+    });
+  };
+  EXPECT_EQ(save_as(path), "Cannot access file.\n\nCannot unlink file.\n\n"
+                           "Error 13: Permission denied");
+  EXPECT_EQ(save_as(folder / "new.codeset"), "Cannot create file.\n\nCannot open file.\n\n"
+                                             "Error 13: Permission denied");
+  set_permissions(folder.path(), 0700);
+  EXPECT_EQ(read_file(path), "old");
+  EXPECT_EQ(list_folder(folder.path()), std::vector<std::string>{"a.codeset"});
+}
+
+TEST_F(CodesetIo, ALinkIsReplacedAndItsTargetStays) {
+  const std::string target = folder / "target";
+  write_file(target, "kept");
+  ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
+  written(sizeable_codeset().get());
+  EXPECT_EQ(read_file(target), "kept");
+}
+
+TEST_F(CodesetIo, LeavesNoDescriptorOpen) {
+  const int before = count_open_descriptors();
+  const OwnedCodeset codeset = sizeable_codeset();
+  written(codeset.get());
+  v_codeset_io_read_from_file(path.c_str());
+  message_of("<codesets/>");
+  message_of("<codeset/>");
+  message_of("no XML");
+  EXPECT_FALSE(v_codeset_io_write_to_file(codeset.get(), (folder / "none/a").c_str()));
+  EXPECT_EQ(count_open_descriptors(), before);
+}
+
+} // namespace

@@ -1,0 +1,53 @@
+#pragma once
+// Encoded pictures and archives of a test's own. Samples go into the file as they are given, so
+// that what is decoded can be foretold from them.
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <png.h>
+#include <zip.h>
+
+struct PngPicture {
+  int width = 1;
+  int height = 1;
+  int depth = 8;
+  int colour_type = PNG_COLOR_TYPE_RGB;
+  // Row after row, 16-bit samples with the high byte first, every row in whole bytes.
+  std::string samples = {};
+  std::vector<png_color> palette = {};
+  std::vector<png_byte> palette_alpha = {};   // palette pictures: tRNS
+  std::vector<png_color_16> transparent = {}; // others: tRNS, at most one colour
+  bool interlaced = false;
+};
+
+std::string encode_png(const PngPicture &picture);
+// The same file with width and height (big-endian words of the header) replaced and its checksum
+// made to fit.
+std::string with_png_size(std::string file, unsigned width, unsigned height);
+
+enum class JpegKind { rgb, grey, cmyk };
+enum class JpegCoding { baseline, progressive };
+// Best quality, no subsampling; comment_length bytes stand in comments before the picture.
+std::string encode_jpeg(JpegKind kind, int width, int height, const std::string &samples,
+                        JpegCoding coding = JpegCoding::baseline, int comment_length = 0);
+
+// An archive in memory, open for reading.
+struct CloseArchive {
+  void operator()(zip_t *archive) const { zip_discard(archive); }
+};
+class Archive {
+public:
+  explicit Archive(const std::vector<std::pair<std::string, std::string>> &entries);
+  // The archive of the bytes as they are.
+  explicit Archive(std::string archive_bytes);
+  zip_t *get() const { return archive.get(); }
+  const std::string &bytes() const { return content; }
+
+private:
+  void open();
+  std::string content;
+  std::unique_ptr<zip_t, CloseArchive> archive;
+};

@@ -1,0 +1,184 @@
+#include "app/jpeg_decoding.h"
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/error.h"
+#include "encoded_images.h"
+#include "support/files.h"
+
+namespace {
+
+using ::testing::ElementsAreArray;
+
+using Pixels = std::vector<std::uint32_t>;
+
+struct Decoded {
+  bool is_decoded = false;
+  int width = -1;
+  int height = -1;
+  Pixels pixels;
+  std::string message;
+};
+
+Decoded decode_stream(VInputStream *stream) {
+  v_error_set("An old message.");
+  Decoded decoded;
+  const OwnedPixels pixels = v_jpeg_decompress(stream, decoded.width, decoded.height);
+  decoded.message = v_error_get();
+  if (pixels) {
+    decoded.is_decoded = true;
+    decoded.pixels.assign(pixels.get(), pixels.get() + decoded.width * decoded.height);
+  }
+  return decoded;
+}
+
+Decoded decode(const std::string &file) {
+  return decode_stream(v_input_stream_new_for_memory(file.data(), file.size()).get());
+}
+
+std::string repeat(const std::string &text, int count) {
+  std::string repeated;
+  for (int i = 0; i < count; i++) {
+    repeated += text;
+  }
+  return repeated;
+}
+
+// Flat blocks of black, middle grey and white come through the transformation without loss.
+std::string create_flat_rows(int component_count) {
+  const auto block_row = [=](char value) {
+    return std::string(static_cast<std::size_t>(8 * component_count), value);
+  };
+  return repeat(block_row('\0') + block_row('\x80') + block_row('\xff'), 8);
+}
+
+Pixels create_flat_pixels() {
+  Pixels pixels;
+  for (int y = 0; y < 8; y++) {
+    pixels.insert(pixels.end(), 8, 0x00000000);
+    pixels.insert(pixels.end(), 8, 0x00808080);
+    pixels.insert(pixels.end(), 8, 0x00ffffff);
+  }
+  return pixels;
+}
+
+TEST(JpegDecoding, GivesPixelsWithAnEmptyTopByte) {
+  for (const JpegCoding coding : {JpegCoding::baseline, JpegCoding::progressive}) {
+    const Decoded decoded = decode(encode_jpeg(JpegKind::rgb, 24, 8, create_flat_rows(3), coding));
+    ASSERT_TRUE(decoded.is_decoded) << decoded.message;
+    EXPECT_EQ(decoded.width, 24);
+    EXPECT_EQ(decoded.height, 8);
+    EXPECT_THAT(decoded.pixels, ElementsAreArray(create_flat_pixels()));
+  }
+}
+
+TEST(JpegDecoding, KeepsTheOrderOfColours) {
+  const Decoded decoded =
+      decode(encode_jpeg(JpegKind::rgb, 3, 1, std::string("\xc0\x60\x20\xc0\x60\x20\xc0\x60\x20")));
+  ASSERT_TRUE(decoded.is_decoded) << decoded.message;
+  for (const std::uint32_t pixel : decoded.pixels) {
+    EXPECT_EQ(pixel >> 24, 0U);
+    EXPECT_NEAR(static_cast<int>(pixel >> 16 & 0xff), 0xc0, 3);
+    EXPECT_NEAR(static_cast<int>(pixel >> 8 & 0xff), 0x60, 3);
+    EXPECT_NEAR(static_cast<int>(pixel & 0xff), 0x20, 3);
+  }
+}
+
+TEST(JpegDecoding, GreyPicturesBecomeColours) {
+  const Decoded decoded = decode(encode_jpeg(JpegKind::grey, 24, 8, create_flat_rows(1)));
+  ASSERT_TRUE(decoded.is_decoded) << decoded.message;
+  EXPECT_THAT(decoded.pixels, ElementsAreArray(create_flat_pixels()));
+}
+
+// A failure says so once, prints nothing, leaves the process alive and gives nothing out.
+void expect_failure(const std::string &file, const char *message) {
+  ::testing::internal::CaptureStderr();
+  ::testing::internal::CaptureStdout();
+  const Decoded decoded = decode(file);
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+  EXPECT_FALSE(decoded.is_decoded);
+  EXPECT_EQ(decoded.message, message);
+  EXPECT_EQ(decoded.width, -1);
+  EXPECT_EQ(decoded.height, -1);
+}
+
+TEST(JpegDecoding, PrintersColoursFail) {
+  expect_failure(encode_jpeg(JpegKind::cmyk, 24, 8, create_flat_rows(4)),
+                 "Failed decompressing JPEG image.\n\nUnsupported color conversion request");
+}
+
+TEST(JpegDecoding, OtherDataFails) {
+  expect_failure("", "Failed decompressing JPEG image.\n\nPremature end of input file");
+  expect_failure("\x89PNG\r\n\x1a\n",
+                 "Failed decompressing JPEG image.\n\nNot a JPEG file: starts with 0x89 0x50");
+}
+
+TEST(JpegDecoding, StreamsThatCannotBeReadKeepTheirMessage) {
+  const TemporaryFolder folder;
+  const Decoded missing =
+      decode_stream(v_input_stream_new_for_file_path((folder / "missing.jpg").c_str()).get());
+  EXPECT_EQ(missing.message, "Failed decompressing JPEG image.\n\nOpening input file failed.");
+  const Decoded not_a_file = decode_stream(v_input_stream_new_for_file_path(folder.path()).get());
+  EXPECT_EQ(not_a_file.message, "Failed decompressing JPEG image.\n\nFile read error.");
+}
+
+// Data that is passed over may be longer than what is read at once.
+TEST(JpegDecoding, PassesOverLongComments) {
+  const TemporaryFolder folder;
+  for (const int comment_length : {4000, 4096, 8192, 70000}) {
+    write_file(folder / "a.jpg", encode_jpeg(JpegKind::rgb, 24, 8, create_flat_rows(3),
+                                             JpegCoding::baseline, comment_length));
+    const Decoded decoded =
+        decode_stream(v_input_stream_new_for_file_path((folder / "a.jpg").c_str()).get());
+    ASSERT_TRUE(decoded.is_decoded) << decoded.message;
+    EXPECT_THAT(decoded.pixels, ElementsAreArray(create_flat_pixels()));
+  }
+}
+
+// There is a whole picture or none: what is missing is never made up.
+TEST(JpegDecoding, FilesCutShortFail) {
+  for (const JpegCoding coding : {JpegCoding::baseline, JpegCoding::progressive}) {
+    const std::string file = encode_jpeg(JpegKind::rgb, 24, 8, create_flat_rows(3), coding, 100);
+    const Pixels whole = decode(file).pixels;
+    for (std::size_t length = 0; length < file.size(); length++) {
+      ::testing::internal::CaptureStderr();
+      const Decoded decoded = decode(file.substr(0, length));
+      ASSERT_EQ(::testing::internal::GetCapturedStderr(), "");
+      if (decoded.is_decoded) {
+        ASSERT_EQ(decoded.pixels, whole) << length;
+        ASSERT_GE(length, file.size() - 2) << "only the end marker may be missing";
+      } else {
+        ASSERT_EQ(decoded.message,
+                  "Failed decompressing JPEG image.\n\nPremature end of input file")
+            << length;
+      }
+    }
+  }
+}
+
+TEST(JpegDecoding, DamagedFilesDoNoHarm) {
+  for (const JpegCoding coding : {JpegCoding::baseline, JpegCoding::progressive}) {
+    const std::string file = encode_jpeg(JpegKind::rgb, 24, 8, create_flat_rows(3), coding);
+    ::testing::internal::CaptureStderr();
+    for (std::size_t position = 0; position < file.size(); position++) {
+      for (const int flipped_bits : {0x01, 0x80, 0xff}) {
+        std::string damaged = file;
+        damaged[position] = static_cast<char>(damaged[position] ^ flipped_bits);
+        const Decoded decoded = decode(damaged);
+        EXPECT_TRUE(decoded.is_decoded ||
+                    decoded.message.starts_with("Failed decompressing JPEG image.\n\n"))
+            << decoded.message;
+        EXPECT_EQ(decoded.message.find("An old message."),
+                  decoded.is_decoded ? 0 : std::string::npos);
+      }
+    }
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+  }
+}
+
+} // namespace

@@ -1,0 +1,103 @@
+#include "gui/components/bundled_file_selector.h"
+
+#include <gmock/gmock.h>
+
+#include "component_fixture.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+class BundledFileSelector : public ComponentFixture {
+protected:
+  std::string run() {
+    const OwnedText path =
+        v_components_gui_get_bundled_file_path(window_stack.get(), &workspace, kind);
+    return path ? path.get() : "none";
+  }
+
+  // The list has the focus, and what the toolkit has selected with it is unselected again.
+  void await_start() {
+    script.when(
+        "a list with the focus",
+        [] {
+          return top_window() != nullptr && gtk_widget_has_focus(GTK_WIDGET(list_of(top_window())));
+        },
+        [] {});
+  }
+
+  GuiScript script;
+};
+
+} // namespace
+
+TEST_F(BundledFileSelector, ListsTheDeliveredFilesSorted) {
+  make_folders();
+  write_file(delivered("z.codeset"), "text:Ceramics");
+  write_file(delivered("a.CODESET"), "text:wood <b>& 100%s");
+  write_file(delivered("m.codeset"), "broken");
+  write_file(delivered("readme.txt"), "text:no");
+  write_file(managed("own.codeset"), "text:not delivered");
+  await_start();
+  script.then([] {
+    GtkWindow *window = top_window();
+    EXPECT_STREQ(gtk_window_get_title(window), "Select one to add");
+    EXPECT_THAT(shown_rows(window), ElementsAre(ShownRow{"Ceramics"}, ShownRow{"m.codeset"},
+                                                ShownRow{"wood <b>& 100%s"}));
+    EXPECT_FALSE(has_selection(window));
+    EXPECT_THAT(button_labels(GTK_WIDGET(window)), ElementsAre("OK", "Cancel"));
+    EXPECT_FALSE(gtk_tree_view_get_headers_visible(list_of(window)));
+  });
+  script.click("Cancel");
+  EXPECT_EQ(run(), "none");
+}
+
+TEST_F(BundledFileSelector, ReturnsThePathOfTheSelectedFile) {
+  make_folders();
+  write_file(delivered("a.codeset"), "text:A");
+  write_file(delivered("b.codeset"), "text:B");
+  write_file(delivered("c.codeset"), "broken");
+  for (const auto &[shown, name] : {std::pair("B", "b.codeset"), std::pair("A", "a.codeset"),
+                                    std::pair("c.codeset", "c.codeset")}) {
+    await_start();
+    script.then([shown] { select_row(top_window(), shown); });
+    script.click("OK");
+    EXPECT_EQ(run(), delivered(name));
+  }
+}
+
+TEST_F(BundledFileSelector, WithoutDeliveredFolderThereIsNothingToSelect) {
+  await_start();
+  script.then([] { EXPECT_THAT(shown_rows(top_window()), IsEmpty()); });
+  script.click("OK");
+  script.answer("Error", "None selected.", "Close");
+  script.close("Select one to add");
+  EXPECT_EQ(run(), "none");
+}
+
+TEST_F(BundledFileSelector, NothingIsSelectedBeforeTheUserSelects) {
+  make_folders();
+  write_file(delivered("a.codeset"), "text:A");
+  await_start();
+  script.click("OK");
+  script.answer("Error", "None selected.", "Close");
+  script.then([] { select_row(top_window(), "A"); });
+  script.click("OK");
+  EXPECT_EQ(run(), delivered("a.codeset"));
+}
+
+TEST_F(BundledFileSelector, UnknownInstallationFolderShowsNoWindow) {
+  fake_platform.install_folder.reset();
+  EXPECT_EQ(run(), "none");
+  EXPECT_EQ(top_window(), nullptr);
+}
+
+TEST_F(BundledFileSelector, FolderWithTheExtensionIsListed) {
+  make_folders();
+  make_folder(delivered("x.codeset"));
+  await_start();
+  script.then([] { EXPECT_THAT(shown_texts(top_window()), ElementsAre("x.codeset")); });
+  script.close("Select one to add");
+  EXPECT_EQ(run(), "none");
+}

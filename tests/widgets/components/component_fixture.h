@@ -1,0 +1,55 @@
+#pragma once
+// A workspace and an installation folder, both empty at first, and a made-up kind of component: a
+// file whose contents begin with "text:" is summed up by what follows on its first line, any other
+// is incompatible.
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "gui/components/component_kind.h"
+#include "gui/window_stack.h"
+#include "support/fake_platform.h"
+#include "support/files.h"
+#include "support/gui_driver.h"
+#include "workspace/workspace.h"
+
+class ComponentFixture : public testing::Test {
+protected:
+  ComponentFixture();
+
+  // Paths of, or in, the managed folder of the workspace and that of the delivered files. Neither
+  // folder exists before make_folders.
+  std::string managed(const std::string &name = "") const;
+  std::string delivered(const std::string &name = "") const;
+  void make_folders();
+
+  static OwnedText text_callback(const char *path, void *fixture);
+
+  FakePlatformReset reset_platform;
+  TemporaryFolder workspace_folder;
+  TemporaryFolder install_folder;
+  TemporaryFolder elsewhere;
+  VWorkspace workspace;
+  OwnedWindowStack window_stack = v_window_stack_new();
+  VComponentKind kind = {"codesets", VFileType::remark_codeset, text_callback, this};
+  std::vector<std::string> summarised; // the paths that text_callback was called with
+};
+
+// What a row of a list shows and how.
+struct ShownRow {
+  std::string text;
+  bool is_red = false;
+
+  bool operator==(const ShownRow &) const = default;
+};
+void PrintTo(const ShownRow &row, std::ostream *stream);
+
+// The rows of the only list in the window, from top to bottom.
+std::vector<ShownRow> shown_rows(GtkWindow *window);
+std::vector<std::string> shown_texts(GtkWindow *window);
+// Selects the row that shows the text; fails the test when there is none.
+void select_row(GtkWindow *window, const std::string &text);
+bool has_selection(GtkWindow *window);
+GtkTreeView *list_of(GtkWindow *window);

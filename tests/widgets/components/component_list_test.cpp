@@ -1,0 +1,89 @@
+#include "gui/components/component_list.h"
+
+#include <gmock/gmock.h>
+
+#include "component_fixture.h"
+
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+using ComponentList = ComponentFixture;
+
+std::vector<std::string> texts_of(const std::vector<OwnedText> &owned) {
+  std::vector<std::string> texts;
+  for (const OwnedText &text : owned) {
+    texts.emplace_back(text.get());
+  }
+  return texts;
+}
+
+} // namespace
+
+TEST_F(ComponentList, FindsNamesWithTheExtensionInAnyCase) {
+  make_folders();
+  for (const char *name : {"a.codeset", "B.CODESET", "c.CodeSet", ".codeset", "d.codeset.txt",
+                           "codeset", "e.codesets", "f%s<&>\u00e5.codeset"}) {
+    write_file(managed(name), "");
+  }
+  EXPECT_THAT(texts_of(v_component_list_find_names(managed().c_str(), kind)),
+              UnorderedElementsAre("a.codeset", "B.CODESET", "c.CodeSet", ".codeset",
+                                   "f%s<&>\u00e5.codeset"));
+}
+
+TEST_F(ComponentList, PassesOverNamesThatAreNotUtf8) {
+  make_folders();
+  write_file(managed("before.codeset"), "");
+  for (int i = 0; i < 20; i++) {
+    write_file(managed("\xe5\xff" + std::to_string(i) + ".codeset"), "");
+  }
+  write_file(managed("behind.codeset"), "");
+  EXPECT_THAT(texts_of(v_component_list_find_names(managed().c_str(), kind)),
+              UnorderedElementsAre("before.codeset", "behind.codeset"));
+}
+
+TEST_F(ComponentList, FolderThatCannotBeOpenedHasNoNames) {
+  EXPECT_TRUE(v_component_list_find_names(managed().c_str(), kind).empty());
+  write_file(managed(), "a file");
+  EXPECT_TRUE(v_component_list_find_names(managed().c_str(), kind).empty());
+  EXPECT_TRUE(v_component_list_find_names("", kind).empty());
+}
+
+TEST_F(ComponentList, LeavesNoDescriptorOpen) {
+  make_folders();
+  const int before = count_open_descriptors();
+  v_component_list_find_names(managed().c_str(), kind);
+  EXPECT_EQ(count_open_descriptors(), before);
+}
+
+TEST_F(ComponentList, SortsByTextAndNoTextFirst) {
+  const OwnedObject<GtkListStore> list = v_component_list_new();
+  v_component_list_append(list.get(), "b", "1");
+  v_component_list_append(list.get(), nullptr, "2");
+  v_component_list_append(list.get(), "a", "3");
+  v_component_list_append(list.get(), "c", "4");
+  std::vector<std::string> files;
+  GtkTreeModel *model = GTK_TREE_MODEL(list.get());
+  GtkTreeIter row;
+  for (gboolean more = gtk_tree_model_get_iter_first(model, &row); more;
+       more = gtk_tree_model_iter_next(model, &row)) {
+    files.emplace_back(v_component_list_get_text(model, &row, v_component_column_file).get());
+  }
+  EXPECT_THAT(files, ElementsAre("2", "3", "1", "4"));
+  ASSERT_TRUE(gtk_tree_model_get_iter_first(model, &row));
+  EXPECT_EQ(v_component_list_get_text(model, &row, v_component_column_text), nullptr);
+}
+
+TEST_F(ComponentList, ViewThatIsGoneIsNotUnselected) {
+  const OwnedObject<GtkListStore> list = v_component_list_new();
+  GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+  gtk_container_add(GTK_CONTAINER(window), box);
+  const auto show_text = [](GtkTreeViewColumn *, GtkCellRenderer *, GtkTreeModel *, GtkTreeIter *,
+                            void *) {};
+  GtkTreeView *view = v_component_list_pack_view(GTK_BOX(box), list.get(), show_text);
+  v_component_list_unselect_when_idle(view);
+  gtk_widget_destroy(window);
+  settle(); // a call for the destroyed view would be a critical
+}

@@ -1,0 +1,114 @@
+#include "gui/editing/langstr_display.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "base/owned.h"
+
+namespace {
+
+class LangstrDisplayTest : public testing::Test {
+protected:
+  ~LangstrDisplayTest() override { g_object_unref(widget); }
+
+  VLangstrDisplay *display() { return V_LANGSTR_DISPLAY(widget); }
+  GtkTextView *view() { return GTK_TEXT_VIEW(gtk_bin_get_child(GTK_BIN(widget))); }
+
+  // With "*" around what is bold.
+  std::string shown() {
+    GtkTextBuffer *buffer = gtk_text_view_get_buffer(view());
+    GtkTextTag *bold = gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), "bold");
+    std::string text;
+    GtkTextIter place;
+    gtk_text_buffer_get_start_iter(buffer, &place);
+    for (;; gtk_text_iter_forward_char(&place)) {
+      if (gtk_text_iter_toggles_tag(&place, bold)) {
+        text += "*";
+      }
+      if (gtk_text_iter_is_end(&place)) {
+        return text;
+      }
+      char bytes[6];
+      const int count = g_unichar_to_utf8(gtk_text_iter_get_char(&place), bytes);
+      text.append(bytes, static_cast<std::size_t>(count));
+    }
+  }
+
+  GtkWidget *widget = GTK_WIDGET(g_object_ref_sink(v_langstr_display_new(300, 150)));
+};
+
+OwnedLangstr translation(const char *tag, const char *latin1_text) {
+  OwnedLangstr langstr;
+  v_langstr_set_translation(langstr, tag, latin1_text);
+  return langstr;
+}
+
+TEST_F(LangstrDisplayTest, IsAScrolledReadOnlyText) {
+  EXPECT_STREQ(G_OBJECT_TYPE_NAME(widget), "VLangstrDisplay");
+  EXPECT_EQ(g_type_parent(V_TYPE_LANGSTR_DISPLAY), GTK_TYPE_SCROLLED_WINDOW);
+  GtkScrolledWindow *scroller = GTK_SCROLLED_WINDOW(widget);
+  GtkPolicyType horizontal = GTK_POLICY_ALWAYS;
+  GtkPolicyType vertical = GTK_POLICY_ALWAYS;
+  gtk_scrolled_window_get_policy(scroller, &horizontal, &vertical);
+  EXPECT_EQ(horizontal, GTK_POLICY_NEVER);
+  EXPECT_EQ(vertical, GTK_POLICY_AUTOMATIC);
+  EXPECT_EQ(gtk_scrolled_window_get_shadow_type(scroller), GTK_SHADOW_IN);
+  EXPECT_FALSE(gtk_scrolled_window_get_overlay_scrolling(scroller));
+  int width = 0;
+  int height = 0;
+  gtk_widget_get_size_request(widget, &width, &height);
+  EXPECT_EQ(width, 300);
+  EXPECT_EQ(height, 150);
+  EXPECT_FALSE(gtk_text_view_get_editable(view()));
+  EXPECT_FALSE(gtk_text_view_get_cursor_visible(view()));
+  EXPECT_EQ(gtk_text_view_get_wrap_mode(view()), GTK_WRAP_WORD);
+}
+
+TEST_F(LangstrDisplayTest, HasABoldTag) {
+  GtkTextTagTable *tags = gtk_text_buffer_get_tag_table(gtk_text_view_get_buffer(view()));
+  GtkTextTag *bold = gtk_text_tag_table_lookup(tags, "bold");
+  ASSERT_NE(bold, nullptr);
+  int weight = 0;
+  g_object_get(bold, "weight", &weight, nullptr);
+  EXPECT_EQ(weight, 700);
+}
+
+TEST_F(LangstrDisplayTest, ShowsOneTranslationWithoutATrailingLine) {
+  EXPECT_EQ(v_langstr_display_set_text(display(), translation("sv", "F\xE4rgbortfall").get()), 1);
+  EXPECT_EQ(shown(), "*Swedish [sv]*\n\nF\u00E4rgbortfall");
+}
+
+TEST_F(LangstrDisplayTest, ShowsAllTranslationsInOrder) {
+  OwnedLangstr langstr = translation("sv", "Spricka");
+  v_langstr_set_translation(langstr, "en-uk", "Crack, 100 % <b>&amp; %s");
+  v_langstr_set_translation(langstr, "", "?");
+  v_langstr_set_translation(langstr, "pl",
+                            "P\xEAkni\xEA"
+                            "cie");
+  EXPECT_EQ(v_langstr_display_set_text(display(), langstr.get()), 1);
+  EXPECT_EQ(shown(), "*Swedish [sv]*\n\nSpricka\n\n"
+                     "*English/United Kingdom [en-uk]*\n\nCrack, 100 % <b>&amp; %s\n\n"
+                     "*Undefined*\n\n?\n\n"
+                     "*Unknown language [pl]*\n\nP\u00EAkni\u00EAcie");
+}
+
+TEST_F(LangstrDisplayTest, ReplacesWhatItShowed) {
+  v_langstr_display_set_text(display(), translation("sv", "Spricka").get());
+  v_langstr_display_set_text(display(), translation("nb", "Sprekk").get());
+  EXPECT_EQ(shown(), "*Norwegian Bokm\u00E5l [nb]*\n\nSprekk");
+}
+
+TEST_F(LangstrDisplayTest, IsClearedByAnAbsentText) {
+  v_langstr_display_set_text(display(), translation("sv", "Spricka").get());
+  EXPECT_EQ(v_langstr_display_set_text(display(), nullptr), 1);
+  EXPECT_EQ(shown(), "");
+}
+
+TEST_F(LangstrDisplayTest, TakesNoTextOnceDestroyed) {
+  gtk_widget_destroy(widget);
+  EXPECT_EQ(v_langstr_display_set_text(display(), translation("sv", "Spricka").get()), 0);
+  gtk_widget_destroy(widget);
+}
+
+} // namespace

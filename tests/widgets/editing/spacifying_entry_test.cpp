@@ -1,0 +1,176 @@
+#include "gui/editing/spacifying_entry.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "faults.h"
+#include "shown_window.h"
+
+namespace {
+
+class SpacifyingEntryTest : public testing::Test {
+protected:
+  SpacifyingEntryTest() { take_beep_count(); }
+  ~SpacifyingEntryTest() override { g_object_unref(widget); }
+
+  VSpacifyingEntry *entry() { return V_SPACIFYING_ENTRY(widget); }
+  GtkEditable *editable() { return GTK_EDITABLE(widget); }
+  std::string shown() { return gtk_entry_get_text(GTK_ENTRY(widget)); }
+
+  GtkWidget *widget = GTK_WIDGET(g_object_ref_sink(v_spacifying_entry_new(Compact::yes)));
+};
+
+OwnedText read_back(Compact compact, const char *latin1_text) {
+  GtkWidget *widget = GTK_WIDGET(g_object_ref_sink(v_spacifying_entry_new(compact)));
+  v_spacifying_entry_set_text(V_SPACIFYING_ENTRY(widget), latin1_text);
+  OwnedText text = v_spacifying_entry_get_text(V_SPACIFYING_ENTRY(widget));
+  g_object_unref(widget);
+  return text;
+}
+
+TEST_F(SpacifyingEntryTest, IsAnEntryWithoutEmojis) {
+  EXPECT_STREQ(G_OBJECT_TYPE_NAME(widget), "VSpacifyingEntry");
+  EXPECT_EQ(g_type_parent(V_TYPE_SPACIFYING_ENTRY), GTK_TYPE_ENTRY);
+  gboolean has_emoji_icon = TRUE;
+  g_object_get(widget, "show-emoji-icon", &has_emoji_icon, nullptr);
+  EXPECT_FALSE(has_emoji_icon);
+  const GtkInputHints hints = gtk_entry_get_input_hints(GTK_ENTRY(widget));
+  EXPECT_EQ(hints & (GTK_INPUT_HINT_EMOJI | GTK_INPUT_HINT_NO_EMOJI), GTK_INPUT_HINT_NO_EMOJI);
+}
+
+struct Insertion {
+  const char *text;
+  const char *shown;
+  int beeps;
+};
+
+const Insertion insertions[] = {
+    {"a\tb", "a b", 1},
+    {"a b", "a b", 0},
+    {"a  b", "a  b", 0},
+    {"\u00A0", " ", 1},
+    {"5 \u20AC net", "5  net", 1},
+    {"a\U0001F600b", "ab", 1},
+    {"\U0001F600", "", 1},
+    {"one\ntwo", "one two", 1},
+    {"a\x01\x1F"
+     "b",
+     "ab", 1},
+    {"\u00E5\u00E4\u00F6 100 % <b>&amp; %s", "\u00E5\u00E4\u00F6 100 % <b>&amp; %s", 0},
+    {"", "", 0},
+};
+
+TEST_F(SpacifyingEntryTest, RepairsWhatIsInserted) {
+  for (const Insertion &insertion : insertions) {
+    gtk_entry_set_text(GTK_ENTRY(widget), "[]");
+    int position = 1;
+    gtk_editable_insert_text(editable(), insertion.text, -1, &position);
+    EXPECT_EQ(shown(), std::string("[") + insertion.shown + "]");
+    EXPECT_EQ(position, 1 + g_utf8_strlen(insertion.shown, -1)) << insertion.text;
+    EXPECT_EQ(take_beep_count(), insertion.beeps) << insertion.text;
+  }
+}
+
+TEST_F(SpacifyingEntryTest, RepairsWhatIsPasted) {
+  const ShownWindow host(widget);
+  for (const Insertion &insertion : insertions) {
+    gtk_entry_set_text(GTK_ENTRY(widget), "[marked]");
+    gtk_editable_select_region(editable(), 1, 7);
+    if (*insertion.text == '\0') {
+      continue;
+    }
+    paste(widget, insertion.text);
+    EXPECT_EQ(shown(), std::string("[") + insertion.shown + "]");
+    EXPECT_EQ(gtk_editable_get_position(editable()), 1 + g_utf8_strlen(insertion.shown, -1));
+    EXPECT_EQ(take_beep_count(), insertion.beeps) << insertion.text;
+  }
+}
+
+TEST_F(SpacifyingEntryTest, RepairsWhatIsTyped) {
+  const ShownWindow host(widget);
+  gtk_widget_grab_focus(widget);
+  for (const guint key : {GDK_KEY_a, GDK_KEY_space, GDK_KEY_aring}) {
+    host.press_key(key);
+  }
+  EXPECT_EQ(shown(), "a \u00E5");
+  EXPECT_EQ(take_beep_count(), 0);
+  host.press_key(GDK_KEY_nobreakspace);
+  EXPECT_EQ(shown(), "a \u00E5 ");
+  EXPECT_EQ(take_beep_count(), 1);
+  host.press_key(GDK_KEY_EuroSign);
+  host.press_key(GDK_KEY_b);
+  EXPECT_EQ(shown(), "a \u00E5 b");
+  EXPECT_EQ(take_beep_count(), 1);
+}
+
+TEST_F(SpacifyingEntryTest, InsertsARepairedTextOnce) {
+  int insertion_count = 0;
+  const auto count_insertion =
+      +[](GtkEntryBuffer *, guint, char *, guint, int *count) { ++*count; };
+  g_signal_connect(gtk_entry_get_buffer(GTK_ENTRY(widget)), "inserted-text",
+                   G_CALLBACK(count_insertion), &insertion_count);
+  int position = 0;
+  gtk_editable_insert_text(editable(), "a\t\u20ACb", -1, &position);
+  EXPECT_EQ(insertion_count, 1);
+  gtk_editable_insert_text(editable(), "\u20AC", -1, &position);
+  EXPECT_EQ(insertion_count, 1);
+}
+
+TEST_F(SpacifyingEntryTest, TakesOnlyTheLengthThatIsInserted) {
+  int position = 0;
+  gtk_editable_insert_text(editable(), "ab\tc", 2, &position);
+  EXPECT_EQ(shown(), "ab");
+  EXPECT_EQ(take_beep_count(), 0);
+  gtk_editable_insert_text(editable(), "\tcd\u20AC", 2, &position);
+  EXPECT_EQ(shown(), "ab c");
+  EXPECT_EQ(position, 4);
+}
+
+TEST_F(SpacifyingEntryTest, InsertsNothingOfWhatIsNotUtf8) {
+  gtk_entry_set_text(GTK_ENTRY(widget), "kept");
+  int position = 2;
+  g_signal_emit_by_name(widget, "insert-text", "a\xE5", 2, &position);
+  EXPECT_EQ(shown(), "kept");
+  EXPECT_EQ(position, 2);
+  EXPECT_EQ(take_beep_count(), 1);
+}
+
+TEST_F(SpacifyingEntryTest, ShowsTheProgramsTextNormalisedAndInSilence) {
+  v_spacifying_entry_set_text(entry(), "  a\t\n b \xE5\xA0\xDF  ");
+  EXPECT_EQ(shown(), "a b \u00E5 \u00DF");
+  v_spacifying_entry_set_text(entry(), "\x01 100 % <b>");
+  EXPECT_EQ(shown(), "\x01 100 % <b>");
+  v_spacifying_entry_set_text(entry(), "");
+  EXPECT_EQ(shown(), "");
+  EXPECT_EQ(take_beep_count(), 0);
+  int position = 0;
+  gtk_editable_insert_text(editable(), "\t", -1, &position);
+  EXPECT_EQ(take_beep_count(), 1);
+}
+
+TEST_F(SpacifyingEntryTest, ReadsNormalisedTextWithoutChangingWhatIsShown) {
+  gtk_entry_set_text(GTK_ENTRY(widget), "   two  and   \u00E5tta ");
+  EXPECT_STREQ(v_spacifying_entry_get_text(entry()).get(), "two and \xE5tta");
+  EXPECT_EQ(shown(), "   two  and   \u00E5tta ");
+}
+
+TEST_F(SpacifyingEntryTest, ReadsOnlySpacesAsTheEmptyText) {
+  gtk_entry_set_text(GTK_ENTRY(widget), "    ");
+  const OwnedText text = v_spacifying_entry_get_text(entry());
+  ASSERT_NE(text, nullptr);
+  EXPECT_STREQ(text.get(), "");
+}
+
+TEST_F(SpacifyingEntryTest, RepairsWhatIsReadPastTheHandler) {
+  gtk_entry_buffer_set_text(gtk_entry_get_buffer(GTK_ENTRY(widget)), "\u20AC a\u00A0\tb\x02", -1);
+  EXPECT_STREQ(v_spacifying_entry_get_text(entry()).get(), "a b");
+}
+
+TEST(SpacifyingEntryCompactTest, DecidesWhetherRunsOfSpacesStay) {
+  EXPECT_STREQ(read_back(Compact::yes, " a \t b\n\nc ").get(), "a b c");
+  EXPECT_STREQ(read_back(Compact::no, " a \t b\n\nc ").get(), "a   b  c");
+  EXPECT_STREQ(read_back(Compact::no, "").get(), "");
+}
+
+} // namespace

@@ -1,0 +1,133 @@
+#include "gui/editing/spacifying_text_view.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "faults.h"
+#include "shown_window.h"
+
+namespace {
+
+class SpacifyingTextViewTest : public testing::Test {
+protected:
+  SpacifyingTextViewTest() { take_beep_count(); }
+  ~SpacifyingTextViewTest() override { g_object_unref(widget); }
+
+  VSpacifyingTextView *view() { return V_SPACIFYING_TEXT_VIEW(widget); }
+  GtkTextBuffer *buffer() { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(widget)); }
+  std::string shown() {
+    char *text = nullptr;
+    g_object_get(buffer(), "text", &text, nullptr);
+    return OwnedText(text).get();
+  }
+
+  GtkWidget *widget = GTK_WIDGET(g_object_ref_sink(v_spacifying_text_view_new()));
+};
+
+TEST_F(SpacifyingTextViewTest, IsATextViewWithoutEmojis) {
+  EXPECT_STREQ(G_OBJECT_TYPE_NAME(widget), "VSpacifyingTextView");
+  EXPECT_EQ(g_type_parent(V_TYPE_SPACIFYING_TEXT_VIEW), GTK_TYPE_TEXT_VIEW);
+  const GtkInputHints hints = gtk_text_view_get_input_hints(GTK_TEXT_VIEW(widget));
+  EXPECT_EQ(hints & (GTK_INPUT_HINT_EMOJI | GTK_INPUT_HINT_NO_EMOJI), GTK_INPUT_HINT_NO_EMOJI);
+}
+
+struct Insertion {
+  const char *text;
+  const char *shown;
+  int beeps;
+};
+
+const Insertion insertions[] = {
+    {"a\nb", "a\nb", 0},
+    {"a\tb", "a b", 1},
+    {"a\r\nb", "a \nb", 1},
+    {"a\u00A0\u2028\u20ACb", "a  b", 1},
+    {"\U0001F600", "", 1},
+    {"a\x01\x0B"
+     "b",
+     "ab", 1},
+    {"50 % <b>&amp; \u00E5", "50 % <b>&amp; \u00E5", 0},
+};
+
+TEST_F(SpacifyingTextViewTest, RepairsWhatIsInserted) {
+  for (const Insertion &insertion : insertions) {
+    gtk_text_buffer_set_text(buffer(), "[]", -1);
+    GtkTextIter place;
+    gtk_text_buffer_get_iter_at_offset(buffer(), &place, 1);
+    gtk_text_buffer_insert(buffer(), &place, insertion.text, -1);
+    EXPECT_EQ(shown(), std::string("[") + insertion.shown + "]");
+    EXPECT_EQ(gtk_text_iter_get_offset(&place), 1 + g_utf8_strlen(insertion.shown, -1));
+    EXPECT_EQ(take_beep_count(), insertion.beeps) << insertion.text;
+  }
+}
+
+TEST_F(SpacifyingTextViewTest, RepairsWhatIsPasted) {
+  const ShownWindow host(widget);
+  for (const Insertion &insertion : insertions) {
+    gtk_text_buffer_set_text(buffer(), "", -1);
+    paste(widget, insertion.text);
+    EXPECT_EQ(shown(), insertion.shown);
+    EXPECT_EQ(take_beep_count(), insertion.beeps) << insertion.text;
+  }
+}
+
+TEST_F(SpacifyingTextViewTest, InsertsNothingOfWhatIsNotUtf8) {
+  gtk_text_buffer_set_text(buffer(), "kept", -1);
+  GtkTextIter place;
+  gtk_text_buffer_get_start_iter(buffer(), &place);
+  g_signal_emit_by_name(buffer(), "insert-text", &place, "a\xE5", 2);
+  EXPECT_EQ(shown(), "kept");
+  EXPECT_EQ(take_beep_count(), 1);
+}
+
+TEST_F(SpacifyingTextViewTest, ShowsTheProgramsTextNormalisedAndInSilence) {
+  v_spacifying_text_view_set_text(view(), "\n a\t\tb \n\n \xE5\xA0\x63\x01\n ");
+  EXPECT_EQ(shown(), "a  b \n\n \u00E5 c\x01");
+  v_spacifying_text_view_set_text(view(), "");
+  EXPECT_EQ(shown(), "");
+  EXPECT_EQ(take_beep_count(), 0);
+}
+
+TEST_F(SpacifyingTextViewTest, ReadsNormalisedTextWithoutChangingWhatIsShown) {
+  const char *text = "\n  a  b \n\n\u00E5 \n";
+  gtk_text_buffer_set_text(buffer(), text, -1);
+  EXPECT_STREQ(v_spacifying_text_view_get_text(view()).get(), "a  b \n\n\xE5");
+  EXPECT_EQ(shown(), text);
+  gtk_text_buffer_set_text(buffer(), " \n ", -1);
+  EXPECT_STREQ(v_spacifying_text_view_get_text(view()).get(), "");
+}
+
+TEST_F(SpacifyingTextViewTest, RepairsWhatTheProgramSetWhenItIsRead) {
+  v_spacifying_text_view_set_text(view(), "a\x01\x02z");
+  EXPECT_STREQ(v_spacifying_text_view_get_text(view()).get(), "az");
+}
+
+TEST_F(SpacifyingTextViewTest, LeavesTabToTheWindow) {
+  const ShownWindow host(widget);
+  for (const guint key : {GDK_KEY_Tab, GDK_KEY_KP_Tab}) {
+    gtk_widget_grab_focus(widget);
+    host.press_key(key);
+    EXPECT_EQ(host.focus(), host.after());
+  }
+  gtk_widget_grab_focus(widget);
+  host.press_key(GDK_KEY_ISO_Left_Tab, GDK_SHIFT_MASK);
+  EXPECT_EQ(host.focus(), host.before());
+  EXPECT_EQ(shown(), "");
+  EXPECT_EQ(take_beep_count(), 0);
+}
+
+TEST_F(SpacifyingTextViewTest, HasAllOtherKeysForItself) {
+  const ShownWindow host(widget);
+  gtk_widget_grab_focus(widget);
+  for (const guint key : {GDK_KEY_a, GDK_KEY_Return, GDK_KEY_b, GDK_KEY_Left, GDK_KEY_c}) {
+    host.press_key(key);
+  }
+  EXPECT_EQ(shown(), "a\ncb");
+  EXPECT_EQ(take_beep_count(), 0);
+  host.press_key(GDK_KEY_EuroSign);
+  EXPECT_EQ(shown(), "a\ncb");
+  EXPECT_EQ(take_beep_count(), 1);
+}
+
+} // namespace

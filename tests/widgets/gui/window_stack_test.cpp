@@ -1,0 +1,890 @@
+#include "gui/window_stack.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "gui/owned_objects.h"
+#include "widgets/gui/toolkit.h"
+
+namespace {
+
+class WindowStack : public testing::Test {
+protected:
+  WindowStackNode *top() const { return stack->top->previous; }
+  VBusyRecord *busy() const { return top()->busy.get(); }
+
+  // Pushes and shows, as a GUI function does.
+  void open(TestWindow &window) {
+    v_window_stack_push_window(stack.get(), window.get());
+    window.show_active();
+  }
+
+  OwnedWindowStack stack = v_window_stack_new();
+};
+
+bool is_sensitive(const TestWindow &window) {
+  return gtk_widget_get_sensitive(window.widget()) != FALSE;
+}
+
+TEST_F(WindowStack, IsEmptyAtFirst) {
+  EXPECT_EQ(stack->bottom->next.get(), stack->top);
+  EXPECT_EQ(stack->top->previous, stack->bottom.get());
+  EXPECT_EQ(stack->bottom->previous, nullptr);
+  EXPECT_EQ(stack->top->next, nullptr);
+  EXPECT_EQ(stack->focus_lost, 0);
+  EXPECT_EQ(stack->focus_lost_time.seconds, 0);
+  EXPECT_EQ(stack->focus_lost_time.microseconds, 0);
+  EXPECT_EQ(stack->focus_callback, nullptr);
+  EXPECT_EQ(stack->focus_callback_data, nullptr);
+}
+
+TEST_F(WindowStack, OperationsOnAnEmptyStackDoNothing) {
+  v_window_stack_pop_window(stack.get());
+  v_window_stack_busy_end(stack.get());
+  v_window_stack_present(stack.get());
+  EXPECT_EQ(stack->bottom->next.get(), stack->top);
+  v_window_stack_destroy(nullptr);
+}
+
+// ---- Pushing and popping ------------------------------------------------------------------------
+
+TEST_F(WindowStack, TheFirstWindowIsAPlainOne) {
+  TestWindow other;
+  TestWindow first;
+  gtk_window_set_transient_for(first.get(), other.get());
+  gtk_window_set_destroy_with_parent(first.get(), TRUE);
+  gtk_window_set_modal(first.get(), TRUE);
+  gtk_window_set_skip_taskbar_hint(first.get(), TRUE);
+  v_window_stack_push_window(stack.get(), first.get());
+  EXPECT_EQ(gtk_window_get_transient_for(first.get()), nullptr);
+  EXPECT_FALSE(gtk_window_get_destroy_with_parent(first.get()));
+  EXPECT_FALSE(gtk_window_get_modal(first.get()));
+  EXPECT_FALSE(gtk_window_get_skip_taskbar_hint(first.get()));
+  EXPECT_TRUE(is_sensitive(first));
+  EXPECT_EQ(top()->window, first.get());
+}
+
+TEST_F(WindowStack, EveryOtherWindowCoversTheOneBelow) {
+  TestWindow windows[3];
+  for (TestWindow &window : windows) {
+    open(window);
+  }
+  for (int i = 1; i < 3; ++i) {
+    GtkWindow *window = windows[i].get();
+    EXPECT_EQ(gtk_window_get_transient_for(window), windows[i - 1].get());
+    EXPECT_TRUE(gtk_window_get_destroy_with_parent(window));
+    EXPECT_TRUE(gtk_window_get_modal(window));
+    EXPECT_TRUE(gtk_window_get_skip_taskbar_hint(window));
+    EXPECT_FALSE(is_sensitive(windows[i - 1]));
+  }
+  EXPECT_TRUE(is_sensitive(windows[2]));
+  EXPECT_EQ(stack->bottom->next->window, windows[0].get());
+  EXPECT_EQ(stack->bottom->next->next->window, windows[1].get());
+  EXPECT_EQ(top()->window, windows[2].get());
+
+  v_window_stack_pop_window(stack.get());
+  EXPECT_FALSE(is_sensitive(windows[0]));
+  EXPECT_TRUE(is_sensitive(windows[1]));
+  EXPECT_EQ(top()->window, windows[1].get());
+  EXPECT_FALSE(windows[2].is_destroyed());
+  v_window_stack_pop_window(stack.get());
+  EXPECT_TRUE(is_sensitive(windows[0]));
+}
+
+TEST_F(WindowStack, PoppingTheLastEntryLeavesItsWindowAlone) {
+  TestWindow window;
+  open(window);
+  gtk_widget_set_sensitive(window.widget(), FALSE);
+  const OwnedObject<GdkCursor> cursor =
+      take(gdk_cursor_new_for_display(gtk_widget_get_display(window.widget()), GDK_CROSSHAIR));
+  gdk_window_set_cursor(gtk_widget_get_window(window.widget()), cursor.get());
+  v_window_stack_pop_window(stack.get());
+  EXPECT_FALSE(is_sensitive(window));
+  EXPECT_EQ(gdk_window_get_cursor(gtk_widget_get_window(window.widget())), cursor.get());
+  EXPECT_EQ(stack->bottom->next.get(), stack->top);
+}
+
+TEST_F(WindowStack, ANativeDialogTakesAPlaceWithoutAWindow) {
+  EXPECT_EQ(v_window_stack_push_native_window(stack.get()), nullptr);
+  v_window_stack_pop_window(stack.get());
+  EXPECT_EQ(stack->bottom->next.get(), stack->top);
+
+  TestWindow window;
+  open(window);
+  EXPECT_EQ(v_window_stack_push_native_window(stack.get()), window.get());
+  EXPECT_EQ(top()->window, nullptr);
+  EXPECT_FALSE(is_sensitive(window));
+  v_window_stack_pop_window(stack.get());
+  EXPECT_TRUE(is_sensitive(window));
+}
+
+TEST_F(WindowStack, AWindowOverANativeDialogCoversTheNearestRealWindow) {
+  TestWindow below;
+  TestWindow above;
+  open(below);
+  v_window_stack_push_native_window(stack.get());
+  open(above);
+  EXPECT_EQ(gtk_window_get_transient_for(above.get()), below.get());
+  v_window_stack_pop_window(stack.get());
+  EXPECT_FALSE(is_sensitive(below));
+  v_window_stack_pop_window(stack.get());
+  EXPECT_TRUE(is_sensitive(below));
+}
+
+TEST_F(WindowStack, PresentsTheTopmostWindowThereIs) {
+  TestWindow first;
+  TestWindow second;
+  open(first);
+  v_window_stack_push_window(stack.get(), second.get());
+  v_window_stack_push_native_window(stack.get());
+  EXPECT_FALSE(gtk_widget_get_visible(second.widget()));
+  v_window_stack_present(stack.get());
+  EXPECT_TRUE(wait_until([&] { return gtk_window_is_active(second.get()) != FALSE; }));
+}
+
+// ---- Destruction in any order -------------------------------------------------------------------
+
+TEST_F(WindowStack, AWindowDestroyedBelowTheTopTakesThoseAboveWithIt) {
+  TestWindow windows[3];
+  for (TestWindow &window : windows) {
+    open(window);
+  }
+  windows[1].destroy();
+  EXPECT_TRUE(windows[2].is_destroyed());
+  EXPECT_EQ(top()->window, nullptr);
+  v_window_stack_pop_window(stack.get());
+  EXPECT_FALSE(is_sensitive(windows[0]));
+  v_window_stack_pop_window(stack.get());
+  EXPECT_TRUE(is_sensitive(windows[0]));
+  EXPECT_EQ(top()->window, windows[0].get());
+}
+
+TEST_F(WindowStack, AllWindowsMayBeDestroyedBeforeTheyArePopped) {
+  {
+    TestWindow windows[3];
+    for (TestWindow &window : windows) {
+      open(window);
+    }
+    windows[0].destroy();
+  }
+  TestWindow another;
+  open(another);
+  EXPECT_FALSE(gtk_window_get_modal(another.get()));
+  v_window_stack_present(stack.get());
+  for (int i = 0; i < 4; ++i) {
+    v_window_stack_pop_window(stack.get());
+  }
+  EXPECT_EQ(stack->bottom->next.get(), stack->top);
+}
+
+TEST_F(WindowStack, NothingStaysConnectedToAWindowThatOutlivesItsEntry) {
+  TestWindow popped;
+  TestWindow left;
+  const auto is_connected = [](const TestWindow &window, void *data) {
+    return g_signal_handler_find(window.get(), G_SIGNAL_MATCH_DATA, 0, 0, nullptr, nullptr, data) !=
+           0;
+  };
+  open(popped);
+  void *popped_entry = top();
+  EXPECT_TRUE(is_connected(popped, popped_entry));
+  v_window_stack_pop_window(stack.get());
+  EXPECT_FALSE(is_connected(popped, popped_entry));
+  open(left);
+  void *left_entry = top();
+  EXPECT_TRUE(is_connected(left, left_entry));
+  stack.reset();
+  EXPECT_FALSE(is_connected(left, left_entry));
+  EXPECT_FALSE(left.is_destroyed());
+}
+
+// ---- Running ------------------------------------------------------------------------------------
+
+TEST_F(WindowStack, ARunReturnsWhenTheWindowIsDestroyed) {
+  TestWindow below;
+  open(below);
+  TestWindow window;
+  GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+  GtkWidget *first = gtk_entry_new();
+  GtkWidget *second = gtk_entry_new();
+  gtk_container_add(GTK_CONTAINER(window.get()), box);
+  gtk_container_add(GTK_CONTAINER(box), first);
+  gtk_container_add(GTK_CONTAINER(box), second);
+  gtk_widget_show_all(box);
+  bool was_running = false;
+  call_later(200, [&] {
+    was_running = true;
+    EXPECT_EQ(top()->window, window.get());
+    EXPECT_EQ(gtk_main_level(), 1u);
+    EXPECT_TRUE(gtk_widget_get_visible(window.widget()));
+    EXPECT_EQ(gtk_window_get_focus(window.get()), second);
+    EXPECT_FALSE(is_sensitive(below));
+    gtk_window_close(window.get());
+  });
+  v_window_stack_run_window(stack.get(), window.get(), Maximize::no, second);
+  EXPECT_TRUE(was_running);
+  EXPECT_TRUE(window.is_destroyed());
+  EXPECT_EQ(top()->window, below.get());
+  EXPECT_TRUE(is_sensitive(below));
+  EXPECT_EQ(gtk_main_level(), 0u);
+}
+
+TEST_F(WindowStack, ARunWithoutAFocusWidgetFocusesNone) {
+  TestWindow window;
+  GtkWidget *entry = gtk_entry_new();
+  gtk_container_add(GTK_CONTAINER(window.get()), entry);
+  gtk_widget_show(entry);
+  call_later(200, [&] {
+    EXPECT_EQ(gtk_window_get_focus(window.get()), nullptr);
+    EXPECT_FALSE(gtk_window_is_maximized(window.get()));
+    window.destroy();
+  });
+  v_window_stack_run_window(stack.get(), window.get(), Maximize::no);
+}
+
+TEST_F(WindowStack, OnlyTheWindowItselfIsShown) {
+  TestWindow window;
+  GtkWidget *hidden = gtk_label_new("hidden");
+  gtk_container_add(GTK_CONTAINER(window.get()), hidden);
+  call_later(100, [&] {
+    EXPECT_FALSE(gtk_widget_get_visible(hidden));
+    window.destroy();
+  });
+  v_window_stack_run_window(stack.get(), window.get(), Maximize::no);
+}
+
+bool has_maximized_state(GtkWidget *window) {
+  return (gdk_window_get_state(gtk_widget_get_window(window)) & GDK_WINDOW_STATE_MAXIMIZED) != 0;
+}
+
+TEST_F(WindowStack, AMaximizedWindowIsSoWhenItAppears) {
+  TestWindow window;
+  bool was_at_once = false;
+  g_signal_connect_after(window.get(), "map", G_CALLBACK(+[](GtkWidget *widget, bool *result) {
+                           *result = has_maximized_state(widget);
+                         }),
+                         &was_at_once);
+  call_later(300, [&] {
+    EXPECT_TRUE(gtk_window_is_maximized(window.get()));
+    window.destroy();
+  });
+  v_window_stack_run_window(stack.get(), window.get(), Maximize::yes);
+  EXPECT_TRUE(was_at_once);
+}
+
+TEST_F(WindowStack, AWindowIsMaximizedOnceMoreAfterItIsRealized) {
+  TestWindow window;
+  // What was asked before gets lost.
+  bool was_lost = false;
+  g_signal_connect(
+      window.get(), "realize",
+      G_CALLBACK(+[](GtkWidget *widget) { gtk_window_unmaximize(GTK_WINDOW(widget)); }), nullptr);
+  g_signal_connect_after(window.get(), "map", G_CALLBACK(+[](GtkWidget *widget, bool *result) {
+                           gtk_window_unmaximize(GTK_WINDOW(widget));
+                           *result = true;
+                         }),
+                         &was_lost);
+  call_later(300, [&] {
+    EXPECT_TRUE(gtk_window_is_maximized(window.get()));
+    window.destroy();
+  });
+  v_window_stack_run_window(stack.get(), window.get(), Maximize::yes);
+  EXPECT_TRUE(was_lost);
+}
+
+TEST_F(WindowStack, AWindowDestroyedAsSoonAsItIsShownEndsItsRun) {
+  for (const Maximize maximize : {Maximize::no, Maximize::yes}) {
+    TestWindow window;
+    g_signal_connect_after(window.get(), "map", G_CALLBACK(gtk_widget_destroy), nullptr);
+    v_window_stack_run_window(stack.get(), window.get(), maximize);
+    EXPECT_TRUE(window.is_destroyed());
+    EXPECT_EQ(stack->bottom->next.get(), stack->top);
+    settle();
+  }
+}
+
+TEST_F(WindowStack, AWindowWhoseLoopIsEndedOtherwiseIsDestroyed) {
+  TestWindow window;
+  call_later(50, [] { gtk_main_quit(); });
+  v_window_stack_run_window(stack.get(), window.get(), Maximize::no);
+  EXPECT_TRUE(window.is_destroyed());
+  EXPECT_EQ(stack->bottom->next.get(), stack->top);
+}
+
+TEST_F(WindowStack, RunsNest) {
+  TestWindow outer;
+  TestWindow inner;
+  std::vector<std::string> order;
+  call_later(100, [&] {
+    call_later(100, [&] {
+      EXPECT_EQ(gtk_main_level(), 2u);
+      EXPECT_EQ(gtk_window_get_transient_for(inner.get()), outer.get());
+      inner.destroy();
+    });
+    v_window_stack_run_window(stack.get(), inner.get(), Maximize::no);
+    order.push_back("inner");
+    EXPECT_TRUE(is_sensitive(outer));
+    outer.destroy();
+  });
+  v_window_stack_run_window(stack.get(), outer.get(), Maximize::no);
+  order.push_back("outer");
+  EXPECT_EQ(order, (std::vector<std::string>{"inner", "outer"}));
+}
+
+TEST_F(WindowStack, DestroyingTheOuterWindowEndsBothRuns) {
+  TestWindow bottom;
+  open(bottom);
+  TestWindow outer;
+  TestWindow inner;
+  std::vector<std::string> order;
+  call_later(100, [&] {
+    call_later(100, [&] { outer.destroy(); });
+    v_window_stack_run_window(stack.get(), inner.get(), Maximize::no);
+    order.push_back("inner");
+    EXPECT_TRUE(inner.is_destroyed());
+  });
+  v_window_stack_run_window(stack.get(), outer.get(), Maximize::no);
+  order.push_back("outer");
+  EXPECT_EQ(order, (std::vector<std::string>{"inner", "outer"}));
+  EXPECT_EQ(top()->window, bottom.get());
+  EXPECT_TRUE(is_sensitive(bottom));
+}
+
+TEST_F(WindowStack, AWindowDestroyedUnderABusyEntryLosesItsEntryOnly) {
+  TestWindow bottom;
+  open(bottom);
+  TestWindow window;
+  call_later(100, [&] {
+    v_window_stack_busy_begin(stack.get(), ShowBusyWindow::yes);
+    window.destroy();
+    EXPECT_NE(busy(), nullptr);
+    EXPECT_EQ(busy()->window, nullptr);
+    v_window_stack_set_busy_window_message(stack.get(), "Nobody sees this");
+    v_window_stack_busy_end(stack.get());
+  });
+  v_window_stack_run_window(stack.get(), window.get(), Maximize::no);
+  EXPECT_EQ(top()->window, bottom.get());
+  EXPECT_TRUE(is_sensitive(bottom));
+}
+
+TEST_F(WindowStack, AnEntryPoppedDuringItsRunDoesNotPopAnother) {
+  TestWindow bottom;
+  open(bottom);
+  TestWindow window;
+  call_later(100, [&] {
+    v_window_stack_pop_window(stack.get());
+    window.destroy();
+  });
+  v_window_stack_run_window(stack.get(), window.get(), Maximize::no);
+  EXPECT_EQ(top()->window, bottom.get());
+}
+
+TEST_F(WindowStack, TheStackMayGoWhileAWindowRuns) {
+  TestWindow window;
+  call_later(100, [&] {
+    stack.reset();
+    window.destroy();
+  });
+  v_window_stack_run_window(stack.get(), window.get(), Maximize::no);
+  EXPECT_TRUE(window.is_destroyed());
+}
+
+// ---- Cursors ------------------------------------------------------------------------------------
+
+GdkCursor *get_cursor(const TestWindow &window) {
+  return gdk_window_get_cursor(gtk_widget_get_window(window.widget()));
+}
+
+// The name of the cursor that the window shows: the display hands out one cursor for each name.
+std::string name_cursor(const TestWindow &window) {
+  for (const char *name : {"default", "wait"}) {
+    const OwnedObject<GdkCursor> cursor =
+        take(gdk_cursor_new_from_name(gtk_widget_get_display(window.widget()), name));
+    if (cursor && cursor.get() == get_cursor(window)) {
+      return name;
+    }
+  }
+  return get_cursor(window) == nullptr ? "none" : "other";
+}
+
+void note(bool cursor_is_set, void *notes) {
+  static_cast<std::string *>(notes)->append(cursor_is_set ? "set " : "cleared ");
+}
+
+TEST_F(WindowStack, PushingSetsTheCursorOfAllButTheTop) {
+  TestWindow windows[3];
+  std::string notes[3];
+  for (int i = 0; i < 3; ++i) {
+    gtk_widget_realize(windows[i].widget());
+    v_window_stack_push_window(stack.get(), windows[i].get());
+    v_window_stack_set_mouse_cursor_callback(stack.get(), note, &notes[i]);
+  }
+  EXPECT_EQ(name_cursor(windows[0]), "default");
+  EXPECT_EQ(name_cursor(windows[1]), "default");
+  EXPECT_EQ(name_cursor(windows[2]), "none");
+  EXPECT_EQ(notes[0], "set set ");
+  EXPECT_EQ(notes[1], "set ");
+  EXPECT_EQ(notes[2], "");
+
+  v_window_stack_push_native_window(stack.get());
+  EXPECT_EQ(name_cursor(windows[2]), "default");
+  EXPECT_EQ(notes[2], "set ");
+}
+
+TEST_F(WindowStack, PoppingClearsTheCursorOfTheTop) {
+  TestWindow windows[3];
+  std::string notes[3];
+  for (int i = 0; i < 3; ++i) {
+    gtk_widget_realize(windows[i].widget());
+    v_window_stack_push_window(stack.get(), windows[i].get());
+  }
+  int i = 0;
+  for (WindowStackNode *node = stack->bottom->next.get(); node != stack->top;
+       node = node->next.get()) {
+    node->cursor_callback = note;
+    node->cursor_callback_data = &notes[i++];
+  }
+  v_window_stack_pop_window(stack.get());
+  EXPECT_EQ(name_cursor(windows[0]), "default");
+  EXPECT_EQ(name_cursor(windows[1]), "none");
+  EXPECT_EQ(notes[0], "set ");
+  EXPECT_EQ(notes[1], "cleared ");
+  EXPECT_EQ(notes[2], "");
+}
+
+TEST_F(WindowStack, AWindowThatIsNotRealizedHasNoCursor) {
+  TestWindow bottom;
+  TestWindow unrealized;
+  std::string notes;
+  v_window_stack_push_window(stack.get(), unrealized.get());
+  v_window_stack_set_mouse_cursor_callback(stack.get(), note, &notes);
+  v_window_stack_push_window(stack.get(), bottom.get());
+  v_window_stack_pop_window(stack.get());
+  EXPECT_EQ(notes, "");
+}
+
+TEST_F(WindowStack, BusyWaitsEverywhere) {
+  TestWindow first;
+  TestWindow second;
+  std::string notes;
+  open(first);
+  open(second);
+  v_window_stack_set_mouse_cursor_callback(stack.get(), note, &notes);
+  v_window_stack_busy_begin(stack.get(), ShowBusyWindow::no);
+  EXPECT_EQ(name_cursor(first), "wait");
+  EXPECT_EQ(name_cursor(second), "wait");
+  EXPECT_EQ(notes, "set ");
+  EXPECT_EQ(busy()->window, nullptr);
+  EXPECT_TRUE(is_sensitive(second));
+  v_window_stack_busy_end(stack.get());
+  EXPECT_EQ(name_cursor(first), "default");
+  EXPECT_EQ(name_cursor(second), "none");
+  EXPECT_EQ(notes, "set cleared ");
+}
+
+TEST_F(WindowStack, ARunStoresTheCursorCallback) {
+  TestWindow window;
+  std::string notes;
+  call_later(100, [&] {
+    v_window_stack_push_native_window(stack.get());
+    v_window_stack_pop_window(stack.get());
+    window.destroy();
+  });
+  v_window_stack_run_window(stack.get(), window.get(), Maximize::no, nullptr, note, &notes);
+  EXPECT_EQ(notes, "set cleared ");
+}
+
+// ---- Focus --------------------------------------------------------------------------------------
+
+struct FocusReports {
+  std::vector<long> seconds;
+};
+
+void report(long elapsed_seconds, void *data) {
+  static_cast<FocusReports *>(data)->seconds.push_back(elapsed_seconds);
+}
+
+void send_focus_event(const TestWindow &window, bool focus_in) {
+  GdkEvent *event = gdk_event_new(GDK_FOCUS_CHANGE);
+  event->focus_change.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window.widget())));
+  event->focus_change.in = focus_in;
+  gboolean is_handled = FALSE;
+  g_signal_emit_by_name(window.get(), focus_in ? "focus-in-event" : "focus-out-event", event,
+                        &is_handled);
+  gdk_event_free(event);
+}
+
+TEST_F(WindowStack, TheFocusPassingBetweenItsWindowsIsNotLost) {
+  FocusReports reports;
+  v_window_stack_set_focus_callback(stack.get(), report, &reports);
+  TestWindow main_window;
+  open(main_window);
+  {
+    TestWindow dialog;
+    open(dialog);
+    run_for(700);
+    EXPECT_EQ(stack->focus_lost, 0);
+    v_window_stack_pop_window(stack.get());
+  }
+  ASSERT_TRUE(
+      wait_until([&] { return gtk_window_has_toplevel_focus(main_window.get()) != FALSE; }));
+  run_for(700);
+  EXPECT_EQ(stack->focus_lost, 0);
+  EXPECT_TRUE(stack->sources.empty());
+  EXPECT_TRUE(reports.seconds.empty());
+}
+
+TEST_F(WindowStack, TheFocusGoneToAnotherProgramIsLostAndItsReturnReportedOnce) {
+  FocusReports reports;
+  v_window_stack_set_focus_callback(stack.get(), report, &reports);
+  TestWindow main_window;
+  open(main_window);
+  run_for(700);
+  {
+    TestWindow other_program;
+    other_program.show_active();
+    run_for(200);
+    EXPECT_EQ(stack->focus_lost, 0);
+    run_for(2000);
+    EXPECT_EQ(stack->focus_lost, 1);
+    EXPECT_TRUE(reports.seconds.empty());
+  }
+  ASSERT_TRUE(wait_until([&] { return !reports.seconds.empty(); }));
+  EXPECT_EQ(stack->focus_lost, 0);
+  send_focus_event(main_window, true);
+  ASSERT_EQ(reports.seconds.size(), 1u);
+  EXPECT_GE(reports.seconds[0], 2);
+  EXPECT_LE(reports.seconds[0], 4);
+}
+
+TEST_F(WindowStack, WholeSecondsWithoutFocusAreReported) {
+  struct Row {
+    std::int64_t microseconds;
+    long seconds;
+  };
+  constexpr Row rows[] = {
+      {300'000, 0}, {999'000, 0}, {1'050'000, 1}, {4'900'000, 4}, {61'500'000, 61}};
+  FocusReports reports;
+  v_window_stack_set_focus_callback(stack.get(), report, &reports);
+  TestWindow window;
+  open(window);
+  for (const Row &row : rows) {
+    // From different fractions of a second, so that it is borrowed from the whole ones.
+    for (int fraction = 0; fraction < 3; ++fraction) {
+      const std::int64_t then = g_get_real_time() - row.microseconds;
+      stack->focus_lost_time = {then / 1'000'000, then % 1'000'000};
+      stack->focus_lost = 1;
+      reports.seconds.clear();
+      send_focus_event(window, true);
+      EXPECT_EQ(reports.seconds, std::vector{row.seconds}) << row.microseconds;
+      EXPECT_EQ(stack->focus_lost, 0);
+      run_for(330);
+    }
+  }
+}
+
+TEST_F(WindowStack, LosingTheFocusStampsTheTime) {
+  TestWindow window;
+  open(window);
+  const std::int64_t before = g_get_real_time();
+  send_focus_event(window, false);
+  const std::int64_t stamped =
+      stack->focus_lost_time.seconds * 1'000'000 + stack->focus_lost_time.microseconds;
+  EXPECT_GE(stamped, before);
+  EXPECT_LE(stamped, g_get_real_time());
+  EXPECT_LT(stack->focus_lost_time.microseconds, 1'000'000);
+}
+
+TEST_F(WindowStack, WithoutAnyEntryTheFocusIsLost) {
+  TestWindow window;
+  open(window);
+  send_focus_event(window, false);
+  v_window_stack_pop_window(stack.get());
+  EXPECT_TRUE(wait_until([&] { return stack->focus_lost == 1; }));
+}
+
+TEST_F(WindowStack, TheReturnOfTheFocusNeedsNoCallback) {
+  TestWindow window;
+  open(window);
+  stack->focus_lost = 1;
+  send_focus_event(window, true);
+  EXPECT_EQ(stack->focus_lost, 0);
+}
+
+TEST_F(WindowStack, NothingFiresOnADestroyedStack) {
+  for (const int milliseconds : {0, 100}) {
+    OwnedWindowStack another = v_window_stack_new();
+    TestWindow window;
+    v_window_stack_push_window(another.get(), window.get());
+    window.show_active();
+    send_focus_event(window, false);
+    run_for(milliseconds);
+    ASSERT_FALSE(another->sources.empty());
+    const std::vector<guint> sources = another->sources;
+    another.reset();
+    for (const guint source : sources) {
+      EXPECT_EQ(g_main_context_find_source_by_id(nullptr, source), nullptr);
+    }
+  }
+  run_for(600);
+}
+
+// ---- Busy ---------------------------------------------------------------------------------------
+
+class BusyWindow : public WindowStack {
+protected:
+  BusyWindow() {
+    open(window);
+    v_window_stack_busy_begin(stack.get(), ShowBusyWindow::yes);
+  }
+
+  GtkWidget *busy_widget() const { return GTK_WIDGET(busy()->window); }
+
+  TestWindow window;
+};
+
+TEST_F(BusyWindow, IsUndecoratedAndCoversTheWindowBelow) {
+  GtkWindow *busy_window = busy()->window;
+  ASSERT_NE(busy_window, nullptr);
+  EXPECT_TRUE(gtk_widget_get_visible(busy_widget()));
+  EXPECT_FALSE(gtk_window_get_decorated(busy_window));
+  GtkWindowPosition position = GTK_WIN_POS_NONE;
+  g_object_get(busy_window, "window-position", &position, nullptr);
+  EXPECT_EQ(position, GTK_WIN_POS_CENTER_ALWAYS);
+  EXPECT_EQ(gtk_window_get_transient_for(busy_window), window.get());
+  EXPECT_TRUE(gtk_window_get_modal(busy_window));
+  EXPECT_TRUE(gtk_window_get_destroy_with_parent(busy_window));
+  EXPECT_TRUE(gtk_window_get_skip_taskbar_hint(busy_window));
+  EXPECT_FALSE(is_sensitive(window));
+  EXPECT_EQ(name_cursor(window), "wait");
+  EXPECT_EQ(top()->window, nullptr);
+  EXPECT_EQ(gtk_box_get_spacing(busy()->content_box), 15);
+  EXPECT_FLOAT_EQ(gtk_label_get_xalign(busy()->message_label), 0.5f);
+  EXPECT_FLOAT_EQ(gtk_label_get_yalign(busy()->message_label), 0.5f);
+}
+
+TEST_F(BusyWindow, IsWhiteInABlackFrameOfOnePixel) {
+  run_for(200);
+  int width = 0;
+  int height = 0;
+  gtk_window_get_size(busy()->window, &width, &height);
+  // The content, 20 pixels on each side, and the frame.
+  EXPECT_EQ(width, 280 + 2 * 20 + 2);
+  EXPECT_EQ(height,
+            gtk_widget_get_allocated_height(GTK_WIDGET(busy()->message_label)) + 2 * 20 + 2);
+  const OwnedObject<GdkPixbuf> picture =
+      take(gdk_pixbuf_get_from_window(gtk_widget_get_window(busy_widget()), 0, 0, width, height));
+  const auto get_pixel = [&](int x, int y) {
+    const guint8 *pixel = gdk_pixbuf_read_pixels(picture.get()) +
+                          y * gdk_pixbuf_get_rowstride(picture.get()) +
+                          x * gdk_pixbuf_get_n_channels(picture.get());
+    return pixel[0] << 16 | pixel[1] << 8 | pixel[2];
+  };
+  for (const int x : {0, width / 2, width - 1}) {
+    EXPECT_EQ(get_pixel(x, 0), 0x000000);
+    EXPECT_EQ(get_pixel(x, height - 1), 0x000000);
+  }
+  for (const int x : {1, width / 2, width - 2}) {
+    EXPECT_EQ(get_pixel(x, 1), 0xffffff);
+    EXPECT_EQ(get_pixel(x, height - 2), 0xffffff);
+  }
+}
+
+TEST_F(BusyWindow, SaysPleaseWaitInBoldUntilItIsToldOtherwise) {
+  struct Row {
+    const char *message;
+    const char *text;
+    const char *markup;
+  };
+  constexpr Row rows[] = {
+      {nullptr, "Please wait", "<b>Please wait</b>"},
+      {"Reading <a> & 100 % é", "Reading <a> & 100 % é", "<b>Reading &lt;a&gt; &amp; 100 % é</b>"},
+      {"", "", "<b></b>"},
+      {nullptr, "Please wait", "<b>Please wait</b>"},
+  };
+  EXPECT_STREQ(gtk_label_get_label(busy()->message_label), "<b>Please wait</b>");
+  EXPECT_STREQ(gtk_window_get_title(busy()->window), "Please wait");
+  for (const Row &row : rows) {
+    v_window_stack_set_busy_window_message(stack.get(), row.message);
+    EXPECT_STREQ(gtk_label_get_label(busy()->message_label), row.markup);
+    EXPECT_STREQ(gtk_label_get_text(busy()->message_label), row.text);
+    EXPECT_TRUE(gtk_label_get_use_markup(busy()->message_label));
+    EXPECT_STREQ(gtk_window_get_title(busy()->window), row.text);
+  }
+  v_window_stack_set_busy_window_message_utf8_printf(stack.get(), "%d & \"%s\"", 3, "<%d>");
+  EXPECT_STREQ(gtk_label_get_text(busy()->message_label), "3 & \"<%d>\"");
+}
+
+TEST_F(BusyWindow, ShrinksToItsMessage) {
+  const auto get_width = [&] {
+    int width = 0;
+    gtk_window_get_size(busy()->window, &width, nullptr);
+    return width;
+  };
+  v_window_stack_set_busy_window_message(stack.get(), std::string(90, 'm').c_str());
+  ASSERT_TRUE(wait_until([&] { return get_width() > 600; }));
+  v_window_stack_set_busy_window_message(stack.get(), "m");
+  EXPECT_TRUE(wait_until([&] { return get_width() == 322; }));
+}
+
+TEST_F(BusyWindow, AbortIsARequest) {
+  EXPECT_FALSE(v_window_stack_is_abort_requested(stack.get()));
+  v_window_stack_hide_abort_button(stack.get());
+  EXPECT_EQ(busy()->abort_button, nullptr);
+
+  v_window_stack_show_abort_button(stack.get());
+  GtkWidget *button = GTK_WIDGET(busy()->abort_button);
+  GtkWidget *alignment = GTK_WIDGET(busy()->abort_button_alignment);
+  EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(button)), "Abort");
+  EXPECT_TRUE(gtk_widget_get_mapped(button));
+  EXPECT_EQ(gtk_widget_get_parent(alignment), GTK_WIDGET(busy()->content_box));
+  float x_align = -1;
+  float y_align = -1;
+  float x_scale = -1;
+  float y_scale = -1;
+  g_object_get(alignment, "xalign", &x_align, "yalign", &y_align, "xscale", &x_scale, "yscale",
+               &y_scale, nullptr);
+  EXPECT_EQ((std::vector{x_align, y_align, x_scale, y_scale}),
+            (std::vector{0.5f, 0.0f, 0.0f, 0.0f}));
+
+  gtk_button_clicked(GTK_BUTTON(button));
+  EXPECT_TRUE(v_window_stack_is_abort_requested(stack.get()));
+  EXPECT_FALSE(gtk_widget_get_sensitive(button));
+  v_window_stack_hide_abort_button(stack.get());
+  EXPECT_FALSE(gtk_widget_get_mapped(button));
+  EXPECT_TRUE(v_window_stack_is_abort_requested(stack.get()));
+  v_window_stack_show_abort_button(stack.get());
+  EXPECT_EQ(GTK_WIDGET(busy()->abort_button), button);
+  EXPECT_TRUE(gtk_widget_get_mapped(button));
+
+  v_window_stack_push_native_window(stack.get());
+  EXPECT_FALSE(v_window_stack_is_abort_requested(stack.get()));
+  v_window_stack_pop_window(stack.get());
+  v_window_stack_busy_end(stack.get());
+  EXPECT_FALSE(v_window_stack_is_abort_requested(stack.get()));
+}
+
+TEST_F(BusyWindow, IsNotEndedByAPopOrByTheUser) {
+  WindowStackNode *node = top();
+  v_window_stack_pop_window(stack.get());
+  EXPECT_EQ(top(), node);
+  gtk_window_close(busy()->window);
+  run_for(100);
+  EXPECT_NE(busy()->window, nullptr);
+  EXPECT_TRUE(gtk_widget_get_visible(busy_widget()));
+}
+
+TEST_F(BusyWindow, IsDestroyedAtTheEnd) {
+  GtkWindow *busy_window = busy()->window;
+  bool is_destroyed = false;
+  g_signal_connect(busy_window, "destroy",
+                   G_CALLBACK(+[](GtkWidget *, bool *flag) { *flag = true; }), &is_destroyed);
+  v_window_stack_busy_end(stack.get());
+  EXPECT_TRUE(is_destroyed);
+  EXPECT_TRUE(is_sensitive(window));
+  EXPECT_EQ(name_cursor(window), "none");
+  EXPECT_EQ(top()->window, window.get());
+  v_window_stack_busy_end(stack.get());
+  EXPECT_EQ(top()->window, window.get());
+}
+
+TEST_F(BusyWindow, IsHiddenWhileAWindowIsAbove) {
+  TestWindow dialog;
+  v_window_stack_push_window(stack.get(), dialog.get());
+  WindowStackNode *busy_node = top()->previous;
+  GtkWidget *busy_window = GTK_WIDGET(busy_node->busy->window);
+  EXPECT_FALSE(gtk_widget_get_visible(busy_window));
+  EXPECT_EQ(gtk_window_get_transient_for(dialog.get()), window.get());
+  // What is meant for the busy window does nothing now.
+  v_window_stack_set_busy_window_message(stack.get(), "other");
+  v_window_stack_show_abort_button(stack.get());
+  v_window_stack_show_busy_window(stack.get());
+  v_window_stack_busy_end(stack.get());
+  EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(busy_window)), "Please wait");
+  EXPECT_EQ(busy_node->busy->abort_button, nullptr);
+  EXPECT_EQ(top()->window, dialog.get());
+
+  v_window_stack_pop_window(stack.get());
+  EXPECT_TRUE(gtk_widget_get_visible(busy_window));
+  EXPECT_FALSE(is_sensitive(window));
+  EXPECT_EQ(name_cursor(window), "wait");
+}
+
+TEST_F(BusyWindow, GivesWayToANativeDialog) {
+  GtkWidget *busy_window = busy_widget();
+  EXPECT_EQ(v_window_stack_push_native_window(stack.get()), window.get());
+  EXPECT_FALSE(gtk_widget_get_visible(busy_window));
+  v_window_stack_pop_window(stack.get());
+  EXPECT_TRUE(gtk_widget_get_visible(busy_window));
+}
+
+TEST_F(BusyWindow, OfAnInnerTaskStandsForThatOfTheOuterOne) {
+  GtkWidget *outer = busy_widget();
+  v_window_stack_busy_begin(stack.get(), ShowBusyWindow::no);
+  EXPECT_TRUE(gtk_widget_get_visible(outer));
+  v_window_stack_set_busy_window_message(stack.get(), "without a window");
+  v_window_stack_show_busy_window(stack.get());
+  GtkWidget *inner = busy_widget();
+  EXPECT_NE(inner, outer);
+  EXPECT_FALSE(gtk_widget_get_visible(outer));
+  EXPECT_TRUE(gtk_widget_get_visible(inner));
+  v_window_stack_show_busy_window(stack.get());
+  EXPECT_EQ(busy_widget(), inner);
+
+  // Without a window of its own, a third one uncovers the second.
+  v_window_stack_busy_begin(stack.get(), ShowBusyWindow::no);
+  v_window_stack_push_native_window(stack.get());
+  EXPECT_FALSE(gtk_widget_get_visible(inner));
+  v_window_stack_pop_window(stack.get());
+  EXPECT_TRUE(gtk_widget_get_visible(inner));
+  EXPECT_FALSE(gtk_widget_get_visible(outer));
+
+  v_window_stack_busy_end(stack.get());
+  v_window_stack_busy_end(stack.get());
+  EXPECT_TRUE(gtk_widget_get_visible(outer));
+  EXPECT_FALSE(is_sensitive(window));
+  v_window_stack_busy_end(stack.get());
+  EXPECT_TRUE(is_sensitive(window));
+}
+
+TEST_F(WindowStack, ABusyWindowMayBeTheFirstWindow) {
+  v_window_stack_busy_begin(stack.get(), ShowBusyWindow::yes);
+  EXPECT_TRUE(gtk_widget_get_visible(GTK_WIDGET(busy()->window)));
+  EXPECT_EQ(gtk_window_get_transient_for(busy()->window), nullptr);
+  EXPECT_FALSE(gtk_window_get_modal(busy()->window));
+  v_window_stack_present(stack.get());
+  v_window_stack_busy_end(stack.get());
+  EXPECT_EQ(stack->bottom->next.get(), stack->top);
+}
+
+// The stack destroys no windows, but a busy window that it leaves behind can be closed.
+TEST_F(BusyWindow, IsLeftBehindByAStackThatIsDestroyed) {
+  v_window_stack_show_abort_button(stack.get());
+  const OwnedObject<GtkWindow> left = share(busy()->window);
+  GtkButton *abort_button = busy()->abort_button;
+  stack.reset();
+  gtk_button_clicked(abort_button);
+  bool is_destroyed = false;
+  g_signal_connect(left.get(), "destroy",
+                   G_CALLBACK(+[](GtkWidget *, bool *flag) { *flag = true; }), &is_destroyed);
+  gtk_window_close(left.get());
+  EXPECT_TRUE(wait_until([&] { return is_destroyed; }));
+}
+
+TEST(Events, AreLetThroughUntilNoneWaits) {
+  int calls = 0;
+  for (int i = 0; i < 3; ++i) {
+    g_idle_add(
+        [](void *data) -> gboolean {
+          ++*static_cast<int *>(data);
+          return G_SOURCE_REMOVE;
+        },
+        &calls);
+  }
+  v_util_let_through_gtk_events();
+  EXPECT_EQ(calls, 3);
+  EXPECT_FALSE(gtk_events_pending());
+}
+
+} // namespace

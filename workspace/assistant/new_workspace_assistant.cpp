@@ -1,0 +1,171 @@
+#include "workspace/assistant/new_workspace_assistant.h"
+
+#include "base/error.h"
+#include "base/fs_utils.h"
+#include "gui/file_dialogs.h"
+#include "gui/message_dialogs.h"
+#include "gui/widgets.h"
+#include "workspace/workspace.h"
+#include "workspace/workspace_location.h"
+
+namespace {
+
+constexpr const char *workspace_folder_name = "Vantorelle Workspace";
+
+struct NewWorkspaceAssistant {
+  VWindowStack *window_stack = nullptr;
+  GtkAssistant *assistant = nullptr;
+  int location_page = -1; // index
+  GtkEntry *location_entry = nullptr;
+  GtkButton *browse_button = nullptr;
+  int created = 0;
+};
+
+void browse_callback(GtkButton *button, NewWorkspaceAssistant *state);
+void apply_callback(GtkAssistant *assistant, NewWorkspaceAssistant *state);
+int forward_page_func(int current_page, void *data);
+
+// Build steps.
+
+// Returns the box of a new last page.
+GtkBox *append_page(GtkAssistant *assistant, GtkAssistantPageType type) {
+  GtkBox *page = v_gui_create_vbox(Spacing::standard);
+  v_gui_set_default_surrounding_margin(GTK_WIDGET(page));
+  gtk_assistant_append_page(assistant, GTK_WIDGET(page));
+  gtk_assistant_set_page_type(assistant, GTK_WIDGET(page), type);
+  gtk_assistant_set_page_title(assistant, GTK_WIDGET(page), "Vantorelle Workspace Setup");
+  gtk_assistant_set_page_complete(assistant, GTK_WIDGET(page), TRUE);
+  return page;
+}
+
+void append_intro_page(NewWorkspaceAssistant *state) {
+  GtkBox *page = append_page(state->assistant, GTK_ASSISTANT_PAGE_INTRO);
+  const OwnedText text(g_strdup_printf(
+      "Before you can start using Vantorelle we need to create a workspace for you. This is a "
+      "personal\n"
+      "folder on the computer where the following things are stored:\n"
+      "\n"
+      "- The object files you are working with\n"
+      "- Your remark codesets\n"
+      "- Your object file templates\n"
+      "- Your print layouts\n"
+      "- Your personal program settings\n"
+      "\n"
+      "The typical place for the workspace is in a folder named \"%s\" in \"My Documents\",\n"
+      "but this guide will let you choose a different location should you want to.\n"
+      "\n"
+      "Click [Next] to continue.",
+      workspace_folder_name));
+  v_gui_pack_label(page, text.get(), 0.0f, 0.0f);
+}
+
+void pack_location_row(GtkBox *page, NewWorkspaceAssistant *state) {
+  GtkLabel *label =
+      v_gui_pack_label_for_input_field(page, "Workspace location", Required::no, 0.0f, 0.0f);
+  GtkBox *row = v_gui_pack_hbox(page, Expand::no, Spacing::standard);
+  state->location_entry = v_gui_pack_entry(
+      row, Expand::yes, v_workspace_get_default_folder_path().get(), ActivatesDefault::no);
+  gtk_label_set_mnemonic_widget(label, GTK_WIDGET(state->location_entry));
+  state->browse_button = v_gui_pack_button(row, "Browse...", MakeDefault::no);
+  g_signal_connect(state->browse_button, "clicked", G_CALLBACK(browse_callback), state);
+}
+
+void append_location_page(NewWorkspaceAssistant *state) {
+  state->location_page = gtk_assistant_get_n_pages(state->assistant);
+  GtkBox *page = append_page(state->assistant, GTK_ASSISTANT_PAGE_CONFIRM);
+  pack_location_row(page, state);
+  v_gui_pack_label(
+      page,
+      "Please make sure that the workspace is located in a folder which can always be reached "
+      "from\n"
+      "this computer. For instance, if this is a portable computer then you should not put it on "
+      "a server on\n"
+      "the network. This is because when you bring your computer with you into the field, you "
+      "will want\n"
+      "to also bring the material you are working with.\n"
+      "\n"
+      "Click [Apply] to create your workspace.",
+      0.0f, 0.0f);
+}
+
+void append_summary_page(NewWorkspaceAssistant *state) {
+  GtkBox *page = append_page(state->assistant, GTK_ASSISTANT_PAGE_SUMMARY);
+  v_gui_pack_label(page,
+                   "Your workspace was successfully created, and you can now start using "
+                   "Vantorelle.\n"
+                   "\n"
+                   "Click [Close] to continue.",
+                   0.0f, 0.0f);
+}
+
+void build_assistant(NewWorkspaceAssistant *state) {
+  state->assistant = GTK_ASSISTANT(gtk_assistant_new());
+  gtk_window_set_title(GTK_WINDOW(state->assistant), "Vantorelle");
+  append_intro_page(state);
+  append_location_page(state);
+  append_summary_page(state);
+  g_signal_connect(state->assistant, "cancel", G_CALLBACK(gtk_widget_destroy), nullptr);
+  g_signal_connect(state->assistant, "close", G_CALLBACK(gtk_widget_destroy), nullptr);
+  g_signal_connect(state->assistant, "apply", G_CALLBACK(apply_callback), state);
+  gtk_assistant_set_forward_page_func(state->assistant, forward_page_func, state, nullptr);
+}
+
+// Reading.
+
+OwnedText read_location(const NewWorkspaceAssistant *state) {
+  OwnedText location = copy_text(v_gui_get_entry_text(state->location_entry));
+  g_strstrip(location.get());
+  v_fs_utils_strip_ending_path_delimiters(location.get());
+  return location;
+}
+
+// Handlers.
+
+void browse_callback(GtkButton *, NewWorkspaceAssistant *state) {
+  if (const OwnedText folder = v_file_dialog_get_folder_path(
+          state->window_stack, "Select a parent folder for your workspace")) {
+    const OwnedText location =
+        v_fs_utils_create_path_in_folder(folder.get(), workspace_folder_name);
+    v_gui_set_entry_text(state->location_entry, location.get());
+  }
+}
+
+// Creates the workspace. The toolkit emits "apply" once for a press of the button and only then
+// asks forward_page_func where to go, which it may also ask when nothing was pressed: creating
+// belongs here, and what is asked there has only the outcome to look at.
+void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
+  const OwnedText location = read_location(state);
+  VFileInfo info;
+  if (!v_fs_utils_get_info(location.get(), info)) {
+    v_error_append("Cannot access the specified location.");
+    v_message_show_error(state->window_stack, v_error_get());
+  } else if (info.exists) {
+    v_message_show_error(state->window_stack, "There is already a folder or a file with that "
+                                              "name.\n\nPlease choose a new location.");
+  } else if (v_workspace_create(location.get())) {
+    state->created = 1;
+  } else {
+    v_message_show_error(state->window_stack,
+                         "Creating a workspace at the chosen location failed.");
+  }
+}
+
+// After an error the assistant starts over from its first page; the location stays as it was typed.
+int forward_page_func(int current_page, void *data) {
+  const auto *state = static_cast<const NewWorkspaceAssistant *>(data);
+  return current_page == state->location_page && !state->created ? 0 : current_page + 1;
+}
+
+} // namespace
+
+bool v_workspace_gui_create_workspace(VWindowStack *window_stack) {
+  return v_workspace_gui_new_workspace_assistant_run(window_stack);
+}
+
+bool v_workspace_gui_new_workspace_assistant_run(VWindowStack *window_stack) {
+  NewWorkspaceAssistant state;
+  state.window_stack = window_stack;
+  build_assistant(&state);
+  v_window_stack_run_window(window_stack, GTK_WINDOW(state.assistant), Maximize::no);
+  return state.created != 0;
+}
