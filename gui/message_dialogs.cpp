@@ -15,7 +15,7 @@ constexpr MessageKind warning_kind = {"Warning", "dialog-warning", ButtonSet::cl
 constexpr MessageKind question_kind = {"Question", "dialog-question", ButtonSet::none};
 
 // Lines of the program's own messages are shorter; a long path or a text from a file may be longer.
-constexpr int widest_line = 100; // characters
+constexpr int widest_line = 120; // characters
 
 glong count_characters_of_longest_line(const char *text) {
   glong longest = 0;
@@ -27,6 +27,13 @@ glong count_characters_of_longest_line(const char *text) {
   return longest;
 }
 
+// A hyphen at the end of a line would read as a part of the path.
+void forbid_hyphens(GtkLabel *label) {
+  const Owned<PangoAttrList, pango_attr_list_unref> attributes(pango_attr_list_new());
+  pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
+  gtk_label_set_attributes(label, attributes.get());
+}
+
 // A message wraps only where it would make the dialog wider than the screen. One that wraps has a
 // fixed width: the toolkit would keep the dialog as high as its narrowest form needs.
 void pack_message(GtkBox *box, const char *text) {
@@ -36,6 +43,7 @@ void pack_message(GtkBox *box, const char *text) {
     gtk_label_set_line_wrap_mode(label, PANGO_WRAP_WORD_CHAR);
     gtk_label_set_width_chars(label, widest_line);
     gtk_label_set_max_width_chars(label, widest_line);
+    forbid_hyphens(label);
   }
 }
 

@@ -124,7 +124,11 @@ void upgrade_component_if_needed(const char *layouts_folder, const char *file_na
   if (const OwnedText install_folder = v_platform_get_install_folder_path()) {
     const OwnedText delivered =
         v_fs_utils_create_path_in_folder(install_folder.get(), layouts_name, file_name);
-    v_stream_copy_from_file_path_to_file_path(delivered.get(), path.get());
+    // Copying from a missing file would leave an empty layout in the old one's place.
+    VFileInfo info;
+    if (v_fs_utils_get_info(delivered.get(), info) && v_fs_utils_is_regular_file(info)) {
+      v_stream_copy_from_file_path_to_file_path(delivered.get(), path.get());
+    }
   }
 }
 

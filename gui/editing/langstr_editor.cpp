@@ -26,8 +26,8 @@ constexpr int longest_language_chars = 40;
 struct FieldKind {
   void (*set_text)(GtkWidget *field, const char *latin1_text);
   OwnedText (*get_text)(GtkWidget *field);
-  // Null switches the checking off.
-  void (*set_spelling_language)(GtkWidget *field, const GspellLanguage *language);
+  void (*set_checker)(GtkWidget *field, GspellChecker *checker);
+  void (*set_inline_checking)(GtkWidget *field, bool is_on);
 };
 
 // A row holds a reference to each of its widgets, so that they outlive the tables they stand in.
@@ -78,26 +78,19 @@ void lang_combo_box_text_changed_callback(GtkComboBox *combo, LangstrEditorRow *
 
 // ---- The two kinds of text field ----------------------------------------------------------------
 
-GspellChecker *entry_checker(GtkWidget *field) {
-  GtkEntryBuffer *buffer = gtk_entry_get_buffer(GTK_ENTRY(field));
-  return gspell_entry_buffer_get_spell_checker(
-      gspell_entry_buffer_get_from_gtk_entry_buffer(buffer));
-}
-
-GspellChecker *text_view_checker(GtkWidget *field) {
-  GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(field));
-  return gspell_text_buffer_get_spell_checker(gspell_text_buffer_get_from_gtk_text_buffer(buffer));
-}
-
 constexpr FieldKind entry_kind = {
     [](GtkWidget *field, const char *latin1_text) {
       v_spacifying_entry_set_text(V_SPACIFYING_ENTRY(field), latin1_text);
     },
     [](GtkWidget *field) { return v_spacifying_entry_get_text(V_SPACIFYING_ENTRY(field)); },
-    [](GtkWidget *field, const GspellLanguage *language) {
+    [](GtkWidget *field, GspellChecker *checker) {
+      gspell_entry_buffer_set_spell_checker(
+          gspell_entry_buffer_get_from_gtk_entry_buffer(gtk_entry_get_buffer(GTK_ENTRY(field))),
+          checker);
+    },
+    [](GtkWidget *field, bool is_on) {
       gspell_entry_set_inline_spell_checking(gspell_entry_get_from_gtk_entry(GTK_ENTRY(field)),
-                                             language != nullptr);
-      gspell_checker_set_language(entry_checker(field), language);
+                                             is_on);
     },
 };
 
@@ -106,10 +99,15 @@ constexpr FieldKind text_view_kind = {
       v_spacifying_text_view_set_text(V_SPACIFYING_TEXT_VIEW(field), latin1_text);
     },
     [](GtkWidget *field) { return v_spacifying_text_view_get_text(V_SPACIFYING_TEXT_VIEW(field)); },
-    [](GtkWidget *field, const GspellLanguage *language) {
-      gspell_text_view_set_inline_spell_checking(
-          gspell_text_view_get_from_gtk_text_view(GTK_TEXT_VIEW(field)), language != nullptr);
-      gspell_checker_set_language(text_view_checker(field), language);
+    [](GtkWidget *field, GspellChecker *checker) {
+      gspell_text_buffer_set_spell_checker(gspell_text_buffer_get_from_gtk_text_buffer(
+                                               gtk_text_view_get_buffer(GTK_TEXT_VIEW(field))),
+                                           checker);
+    },
+    [](GtkWidget *field, bool is_on) {
+      GspellTextView *view = gspell_text_view_get_from_gtk_text_view(GTK_TEXT_VIEW(field));
+      gspell_text_view_set_inline_spell_checking(view, is_on);
+      gspell_text_view_set_enable_language_menu(view, FALSE);
     },
 };
 
@@ -150,9 +148,6 @@ void add_text_view(LangstrEditorRow *row) {
       v_gui_create_scrolled_window(400, -1, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC, GTK_SHADOW_IN));
   VSpacifyingTextView *view = v_gui_add_spacifying_text_view(GTK_CONTAINER(row->scroller.get()));
   row->text_field = share(GTK_WIDGET(view));
-  GspellTextView *spelling = gspell_text_view_get_from_gtk_text_view(GTK_TEXT_VIEW(view));
-  gspell_text_view_basic_setup(spelling);
-  gspell_text_view_set_enable_language_menu(spelling, FALSE);
 }
 
 void add_entry(LangstrEditorRow *row) {
@@ -160,7 +155,6 @@ void add_entry(LangstrEditorRow *row) {
       v_gui_create_spacifying_entry(Compact::yes, nullptr, row->editor->state->activates_default);
   row->text_field = sink(GTK_WIDGET(entry));
   gtk_entry_set_width_chars(GTK_ENTRY(entry), 68);
-  gspell_entry_basic_setup(gspell_entry_get_from_gtk_entry(GTK_ENTRY(entry)));
 }
 
 // Null when nothing is chosen.
@@ -273,22 +267,36 @@ void grab_focus_without_selecting(GtkWidget *widget) {
   }
 }
 
+// Checks the field in the language, or not at all for null. The field gets a checker made for the
+// language: gspell's own set-up would load the default language's dictionary before, which takes
+// longer than all the rest of making a row.
+void set_spelling_language(const FieldKind &kind, GtkWidget *field,
+                           const GspellLanguage *language) {
+  const OwnedObject<GspellChecker> checker = take(gspell_checker_new(language));
+  kind.set_checker(field, checker.get());
+  kind.set_inline_checking(field, language != nullptr);
+}
+
 // What follows from the language that the row shows.
 void apply_language(LangstrEditorRow *row) {
   GtkWidget *field = row->text_field.get();
   const OwnedText tag = get_selected_langtag(row);
-  kind_of(row).set_spelling_language(field, tag ? find_spelling_language(tag.get()) : nullptr);
+  set_spelling_language(kind_of(row), field, tag ? find_spelling_language(tag.get()) : nullptr);
   if (const OwnedText shown = get_shown_language(row)) {
     v_gui_set_accessible_name(field, shown.get());
   }
   grab_focus_without_selecting(field);
 }
 
-void disconnect_row(LangstrEditorRow *row) {
+// Makes the row ready to be deleted.
+void detach_row(LangstrEditorRow *row) {
   g_clear_signal_handler(&row->clicked_handler, row->delete_button.get());
   if (row->language_combo) {
     g_clear_signal_handler(&row->changed_handler, row->language_combo.get());
   }
+  // A text view that goes while it is checked marks the words of a buffer that is half gone (seen
+  // with gspell 1.12 and GTK 3.24.38, which then ends the program).
+  kind_of(row).set_inline_checking(row->text_field.get(), false);
 }
 
 // Appends a row, with the translation if there is one. Null when it could not be made. It stands in
@@ -304,7 +312,7 @@ LangstrEditorRow *append_row(VLangstrEditor *editor, const VLangstr *translation
     add_entry(row.get());
   }
   if (!add_language_combo(row.get(), translation)) {
-    disconnect_row(row.get());
+    detach_row(row.get());
     return nullptr;
   }
   apply_language(row.get());
@@ -544,7 +552,7 @@ void delete_row(VLangstrEditor *editor, LangstrEditorRow *row) {
   LangstrEditorState *state = editor->state;
   const std::size_t place = index_of(state, row);
   const OwnedObject<GtkWidget> focus_widget = share_focus_widget(editor);
-  disconnect_row(row);
+  detach_row(row);
   drop_table(editor);
   state->rows.erase(state->rows.begin() + static_cast<std::ptrdiff_t>(place));
   create_table(editor);
@@ -636,7 +644,7 @@ void destroy_callback(GtkWidget *widget) {
   state->plus_alignment.reset();
   state->plus_button.reset();
   for (const auto &row : state->rows) {
-    disconnect_row(row.get());
+    detach_row(row.get());
   }
   state->rows.clear();
   GTK_WIDGET_CLASS(v_langstr_editor_parent_class)->destroy(widget);

@@ -29,6 +29,7 @@ TemporaryFolder::TemporaryFolder() {
 
 TemporaryFolder::~TemporaryFolder() {
   std::error_code ignored;
+  std::filesystem::permissions(folder, std::filesystem::perms::owner_all, ignored);
   for (auto entry = std::filesystem::recursive_directory_iterator(folder, ignored);
        entry != std::filesystem::recursive_directory_iterator(); entry.increment(ignored)) {
     if (entry->is_directory(ignored) && !entry->is_symlink(ignored)) {

@@ -100,6 +100,7 @@ void append_summary_page(NewWorkspaceAssistant *state) {
 
 void build_assistant(NewWorkspaceAssistant *state) {
   state->assistant = GTK_ASSISTANT(gtk_assistant_new());
+  // Until the first page is shown: from then on the toolkit sets the title of the page.
   gtk_window_set_title(GTK_WINDOW(state->assistant), "Vantorelle");
   append_intro_page(state);
   append_location_page(state);

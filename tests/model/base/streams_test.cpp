@@ -490,6 +490,7 @@ TEST(FileOutput, UnnoticedFullDiskLeavesNoPartOfTheFileEither) {
 TEST(FileOutput, FileThatCannotBeClosedIsAFailedWrite) {
   const TemporaryFolder folder;
   OwnedOutputStream stream = v_output_stream_new_for_file_path((folder / "file").c_str());
+  ASSERT_TRUE(stream->file);
   EXPECT_EQ(write(stream.get(), "abc"), "done");
   ASSERT_EQ(std::fflush(stream->file), 0);
   ASSERT_EQ(close(fileno(stream->file)), 0);

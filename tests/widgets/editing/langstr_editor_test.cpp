@@ -412,10 +412,10 @@ TEST_F(LangstrEditorTest, AnswersRealClicks) {
 TEST_F(LangstrEditorTest, IsDestroyedWithAllItsRows) {
   for (const auto mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
     make({{"sv", "a"}, {"en-uk", "b"}, {"fr-fr", "c"}, {"", "d"}}, mode);
-    for (int i = 0; i < 30; i++) {
+    for (int i = 0; i < 12; i++) {
       click(plus_button());
     }
-    GtkWidget *gone[] = {field(0), field(33), plus_button(), GTK_WIDGET(combo(20))};
+    GtkWidget *gone[] = {field(0), field(15), plus_button(), GTK_WIDGET(combo(8))};
     for (GtkWidget *&each : gone) {
       g_object_add_weak_pointer(G_OBJECT(each), reinterpret_cast<gpointer *>(&each));
     }

@@ -196,15 +196,23 @@ void accept(GtkDialog *dialog) {
   }
 }
 
-// Chooses entries of one folder as a click on each would, then accepts.
-void choose(GtkDialog *dialog, const std::vector<std::string> &paths) {
-  GtkFileChooser *chooser = as_chooser(dialog);
-  gtk_file_chooser_set_current_folder(chooser,
-                                      std::filesystem::path(paths.front()).parent_path().c_str());
+void enter_folder(GtkFileChooser *chooser, const std::string &path) {
+  gtk_file_chooser_set_current_folder(chooser, path.c_str());
   run_for(200);
-  for (const std::string &path : paths) {
-    gtk_file_chooser_select_filename(chooser, path.c_str());
-  }
+}
+
+// Chooses a file or folder as a click on it would, then accepts.
+void choose(GtkDialog *dialog, const std::string &path) {
+  enter_folder(as_chooser(dialog), std::filesystem::path(path).parent_path());
+  gtk_file_chooser_select_filename(as_chooser(dialog), path.c_str());
+  run_for(200);
+  accept(dialog);
+}
+
+// Chooses everything in a folder, then accepts.
+void choose_all(GtkDialog *dialog, const std::string &path) {
+  enter_folder(as_chooser(dialog), path);
+  gtk_file_chooser_select_all(as_chooser(dialog));
   run_for(200);
   accept(dialog);
 }
@@ -212,9 +220,9 @@ void choose(GtkDialog *dialog, const std::vector<std::string> &paths) {
 // Types the name in a folder, as into the name field, then accepts.
 void save_as(GtkDialog *dialog, const std::string &folder, const char *name) {
   GtkFileChooser *chooser = as_chooser(dialog);
-  gtk_file_chooser_set_current_folder(chooser, folder.c_str());
+  enter_folder(chooser, folder);
   gtk_file_chooser_set_current_name(chooser, name);
-  run_for(200);
+  run_for(50);
   accept(dialog);
 }
 
@@ -300,7 +308,7 @@ TEST_F(FileDialogs, RunOverTheTopWindowOfTheStack) {
 TEST_F(FileDialogs, ReturnTheChosenFileInUtf8) {
   const std::string path = folder / "Målning 100 %.codeset";
   write_file(path, "");
-  when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, {path}); });
+  when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, path); });
   const OwnedText chosen =
       v_file_dialog_get_file_path_for_reading(nullptr, "Title", nullptr, VFileType::remark_codeset);
   ASSERT_TRUE(chosen);
@@ -311,7 +319,7 @@ TEST_F(FileDialogs, ReturnTheChosenFileInUtf8) {
 
 TEST_F(FileDialogs, ReturnTheChosenFolder) {
   make_folder(folder / "chosen");
-  when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, {folder / "chosen"}); });
+  when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, folder / "chosen"); });
   const OwnedText chosen = v_file_dialog_get_folder_path(nullptr, "Title");
   ASSERT_TRUE(chosen);
   EXPECT_EQ(chosen.get(), folder / "chosen");
@@ -324,7 +332,7 @@ TEST_F(FileDialogs, ReturnSeveralFilesInTheChoosersOrder) {
   const Types types = {VFileType::png};
   std::vector<std::string> order;
   when_dialog_shows([&](GtkDialog *dialog) {
-    choose(dialog, {folder / "c.png", folder / "a.png"});
+    choose_all(dialog, folder.path());
     GSList *names = gtk_file_chooser_get_filenames(as_chooser(dialog));
     for (GSList *item = names; item != nullptr; item = item->next) {
       order.emplace_back(static_cast<const char *>(item->data));
@@ -336,7 +344,7 @@ TEST_F(FileDialogs, ReturnSeveralFilesInTheChoosersOrder) {
                                                "Title", nullptr, nullptr, types.data(), 1)) {
     paths.emplace_back(path.get());
   }
-  EXPECT_EQ(paths.size(), 2u);
+  EXPECT_EQ(paths.size(), 3u);
   EXPECT_EQ(paths, order);
 }
 
@@ -346,15 +354,13 @@ TEST_F(FileDialogs, ANameThatIsNoUtf8CountsAsNotChosen) {
   write_file(broken, "");
   write_file(folder / "broken/good.png", "");
   const Types types = {VFileType::png};
-  when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, {broken}); });
+  when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, broken); });
   EXPECT_TRUE(run_file_dialog(nullptr, FileDialogAction::open, SelectMultiple::no, "Title", nullptr,
                               nullptr, types.data(), 1)
                   .empty());
   EXPECT_NE(see_start_folder(FileDialogAction::open, types), folder / "broken");
 
-  when_dialog_shows([&](GtkDialog *dialog) {
-    choose(dialog, {broken, folder / "broken/good.png"});
-  });
+  when_dialog_shows([&](GtkDialog *dialog) { choose_all(dialog, folder / "broken"); });
   const std::vector<OwnedText> paths =
       run_file_dialog(nullptr, FileDialogAction::open, SelectMultiple::yes, "Title", nullptr,
                       nullptr, types.data(), 1);
@@ -375,7 +381,7 @@ TEST_F(FileDialogs, RememberTheFolderForEachCombinationOfTypes) {
   }
   // Two types share a folder only in the same order.
   write_file(folder / "a/x.png", "");
-  when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, {folder / "a/x.png"}); });
+  when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, folder / "a/x.png"); });
   ASSERT_TRUE(v_file_dialog_get_file_path_for_reading(nullptr, "Title", nullptr, VFileType::jpeg,
                                                       VFileType::png));
   EXPECT_EQ(see_start_folder(FileDialogAction::save, {VFileType::jpeg, VFileType::png}),
@@ -403,15 +409,14 @@ TEST_F(FileDialogs, ACancelledDialogOrAFolderDialogLeavesTheRememberedFolder) {
   make_folder(folder / "other");
   ASSERT_TRUE(save(folder / "kept", "c.codeset", VFileType::remark_codeset));
   when_dialog_shows([&](GtkDialog *dialog) {
-    gtk_file_chooser_set_current_folder(as_chooser(dialog), (folder / "other").c_str());
-    run_for(200);
+    enter_folder(as_chooser(dialog), folder / "other");
     cancel(dialog);
   });
   EXPECT_EQ(v_file_dialog_get_file_path_for_writing(nullptr, nullptr, VFileType::remark_codeset),
             nullptr);
   EXPECT_EQ(see_start_folder(FileDialogAction::save, {VFileType::remark_codeset}), folder / "kept");
 
-  when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, {folder / "other"}); });
+  when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, folder / "other"); });
   ASSERT_TRUE(v_file_dialog_get_folder_path(nullptr, "Title"));
   EXPECT_NE(see_start_folder(FileDialogAction::open, {}), folder.path());
 }
