@@ -29,10 +29,10 @@ using OwnedRemarkList = Owned<VRemarkList, v_remark_list_destroy>;
 OwnedRemark v_remark_new();
 // A copy in no list.
 OwnedRemark v_remark_clone(const VRemark *remark);
-// Unlinks the remark, which is the caller's from then on, and returns the neighbour that stood
-// before it (borrowed, perhaps the head sentinel).
+// Unlinks the remark from the list that it must be in; it is the caller's from then on. Returns the
+// neighbour that stood before it (borrowed, perhaps the head sentinel).
 VRemark *v_remark_remove(VRemark *remark);
-// The remark's place in its list, from 0.
+// The remark's place in its list, from 0; linear.
 int v_remark_get_index(const VRemark *remark);
 
 // Remark code order: natural order without regard to case and zeros, then with zeros, then with

@@ -19,13 +19,14 @@ bool read_code(VRemark *remark, xmlDoc *document, const xmlNode *element) {
   return true;
 }
 
-bool read_child(VRemark *remark, xmlDoc *document, const xmlNode *child) {
+bool read_child(VRemark *remark, VLangstrCollection &description, xmlDoc *document,
+                const xmlNode *child) {
   if (v_xml_node_has_name(child, "code")) {
     return read_code(remark, document, child);
   }
   if (v_xml_node_has_name(child, "description")) {
-    return v_xml_parse_langstr_translation(remark->description, document, child,
-                                           LangTag::may_be_empty, LangstrSpacing::compact);
+    return v_xml_collect_langstr_translation(description, document, child, LangTag::may_be_empty,
+                                             LangstrSpacing::compact);
   }
   return true;
 }
@@ -34,11 +35,13 @@ bool read_child(VRemark *remark, xmlDoc *document, const xmlNode *child) {
 
 OwnedRemark v_xml_parse_remark(xmlDoc *document, const xmlNode *element) {
   OwnedRemark remark = v_remark_new();
+  VLangstrCollection description;
   bool is_readable = true;
   for (const xmlNode *child = element->children; child != nullptr && is_readable;
        child = child->next) {
-    is_readable = read_child(remark.get(), document, child);
+    is_readable = read_child(remark.get(), description, document, child);
   }
+  remark->description = std::move(description.langstr);
   if (!remark->code || !remark->description) {
     // Whatever went wrong before is told by this one message.
     v_error_set("Missing remark content in XML data.");

@@ -5,8 +5,7 @@
 
 #include "codeset/remark.h"
 
-// A remark in no list, with a code and a description. Null with "Remark in XML has multiple
-// codes.", "Missing or invalid remark code in XML data." before the reason, the message of the
-// description's reader, or, whenever code or description are not there in the end, "Missing remark
-// content in XML data." alone.
+// A remark in no list, with a code and a description. Null with "Missing remark content in XML
+// data." alone whenever either is not there in the end, an unreadable code included; else with
+// "Remark in XML has multiple codes." or the message of the description's reader.
 OwnedRemark v_xml_parse_remark(xmlDoc *document, const xmlNode *element);

@@ -1,6 +1,9 @@
 #include "langstr/langstr.h"
 
 #include <cstring>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace {
@@ -29,13 +32,52 @@ bool is_dialect_of(const char *tag, const char *lang, std::size_t lang_length) {
   return std::strncmp(tag, lang, lang_length) == 0 && tag[lang_length] == '-';
 }
 
-void append(OwnedLangstr &langstr, OwnedText lang, OwnedText text) {
-  OwnedLangstr *end = &langstr;
-  while (*end) {
-    end = &(*end)->next;
+// A string as it is: every question is a walk through it.
+class WalkedLangstr {
+public:
+  explicit WalkedLangstr(OwnedLangstr &walked) : langstr(walked) {}
+
+  VLangstr *find(const char *lang) const { return find_tag(langstr.get(), lang); }
+  bool has(const char *text) const { return has_text(langstr.get(), text); }
+  void set_text(VLangstr &translation, OwnedText text) { translation.text = std::move(text); }
+  void set_lang(VLangstr &translation, OwnedText lang) { translation.lang = std::move(lang); }
+  void append(OwnedText lang, OwnedText text) {
+    OwnedLangstr *end = &langstr;
+    while (*end) {
+      end = &(*end)->next;
+    }
+    end->reset(new VLangstr{std::move(lang), std::move(text), nullptr});
   }
-  end->reset(new VLangstr{std::move(lang), std::move(text), nullptr});
+
+private:
+  OwnedLangstr &langstr;
+};
+
+// The rules of setting a translation.
+template <typename Langstr>
+bool set_translation(Langstr &&langstr, OwnedText lang, OwnedText text) {
+  if (VLangstr *same_tag = langstr.find(lang.get())) {
+    if (equal(same_tag->text, text)) {
+      return false;
+    }
+    langstr.set_text(*same_tag, std::move(text));
+    return true;
+  }
+  if (*lang == '\0') {
+    if (langstr.has(text.get())) {
+      return false;
+    }
+  } else if (VLangstr *untagged = langstr.find("");
+             untagged != nullptr && equal(untagged->text, text)) {
+    langstr.set_lang(*untagged, std::move(lang));
+    return true;
+  }
+  langstr.append(std::move(lang), std::move(text));
+  return true;
 }
+
+// Up to here a walk is as quick as an index.
+constexpr int longest_walk = 32;
 
 // Whether b holds one translation of a.
 bool holds(const VLangstr *b, const VLangstr &translation) {
@@ -66,24 +108,63 @@ bool v_langstr_set_translation(OwnedLangstr &langstr, const char *lang, const ch
 }
 
 bool v_langstr_set_owned_translation(OwnedLangstr &langstr, OwnedText lang, OwnedText text) {
-  if (VLangstr *same_tag = find_tag(langstr.get(), lang.get())) {
-    if (equal(same_tag->text, text)) {
-      return false;
+  return set_translation(WalkedLangstr(langstr), std::move(lang), std::move(text));
+}
+
+// Where everything stands in a string that is changed through here alone.
+struct VLangstrIndex {
+  explicit VLangstrIndex(VLangstr *langstr) {
+    for (; langstr != nullptr; langstr = langstr->next.get()) {
+      add(langstr);
     }
-    same_tag->text = std::move(text);
-    return true;
   }
-  if (*lang == '\0') {
-    if (has_text(langstr.get(), text.get())) {
-      return false;
+
+  VLangstr *find(const char *lang) const {
+    const auto found = translations.find(lang);
+    return found == translations.end() ? nullptr : found->second;
+  }
+  bool has(const char *text) const { return texts.contains(text); }
+  void set_text(VLangstr &translation, OwnedText text) {
+    if (const auto old = texts.find(translation.text.get()); --old->second == 0) {
+      texts.erase(old);
     }
-  } else if (VLangstr *untagged = find_tag(langstr.get(), "");
-             untagged != nullptr && equal(untagged->text, text)) {
-    untagged->lang = std::move(lang);
-    return true;
+    texts[text.get()]++;
+    translation.text = std::move(text);
   }
-  append(langstr, std::move(lang), std::move(text));
-  return true;
+  void set_lang(VLangstr &translation, OwnedText lang) {
+    translations.erase(translation.lang.get());
+    translation.lang = std::move(lang);
+    translations[translation.lang.get()] = &translation;
+  }
+  void append(OwnedText lang, OwnedText text) {
+    last->next.reset(new VLangstr{std::move(lang), std::move(text), nullptr});
+    add(last->next.get());
+  }
+
+private:
+  void add(VLangstr *translation) {
+    translations[translation->lang.get()] = translation;
+    texts[translation->text.get()]++;
+    last = translation;
+  }
+
+  std::unordered_map<std::string_view, VLangstr *> translations; // by the records' own tags
+  std::unordered_map<std::string, int> texts;                    // how often each is there
+  VLangstr *last = nullptr;
+};
+
+void v_langstr_index_free(VLangstrIndex *index) { delete index; }
+
+bool v_langstr_collect_translation(VLangstrCollection &collection, OwnedText lang, OwnedText text) {
+  if (collection.index) {
+    return set_translation(*collection.index, std::move(lang), std::move(text));
+  }
+  const bool has_changed =
+      v_langstr_set_owned_translation(collection.langstr, std::move(lang), std::move(text));
+  if (++collection.walks == longest_walk) {
+    collection.index.reset(new VLangstrIndex(collection.langstr.get()));
+  }
+  return has_changed;
 }
 
 const char *v_langstr_get_string(const VLangstr *langstr, const char *lang, bool allow_dialect) {

@@ -26,6 +26,21 @@ bool v_langstr_set_translation(OwnedLangstr &langstr, const char *lang, const ch
 // The same for a tag and a text that are handed over.
 bool v_langstr_set_owned_translation(OwnedLangstr &langstr, OwnedText lang, OwnedText text);
 
+struct VLangstrIndex;
+void v_langstr_index_free(VLangstrIndex *index);
+
+// A string while translation after translation is set in it, as a file gives them. Setting one in a
+// string walks through the whole string, and a file can hold any number of them: a collection that
+// becomes long keeps an index.
+struct VLangstrCollection {
+  OwnedLangstr langstr; // may be taken, and is not changed by others before
+  int walks = 0;
+  Owned<VLangstrIndex, v_langstr_index_free> index;
+};
+
+// As v_langstr_set_owned_translation, in constant time.
+bool v_langstr_collect_translation(VLangstrCollection &collection, OwnedText lang, OwnedText text);
+
 // The text for exactly this tag; failing that, with allow_dialect, for the first dialect of it
 // ("en" finds "en-uk", never the other way). Borrowed; null when there is none.
 const char *v_langstr_get_string(const VLangstr *langstr, const char *lang, bool allow_dialect);

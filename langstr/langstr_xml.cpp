@@ -19,21 +19,53 @@ void normalise(char *latin1_text, LangstrSpacing spacing) {
   }
 }
 
+// Tag and text of one element, normalised.
+struct Translation {
+  OwnedText lang;
+  OwnedText text;
+};
+
+bool read_translation(Translation &translation, xmlDoc *document, const xmlNode *element,
+                      LangTag lang_tag, LangstrSpacing spacing) {
+  auto &[lang, text] = translation;
+  if (!v_xml_get_attribute_value_as_ascii(lang, element, lang_attribute)) {
+    return false;
+  }
+  if (!lang) {
+    v_error_set_utf8_printf("Missing XML attribute: %s", lang_attribute);
+    return false;
+  }
+  v_strip_surrounding_and_spacify_compactly_within_original_for_ascii(lang.get());
+  if (lang_tag == LangTag::required && *lang == '\0') {
+    v_error_set("Empty XML lang attribute where not allowed.");
+    return false;
+  }
+  text = v_xml_get_text_content_as_latin1(document, element);
+  if (!text) {
+    return false;
+  }
+  normalise(text.get(), spacing);
+  if (*text == '\0') {
+    v_error_set("Empty text content in XML where not allowed.");
+    return false;
+  }
+  return true;
+}
+
 } // namespace
 
 bool v_xml_parse_langstr(OwnedLangstr &langstr, xmlDoc *document, const xmlNode *parent,
                          const char *element_name, LangstrSpacing spacing) {
   langstr.reset();
+  VLangstrCollection collection;
   for (const xmlNode *child = parent->children; child != nullptr; child = child->next) {
-    if (child->type != XML_ELEMENT_NODE || !v_xml_node_has_name(child, element_name)) {
-      continue;
-    }
-    if (!v_xml_parse_langstr_translation(langstr, document, child, LangTag::may_be_empty,
-                                         spacing)) {
-      langstr.reset();
+    if (child->type == XML_ELEMENT_NODE && v_xml_node_has_name(child, element_name) &&
+        !v_xml_collect_langstr_translation(collection, document, child, LangTag::may_be_empty,
+                                           spacing)) {
       return false;
     }
   }
+  langstr = std::move(collection.langstr);
   return true;
 }
 
@@ -49,29 +81,24 @@ OwnedLangstr v_xml_parse_required_langstr(xmlDoc *document, const xmlNode *paren
 bool v_xml_parse_langstr_translation(OwnedLangstr &langstr, xmlDoc *document,
                                      const xmlNode *element, LangTag lang_tag,
                                      LangstrSpacing spacing) {
-  OwnedText lang;
-  if (!v_xml_get_attribute_value_as_ascii(lang, element, lang_attribute)) {
+  Translation translation;
+  if (!read_translation(translation, document, element, lang_tag, spacing)) {
     return false;
   }
-  if (!lang) {
-    v_error_set_utf8_printf("Missing XML attribute: %s", lang_attribute);
+  v_langstr_set_owned_translation(langstr, std::move(translation.lang),
+                                  std::move(translation.text));
+  return true;
+}
+
+bool v_xml_collect_langstr_translation(VLangstrCollection &collection, xmlDoc *document,
+                                       const xmlNode *element, LangTag lang_tag,
+                                       LangstrSpacing spacing) {
+  Translation translation;
+  if (!read_translation(translation, document, element, lang_tag, spacing)) {
     return false;
   }
-  v_strip_surrounding_and_spacify_compactly_within_original_for_ascii(lang.get());
-  if (lang_tag == LangTag::required && *lang == '\0') {
-    v_error_set("Empty XML lang attribute where not allowed.");
-    return false;
-  }
-  OwnedText text = v_xml_get_text_content_as_latin1(document, element);
-  if (!text) {
-    return false;
-  }
-  normalise(text.get(), spacing);
-  if (*text == '\0') {
-    v_error_set("Empty text content in XML where not allowed.");
-    return false;
-  }
-  v_langstr_set_owned_translation(langstr, std::move(lang), std::move(text));
+  v_langstr_collect_translation(collection, std::move(translation.lang),
+                                std::move(translation.text));
   return true;
 }
 

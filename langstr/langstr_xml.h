@@ -26,6 +26,10 @@ OwnedLangstr v_xml_parse_required_langstr(xmlDoc *document, const xmlNode *paren
 bool v_xml_parse_langstr_translation(OwnedLangstr &langstr, xmlDoc *document,
                                      const xmlNode *element, LangTag lang_tag,
                                      LangstrSpacing spacing);
+// The same into a collection, for who reads many elements one by one.
+bool v_xml_collect_langstr_translation(VLangstrCollection &collection, xmlDoc *document,
+                                       const xmlNode *element, LangTag lang_tag,
+                                       LangstrSpacing spacing);
 
 // Writes one line per translation, indented by depth tabs, in ISO-8859-1. False with "File I/O
 // error when writing to file."; what was written stays.

@@ -43,8 +43,15 @@ bool copy_if_missing(const char *source, const char *target) {
   if (!v_fs_utils_is_regular_file(source_info)) {
     return true;
   }
-  return v_fs_utils_get_info(target, target_info) &&
-         (target_info.exists || v_stream_copy_from_file_path_to_file_path(source, target));
+  if (!v_fs_utils_get_info(target, target_info)) {
+    return false;
+  }
+  if (target_info.exists || v_stream_copy_from_file_path_to_file_path(source, target)) {
+    return true;
+  }
+  // Half a copy would count as there already the next time.
+  v_fs_utils_discard_file(target);
+  return false;
 }
 
 bool copy_missing_files(DIR *listing, const char *source_folder, const char *target_folder) {
@@ -108,8 +115,7 @@ void delete_components_folder(const char *workspace_folder, const char *sub_fold
   if (const OwnedFolder listing = v_fs_utils_open_folder(folder.get())) {
     OwnedText name;
     while (v_fs_utils_next_folder_entry(listing.get(), name) && name) {
-      v_fs_utils_delete_file_if_exists(
-          v_fs_utils_create_path_in_folder(folder.get(), name.get()).get());
+      v_fs_utils_discard_file(v_fs_utils_create_path_in_folder(folder.get(), name.get()).get());
     }
   }
   v_fs_utils_delete_folder_if_exists(folder.get());

@@ -181,14 +181,11 @@ bool read_last_used_layout(VSettings &settings, xmlDoc *, const xmlNode *element
 }
 
 bool read_last_used_paper(VSettings &settings, xmlDoc *, const xmlNode *element) {
-  OwnedText id;
-  if (!v_xml_get_attribute_value_as_ascii(id, element, "id")) {
-    return false;
-  }
-  if (id) {
+  if (OwnedText id = v_xml_get_required_attribute_value_as_ascii(element, "id")) {
     settings.last_used_paper_id = std::move(id);
+    return true;
   }
-  return true;
+  return !v_xml_node_has_attribute(element, "id");
 }
 
 bool read_left_handed(VSettings &settings, xmlDoc *, const xmlNode *element) {

@@ -15,6 +15,14 @@ G_DEFINE_TYPE(VLangstrDisplay, v_langstr_display, GTK_TYPE_SCROLLED_WINDOW)
 namespace {
 
 constexpr char bold_tag[] = "bold";
+constexpr int text_margin = 4; // pixels between the frame and the text
+
+void set_text_margins(GtkTextView *view) {
+  gtk_text_view_set_left_margin(view, text_margin);
+  gtk_text_view_set_right_margin(view, text_margin);
+  gtk_text_view_set_top_margin(view, text_margin);
+  gtk_text_view_set_bottom_margin(view, text_margin);
+}
 
 // "destroy", which may come more than once.
 void destroy_callback(GtkWidget *widget) {
@@ -47,6 +55,7 @@ GtkWidget *v_langstr_display_new(int width, int height) {
   gtk_scrolled_window_set_shadow_type(scroller, GTK_SHADOW_IN);
   gtk_widget_set_size_request(GTK_WIDGET(display), width, height);
   GtkTextView *view = v_gui_add_text_view(GTK_CONTAINER(display), Editable::no);
+  set_text_margins(view);
   display->buffer = GTK_TEXT_BUFFER(g_object_ref(gtk_text_view_get_buffer(view)));
   gtk_text_buffer_create_tag(display->buffer, bold_tag, "weight", 700, nullptr);
   return GTK_WIDGET(display);

@@ -11,10 +11,10 @@
 #define V_TYPE_SPACIFYING_ENTRY (v_spacifying_entry_get_type())
 G_DECLARE_FINAL_TYPE(VSpacifyingEntry, v_spacifying_entry, V, SPACIFYING_ENTRY, GtkEntry)
 
-// Floating, like every new widget. Compact::yes: the text is set and read with each run of white space
-// as one space, else white space is kept one for one; both ends are stripped either way.
+// Floating, like every new widget. Compact::yes: the text is set and read with each run of white
+// space as one space, else white space is kept one for one; both ends are stripped either way.
 GtkWidget *v_spacifying_entry_new(Compact compact);
 void v_spacifying_entry_set_text(VSpacifyingEntry *entry, const char *latin1_text);
-// The normalised text (ISO-8859-1), "" for a field of only spaces; null, with a message, when it cannot
-// be had. The field itself keeps what it shows.
+// The normalised text (ISO-8859-1), "" for a field of only spaces; null, with a message, when it
+// cannot be had. The field itself keeps what it shows.
 OwnedText v_spacifying_entry_get_text(VSpacifyingEntry *entry);

@@ -44,6 +44,9 @@ test    x11-utils
 test    xdotool
 test    xclip
 test    imagemagick
+test    hunspell
+test    hunspell-es
+test    hunspell-nl
 "
 
 # Prints the packages for the purposes, each once.

@@ -271,6 +271,9 @@ TEST_F(CodesetIo, SaysWhyAFileIsRejected) {
       {name + remark + "<remark><code> 7\n</code><description lang='de'>b</description></remark>",
        "Duplicate remark codes."},
       // The first fault counts.
+      {name + remark + remark + "<remark/>", "Duplicate remark codes."},
+      {name + remark + "<remark/>" + remark, missing_content},
+      {name + "<remark/>" + remark + remark, missing_content},
       {"<remark/><version/>", "Missing XML node: name"},
       {name + "<remark/><version/>", "Missing text content in XML.\n\nText content is empty."},
   };
@@ -367,6 +370,26 @@ TEST_F(CodesetIo, FindsADuplicateFarApart) {
   EXPECT_STREQ(v_error_get(), "Error parsing codeset file.\n\nDuplicate remark codes.");
 }
 
+TEST_F(CodesetIo, ReadsAnyNumberOfLanguages) {
+  std::string names;
+  std::string descriptions;
+  for (int i = 0; i < many; i++) {
+    const std::string attribute = " lang='t" + std::to_string(i) + "'>";
+    names += "<name" + attribute + "x</name>";
+    descriptions += "<description" + attribute + "x</description>";
+  }
+  for (int i = 0; i < many; i++) {
+    names += "<name lang=''>x</name>";
+  }
+  write_file(path, codeset_xml(names + "<remark><code>7</code>" + descriptions + "</remark>"));
+  OwnedCodeset codeset;
+  EXPECT_LT(seconds_of([&] { codeset = v_codeset_io_read_from_file(path.c_str()); }), patience);
+  ASSERT_NE(codeset, nullptr) << v_error_get();
+  EXPECT_EQ(translations_of(codeset->name).size(), static_cast<std::size_t>(many));
+  EXPECT_EQ(translations_of(codeset->remarks->head.next->description),
+            translations_of(codeset->name));
+}
+
 std::string nested_entities(int depth) {
   std::string declarations = "<!ENTITY e0 'aaaaaaaaaa'>";
   for (int i = 1; i <= depth; i++) {
@@ -400,6 +423,36 @@ TEST_F(CodesetIo, RejectsEntitiesThatGrowWithoutMeasure) {
               patience);
     EXPECT_THAT(v_error_get(), StartsWith("Error "));
   }
+}
+
+TEST_F(CodesetIo, EntitiesMayHoldWholeElements) {
+  const std::string head =
+      "<!DOCTYPE codeset [<!ENTITY names \"<name lang='sv'>a</name>text<name lang='de'>b</name>\">"
+      "<!ENTITY remark \"<remark><code>7</code>&description;</remark>\">"
+      "<!ENTITY description \"<description lang='sv'>c</description>\">]>";
+  const OwnedCodeset codeset = read_bytes(
+      head + codeset_xml("&names;text&remark;&names;<remark><code>8</code>&description;</remark>"));
+  ASSERT_NE(codeset, nullptr) << v_error_get();
+  EXPECT_EQ(translations_of(codeset->name), (Translations{{"sv", "a"}, {"de", "b"}}));
+  EXPECT_EQ(remarks_of(codeset->remarks), (Remarks{{"7", {{"sv", "c"}}}, {"8", {{"sv", "c"}}}}));
+  EXPECT_EQ(message_of(head + codeset_xml("&names;&remark;&remark;")),
+            "Error parsing codeset file.\n\nDuplicate remark codes.");
+}
+
+TEST_F(CodesetIo, OtherNodesThatAreNamedLikeElementsDoNoHarm) {
+  EXPECT_EQ(message_of(codeset_xml(std::string(a_name) + "<?remark x?>" + a_remark)),
+            "Error parsing codeset file.\n\nMissing remark content in XML data.");
+  EXPECT_NE(
+      read_bytes(codeset_xml(std::string(a_name) + "<?name x?><![CDATA[<remark/>]]>" + a_remark)),
+      nullptr)
+      << v_error_get();
+  // Not all declarations are read, so an unknown entity is no fault of the file.
+  EXPECT_EQ(read_bytes("<!DOCTYPE codeset SYSTEM 'x'>" +
+                       codeset_xml(std::string(a_name) + "&remark;" + a_remark)),
+            nullptr);
+  EXPECT_EQ(read_bytes("<!DOCTYPE codeset SYSTEM 'x'>" +
+                       codeset_xml("<name lang='sv'>&x;</name>" + std::string(a_remark))),
+            nullptr);
 }
 
 TEST_F(CodesetIo, OpensNothingThatAFileNames) {

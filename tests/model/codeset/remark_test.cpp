@@ -1,6 +1,7 @@
 #include "codeset/remark.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <gtest/gtest.h>
 
@@ -209,6 +210,42 @@ TEST(RemarkCodeOrder, SortingManyEqualsInsertingThem) {
     scattered.push_back(strings[i * 1009 % strings.size()]);
   }
   EXPECT_EQ(sorted(scattered), inserted(scattered));
+}
+
+TEST(RemarkCodeOrder, SortingLongCodesEqualsComparingThem) {
+  constexpr char alphabet[] = {'0', '0', '1', '7', '9', ' ', '\t',   'a',    'A',   'z',
+                               '_', '.', '-', '[', '^', '@', '\x80', '\xE5', '\xFF'};
+  unsigned state = 1;
+  const auto below = [&](unsigned limit) {
+    state = state * 1'103'515'245U + 12'345U;
+    return (state >> 16) % limit;
+  };
+  Codes codes;
+  for (int i = 0; i < 20'000; i++) {
+    std::string code;
+    for (unsigned length = below(24); length > 0; length--) {
+      code += alphabet[below(std::size(alphabet))];
+    }
+    codes.push_back(code);
+  }
+  Codes expected = codes;
+  std::stable_sort(expected.begin(), expected.end(),
+                   [](const std::string &a, const std::string &b) {
+                     return v_remark_compare_codes(a.c_str(), b.c_str()) < 0;
+                   });
+  EXPECT_TRUE(sorted(codes) == expected);
+}
+
+TEST(RemarkList, HavingACodeTwice) {
+  const auto has_duplicates = [](const Codes &codes) {
+    return v_remark_list_has_duplicate_codes(list_of_codes(codes).get());
+  };
+  EXPECT_FALSE(has_duplicates({}));
+  EXPECT_FALSE(has_duplicates({"7"}));
+  EXPECT_FALSE(has_duplicates({"07", "7", "A", "a"}));
+  EXPECT_TRUE(has_duplicates({"7", "7"}));
+  EXPECT_TRUE(has_duplicates({"1", "2", "3", "3"}));
+  EXPECT_TRUE(has_duplicates({"1", "1", "2", "3"}));
 }
 
 TEST(RemarkCodeOrder, AnEqualCodeGoesAfterTheOneThatIsThere) {

@@ -1,5 +1,7 @@
 #include "langstr/langstr.h"
 
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "model/langstr/translations.h"
@@ -264,6 +266,64 @@ TEST(Langstr, MergingWithItselfChangesNothing) {
   OwnedLangstr langstr = langstr_of({{"sv", "a"}, {"", "b"}});
   EXPECT_FALSE(v_langstr_merge(langstr, langstr.get()));
   EXPECT_EQ(translations_of(langstr), (Translations{{"sv", "a"}, {"", "b"}}));
+}
+
+// Numbers that look random and are the same in every run.
+class Numbers {
+public:
+  unsigned below(unsigned limit) {
+    state = state * 1'103'515'245U + 12'345U;
+    return (state >> 16) % limit;
+  }
+
+private:
+  unsigned state = 1;
+};
+
+TEST(LangstrCollection, EqualsRepeatedSetting) {
+  Numbers numbers;
+  for (int round = 0; round < 50; round++) {
+    // From few tags and texts, so that every rule applies, to many.
+    const unsigned variety = 2 + static_cast<unsigned>(round) * 3;
+    OwnedLangstr expected;
+    VLangstrCollection collection;
+    for (int i = 0; i < 300; i++) {
+      const unsigned tag = numbers.below(variety);
+      const std::string lang = tag == 0 ? "" : "t" + std::to_string(tag);
+      const std::string text = "x" + std::to_string(numbers.below(variety));
+      const bool changes = v_langstr_set_translation(expected, lang.c_str(), text.c_str());
+      ASSERT_EQ(v_langstr_collect_translation(collection, copy_text(lang.c_str()),
+                                              copy_text(text.c_str())),
+                changes);
+      ASSERT_TRUE(v_langstr_is_identical(collection.langstr.get(), expected.get()));
+    }
+  }
+}
+
+TEST(LangstrCollection, TheRulesHoldInALongOne) {
+  for (const Setting &setting : settings) {
+    SCOPED_TRACE(setting.rule);
+    Translations many;
+    for (int i = 0; i < 100; i++) {
+      many.emplace_back("t" + std::to_string(i), "x" + std::to_string(i));
+    }
+    Translations after = many;
+    many.insert(many.end(), setting.before.begin(), setting.before.end());
+    after.insert(after.end(), setting.after.begin(), setting.after.end());
+    VLangstrCollection collection;
+    for (const auto &[tag, text] : many) {
+      v_langstr_collect_translation(collection, copy_text(tag.c_str()), copy_text(text.c_str()));
+    }
+    EXPECT_EQ(
+        v_langstr_collect_translation(collection, copy_text(setting.lang), copy_text(setting.text)),
+        setting.changes);
+    EXPECT_EQ(translations_of(collection.langstr), after);
+  }
+}
+
+TEST(LangstrCollection, AnEmptyOneIsTheEmptyString) {
+  EXPECT_EQ(VLangstrCollection().langstr, nullptr);
+  v_langstr_index_free(nullptr);
 }
 
 TEST(Langstr, ALongStringIsFreedWithoutDeepCalls) {

@@ -1,0 +1,45 @@
+#include "model/workspace/user_folders.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "support/files.h"
+
+namespace {
+
+// A test that needs other folders runs in a process of its own that gets their names from these.
+void set_folder(const char *variable, const char *chosen_by, const std::string &usual) {
+  const char *chosen = std::getenv(chosen_by);
+  setenv(variable, chosen == nullptr ? usual.c_str() : chosen, 1);
+}
+
+class UserFolders {
+public:
+  UserFolders() {
+    set_folder("HOME", "VANTORELLE_TEST_HOME", home());
+    set_folder("XDG_CONFIG_HOME", "VANTORELLE_TEST_CONFIG_HOME", config());
+    make();
+  }
+  std::string home() const { return folder / "home"; }
+  std::string config() const { return folder / "home/.config"; }
+  void make() const {
+    std::filesystem::remove_all(home());
+    make_folder(home());
+    make_folder(config());
+  }
+
+private:
+  TemporaryFolder folder;
+};
+
+const UserFolders user_folders;
+
+} // namespace
+
+std::string home_folder() { return user_folders.home(); }
+
+std::string config_folder() { return user_folders.config(); }
+
+FreshUserFolders::FreshUserFolders() { user_folders.make(); }
+
+FreshUserFolders::~FreshUserFolders() { user_folders.make(); }

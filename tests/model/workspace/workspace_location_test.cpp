@@ -1,0 +1,222 @@
+#include "workspace/workspace_location.h"
+
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "base/error.h"
+#include "model/workspace/user_folders.h"
+#include "support/child_process.h"
+#include "support/environment.h"
+#include "support/files.h"
+
+namespace {
+
+using testing::StartsWith;
+
+constexpr const char *no_config_folder = "Error locating user config dir.";
+constexpr const char *no_settings_folder =
+    "Error creating/accessing directory for settings in user config dir.";
+
+class WorkspaceLocation : public testing::Test {
+protected:
+  WorkspaceLocation() { v_error_set("of an earlier failure"); }
+
+  static void write_pointer_file(const std::string &content) {
+    std::filesystem::create_directory(config_folder() + "/vantorelle");
+    write_file(config_folder() + "/vantorelle/vantorelle.xml", content);
+  }
+
+  FreshUserFolders fresh;
+  std::string pointer_folder = config_folder() + "/vantorelle";
+  std::string pointer_file = pointer_folder + "/vantorelle.xml";
+};
+
+TEST_F(WorkspaceLocation, WhereThePointerFileLies) {
+  EXPECT_EQ(get_workspace_pointer_file_path(FolderCreation::no).get(), pointer_file);
+  EXPECT_FALSE(path_exists(pointer_folder));
+  EXPECT_EQ(get_workspace_pointer_file_path(FolderCreation::yes).get(), pointer_file);
+  EXPECT_EQ(list_folder(pointer_folder), std::vector<std::string>());
+  EXPECT_EQ(get_workspace_pointer_file_path(FolderCreation::yes).get(), pointer_file);
+}
+
+TEST_F(WorkspaceLocation, MissingParentsOfThePointerFileAreMadeForTheirOwnerOnly) {
+  std::filesystem::remove_all(config_folder());
+  EXPECT_EQ(get_workspace_pointer_file_path(FolderCreation::no).get(), pointer_file);
+  EXPECT_FALSE(path_exists(config_folder()));
+  EXPECT_NE(get_workspace_pointer_file_path(FolderCreation::yes), nullptr) << v_error_get();
+  for (const std::string &path : {config_folder(), pointer_folder}) {
+    struct stat status;
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0700U) << path;
+  }
+}
+
+TEST_F(WorkspaceLocation, AConfigurationFolderThatIsAFile) {
+  std::filesystem::remove_all(config_folder());
+  write_file(config_folder(), "");
+  EXPECT_NE(get_workspace_pointer_file_path(FolderCreation::no), nullptr);
+  EXPECT_EQ(get_workspace_pointer_file_path(FolderCreation::yes), nullptr);
+  EXPECT_STREQ(v_error_get(), no_settings_folder);
+  EXPECT_FALSE(v_workspace_save_folder_path("/w"));
+  EXPECT_STREQ(v_error_get(), no_settings_folder);
+  OwnedText path = copy_text("old");
+  EXPECT_FALSE(v_workspace_get_saved_folder_path(path));
+  EXPECT_EQ(path, nullptr);
+}
+
+TEST_F(WorkspaceLocation, AFolderThatCannotBeMade) {
+  std::filesystem::permissions(config_folder(), std::filesystem::perms(0555));
+  std::filesystem::permissions(home_folder(), std::filesystem::perms(0755));
+  std::filesystem::permissions(home_folder() + "/..", std::filesystem::perms(0755));
+  EXPECT_EQ(as_ordinary_user([] {
+              return get_workspace_pointer_file_path(FolderCreation::yes) ? "made" : v_error_get();
+            }),
+            no_settings_folder);
+}
+
+TEST_F(WorkspaceLocation, NothingSavedYet) {
+  OwnedText path = copy_text("old");
+  EXPECT_TRUE(v_workspace_get_saved_folder_path(path));
+  EXPECT_EQ(path, nullptr);
+  EXPECT_EQ(list_folder(config_folder()), std::vector<std::string>());
+}
+
+TEST_F(WorkspaceLocation, SavingWritesAFileThatReadsBack) {
+  for (const char *folder :
+       {"/home/a b/W", "/\xC3\xA5\xE2\x82\xAC/<&>\"'%s", "relative", "/a//b", "/x/../y"}) {
+    ASSERT_TRUE(v_workspace_save_folder_path(folder)) << v_error_get();
+    OwnedText path;
+    EXPECT_TRUE(v_workspace_get_saved_folder_path(path));
+    EXPECT_STREQ(path.get(), folder);
+  }
+  EXPECT_TRUE(v_workspace_save_folder_path("/home/\xC3\xA5"));
+  EXPECT_EQ(read_file(pointer_file), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                     "<vantorelle>\n"
+                                     "  <workspace path=\"/home/\xC3\xA5\"/>\n"
+                                     "</vantorelle>\n");
+  EXPECT_EQ(list_folder(pointer_folder), std::vector<std::string>{"vantorelle.xml"});
+}
+
+TEST_F(WorkspaceLocation, SavingNothingRemovesThePointerFile) {
+  EXPECT_TRUE(v_workspace_save_folder_path(nullptr));
+  ASSERT_TRUE(v_workspace_save_folder_path("/w"));
+  EXPECT_TRUE(v_workspace_save_folder_path(nullptr));
+  EXPECT_FALSE(path_exists(pointer_file));
+  EXPECT_TRUE(v_workspace_save_folder_path(nullptr));
+  OwnedText path;
+  EXPECT_TRUE(v_workspace_get_saved_folder_path(path));
+  EXPECT_EQ(path, nullptr);
+}
+
+TEST_F(WorkspaceLocation, SavingOverAFolderFails) {
+  make_folder(pointer_folder);
+  make_folder(pointer_file);
+  EXPECT_FALSE(v_workspace_save_folder_path("/w"));
+  EXPECT_THAT(v_error_get(), StartsWith("Cannot open file.\n\nError "));
+  EXPECT_FALSE(v_workspace_save_folder_path(nullptr));
+  EXPECT_THAT(v_error_get(), StartsWith("Cannot unlink file.\n\nError "));
+}
+
+TEST_F(WorkspaceLocation, SavingOnAFullDiskFails) {
+  EXPECT_NE(with_file_size_limit(
+                10, [] { return v_workspace_save_folder_path("/w") ? "saved" : v_error_get(); }),
+            "saved");
+  OwnedText path;
+  v_workspace_get_saved_folder_path(path);
+  EXPECT_EQ(path, nullptr);
+}
+
+struct PointerFile {
+  const char *content;
+  const char *path;
+};
+
+TEST_F(WorkspaceLocation, ReadingAPointerFile) {
+  const PointerFile files[] = {
+      {"<vantorelle><workspace path='/a/b'/></vantorelle>", "/a/b"},
+      {"<anything><workspace path='/a/b'/></anything>", "/a/b"},
+      {"<v>text<x/><workspace other='x' path='/a/b'>text</workspace><!--workspace--></v>", "/a/b"},
+      {"<v><workspace path='/a/b/'/></v>", "/a/b"},
+      {"<v><workspace path='/a/b///'/></v>", "/a/b"},
+      {"<v><workspace path='/'/></v>", ""},
+      {"<v><workspace path='///'/></v>", ""},
+      {"<v><workspace path=' /a '/></v>", " /a "},
+      {"<?xml version='1.0' encoding='ISO-8859-1'?><v><workspace path='/\xE5&#x20AC;'/></v>",
+       "/\xC3\xA5\xE2\x82\xAC"},
+  };
+  for (const PointerFile &file : files) {
+    write_pointer_file(file.content);
+    OwnedText path;
+    EXPECT_TRUE(v_workspace_get_saved_folder_path(path)) << file.content;
+    EXPECT_STREQ(path.get(), file.path);
+  }
+}
+
+TEST_F(WorkspaceLocation, APointerFileThatCannotBeUnderstood) {
+  const std::pair<const char *, const char *> files[] = {
+      {"<v/>", "Missing XML node: workspace"},
+      {"<workspace path='/a'/>", "Missing XML node: workspace"},
+      {"<v><x><workspace path='/a'/></x></v>", "Missing XML node: workspace"},
+      {"<v><workspace path='/a'/><workspace path='/a'/></v>",
+       "Duplicate XML nodes found where not allowed."},
+      {"<v><workspace/></v>", "Missing XML attribute: path"},
+      {"<v><workspace Path='/a'/></v>", "Missing XML attribute: path"},
+      {"<v><workspace path=''/></v>", "Empty XML attribute: path"},
+  };
+  for (const auto &[content, message] : files) {
+    write_pointer_file(content);
+    OwnedText path = copy_text("old");
+    EXPECT_FALSE(v_workspace_get_saved_folder_path(path)) << content;
+    EXPECT_EQ(path, nullptr);
+    EXPECT_STREQ(v_error_get(), message);
+  }
+  for (const char *content : {"", "no XML", "<v>", "<v><workspace path='\xE5'/></v>"}) {
+    write_pointer_file(content);
+    OwnedText path = copy_text("old");
+    EXPECT_FALSE(v_workspace_get_saved_folder_path(path)) << content;
+    EXPECT_EQ(path, nullptr);
+    EXPECT_THAT(v_error_get(), StartsWith("Could not parse XML data."));
+  }
+  std::filesystem::remove(pointer_file);
+  make_folder(pointer_file);
+  OwnedText path = copy_text("old");
+  EXPECT_FALSE(v_workspace_get_saved_folder_path(path));
+  EXPECT_EQ(path, nullptr);
+}
+
+TEST_F(WorkspaceLocation, TheDefaultPlace) {
+  EXPECT_EQ(v_workspace_get_default_folder_path().get(), home_folder() + "/Vantorelle Workspace");
+}
+
+// GLib keeps the folders that it has once been asked for.
+class WorkspaceLocationDeathTest : public testing::Test {
+protected:
+  WorkspaceLocationDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(WorkspaceLocationDeathTest, AConfigurationFolderWhoseNameIsNotUtf8) {
+  const EnvironmentVariable config("VANTORELLE_TEST_CONFIG_HOME", "/tmp/\xFF");
+  EXPECT_EXIT(
+      {
+        OwnedText path = copy_text("old");
+        const bool all_fail = !get_workspace_pointer_file_path(FolderCreation::no) &&
+                              !get_workspace_pointer_file_path(FolderCreation::yes) &&
+                              !v_workspace_save_folder_path("/w") &&
+                              !v_workspace_save_folder_path(nullptr) &&
+                              !v_workspace_get_saved_folder_path(path) && !path;
+        std::fprintf(stderr, "%s", v_error_get());
+        std::exit(all_fail ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), no_config_folder);
+}
+
+TEST_F(WorkspaceLocationDeathTest, AHomeFolderWhoseNameIsNotUtf8) {
+  const EnvironmentVariable home("VANTORELLE_TEST_HOME", "/tmp/\xFF");
+  EXPECT_EXIT(std::exit(v_workspace_get_default_folder_path() ? 1 : 0), testing::ExitedWithCode(0),
+              "");
+}
+
+} // namespace

@@ -1,0 +1,738 @@
+#include "gui/editing/editing_window.h"
+
+#include <cstdio>
+#include <ctime>
+#include <optional>
+
+#include <gmock/gmock.h>
+
+#include "base/error.h"
+#include "faults.h"
+#include "window_fixture.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr const char *dialog_title = "Edit remark code";
+constexpr const char *question = "Are you sure you want to close the codeset without saving?";
+
+// A codeset file as the program writes it. The lines of the head are whole elements.
+std::string codeset_file(const std::vector<std::string> &head,
+                         const std::vector<std::pair<std::string, std::string>> &codes) {
+  std::string text = "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n\n<codeset>\n\n";
+  for (const std::string &element : head) {
+    text += "\t" + element + "\n";
+  }
+  for (const auto &[code, description] : codes) {
+    text += "\n\t<remark>\n\t\t<code>" + code + "</code>\n\t\t<description lang=\"en-uk\">" +
+            description + "</description>\n\t</remark>\n";
+  }
+  return text + "\n</codeset>\n";
+}
+
+const std::vector<std::string> paper_head = {
+    "<name lang=\"en-uk\">Paper</name>",
+    "<name lang=\"sv\">Papper</name>",
+    "<author lang=\"sv\">\xc5sa</author>",
+    "<version>1.2</version>",
+};
+
+GtkWidget *window() { return GTK_WIDGET(top_window()); }
+
+GtkFrame *frame(const std::string &label) {
+  for (GtkWidget *found : find_widgets(window(), GTK_TYPE_FRAME)) {
+    GtkWidget *label_widget = gtk_frame_get_label_widget(GTK_FRAME(found));
+    if (GTK_IS_LABEL(label_widget) && gtk_label_get_text(GTK_LABEL(label_widget)) == label) {
+      return GTK_FRAME(found);
+    }
+  }
+  ADD_FAILURE() << "There is no frame \"" << label << "\".";
+  return nullptr;
+}
+
+GtkWidget *name_editor() { return GTK_WIDGET(frame("Codeset name: (Required)")); }
+GtkWidget *author_editor() { return GTK_WIDGET(frame("Author:")); }
+GtkEntry *version_entry() {
+  return find_widget<GtkEntry>(GTK_WIDGET(frame("Version:")), V_TYPE_SPACIFYING_ENTRY);
+}
+
+GtkTreeView *codes() { return find_widget<GtkTreeView>(window(), GTK_TYPE_TREE_VIEW); }
+GtkTreeSelection *selection() { return gtk_tree_view_get_selection(codes()); }
+
+std::vector<std::string> code_rows() {
+  std::vector<std::string> texts;
+  GtkTreeModel *model = gtk_tree_view_get_model(codes());
+  GtkTreeIter row;
+  for (gboolean more = gtk_tree_model_get_iter_first(model, &row); more;
+       more = gtk_tree_model_iter_next(model, &row)) {
+    OwnedText text;
+    gtk_tree_model_get(model, &row, 0, static_cast<char **>(receive(text)), -1);
+    texts.emplace_back(text.get());
+  }
+  return texts;
+}
+
+void select_code(int row) {
+  const Owned<GtkTreePath, gtk_tree_path_free> path(gtk_tree_path_new_from_indices(row, -1));
+  gtk_tree_view_set_cursor(codes(), path.get(), nullptr, FALSE);
+}
+
+std::string shown_description() {
+  GtkTextView *view = find_widget<GtkTextView>(
+      find_widget<GtkWidget>(window(), V_TYPE_LANGSTR_DISPLAY), GTK_TYPE_TEXT_VIEW);
+  char *text = nullptr;
+  g_object_get(gtk_text_view_get_buffer(view), "text", &text, nullptr);
+  return OwnedText(text).get();
+}
+
+// Nothing is selected, and it shows.
+void expect_no_selection() {
+  EXPECT_EQ(gtk_tree_selection_count_selected_rows(selection()), 0);
+  EXPECT_FALSE(is_sensitive("Edit"));
+  EXPECT_FALSE(is_sensitive("Delete"));
+  for (const char *label : {"Add new", "Save codeset", "Close"}) {
+    EXPECT_TRUE(is_sensitive(label)) << label;
+  }
+  EXPECT_EQ(shown_description(), "");
+}
+
+class EditingWindow : public WindowFixture {
+protected:
+  std::string path() const { return folder / name; }
+  std::string title() const { return "Edit remark codeset - " + name; }
+
+  void write_paper() {
+    write_file(path(), codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}}));
+  }
+
+  int run() {
+    const RunContext context = {window_stack.get(), &workspace};
+    const int saved = run_editing_window(&context, path().c_str());
+    EXPECT_EQ(top_window(), nullptr);
+    return saved;
+  }
+
+  void check(std::function<void()> act) { on(title(), std::move(act)); }
+  void select(int row) {
+    check([row] { select_code(row); });
+  }
+  void answer_question(const char *label) { script.answer("Really close?", question, label); }
+  void close_without_saving() {
+    check([] {});
+    script.click("Close");
+    answer_question("gtk-close");
+  }
+  void expect_refused_save(const std::string &message) {
+    check([] {});
+    script.click("Save codeset").answer("Error", message, "Close");
+  }
+  // Fills the remark dialog in, which is open or about to be, and confirms it.
+  void enter_remark(const char *code, const char *description) {
+    on(dialog_title, [code, description] {
+      for (GtkWidget *entry : find_widgets(window(), V_TYPE_SPACIFYING_ENTRY)) {
+        const bool in_editor = gtk_widget_get_ancestor(entry, V_TYPE_LANGSTR_EDITOR) != nullptr;
+        gtk_entry_set_text(GTK_ENTRY(entry), in_editor ? description : code);
+      }
+    });
+    script.click("OK");
+  }
+  void add_code(const char *code, const char *description) {
+    check([] {});
+    script.click("Add new");
+    enter_remark(code, description);
+  }
+  void delete_code(int row) {
+    select(row);
+    script.click("Delete");
+  }
+
+  std::string name = "paper.codeset";
+};
+
+} // namespace
+
+// ---- Opening ------------------------------------------------------------------------------------
+
+TEST_F(EditingWindow, ShowsTheCodeset) {
+  write_paper();
+  check([] {
+    EXPECT_EQ(shown_rows(name_editor()),
+              "English/United Kingdom [en-uk]=Paper\nSwedish [sv]=Papper\n");
+    EXPECT_EQ(shown_rows(author_editor()), "Swedish [sv]=\u00c5sa\n");
+    EXPECT_STREQ(gtk_entry_get_text(version_entry()), "1.2");
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
+    EXPECT_EQ(
+        find_widget<GtkTreeView>(GTK_WIDGET(frame("Remark codes: (Required)")), GTK_TYPE_TREE_VIEW),
+        codes());
+    expect_no_selection();
+  });
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+  EXPECT_EQ(read_file(path()),
+            codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}}));
+}
+
+TEST_F(EditingWindow, IsMaximisedWithTheFocusInTheFirstNameField) {
+  write_paper();
+  script.when(
+      "a maximised window",
+      [] { return window() != nullptr && gtk_window_is_maximized(top_window()); }, [] {});
+  script.when(
+      "the focus in the name",
+      [] { return gtk_widget_has_focus(GTK_WIDGET(rows_of(name_editor())[0])); }, [] {});
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, SavesByDefaultButNotFromAField) {
+  write_paper();
+  check([] {
+    EXPECT_EQ(gtk_window_get_default_widget(top_window()),
+              GTK_WIDGET(find_button(window(), "Save codeset")));
+    EXPECT_FALSE(gtk_widget_get_can_default(GTK_WIDGET(find_button(window(), "Close"))));
+    for (GtkEntry *entry :
+         {rows_of(name_editor())[0], rows_of(author_editor())[0], version_entry()}) {
+      EXPECT_FALSE(gtk_entry_get_activates_default(entry));
+    }
+  });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, HasTheListBesideTheDescription) {
+  write_paper();
+  check([] {
+    auto *scroller = reinterpret_cast<GtkScrolledWindow *>(
+        gtk_widget_get_ancestor(GTK_WIDGET(codes()), GTK_TYPE_SCROLLED_WINDOW));
+    GtkPolicyType horizontal = GTK_POLICY_ALWAYS;
+    GtkPolicyType vertical = GTK_POLICY_ALWAYS;
+    gtk_scrolled_window_get_policy(scroller, &horizontal, &vertical);
+    EXPECT_EQ(horizontal, GTK_POLICY_NEVER);
+    EXPECT_EQ(vertical, GTK_POLICY_AUTOMATIC);
+    EXPECT_EQ(gtk_scrolled_window_get_shadow_type(scroller), GTK_SHADOW_IN);
+    EXPECT_FALSE(gtk_scrolled_window_get_overlay_scrolling(scroller));
+    int width = 0;
+    int height = 0;
+    gtk_widget_get_size_request(GTK_WIDGET(scroller), &width, &height);
+    EXPECT_EQ(width, 200);
+    EXPECT_EQ(height, 150);
+    gtk_widget_get_size_request(find_widget<GtkWidget>(window(), V_TYPE_LANGSTR_DISPLAY), &width,
+                                &height);
+    EXPECT_EQ(width, 300);
+    EXPECT_EQ(height, 150);
+    EXPECT_FALSE(gtk_tree_view_get_headers_visible(codes()));
+    EXPECT_EQ(gtk_tree_view_get_n_columns(codes()), 1U);
+    EXPECT_STREQ(gtk_tree_view_column_get_title(gtk_tree_view_get_column(codes(), 0)), "Remark");
+    EXPECT_EQ(gtk_tree_selection_get_mode(selection()), GTK_SELECTION_SINGLE);
+    EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(GTK_WIDGET(codes()))),
+                 "Remark codes");
+    EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(GTK_WIDGET(version_entry()))),
+                 "Version");
+    EXPECT_EQ(gtk_container_get_border_width(GTK_CONTAINER(window())), 8U);
+  });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, ButtonsStandInTheirOrder) {
+  write_paper();
+  check([] {
+    std::vector<std::string> labels = button_labels(window());
+    std::erase_if(labels, [](const std::string &label) { return label[0] == ' '; });
+    EXPECT_THAT(labels, ElementsAre("Add new", "Edit", "Delete", "Save codeset", "Close"));
+    GtkAllocation close_button;
+    GtkAllocation whole;
+    gtk_widget_get_allocation(GTK_WIDGET(find_button(window(), "Close")), &close_button);
+    gtk_widget_get_allocation(gtk_bin_get_child(GTK_BIN(window())), &whole);
+    EXPECT_EQ(close_button.x + close_button.width, whole.x + whole.width);
+  });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, AMissingFileIsANewCodeset) {
+  name = "new.codeset";
+  check([] {
+    EXPECT_EQ(shown_rows(name_editor()), "English/United Kingdom [en-uk]=\n");
+    EXPECT_EQ(shown_rows(author_editor()), "English/United Kingdom [en-uk]=\n");
+    EXPECT_STREQ(gtk_entry_get_text(version_entry()), "");
+    EXPECT_THAT(code_rows(), IsEmpty());
+    expect_no_selection();
+  });
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+  EXPECT_FALSE(path_exists(path()));
+}
+
+TEST_F(EditingWindow, ANewCodesetIsSavedToItsPath) {
+  name = "new.codeset";
+  check([] {
+    enter(name_editor(), 0, "  New  \u00e5 <&> %s ");
+    add_row(name_editor());
+    enter(name_editor(), 1, "Ny");
+  });
+  add_code("b", "B & co");
+  add_code("a10", "A10");
+  add_code("a9", "A9");
+  check([] { EXPECT_THAT(code_rows(), ElementsAre("a9. A9", "a10. A10", "b. B & co")); });
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(read_file(path()),
+            codeset_file({"<name lang=\"en-uk\">New \xe5 &lt;&amp;&gt; %s</name>",
+                          "<name lang=\"sv\">Ny</name>"},
+                         {{"a9", "A9"}, {"a10", "A10"}, {"b", "B &amp; co"}}));
+}
+
+TEST_F(EditingWindow, EverythingShowsLiterally) {
+  name = "100%s <b>&amp; \u00e5.codeset";
+  write_file(path(), codeset_file({"<name lang=\"en-uk\">%s &lt;b&gt; &amp;amp; \xe5</name>"},
+                                  {{"%s%n", "%d &lt;b&gt; &amp;amp; \xe5"}}));
+  check([] {
+    EXPECT_EQ(shown_rows(name_editor()), "English/United Kingdom [en-uk]=%s <b> &amp; \u00e5\n");
+    EXPECT_THAT(code_rows(), ElementsAre("%s%n. %d <b> &amp; \u00e5"));
+  });
+  select(0);
+  check([] {
+    EXPECT_EQ(shown_description(), "English/United Kingdom [en-uk]\n\n%d <b> &amp; \u00e5");
+    GtkTreeModel *model = gtk_tree_view_get_model(codes());
+    GtkTreeIter row;
+    gtk_tree_model_get_iter_first(model, &row);
+    GtkTreeViewColumn *column = gtk_tree_view_get_column(codes(), 0);
+    gtk_tree_view_column_cell_set_cell_data(column, model, &row, FALSE, FALSE);
+    GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column));
+    OwnedText text;
+    g_object_get(cells->data, "text", static_cast<char **>(receive(text)), nullptr);
+    g_list_free(cells);
+    EXPECT_STREQ(text.get(), "%s%n. %d <b> &amp; \u00e5");
+  });
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+}
+
+TEST_F(EditingWindow, RowsReadInThePreferredLanguage) {
+  settings()->preferred_languages = {"sv", "en-uk"};
+  write_file(path(), "<codeset><name lang='sv'>P</name>"
+                     "<remark><code>1</code><description lang='en-uk'>Tear</description>"
+                     "<description lang='sv'>Reva</description></remark>"
+                     "<remark><code>2</code><description lang='de'>Verlust</description></remark>"
+                     "</codeset>");
+  check([] { EXPECT_THAT(code_rows(), ElementsAre("1. Reva", "2. Verlust")); });
+  select(0);
+  check([] {
+    EXPECT_EQ(shown_description(),
+              "English/United Kingdom [en-uk]\n\nTear\n\nSwedish [sv]\n\nReva");
+  });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, APathThatCannotBeAskedAboutOpensNothing) {
+  write_file(folder / "100%s <b> \u00e5", "");
+  name = "100%s <b> \u00e5/x.codeset";
+  script.answer("Error", "Something went wrong when accessing the codeset file:\n\n" + path(),
+                "Close");
+  EXPECT_EQ(run(), 0);
+}
+
+TEST_F(EditingWindow, AFileThatCannotBeReadOpensNothing) {
+  name = "100%s <b> \u00e5.codeset";
+  write_file(path(), "<codesets/>");
+  script.answer("Error",
+                "Error when loading the codeset file:\n\n" + path() + "\n\nNot a codeset file.",
+                "Close");
+  EXPECT_EQ(run(), 0);
+  EXPECT_EQ(read_file(path()), "<codesets/>");
+}
+
+TEST_F(EditingWindow, TheReadersContextStandsBehindThePath) {
+  write_file(path(), "<codeset><name lang='sv'>P</name></codeset>");
+  script.answer("Error",
+                "Error when loading the codeset file:\n\n" + path() +
+                    "\n\nError parsing codeset file.\n\nMissing remarks.",
+                "Close");
+  EXPECT_EQ(run(), 0);
+}
+
+TEST_F(EditingWindow, AFolderAtThePathOpensNothing) {
+  make_folder(path());
+  script.when(
+      "the message", [] { return is_on_top("Error"); },
+      [this] {
+        EXPECT_THAT(message_of(top_window()),
+                    testing::StartsWith("Error when loading the codeset file:\n\n" + path() +
+                                        "\n\nError loading codeset file.\n\n"));
+      });
+  script.click("Close");
+  EXPECT_EQ(run(), 0);
+}
+
+// ---- The list of codes --------------------------------------------------------------------------
+
+TEST_F(EditingWindow, SelectionSetsButtonsAndDescription) {
+  write_paper();
+  select(1);
+  check([] {
+    EXPECT_TRUE(is_sensitive("Edit"));
+    EXPECT_TRUE(is_sensitive("Delete"));
+    EXPECT_EQ(shown_description(), "English/United Kingdom [en-uk]\n\nLoss");
+  });
+  select(2);
+  check([] {
+    EXPECT_EQ(shown_description(), "English/United Kingdom [en-uk]\n\nStain");
+    gtk_tree_selection_unselect_all(selection());
+    expect_no_selection();
+  });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, ADoubleClickDoesNothing) {
+  write_paper();
+  select(0);
+  check([] {
+    const Owned<GtkTreePath, gtk_tree_path_free> path(gtk_tree_path_new_first());
+    gtk_tree_view_row_activated(codes(), path.get(), gtk_tree_view_get_column(codes(), 0));
+    EXPECT_EQ(shown_windows().size(), 1U);
+  });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, AnAddedCodeStandsInItsPlaceAndNothingIsSelected) {
+  write_paper();
+  select(2);
+  add_code("3", "Fold");
+  check([] {
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "3. Fold", "10. Stain"));
+    expect_no_selection();
+  });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, ACancelledAdditionAddsNothing) {
+  write_paper();
+  select(1);
+  script.click("Add new");
+  on(dialog_title, [] { EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=\n"); });
+  script.click("Cancel");
+  check([] {
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
+    EXPECT_EQ(shown_description(), "English/United Kingdom [en-uk]\n\nLoss");
+  });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, ATakenCodeIsRefused) {
+  write_paper();
+  add_code("10", "Another");
+  script.answer("Error", "That code is already taken.", "Close");
+  enter_remark("11", "Another");
+  check([] {
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain", "11. Another"));
+  });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, AnEditedCodeMovesAndNothingIsSelected) {
+  write_paper();
+  select(0);
+  script.click("Edit");
+  enter_remark("3", "Torn");
+  check([] {
+    EXPECT_THAT(code_rows(), ElementsAre("2. Loss", "3. Torn", "10. Stain"));
+    expect_no_selection();
+  });
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(read_file(path()),
+            codeset_file(paper_head, {{"2", "Loss"}, {"3", "Torn"}, {"10", "Stain"}}));
+}
+
+TEST_F(EditingWindow, ACancelledEditChangesNothing) {
+  write_paper();
+  select(1);
+  script.click("Edit");
+  on(dialog_title, [] {
+    EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Loss\n");
+    enter(window(), 0, "Lost");
+  });
+  script.click("Cancel");
+  check([] {
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
+    EXPECT_EQ(shown_description(), "English/United Kingdom [en-uk]\n\nLoss");
+    EXPECT_TRUE(is_sensitive("Edit"));
+  });
+  close_without_saving();
+  run();
+}
+
+// Without a question.
+TEST_F(EditingWindow, DeletedCodesAreGone) {
+  write_paper();
+  for (const int row : {1, 1, 0}) {
+    delete_code(row);
+    check([] {});
+  }
+  check([] {
+    EXPECT_THAT(code_rows(), IsEmpty());
+    expect_no_selection();
+  });
+  expect_refused_save("There must be at least one remark code in the codeset.");
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+  EXPECT_EQ(read_file(path()),
+            codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}}));
+}
+
+TEST_F(EditingWindow, ADeletedCodeIsFreeAgainAndNotSaved) {
+  write_paper();
+  delete_code(1);
+  check([] { EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "10. Stain")); });
+  add_code("2", "Hole");
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(read_file(path()),
+            codeset_file(paper_head, {{"1", "Tear"}, {"2", "Hole"}, {"10", "Stain"}}));
+}
+
+// What the buttons and the display say follows the selection, wherever it is after the deletion.
+TEST_F(EditingWindow, DeletingKeepsButtonsAndDisplayTrue) {
+  write_paper();
+  delete_code(0);
+  check([] {
+    GtkTreeModel *model = nullptr;
+    GtkTreeIter row;
+    const bool is_selected = gtk_tree_selection_get_selected(selection(), &model, &row);
+    EXPECT_EQ(is_sensitive("Edit"), is_selected);
+    EXPECT_EQ(is_sensitive("Delete"), is_selected);
+    EXPECT_EQ(shown_description(), is_selected ? "English/United Kingdom [en-uk]\n\nLoss" : "");
+  });
+  close_without_saving();
+  run();
+}
+
+// ---- Saving -------------------------------------------------------------------------------------
+
+TEST_F(EditingWindow, AnUnchangedCodesetIsSavedAsItWas) {
+  write_paper();
+  const std::string bytes = read_file(path());
+  check([] {});
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(read_file(path()), bytes);
+}
+
+TEST_F(EditingWindow, EachCheckOfASaveHasItsTurn) {
+  name = "new.codeset";
+  check([] {
+    add_row(author_editor());
+    enter(author_editor(), 0, "One");
+    enter(author_editor(), 1, "Two");
+    gtk_combo_box_set_active(languages_of(author_editor())[1], 0);
+  });
+  expect_refused_save("There must be at least one remark code in the codeset.");
+  add_code("1", "Tear");
+  expect_refused_save("The codeset must have a name.");
+  check([] { enter(name_editor(), 0, " \u00a0 "); });
+  expect_refused_save("The codeset must have a name.");
+  check([] {
+    add_row(name_editor());
+    enter(name_editor(), 0, "N");
+    enter(name_editor(), 1, "M");
+    gtk_combo_box_set_active(languages_of(name_editor())[0], 1);
+  });
+  expect_refused_save("Each language may only appear once. Language \"sv\" appears several times.");
+  check([] { gtk_combo_box_set_active(languages_of(name_editor())[0], 0); });
+  expect_refused_save(
+      "Each language may only appear once. Language \"en-uk\" appears several times.");
+  check([this] {
+    EXPECT_FALSE(path_exists(path()));
+    EXPECT_EQ(shown_rows(name_editor()), "English/United Kingdom [en-uk]=N\nSwedish [sv]=M\n");
+    EXPECT_EQ(shown_rows(author_editor()),
+              "English/United Kingdom [en-uk]=One\nEnglish, UK [en-uk]=Two\n");
+    enter(author_editor(), 1, "");
+  });
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(read_file(path()),
+            codeset_file({"<name lang=\"en-uk\">N</name>", "<name lang=\"sv\">M</name>",
+                          "<author lang=\"en-uk\">One</author>"},
+                         {{"1", "Tear"}}));
+}
+
+TEST_F(EditingWindow, ALanguageOutsideTheTableCannotBeSaved) {
+  write_file(path(), codeset_file({"<name lang=\"pl\">Papier</name>"}, {{"1", "Tear"}}));
+  check([] { EXPECT_EQ(shown_rows(name_editor()), "Unknown language [pl]=Papier\n"); });
+  expect_refused_save(v_error_message_unknown);
+  check([] { gtk_combo_box_set_active(languages_of(name_editor())[0], 1); });
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(read_file(path()), codeset_file({"<name lang=\"sv\">Papier</name>"}, {{"1", "Tear"}}));
+}
+
+TEST_F(EditingWindow, AFieldThatCannotBeReadIsAnUnknownError) {
+  write_paper();
+  check([] { fail_reading_entries(true); });
+  expect_refused_save(v_error_message_unknown);
+  check([] { fail_reading_entries(false); });
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+}
+
+TEST_F(EditingWindow, AuthorAndVersionMayBeEmpty) {
+  struct {
+    const char *typed;
+    const char *saved; // null: no version
+  } const cases[] = {
+      {"", nullptr},       {" ", nullptr},          {" \u00a0 ", nullptr},
+      {"  2   b ", "2 b"}, {"%s<&", "%s&lt;&amp;"},
+  };
+  for (const auto &[typed, saved] : cases) {
+    write_paper();
+    check([typed] {
+      gtk_entry_set_text(version_entry(), typed);
+      enter(author_editor(), 0, " ");
+    });
+    script.click("Save codeset");
+    EXPECT_EQ(run(), 1);
+    std::vector<std::string> head(paper_head.begin(), paper_head.begin() + 2);
+    if (saved != nullptr) {
+      head.push_back(std::string("<version>") + saved + "</version>");
+    }
+    EXPECT_EQ(read_file(path()),
+              codeset_file(head, {{"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}}));
+  }
+}
+
+// What a save that failed has taken over is taken over again by the next one.
+TEST_F(EditingWindow, AFailedSaveCanBeTriedAgain) {
+  name = "sub/paper.codeset";
+  const std::string sub = folder / "sub";
+  make_folder(sub);
+  write_paper();
+  // The title has the last entry only.
+  name = "paper.codeset";
+  const std::string file = sub + "/paper.codeset";
+  check([sub, file] {
+    enter(name_editor(), 0, "Papers");
+    gtk_entry_set_text(version_entry(), "2");
+    enter(author_editor(), 0, "");
+    std::remove(file.c_str());
+    std::rename(sub.c_str(), (sub + "-away").c_str());
+  });
+  expect_refused_save("Cannot create file.\n\nCannot open file.\n\nError 2: No such file or "
+                      "directory");
+  check([sub] {
+    EXPECT_EQ(shown_rows(name_editor()),
+              "English/United Kingdom [en-uk]=Papers\nSwedish [sv]=Papper\n");
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
+    enter(name_editor(), 1, "");
+    std::rename((sub + "-away").c_str(), sub.c_str());
+  });
+  script.click("Save codeset");
+  const RunContext context = {window_stack.get(), &workspace};
+  EXPECT_EQ(run_editing_window(&context, file.c_str()), 1);
+  EXPECT_EQ(read_file(file),
+            codeset_file({"<name lang=\"en-uk\">Papers</name>", "<version>2</version>"},
+                         {{"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}}));
+}
+
+TEST_F(EditingWindow, AFolderThatHasTakenThePathIsNotTouched) {
+  write_paper();
+  check([this] {
+    std::remove(path().c_str());
+    make_folder(path());
+  });
+  expect_refused_save("Cannot access file.\n\nCannot unlink file.\n\nError 21: Is a directory");
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+  EXPECT_TRUE(path_exists(path()));
+}
+
+// ---- Closing ------------------------------------------------------------------------------------
+
+TEST_F(EditingWindow, AsksBeforeItClosesWhateverTheWay) {
+  const std::function<void()> ways[] = {
+      [] { gtk_button_clicked(find_button(window(), "Close")); },
+      [] { gtk_window_close(top_window()); },
+      [] { press_key(GDK_KEY_Escape); },
+  };
+  for (const std::function<void()> &way : ways) {
+    write_paper();
+    check(way);
+    answer_question("gtk-cancel");
+    check(way);
+    script.dismiss("Really close?", question);
+    check([] { enter(name_editor(), 0, "Changed"); });
+    check(way);
+    answer_question("gtk-close");
+    EXPECT_EQ(run(), 0);
+    EXPECT_EQ(read_file(path()),
+              codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}}));
+  }
+}
+
+// The rows go while one of them is selected.
+TEST_F(EditingWindow, ClosesWithASelectedRow) {
+  write_paper();
+  select(1);
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+}
+
+TEST_F(EditingWindow, SavesWithASelectedRow) {
+  write_paper();
+  select(1);
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+}
+
+// With what stands over it, from outside.
+TEST_F(EditingWindow, GoesWithWhatStandsOverIt) {
+  const auto destroy_below = [] {
+    gtk_widget_destroy(GTK_WIDGET(gtk_window_get_transient_for(top_window())));
+  };
+  const struct {
+    const char *button;
+    const char *title;
+  } cases[] = {{"Add new", dialog_title}, {"Edit", dialog_title}, {"Close", "Really close?"}};
+  for (const auto &[button, over] : cases) {
+    write_paper();
+    select(0);
+    script.click(button);
+    on(over, destroy_below);
+    EXPECT_EQ(run(), 0);
+  }
+}
+
+// ---- Size ---------------------------------------------------------------------------------------
+
+TEST_F(EditingWindow, AHundredThousandCodesOpenFast) {
+  std::vector<std::pair<std::string, std::string>> many;
+  for (int i = 1; i <= 100000; i++) {
+    many.emplace_back(std::to_string(i), "Remark " + std::to_string(i));
+  }
+  write_file(path(), codeset_file(paper_head, many));
+  double used = 0;
+  check([&used] {
+    used = static_cast<double>(std::clock()) / CLOCKS_PER_SEC - used;
+    EXPECT_EQ(gtk_tree_model_iter_n_children(gtk_tree_view_get_model(codes()), nullptr), 100000);
+  });
+  add_code("100001", "Last");
+  delete_code(0);
+  check([] {
+    EXPECT_EQ(gtk_tree_model_iter_n_children(gtk_tree_view_get_model(codes()), nullptr), 100000);
+  });
+  close_without_saving();
+  used = static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+  run();
+  // Of the processor, not of the clock on the wall. Checked builds are slower, but no quadratic
+  // walk over the rows would be done by then.
+  EXPECT_LT(used, 8.0);
+  RecordProperty("seconds", std::to_string(used));
+}

@@ -1,0 +1,331 @@
+#include "gui/editing/remark_dialog.h"
+
+#include <memory>
+
+#include <gmock/gmock.h>
+
+#include "base/error.h"
+#include "base/text_encoding.h"
+#include "faults.h"
+#include "window_fixture.h"
+
+using testing::ElementsAre;
+
+namespace {
+
+constexpr const char *title = "100%s <b>& r\u00e9marque";
+
+OwnedRemark make_remark(const char *latin1_code, Translations description) {
+  OwnedRemark remark = v_remark_new();
+  remark->code = copy_text(latin1_code);
+  remark->description = make_langstr(description);
+  return remark;
+}
+
+GtkWidget *window() { return GTK_WIDGET(top_window()); }
+
+// The field above the editor; the rows of the editor are entries of the same kind.
+GtkEntry *code_field() {
+  for (GtkWidget *entry : find_widgets(window(), V_TYPE_SPACIFYING_ENTRY)) {
+    if (gtk_widget_get_ancestor(entry, V_TYPE_LANGSTR_EDITOR) == nullptr) {
+      return GTK_ENTRY(entry);
+    }
+  }
+  return nullptr;
+}
+
+std::vector<std::string> labels() {
+  std::vector<std::string> texts;
+  for (GtkWidget *label : find_widgets(window(), GTK_TYPE_LABEL)) {
+    if (gtk_widget_get_ancestor(label, GTK_TYPE_BUTTON) == nullptr &&
+        gtk_widget_get_ancestor(label, GTK_TYPE_COMBO_BOX) == nullptr) {
+      texts.emplace_back(gtk_label_get_text(GTK_LABEL(label)));
+    }
+  }
+  return texts;
+}
+
+class RemarkDialog : public WindowFixture {
+protected:
+  // Of the codeset, which has "a1" ("Tear") and "b" ("Loss") at first.
+  RemarkDialog() {
+    for (OwnedRemark *remark : {&own, &other}) {
+      v_remark_list_add_remark_last(codeset->remarks.get(), std::move(*remark));
+    }
+  }
+
+  int run(VRemark *remark) {
+    const int result = v_remark_gui_edit_remark(window_stack.get(), settings(), remark,
+                                                has_codeset ? codeset.get() : nullptr, title);
+    EXPECT_EQ(top_window(), nullptr);
+    return result;
+  }
+
+  void fill_in(const char *code, const char *description) {
+    on(title, [code, description] {
+      gtk_entry_set_text(code_field(), code);
+      enter(window(), 0, description);
+    });
+  }
+
+  // OK is refused with the message, and the fields stay as they are.
+  void expect_refusal(const std::string &message) {
+    script.click("OK").answer("Error", message, "Close");
+  }
+  void cancel() { script.click("Cancel"); }
+
+  // Confirms the fields as they are, and gives what the remark is then.
+  std::string code_after_ok() {
+    script.click("OK");
+    EXPECT_EQ(run(added.get()), 1);
+    return added->code ? added->code.get() : "";
+  }
+
+  OwnedCodeset codeset = v_codeset_new();
+  OwnedRemark own = make_remark("a1", {{"en-uk", "Tear"}, {"sv", "Reva"}});
+  OwnedRemark other = make_remark("b", {{"en-uk", "Loss"}});
+  VRemark *edited = own.get();
+  OwnedRemark added = v_remark_new();
+  bool has_codeset = true;
+};
+
+} // namespace
+
+// ---- The window ---------------------------------------------------------------------------------
+
+TEST_F(RemarkDialog, ShowsTheRemark) {
+  on(title, [] {
+    EXPECT_STREQ(gtk_entry_get_text(code_field()), "a1");
+    EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Tear\nSwedish [sv]=Reva\n");
+    EXPECT_THAT(labels(), ElementsAre("Remark code: (Required)", "Short description: (Required)"));
+    EXPECT_STREQ(gtk_label_get_text(label_of(GTK_WIDGET(code_field()))), "Remark code: (Required)");
+    EXPECT_EQ(gtk_container_get_border_width(GTK_CONTAINER(window())), 8U);
+    EXPECT_FALSE(gtk_window_is_maximized(top_window()));
+    EXPECT_EQ(gtk_window_get_default_widget(top_window()), GTK_WIDGET(find_button(window(), "OK")));
+  });
+  script.when(
+      "the focus in the code", [] { return gtk_widget_has_focus(GTK_WIDGET(code_field())); },
+      [] {});
+  cancel();
+  EXPECT_EQ(run(edited), 0);
+}
+
+TEST_F(RemarkDialog, ANewRemarkHasEmptyFields) {
+  on(title, [] {
+    EXPECT_STREQ(gtk_entry_get_text(code_field()), "");
+    EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=\n");
+  });
+  cancel();
+  EXPECT_EQ(run(added.get()), 0);
+  EXPECT_EQ(added->code, nullptr);
+  EXPECT_EQ(added->description, nullptr);
+}
+
+// Cancel at the right edge of the lowest row.
+TEST_F(RemarkDialog, ButtonsStandAtBothEndsOfTheLowestRow) {
+  on(title, [] {
+    GtkAllocation ok;
+    GtkAllocation cancel_button;
+    GtkAllocation whole;
+    gtk_widget_get_allocation(GTK_WIDGET(find_button(window(), "OK")), &ok);
+    gtk_widget_get_allocation(GTK_WIDGET(find_button(window(), "Cancel")), &cancel_button);
+    gtk_widget_get_allocation(gtk_bin_get_child(GTK_BIN(window())), &whole);
+    EXPECT_EQ(ok.x, whole.x);
+    EXPECT_EQ(cancel_button.x + cancel_button.width, whole.x + whole.width);
+    EXPECT_EQ(ok.y, cancel_button.y);
+    EXPECT_EQ(ok.y + ok.height, whole.y + whole.height);
+  });
+  cancel();
+  run(edited);
+}
+
+TEST_F(RemarkDialog, ShrinksAfterARowIsDeleted) {
+  auto height = std::make_shared<int>(0);
+  const auto get_height = [] {
+    int height_now = 0;
+    gtk_window_get_size(top_window(), nullptr, &height_now);
+    return height_now;
+  };
+  on(title, [height, get_height] {
+    *height = get_height();
+    for (int i = 0; i < 3; i++) {
+      add_row(window());
+    }
+  });
+  script.when(
+      "a higher window", [height, get_height] { return get_height() > *height; },
+      [] { gtk_button_clicked(find_button(window(), " - ")); });
+  for (int i = 0; i < 2; i++) {
+    script.then([] { gtk_button_clicked(find_button(window(), " - ")); });
+  }
+  script.when(
+      "the window as it was", [height, get_height] { return get_height() == *height; }, [] {});
+  cancel();
+  run(edited);
+}
+
+// ---- What is refused ----------------------------------------------------------------------------
+
+TEST_F(RemarkDialog, EachMessageHasItsTurn) {
+  fill_in("", "");
+  expect_refusal("Missing a code.");
+  fill_in(" \u00a0 ", "Text");
+  expect_refusal("Missing a code.");
+  on(title, [] { EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Text\n"); });
+  fill_in("b", "");
+  expect_refusal("That code is already taken.");
+  fill_in("c", "  ");
+  expect_refusal("Missing a description.");
+  on(title, [] {
+    enter(window(), 0, "One");
+    add_row(window());
+    enter(window(), 1, "Two");
+    gtk_combo_box_set_active(languages_of(window())[1], 0);
+  });
+  expect_refusal("Each language may only appear once. Language \"en-uk\" appears several times.");
+  on(title, [] {
+    EXPECT_STREQ(gtk_entry_get_text(code_field()), "c");
+    EXPECT_EQ(shown_rows(window()),
+              "English/United Kingdom [en-uk]=One\nEnglish, UK [en-uk]=Two\n");
+    gtk_combo_box_set_active(languages_of(window())[1], 1);
+  });
+  EXPECT_EQ(code_after_ok(), "c");
+  EXPECT_EQ(describe(added->description.get()), "en-uk=One\nsv=Two\n");
+}
+
+TEST_F(RemarkDialog, ATakenCodeIsRefusedWhateverTheDescription) {
+  for (const char *code : {"a1", " a1 ", "b"}) {
+    fill_in(code, "Something else");
+    expect_refusal("That code is already taken.");
+  }
+  cancel();
+  EXPECT_EQ(run(added.get()), 0);
+}
+
+TEST_F(RemarkDialog, AnEditedRemarkCannotTakeAnothersCode) {
+  fill_in("b", "Tear");
+  expect_refusal("That code is already taken.");
+  cancel();
+  EXPECT_EQ(run(edited), 0);
+}
+
+// Neither the code that cannot be read nor anything else is told of.
+TEST_F(RemarkDialog, ACodeThatCannotBeReadKeepsTheWindow) {
+  fill_in("c", "Text");
+  script.then([] { fail_reading_entries(true); });
+  script.click("OK");
+  on(title, [] { fail_reading_entries(false); });
+  EXPECT_EQ(code_after_ok(), "c");
+}
+
+// The field reads, the description's first row does not.
+TEST_F(RemarkDialog, AnUnknownLanguageIsRefused) {
+  added->description = make_langstr({{"pl", "Opis"}});
+  on(title, [] {
+    EXPECT_EQ(shown_rows(window()), "Unknown language [pl]=Opis\n");
+    gtk_entry_set_text(code_field(), "c");
+  });
+  expect_refusal(v_error_message_unknown);
+  cancel();
+  EXPECT_EQ(run(added.get()), 0);
+  EXPECT_EQ(describe(added->description.get()), "pl=Opis\n");
+}
+
+// ---- What is accepted ---------------------------------------------------------------------------
+
+TEST_F(RemarkDialog, TakesBothFieldsOverNormalised) {
+  fill_in("  Cr  15 ", " Flaking \u00a0 \u00e5 ");
+  EXPECT_EQ(code_after_ok(), "Cr 15");
+  EXPECT_EQ(describe(added->description.get()), "en-uk=Flaking \xe5\n");
+  // Its place in the list is the caller's affair.
+  EXPECT_EQ(added->next, nullptr);
+}
+
+TEST_F(RemarkDialog, ItsOwnCodeIsNotTaken) {
+  on(title, [] { enter(window(), 1, "Revor"); });
+  script.click("OK");
+  EXPECT_EQ(run(edited), 1);
+  EXPECT_STREQ(edited->code.get(), "a1");
+  EXPECT_EQ(describe(edited->description.get()), "en-uk=Tear\nsv=Revor\n");
+  EXPECT_EQ(codeset->remarks->head.next, edited);
+}
+
+TEST_F(RemarkDialog, CodesAreComparedByteForByte) {
+  for (const char *code : {"A1", "a01", "a 1", "B", "\u00e51"}) {
+    added = v_remark_new();
+    fill_in(code, "Tear");
+    code_after_ok();
+    EXPECT_STREQ(v_convert_latin1_to_utf8(added->code.get()).get(), code);
+  }
+}
+
+TEST_F(RemarkDialog, WithoutACodesetNoCodeIsTaken) {
+  has_codeset = false;
+  fill_in("a1", "Tear");
+  EXPECT_EQ(code_after_ok(), "a1");
+}
+
+TEST_F(RemarkDialog, CodesAreTakenLiterally) {
+  fill_in("%s%n<&>", "100 % <b>&amp;");
+  EXPECT_EQ(code_after_ok(), "%s%n<&>");
+  EXPECT_EQ(describe(added->description.get()), "en-uk=100 % <b>&amp;\n");
+}
+
+TEST_F(RemarkDialog, EnterIsOkInEveryField) {
+  for (const bool in_code : {true, false}) {
+    added = v_remark_new();
+    fill_in("c", "Text");
+    script.then([in_code] {
+      g_signal_emit_by_name(in_code ? code_field() : rows_of(window())[0], "activate");
+    });
+    EXPECT_EQ(run(added.get()), 1);
+    EXPECT_STREQ(added->code.get(), "c");
+  }
+}
+
+// ---- Leaving ------------------------------------------------------------------------------------
+
+TEST_F(RemarkDialog, LeavingChangesNothing) {
+  const char *code = edited->code.get();
+  const VLangstr *description = edited->description.get();
+  for (const int way : {0, 1, 2}) {
+    on(title, [] {
+      gtk_entry_set_text(code_field(), "z");
+      add_row(window());
+      enter(window(), 0, "Other");
+    });
+    if (way == 0) {
+      cancel();
+    } else if (way == 1) {
+      script.close(title);
+    } else {
+      script.then([] { press_key(GDK_KEY_Escape); });
+    }
+    EXPECT_EQ(run(edited), 0);
+    EXPECT_EQ(edited->code.get(), code);
+    EXPECT_EQ(edited->description.get(), description);
+    EXPECT_STREQ(code, "a1");
+    EXPECT_EQ(describe(description), "en-uk=Tear\nsv=Reva\n");
+  }
+}
+
+// After a refusal as well.
+TEST_F(RemarkDialog, ARefusalChangesNothing) {
+  const char *code = edited->code.get();
+  fill_in("c", "");
+  on(title, [] { enter(window(), 1, ""); });
+  expect_refusal("Missing a description.");
+  cancel();
+  EXPECT_EQ(run(edited), 0);
+  EXPECT_EQ(edited->code.get(), code);
+  EXPECT_EQ(describe(edited->description.get()), "en-uk=Tear\nsv=Reva\n");
+}
+
+TEST_F(RemarkDialog, TheWindowMayGoUnderAMessage) {
+  fill_in("", "");
+  script.click("OK");
+  script.when(
+      "the message", [] { return is_on_top("Error"); },
+      [] { gtk_widget_destroy(GTK_WIDGET(gtk_window_get_transient_for(top_window()))); });
+  EXPECT_EQ(run(added.get()), 0);
+}

@@ -1,0 +1,44 @@
+#pragma once
+// What the editing windows borrow, and the rows of their language-string editors.
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "editor_fixture.h"
+#include "gui/editing/editing_widgets.h"
+#include "gui/window_stack.h"
+#include "support/files.h"
+#include "support/gui_driver.h"
+#include "workspace/workspace.h"
+
+class WindowFixture : public testing::Test {
+protected:
+  WindowFixture();
+
+  VSettings *settings() { return workspace.settings.get(); }
+
+  // Acts once the window with the title has no other over it.
+  void on(const std::string &title, std::function<void()> act);
+
+  TemporaryFolder folder;
+  VWorkspace workspace; // English and Swedish are wanted, in this order
+  OwnedWindowStack window_stack = v_window_stack_new();
+  GuiScript script;
+};
+
+bool is_on_top(const std::string &title);
+bool is_sensitive(const std::string &button_label);
+// Presses and releases the key in the top window.
+void press_key(guint keyval);
+
+// The fields and language choices of the editor at or below the widget, from top to bottom.
+std::vector<GtkEntry *> rows_of(GtkWidget *root);
+std::vector<GtkComboBox *> languages_of(GtkWidget *root);
+// Enters the text (UTF-8) in the row.
+void enter(GtkWidget *root, std::size_t row, const char *text);
+// Adds a row, the only way for a user to do so.
+void add_row(GtkWidget *root);
+// One line per row: language, equals sign, text.
+std::string shown_rows(GtkWidget *root);
