@@ -91,34 +91,48 @@ private:
   xmlExternalEntityLoader external_entity_loader;
 };
 
+// What a reference to a parameter entity costs of maximum_expansion, besides its length. The
+// parser's own guard strikes after some ten thousand of them, and then it never returns.
+constexpr gsize parameter_reference_cost = 10'000;
+
 // The parser refuses entities that expand to too much text, but would follow those that expand to
-// nothing, over and over, for hours. This takes the place of its own look-up and ends the parse
-// after so many references; the context's private field leads to their count.
-template <auto look_up>
-xmlEntity *count_reference(void *context, const xmlChar *name) {
+// nothing, or to comments, for hours. Adds to what the references of a parse have cost, which the
+// context's private field leads to, and ends the parse beyond the limit.
+bool spend_reference(void *context, gsize cost) {
   auto *parser = static_cast<xmlParserCtxt *>(context);
-  gsize &count = *static_cast<gsize *>(parser->_private);
-  if (count <= maximum_expansion) {
-    count++;
-    return look_up(context, name);
+  gsize &spent = *static_cast<gsize *>(parser->_private);
+  spent += cost;
+  if (spent <= maximum_expansion) {
+    return true;
   }
   if (!report) {
     report = v_utf8_string_new("Too many entity references.");
   }
   parser->wellFormed = 0;
   xmlStopParser(parser);
-  return nullptr;
+  return false;
+}
+
+// The two take the place of the parser's own look-ups.
+xmlEntity *look_up_entity(void *context, const xmlChar *name) {
+  return spend_reference(context, 1) ? xmlSAX2GetEntity(context, name) : nullptr;
+}
+
+xmlEntity *look_up_parameter_entity(void *context, const xmlChar *name) {
+  xmlEntity *entity = xmlSAX2GetParameterEntity(context, name);
+  const gsize length = entity == nullptr ? 0 : static_cast<gsize>(entity->length);
+  return spend_reference(context, parameter_reference_cost + length) ? entity : nullptr;
 }
 
 // Runs one of the parser's reading functions on a new context under our settings.
 template <typename Read>
 OwnedXmlDoc parse(Read read) {
   const ParserSettings settings;
-  gsize reference_count = 0;
+  gsize spent = 0;
   const Owned<xmlParserCtxt, xmlFreeParserCtxt> parser(xmlNewParserCtxt());
-  parser->_private = &reference_count;
-  parser->sax->getEntity = count_reference<xmlSAX2GetEntity>;
-  parser->sax->getParameterEntity = count_reference<xmlSAX2GetParameterEntity>;
+  parser->_private = &spent;
+  parser->sax->getEntity = look_up_entity;
+  parser->sax->getParameterEntity = look_up_parameter_entity;
   OwnedXmlDoc document(read(parser.get()));
   if (!document) {
     set_error_from_report();

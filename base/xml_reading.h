@@ -2,9 +2,12 @@
 // XML in: parsing with the parser's own report in the error state, and getters that turn everything
 // missing or malformed into a fixed message. Names are compared without namespaces. Attribute
 // values and text come back in the encoding that the getter's name says; the parser itself works in
-// UTF-8. What the entities and declared defaults of a document add to all its texts is limited to
-// 10,000,000 bytes; what lies beyond counts as unreadable. The document's _private field keeps that
-// count.
+// UTF-8.
+//
+// No file takes the program down by its entities: a document that refers to them ten million times
+// (a thousand times to parameter entities) does not parse, and what entities and declared defaults
+// add to all texts of a document is limited to 10,000,000 bytes; what lies beyond counts as
+// unreadable. The document's _private field keeps that sum.
 
 #include <cstddef>
 

@@ -75,6 +75,7 @@ guint shrunk_signal = 0;
 void add_row_callback(GtkButton *button, VLangstrEditor *editor);
 void delete_row_callback(GtkButton *button, LangstrEditorRow *row);
 void lang_combo_box_text_changed_callback(GtkComboBox *combo, LangstrEditorRow *row);
+gboolean combo_scroll_event_callback(GtkWidget *combo, GdkEvent *event, void *);
 
 // ---- The two kinds of text field ----------------------------------------------------------------
 
@@ -235,6 +236,7 @@ bool add_language_combo(LangstrEditorRow *row, const VLangstr *translation) {
     return false;
   }
   set_spoken_description(GTK_WIDGET(combo), "Language");
+  g_signal_connect(combo, "scroll-event", G_CALLBACK(combo_scroll_event_callback), nullptr);
   const std::vector<OwnedText> languages = format_languages(state->settings);
   for (const OwnedText &language : languages) {
     gtk_combo_box_text_append_text(combo, language.get());
@@ -612,6 +614,13 @@ void delete_row_callback(GtkButton *, LangstrEditorRow *row) {
 // "changed" of a row's combo.
 void lang_combo_box_text_changed_callback(GtkComboBox *, LangstrEditorRow *row) {
   apply_language(row);
+}
+
+// "scroll-event" of a row's combo, which would choose another language for whoever scrolls the
+// window with the pointer over it. The event goes on to the window.
+gboolean combo_scroll_event_callback(GtkWidget *combo, GdkEvent *, void *) {
+  g_signal_stop_emission_by_name(combo, "scroll-event");
+  return GDK_EVENT_PROPAGATE;
 }
 
 // "focus-in-event" of the editor itself: the focus goes on to where the user can type.

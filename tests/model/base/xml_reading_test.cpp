@@ -447,7 +447,7 @@ TEST_F(XmlReading, EntityBombsEndQuickly) {
                                        repeated("&e;", 20'000) + "</a>"},
   };
   for (const char *innermost : {"lol", "", "<b/>", "<!--c-->"}) {
-    for (const auto &[levels, times] : {std::pair{9, 10}, {4, 10}, {30, 2}, {3, 100}}) {
+    for (const auto &[levels, times] : {std::pair{9, 10}, {4, 10}, {30, 2}, {3, 100}, {3, 800}}) {
       const std::string type = "<!DOCTYPE a [" + nested_entities(innermost, levels, times) + "]>";
       const std::string use = "&e" + std::to_string(levels) + ";";
       bombs.emplace_back("nested text", type + "<a>" + use + "</a>");
@@ -456,9 +456,36 @@ TEST_F(XmlReading, EntityBombsEndQuickly) {
                                                "<!ATTLIST a x CDATA '" + use + "'>]><a/>");
     }
   }
+  for (const auto &[levels, times] : {std::pair{9, 10}, {25, 2}, {3, 100}, {3, 800}}) {
+    std::string type = "<!DOCTYPE a [<!ENTITY % p0 ''>";
+    for (int level = 1; level <= levels; level++) {
+      type += "<!ENTITY % p" + std::to_string(level) + " '" +
+              repeated("&#37;p" + std::to_string(level - 1) + ";", times) + "'>";
+    }
+    bombs.emplace_back("nested parameter entities",
+                       type + "%p" + std::to_string(levels) + ";]><a/>");
+  }
+  bombs.emplace_back("large parameter entity", "<!DOCTYPE a [<!ENTITY % p '<!--" + large + "-->'>" +
+                                                   repeated("%p;", 30'000) + "]><a/>");
   for (const auto &[name, bytes] : bombs) {
     write_file(path, bytes);
     EXPECT_LT(seconds_of([&] { read_everything(path); }), 2) << name << bytes.substr(0, 200);
+  }
+}
+
+TEST_F(XmlReading, TooManyReferencesDoNotParse) {
+  EXPECT_EQ(parse("<!DOCTYPE a [" + nested_entities("", 3, 800) + "]><a x='&e3;'/>"), nullptr);
+  EXPECT_THAT(v_error_get(), StartsWith(could_not_parse));
+  EXPECT_EQ(parse("<!DOCTYPE a [<!ENTITY % p ''>" + repeated("%p;", 1'001) + "]><a/>"), nullptr);
+  EXPECT_STREQ(v_error_get(), "Could not parse XML data.\n\nToo many entity references.");
+}
+
+TEST_F(XmlReading, OrdinaryUseOfEntitiesIsNotLimited) {
+  xmlNode *root =
+      root_of("<!DOCTYPE a [<!ENTITY auml '&#xE4;'><!ENTITY % p '<!ENTITY e \"x\">'>" +
+              repeated(" %p; ", 100) + "]><a>" + repeated("<b>&auml;&e;</b>", 100'000) + "</a>");
+  for (xmlNode *child = root->children; child != nullptr; child = child->next) {
+    ASSERT_STREQ(v_xml_get_text_content_as_latin1(document.get(), child).get(), "\xE4x");
   }
 }
 

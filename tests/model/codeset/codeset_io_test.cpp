@@ -425,18 +425,28 @@ TEST_F(CodesetIo, RejectsEntitiesThatGrowWithoutMeasure) {
   }
 }
 
-TEST_F(CodesetIo, EntitiesMayHoldWholeElements) {
-  const std::string head =
-      "<!DOCTYPE codeset [<!ENTITY names \"<name lang='sv'>a</name>text<name lang='de'>b</name>\">"
-      "<!ENTITY remark \"<remark><code>7</code>&description;</remark>\">"
-      "<!ENTITY description \"<description lang='sv'>c</description>\">]>";
+TEST_F(CodesetIo, EntitiesStandForTheirText) {
   const OwnedCodeset codeset = read_bytes(
-      head + codeset_xml("&names;text&remark;&names;<remark><code>8</code>&description;</remark>"));
+      "<!DOCTYPE codeset [<!ENTITY inner ' b '><!ENTITY e '&inner;c'><!ENTITY tag 'sv-fi'>]>" +
+      codeset_xml("<name lang='&tag;'>a&e;</name><version>&e;</version><remark><code>&e;&e;</code>"
+                  "<description lang=''>&e;<![CDATA[<d>]]></description></remark>"));
   ASSERT_NE(codeset, nullptr) << v_error_get();
-  EXPECT_EQ(translations_of(codeset->name), (Translations{{"sv", "a"}, {"de", "b"}}));
-  EXPECT_EQ(remarks_of(codeset->remarks), (Remarks{{"7", {{"sv", "c"}}}, {"8", {{"sv", "c"}}}}));
-  EXPECT_EQ(message_of(head + codeset_xml("&names;&remark;&remark;")),
-            "Error parsing codeset file.\n\nDuplicate remark codes.");
+  EXPECT_EQ(translations_of(codeset->name), (Translations{{"sv-fi", "a b c"}}));
+  EXPECT_STREQ(codeset->version.get(), "b c");
+  EXPECT_EQ(remarks_of(codeset->remarks), (Remarks{{"b c b c", {{"", "b c<d>"}}}}));
+}
+
+TEST_F(CodesetIo, EntitiesNamedLikeElementsDoNoHarm) {
+  const std::string head =
+      "<!DOCTYPE codeset ["
+      "<!ENTITY remark \"<remark><code>7</code><description lang='sv'>c</description></remark>\">"
+      "<!ENTITY code '7'><!ENTITY description 'x'><!ENTITY name 'n'><!ENTITY version 'v'>]>";
+  for (const std::string &content :
+       {a_name + std::string("&remark;"), a_name + std::string("&remark;&remark;"),
+        a_name + std::string("<remark>&code;&description;</remark>"),
+        a_name + std::string("&version;&name;&code;"), std::string("&name;") + a_remark}) {
+    EXPECT_THAT(message_of(head + codeset_xml(content)), StartsWith("Error parsing codeset file."));
+  }
 }
 
 TEST_F(CodesetIo, OtherNodesThatAreNamedLikeElementsDoNoHarm) {

@@ -554,7 +554,7 @@ TEST_F(EditingWindow, EachCheckOfASaveHasItsTurn) {
     EXPECT_FALSE(path_exists(path()));
     EXPECT_EQ(shown_rows(name_editor()), "English/United Kingdom [en-uk]=N\nSwedish [sv]=M\n");
     EXPECT_EQ(shown_rows(author_editor()),
-              "English/United Kingdom [en-uk]=One\nEnglish, UK [en-uk]=Two\n");
+              "English/United Kingdom [en-uk]=One\nEnglish/United Kingdom [en-uk]=Two\n");
     enter(author_editor(), 1, "");
   });
   script.click("Save codeset");

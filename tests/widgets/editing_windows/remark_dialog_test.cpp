@@ -186,7 +186,7 @@ TEST_F(RemarkDialog, EachMessageHasItsTurn) {
   on(title, [] {
     EXPECT_STREQ(gtk_entry_get_text(code_field()), "c");
     EXPECT_EQ(shown_rows(window()),
-              "English/United Kingdom [en-uk]=One\nEnglish, UK [en-uk]=Two\n");
+              "English/United Kingdom [en-uk]=One\nEnglish/United Kingdom [en-uk]=Two\n");
     gtk_combo_box_set_active(languages_of(window())[1], 1);
   });
   EXPECT_EQ(code_after_ok(), "c");

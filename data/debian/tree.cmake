@@ -1,0 +1,19 @@
+# Run by CPack on the installed tree before it is packed: what Debian wants otherwise than an
+# installation by hand.
+set(root ${CPACK_TEMPORARY_DIRECTORY}${CPACK_PACKAGING_INSTALL_PREFIX})
+set(documents ${root}/share/doc/${CPACK_PACKAGE_NAME})
+
+# The package of the view font is depended on: one copy of the font, under its own licence, is enough.
+set(font LiberationSans-Bold.ttf)
+file(REMOVE_RECURSE ${root}/lib/vantorelle/fonts)
+file(MAKE_DIRECTORY ${root}/lib/vantorelle/fonts)
+file(CREATE_LINK
+  ../../../share/fonts/truetype/liberation/${font} ${root}/lib/vantorelle/fonts/${font} SYMBOLIC)
+
+file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/changelog ${documents}/changelog.Debian)
+file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/copyright ${documents}/copyright)
+file(REMOVE ${documents}/LICENSE)
+
+file(GLOB compressed ${root}/share/man/man1/*.1 ${documents}/changelog ${documents}/changelog.Debian)
+file(CHMOD ${compressed} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+execute_process(COMMAND gzip -9n ${compressed} COMMAND_ERROR_IS_FATAL ANY)

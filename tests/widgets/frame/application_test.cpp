@@ -1,0 +1,292 @@
+#include "app/application.h"
+
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/startup.h"
+#include "base/error.h"
+#include "support/environment.h"
+#include "support/gui_driver.h"
+#include "system_folders.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr const char *application_id = "org.vantorelle.Test";
+constexpr const char *font_message = "Startup failed.\n\nCouldn't open required fonts.";
+
+// What the tool does and what has been asked of it.
+std::function<void()> tool;
+std::vector<std::string> calls;
+bool has_reactivate_callback = false;
+
+void run(int argc, char **argv) {
+  std::string call = "run";
+  for (int i = 0; i < argc; i++) {
+    call += std::string(" ") + argv[i];
+  }
+  calls.push_back(call);
+  if (tool) {
+    tool();
+  }
+}
+
+void reactivate(GtkApplication *application, ApplicationConfiguration *configuration) {
+  EXPECT_EQ(G_APPLICATION(application), g_application_get_default());
+  EXPECT_EQ(configuration->run, run);
+  calls.emplace_back("reactivate");
+}
+
+int start(std::vector<std::string> arguments = {"program"}) {
+  std::vector<char *> argv;
+  for (std::string &argument : arguments) {
+    argv.push_back(argument.data());
+  }
+  argv.push_back(nullptr);
+  return v_main(static_cast<int>(arguments.size()), argv.data());
+}
+
+void activate() { g_application_activate(g_application_get_default()); }
+
+void expect_everything_released() {
+  EXPECT_EQ(v_get_checkbox_icon_image(0), nullptr);
+  EXPECT_EQ(v_get_checkbox_icon_image(1), nullptr);
+  EXPECT_EQ(v_get_text_tab_menu_icon_image(), nullptr);
+  EXPECT_EQ(v_get_view_font_face(), nullptr);
+}
+
+void write_temp_file(const SystemFolders &system, const std::string &name) {
+  write_file(system.temp_files_folder / name, "printed");
+}
+
+// The frame's state is the process's, and lasts as long: each test has a process of its own.
+void in_own_process(const std::function<void(SystemFolders &, GuiScript &)> &test) {
+  const auto run_test = [&test] {
+    SystemFolders system;
+    GuiScript script;
+    test(system, script);
+  };
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        run_test();
+        std::exit(testing::Test::HasFailure() ? 1 : 0);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+// Start-up fails with the message, and the tool does not run.
+void expect_failed_start(GuiScript &script, const std::string &message) {
+  script.when(
+      "the message", [] { return top_window() != nullptr; },
+      [] {
+        EXPECT_EQ(shown_windows().size(), 1U);
+        EXPECT_EQ(gtk_window_get_transient_for(top_window()), nullptr);
+      });
+  script.answer("Error", message, "Close");
+  EXPECT_EQ(start(), 0);
+  EXPECT_THAT(calls, IsEmpty());
+  expect_everything_released();
+}
+
+} // namespace
+
+void v_init_application_configuration(ApplicationConfiguration *configuration) {
+  configuration->application_id = application_id;
+  configuration->run = run;
+  configuration->reactivate = has_reactivate_callback ? reactivate : nullptr;
+}
+
+// ---- A start that succeeds ----------------------------------------------------------------------
+
+TEST(Application, RunsTheToolOnceWithEverythingLoaded) {
+  in_own_process([](const SystemFolders &system, GuiScript &) {
+    system.install_font();
+    expect_everything_released();
+    tool = [] {
+      EXPECT_NE(v_get_checkbox_icon_image(0), nullptr);
+      EXPECT_NE(v_get_checkbox_icon_image(1), nullptr);
+      EXPECT_NE(v_get_text_tab_menu_icon_image(), nullptr);
+      EXPECT_NE(v_get_view_font_face(), nullptr);
+      GApplication *application = g_application_get_default();
+      EXPECT_STREQ(g_application_get_application_id(application), application_id);
+      EXPECT_EQ(g_application_get_flags(application), 40);
+      EXPECT_NE(gtk_application_get_app_menu(GTK_APPLICATION(application)), nullptr);
+    };
+    EXPECT_EQ(start(), 0);
+    EXPECT_THAT(calls, ElementsAre("run program"));
+    expect_everything_released();
+  });
+}
+
+// The toolkit would know some of them.
+TEST(Application, ArgumentsAreTheToolsAlone) {
+  in_own_process([](const SystemFolders &system, GuiScript &) {
+    system.install_font();
+    EXPECT_EQ(start({"program", "--help", "--display=:77", "--gapplication-service", "%s", ""}), 0);
+    EXPECT_THAT(calls, ElementsAre("run program --help --display=:77 --gapplication-service %s "));
+  });
+}
+
+TEST(Application, TheThemeIsAlwaysTheSame) {
+  in_own_process([](const SystemFolders &system, GuiScript &) {
+    const EnvironmentVariable theme("GTK_THEME", "HighContrast");
+    system.install_font();
+    tool = [] { EXPECT_STREQ(std::getenv("GTK_THEME"), "Adwaita"); };
+    EXPECT_EQ(start(), 0);
+    EXPECT_EQ(calls.size(), 1U);
+  });
+}
+
+TEST(Application, AFurtherActivationDoesNotRunTheToolAgain) {
+  in_own_process([](const SystemFolders &system, GuiScript &) {
+    system.install_font();
+    tool = activate;
+    EXPECT_EQ(start(), 0);
+    EXPECT_THAT(calls, ElementsAre("run program"));
+  });
+}
+
+TEST(Application, AFurtherActivationIsTheToolsToAnswer) {
+  in_own_process([](const SystemFolders &system, GuiScript &) {
+    system.install_font();
+    has_reactivate_callback = true;
+    tool = [] {
+      activate();
+      activate();
+    };
+    EXPECT_EQ(start(), 0);
+    EXPECT_THAT(calls, ElementsAre("run program", "reactivate", "reactivate"));
+  });
+}
+
+TEST(Application, ADenseScreenIsHalvedOnce) {
+  in_own_process([](const SystemFolders &system, GuiScript &) {
+    system.install_font();
+    gdk_screen_set_resolution(gdk_screen_get_default(), 288);
+    tool = [] {
+      EXPECT_DOUBLE_EQ(gdk_screen_get_resolution(gdk_screen_get_default()), 144);
+      activate();
+      EXPECT_DOUBLE_EQ(gdk_screen_get_resolution(gdk_screen_get_default()), 144);
+    };
+    EXPECT_EQ(start(), 0);
+    EXPECT_EQ(calls.size(), 1U);
+  });
+}
+
+TEST(Application, StaleTemporaryFilesAreGoneBeforeTheToolRuns) {
+  in_own_process([](SystemFolders &system, GuiScript &) {
+    system.install_font();
+    const std::string executable = system.install_folder / "running";
+    write_file(executable, std::string(123, 'x'));
+    fake_platform.exe_paths[4711] = executable;
+    for (const char *name :
+         {"vantorelle-999999.123.out", "vantorelle-4711.122.odt", "vantorelle-4711.123.odt",
+          "vantorelle-12.34.txt", "vantorelle-12.out", "vantorelle-a.1.out"}) {
+      write_temp_file(system, name);
+    }
+    tool = [&system] {
+      EXPECT_THAT(list_folder(system.temp_files_folder.path()),
+                  ElementsAre("vantorelle-12.34.txt", "vantorelle-12.out",
+                              "vantorelle-4711.123.odt", "vantorelle-a.1.out"));
+    };
+    EXPECT_EQ(start(), 0);
+    EXPECT_EQ(calls.size(), 1U);
+  });
+}
+
+// ---- A start that fails -------------------------------------------------------------------------
+
+TEST(Application, AMissingFontIsToldOf) {
+  in_own_process(
+      [](const SystemFolders &, GuiScript &script) { expect_failed_start(script, font_message); });
+}
+
+TEST(Application, AMissingTemporaryFolderIsToldOfBeforeAnythingElse) {
+  in_own_process([](const SystemFolders &system, GuiScript &script) {
+    fake_platform.temp_files_folder = system.temp_files_folder / "missing";
+    expect_failed_start(script, "Startup failed.\n\nCouldn't clean up temp files.\n\n"
+                                "Couldn't open temp files folder.\n\nCannot open folder.\n\n"
+                                "Error 2: No such file or directory");
+  });
+}
+
+TEST(Application, AnUnknownTemporaryFolderIsToldOf) {
+  in_own_process([](const SystemFolders &, GuiScript &script) {
+    fake_platform.temp_files_folder.reset();
+    expect_failed_start(script, "Startup failed.\n\nCouldn't clean up temp files.");
+  });
+}
+
+TEST(Application, AnUnknownInstallFolderIsToldOf) {
+  in_own_process([](const SystemFolders &, GuiScript &script) {
+    fake_platform.install_folder.reset();
+    expect_failed_start(script, "Startup failed.\n\nCouldn't find required fonts.\n\n"
+                                "Error getting exe path from system.");
+  });
+}
+
+// Its Close button, or the window manager's.
+TEST(Application, TheMessageOfAFailedStartCanBeDismissed) {
+  in_own_process([](const SystemFolders &, GuiScript &script) {
+    script.dismiss("Error", font_message);
+    EXPECT_EQ(start(), 0);
+    EXPECT_THAT(calls, IsEmpty());
+  });
+}
+
+TEST(Application, EveryActivationTellsOfAFailedStart) {
+  in_own_process([](const SystemFolders &system, GuiScript &script) {
+    script.when(
+        "the first message", [] { return top_window() != nullptr; },
+        [&system] {
+          // What is missing is looked for at the start alone.
+          system.install_font();
+          activate();
+        });
+    script.when(
+        "the second message", [] { return shown_windows().size() == 2; },
+        [] {
+          for (GtkWindow *window : shown_windows()) {
+            EXPECT_THAT(message_of(window), testing::HasSubstr(font_message));
+            gtk_dialog_response(GTK_DIALOG(window), GTK_RESPONSE_CLOSE);
+          }
+        });
+    EXPECT_EQ(start(), 0);
+    EXPECT_THAT(calls, IsEmpty());
+  });
+}
+
+// ---- Single handlers ----------------------------------------------------------------------------
+
+TEST(Application, ShutdownMayFindNothingStarted) {
+  in_own_process([](const SystemFolders &, GuiScript &) {
+    app_shutdown_callback(nullptr, nullptr);
+    app_shutdown_callback(nullptr, nullptr);
+    expect_everything_released();
+  });
+}
+
+// The start-up itself shows nothing.
+TEST(Application, AFailedStartUpIsSilentUntilTheActivation) {
+  in_own_process([](const SystemFolders &, GuiScript &) {
+    const EnvironmentVariable theme("GTK_THEME", nullptr);
+    ApplicationConfiguration configuration;
+    v_init_application_configuration(&configuration);
+    GtkApplication *application = gtk_application_new(application_id, G_APPLICATION_NON_UNIQUE);
+    g_application_register(G_APPLICATION(application), nullptr, nullptr);
+    app_startup_callback(application, &configuration);
+    EXPECT_EQ(top_window(), nullptr);
+    EXPECT_STREQ(v_error_get(), "Couldn't open required fonts.");
+    app_shutdown_callback(application, &configuration);
+    expect_everything_released();
+    g_object_unref(application);
+  });
+}
