@@ -1,6 +1,8 @@
 #include "base/xml_writing.h"
 
 #include <cstdarg>
+#include <cstddef>
+#include <cstring>
 #include <memory>
 #include <utility>
 
@@ -23,7 +25,8 @@ xmlNode *or_fail(xmlNode *node, const char *message) {
   return node;
 }
 
-// null for a byte that is written as it is.
+constexpr const char *escaped_bytes = "&\"'<>\n\t\r";
+
 const char *escape(char byte) {
   switch (byte) {
   case '&':
@@ -40,10 +43,8 @@ const char *escape(char byte) {
     return "&#xA;";
   case '\t':
     return "&#x9;";
-  case '\r':
+  default: // '\r'
     return "&#xD;&#x9;";
-  default:
-    return nullptr;
   }
 }
 
@@ -203,29 +204,38 @@ OwnedText v_xml_latin1_to_xml(const char *latin1_text) {
   if (latin1_text == nullptr) {
     return nullptr;
   }
-  OwnedLatin1String escaped = v_latin1_string_new(nullptr);
-  for (const char *byte = latin1_text; *byte != '\0'; byte++) {
-    if (const char *reference = escape(*byte)) {
-      v_latin1_string_append(escaped.get(), reference);
-    } else {
-      v_latin1_string_append_byte(escaped.get(), *byte);
+  std::string xml;
+  v_xml_append_string(xml, latin1_text);
+  return copy_text(xml.c_str());
+}
+
+void v_xml_append_string(std::string &xml, const char *latin1_text) {
+  for (;;) {
+    const std::size_t plain = std::strcspn(latin1_text, escaped_bytes);
+    xml.append(latin1_text, plain);
+    latin1_text += plain;
+    if (*latin1_text == '\0') {
+      return;
     }
+    xml += escape(*latin1_text++);
   }
-  return v_latin1_string_free(std::move(escaped), false);
+}
+
+bool v_xml_write_xml(std::FILE *stream, const std::string &xml) {
+  if (std::fwrite(xml.data(), 1, xml.size(), stream) != xml.size()) {
+    v_error_set_file_io_writing();
+    return false;
+  }
+  return true;
 }
 
 bool v_xml_write_string(std::FILE *stream, const char *latin1_text) {
   const OwnedText escaped = v_xml_latin1_to_xml(latin1_text);
-  return !escaped || v_util_fprintf(stream, "%s", escaped.get());
+  return !escaped || v_xml_write_xml(stream, escaped.get());
 }
 
 bool v_xml_write_tabs(std::FILE *stream, int n) {
-  for (int i = 0; i < n; i++) {
-    if (!v_util_fprintf(stream, "\t")) {
-      return false;
-    }
-  }
-  return true;
+  return n < 1 || v_xml_write_xml(stream, std::string(static_cast<std::size_t>(n), '\t'));
 }
 
 bool v_util_fprintf(std::FILE *stream, const char *format, ...) {

@@ -22,7 +22,8 @@ set(CPACK_DEBIAN_PACKAGE_SECTION editors)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://vantorelle.org/)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS fonts-liberation)
+# The toolkit draws its symbols from SVG, which is a recommendation to it and a need here.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-liberation, librsvg2-common")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
   "hunspell-en-gb, hunspell-en-us, hunspell-sv, hunspell-de-de, hunspell-fr")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)

@@ -63,28 +63,37 @@ bool read_codeset(VCodeset *codeset, xmlDoc *document, xmlNode *root) {
          finish_remarks(codeset->remarks.get(), all_are_read);
 }
 
-bool write_head(std::FILE *file, const VCodeset *codeset) {
-  return v_util_fprintf(file, "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n\n<codeset>\n\n") &&
-         v_xml_write_langstr(file, codeset->name.get(), "name", 1) &&
-         v_xml_write_langstr(file, codeset->author.get(), "author", 1);
-}
-
-bool write_version(std::FILE *file, const char *version) {
-  return version == nullptr ||
-         (v_util_fprintf(file, "\t<version>") && v_xml_write_string(file, version) &&
-          v_util_fprintf(file, "</version>\n"));
+void append_head(std::string &xml, const VCodeset *codeset) {
+  xml += "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n\n<codeset>\n\n";
+  v_xml_append_langstr(xml, codeset->name.get(), "name", 1);
+  v_xml_append_langstr(xml, codeset->author.get(), "author", 1);
+  if (codeset->version) {
+    xml += "\t<version>";
+    v_xml_append_string(xml, codeset->version.get());
+    xml += "</version>\n";
+  }
 }
 
 // The code goes out unescaped. This is meant: other tools of the suite write and compare it so.
-bool write_remark(std::FILE *file, const VRemark *remark) {
-  return v_util_fprintf(file, "\n\t<remark>\n\t\t<code>%s</code>\n", remark->code.get()) &&
-         v_xml_write_langstr(file, remark->description.get(), "description", 2) &&
-         v_util_fprintf(file, "\t</remark>\n");
+void append_remark(std::string &xml, const VRemark *remark) {
+  xml.append("\n\t<remark>\n\t\t<code>").append(remark->code.get()).append("</code>\n");
+  v_xml_append_langstr(xml, remark->description.get(), "description", 2);
+  xml += "\t</remark>\n";
 }
 
+bool write_head(std::FILE *file, const VCodeset *codeset) {
+  std::string xml;
+  append_head(xml, codeset);
+  return v_xml_write_xml(file, xml);
+}
+
+// One remark at a time in the same memory.
 bool write_remarks(std::FILE *file, const VRemarkList *list) {
+  std::string xml;
   for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-    if (!write_remark(file, remark)) {
+    xml.clear();
+    append_remark(xml, remark);
+    if (!v_xml_write_xml(file, xml)) {
       return false;
     }
   }
@@ -101,9 +110,8 @@ bool flush(std::FILE *file) {
 }
 
 bool write_codeset(std::FILE *file, const VCodeset *codeset) {
-  return write_head(file, codeset) && write_version(file, codeset->version.get()) &&
-         write_remarks(file, codeset->remarks.get()) && v_util_fprintf(file, "\n</codeset>\n") &&
-         flush(file);
+  return write_head(file, codeset) && write_remarks(file, codeset->remarks.get()) &&
+         v_util_fprintf(file, "\n</codeset>\n") && flush(file);
 }
 
 } // namespace

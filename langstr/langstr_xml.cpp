@@ -1,5 +1,7 @@
 #include "langstr/langstr_xml.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "base/error.h"
@@ -102,17 +104,21 @@ bool v_xml_collect_langstr_translation(VLangstrCollection &collection, xmlDoc *d
   return true;
 }
 
+void v_xml_append_langstr(std::string &xml, const VLangstr *langstr, const char *element_name,
+                          int depth) {
+  for (const VLangstr *t = langstr; t != nullptr; t = t->next.get()) {
+    xml.append(static_cast<std::size_t>(std::max(depth, 0)), '\t');
+    xml.append("<").append(element_name).append(" lang=\"").append(t->lang.get()).append("\">");
+    v_xml_append_string(xml, t->text.get());
+    xml.append("</").append(element_name).append(">\n");
+  }
+}
+
 bool v_xml_write_langstr(std::FILE *stream, const VLangstr *langstr, const char *element_name,
                          int depth) {
-  for (const VLangstr *t = langstr; t != nullptr; t = t->next.get()) {
-    if (!v_xml_write_tabs(stream, depth) ||
-        !v_util_fprintf(stream, "<%s lang=\"%s\">", element_name, t->lang.get()) ||
-        !v_xml_write_string(stream, t->text.get()) ||
-        !v_util_fprintf(stream, "</%s>\n", element_name)) {
-      return false;
-    }
-  }
-  return true;
+  std::string xml;
+  v_xml_append_langstr(xml, langstr, element_name, depth);
+  return v_xml_write_xml(stream, xml);
 }
 
 bool v_xml_add_langstr(xmlNode *parent, const VLangstr *langstr, const char *element_name) {

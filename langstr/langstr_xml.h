@@ -3,6 +3,7 @@
 // translation, each with the attribute "lang" and the text as content.
 
 #include <cstdio>
+#include <string>
 
 #include <libxml/tree.h>
 
@@ -31,7 +32,10 @@ bool v_xml_collect_langstr_translation(VLangstrCollection &collection, xmlDoc *d
                                        const xmlNode *element, LangTag lang_tag,
                                        LangstrSpacing spacing);
 
-// Writes one line per translation, indented by depth tabs, in ISO-8859-1. False with "File I/O
+// Appends one line per translation, indented by depth tabs, in ISO-8859-1.
+void v_xml_append_langstr(std::string &xml, const VLangstr *langstr, const char *element_name,
+                          int depth);
+// Writes the same. False with "File I/O
 // error when writing to file."; what was written stays.
 bool v_xml_write_langstr(std::FILE *stream, const VLangstr *langstr, const char *element_name,
                          int depth);

@@ -2,6 +2,7 @@
 # installation by hand.
 set(root ${CPACK_TEMPORARY_DIRECTORY}${CPACK_PACKAGING_INSTALL_PREFIX})
 set(documents ${root}/share/doc/${CPACK_PACKAGE_NAME})
+set(overrides ${root}/share/lintian/overrides)
 
 # The package of the view font is depended on: one copy of the font, under its own licence, is enough.
 set(font LiberationSans-Bold.ttf)
@@ -10,10 +11,14 @@ file(MAKE_DIRECTORY ${root}/lib/vantorelle/fonts)
 file(CREATE_LINK
   ../../../share/fonts/truetype/liberation/${font} ${root}/lib/vantorelle/fonts/${font} SYMBOLIC)
 
-file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/changelog ${documents}/changelog.Debian)
+file(MAKE_DIRECTORY ${overrides})
+file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/lintian-overrides ${overrides}/${CPACK_PACKAGE_NAME})
 file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/copyright ${documents}/copyright)
+file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/changelog ${documents}/changelog.Debian)
 file(REMOVE ${documents}/LICENSE)
 
 file(GLOB compressed ${root}/share/man/man1/*.1 ${documents}/changelog ${documents}/changelog.Debian)
-file(CHMOD ${compressed} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 execute_process(COMMAND gzip -9n ${compressed} COMMAND_ERROR_IS_FATAL ANY)
+
+# Folders and copies made here, whatever the builder's umask is.
+execute_process(COMMAND chmod -R u=rwX,go=rX ${root} COMMAND_ERROR_IS_FATAL ANY)

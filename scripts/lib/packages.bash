@@ -44,6 +44,15 @@ test    x11-utils
 test    xdotool
 test    xclip
 test    imagemagick
+test    appstream
+test    desktop-file-utils
+test    icnsutils
+test    mandoc
+test    shared-mime-info
+package dpkg-dev
+package file
+package lintian
+package debootstrap
 test    hunspell
 test    hunspell-es
 test    hunspell-nl

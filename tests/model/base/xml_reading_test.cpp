@@ -1,9 +1,8 @@
 #include "base/xml_reading.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cmath>
 #include <cstring>
+#include <ctime>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -70,11 +69,15 @@ protected:
   OwnedXmlDoc document;
 };
 
+// Of the processor, not of the clock on the wall: other tests run at the same time.
 double seconds_of(const std::function<void()> &action) {
-  const auto start = std::chrono::steady_clock::now();
+  const std::clock_t start = std::clock();
   action();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
+
+// A second or so on any machine; what goes wrong here takes minutes to hours.
+constexpr double soon = 6;
 
 std::string repeated(const std::string &text, int count) {
   std::string all;
@@ -119,7 +122,7 @@ TEST_F(XmlReading, MemoryParsesAsFilesDo) {
   EXPECT_STREQ(
       v_xml_get_text_content_as_utf8(document.get(), xmlDocGetRootElement(document.get())).get(),
       "text");
-  for (const std::string bad : {" ", "<a>", "<a>%s</b>"}) {
+  for (const std::string bad : {"", " ", "<a>", "<a>%s</b>"}) {
     EXPECT_EQ(parse(bad), nullptr);
     const std::string message = v_error_get();
     v_error_clear();
@@ -159,7 +162,7 @@ TEST_F(XmlReading, ReportsAreCutAfterFifteenLines) {
 }
 
 TEST_F(XmlReading, AMillionFaultsAreNotCollected) {
-  EXPECT_LT(seconds_of([&] { parse("<a>" + repeated("<b c=d d=e>&x;", 200'000)); }), 2);
+  EXPECT_LT(seconds_of([&] { parse("<a>" + repeated("<b c=d d=e>&x;", 200'000)); }), soon);
   EXPECT_EQ(document, nullptr);
   EXPECT_LT(std::strlen(v_error_get()), 10'000u);
 }
@@ -190,10 +193,6 @@ TEST_F(XmlReading, SilentFailureIsAnUnknownError) {
   xmlSetStructuredErrorFunc(nullptr, [](void *, xmlError *) {});
   EXPECT_EQ(parse("<a>"), nullptr);
   xmlSetStructuredErrorFunc(nullptr, nullptr);
-  EXPECT_STREQ(v_error_get(), "Could not parse XML data.\n\nUnknown XML error.");
-  // Of no bytes at all in memory the parser says nothing by itself.
-  v_error_clear();
-  EXPECT_EQ(v_xml_parse_memory("", 0), nullptr);
   EXPECT_STREQ(v_error_get(), "Could not parse XML data.\n\nUnknown XML error.");
 }
 
@@ -447,7 +446,7 @@ TEST_F(XmlReading, EntityBombsEndQuickly) {
                                        repeated("&e;", 20'000) + "</a>"},
   };
   for (const char *innermost : {"lol", "", "<b/>", "<!--c-->"}) {
-    for (const auto &[levels, times] : {std::pair{9, 10}, {4, 10}, {30, 2}, {3, 100}, {3, 800}}) {
+    for (const auto &[levels, times] : {std::pair{9, 10}, {4, 10}, {30, 2}, {3, 100}, {3, 2000}}) {
       const std::string type = "<!DOCTYPE a [" + nested_entities(innermost, levels, times) + "]>";
       const std::string use = "&e" + std::to_string(levels) + ";";
       bombs.emplace_back("nested text", type + "<a>" + use + "</a>");
@@ -469,7 +468,7 @@ TEST_F(XmlReading, EntityBombsEndQuickly) {
                                                    repeated("%p;", 30'000) + "]><a/>");
   for (const auto &[name, bytes] : bombs) {
     write_file(path, bytes);
-    EXPECT_LT(seconds_of([&] { read_everything(path); }), 2) << name << bytes.substr(0, 200);
+    EXPECT_LT(seconds_of([&] { read_everything(path); }), soon) << name << bytes.substr(0, 200);
   }
 }
 
@@ -481,9 +480,9 @@ TEST_F(XmlReading, TooManyReferencesDoNotParse) {
 }
 
 TEST_F(XmlReading, OrdinaryUseOfEntitiesIsNotLimited) {
-  xmlNode *root =
-      root_of("<!DOCTYPE a [<!ENTITY auml '&#xE4;'><!ENTITY % p '<!ENTITY e \"x\">'>" +
-              repeated(" %p; ", 100) + "]><a>" + repeated("<b>&auml;&e;</b>", 100'000) + "</a>");
+  xmlNode *root = root_of("<!DOCTYPE a [<!ENTITY auml '&#xE4;'><!ENTITY % n ''>" +
+                          repeated("%n;", 100) + "<!ENTITY % p '<!ENTITY e \"x\">'>%p;]><a>" +
+                          repeated("<b>&auml;&e;</b>", 100'000) + "</a>");
   for (xmlNode *child = root->children; child != nullptr; child = child->next) {
     ASSERT_STREQ(v_xml_get_text_content_as_latin1(document.get(), child).get(), "\xE4x");
   }
@@ -502,7 +501,7 @@ TEST_F(XmlReading, EntityLoopsEnd) {
                  " [<!ENTITY e '1&f;2'><!ATTLIST a x CDATA '&e;'><!ENTITY f '3&e;4'>]><a/>",
          }) {
       write_file(path, bytes);
-      EXPECT_LT(seconds_of([&] { read_everything(path); }), 2) << bytes;
+      EXPECT_LT(seconds_of([&] { read_everything(path); }), soon) << bytes;
     }
   }
 }

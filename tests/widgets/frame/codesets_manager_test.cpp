@@ -13,7 +13,7 @@ constexpr const char *main_title = "Vantorelle Remark Codesets Manager 3.2.3";
 
 constexpr const char *paper =
     "<codeset><name lang='en-uk'>100%s &lt;b&gt; &amp; &#229;</name><name lang='sv'>Papper</name>"
-    "<author>Anna</author><version>1.2</version>"
+    "<author lang='sv'>Anna</author><version>1.2</version>"
     "<remark><code>1</code><description lang='sv'>Reva</description></remark></codeset>";
 
 bool is_on_top(const std::string &title) {

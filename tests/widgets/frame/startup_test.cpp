@@ -72,11 +72,6 @@ TEST_F(Startup, IconsLastFromLoadingToRelease) {
   EXPECT_EQ(v_get_text_tab_menu_icon_image(), nullptr);
 }
 
-TEST_F(Startup, IconsNeedTheResources) {
-  EXPECT_FALSE(v_startup_load_icons());
-  EXPECT_EQ(std::string(v_error_get()).find("Could not load image resource."), 0U) << v_error_get();
-}
-
 // ---- The view font ------------------------------------------------------------------------------
 
 TEST_F(Startup, TheViewFontLastsFromLoadingToRelease) {

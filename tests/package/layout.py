@@ -1,0 +1,73 @@
+"""What lies below the prefix of an installation, and the program as it is met there."""
+
+import os
+import pathlib
+import sys
+
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(SOURCE / "tests" / "journeys"))
+
+from support import Journey, main  # noqa: E402  (found only now)
+
+__all__ = [
+    "APPLICATION", "ICON_SIZES", "MAIN_WINDOW", "MEDIA_TYPE_ICON", "PROGRAM", "SOURCE", "InstalledProgramJourney", "delivered",
+    "files_below", "installed_files", "main",
+]
+
+PROGRAM = "vantorelle-remark-codesets-manager"
+APPLICATION = "org.vantorelle.VantorelleRemarkCodesetsManager"
+MEDIA_TYPE_ICON = "application-x-vantorelle-codeset"
+MAIN_WINDOW = "Vantorelle Remark Codesets Manager 3.2.3"
+ICON_SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
+
+
+def delivered():
+    """What lies beside the executable, apart from the fonts."""
+    return {
+        f"{kind}s/{path.name}" for kind in ("codeset", "layout", "template") for path in (SOURCE / "data" / f"{kind}s").glob(f"*.{kind}")
+    }
+
+
+def installed_files():
+    """Every file and link that an installation has below its prefix."""
+    files = {f"bin/{PROGRAM}", f"lib/vantorelle/{PROGRAM}"}
+    files |= {f"lib/vantorelle/{name}" for name in delivered()}
+    files |= {f"lib/vantorelle/fonts/{name}" for name in ("LiberationSans-Bold.ttf", "copyright", "GPL-2")}
+    files |= {
+        f"share/applications/{APPLICATION}.desktop", f"share/metainfo/{APPLICATION}.metainfo.xml",
+        "share/mime/packages/vantorelle-codeset.xml", f"share/man/man1/{PROGRAM}.1", f"share/doc/{PROGRAM}/LICENSE",
+    }
+    if (SOURCE / "CHANGELOG.md").exists():
+        files.add(f"share/doc/{PROGRAM}/changelog")
+    for context, icon in (("apps", APPLICATION), ("mimetypes", MEDIA_TYPE_ICON)):
+        files.add(f"share/icons/hicolor/scalable/{context}/{icon}.svg")
+        files |= {f"share/icons/hicolor/{size}x{size}/{context}/{icon}.png" for size in ICON_SIZES}
+    return files
+
+
+def files_below(folder):
+    return {
+        os.path.relpath(os.path.join(path, name), folder) for path, folders, files in os.walk(folder)
+        for name in files + [name for name in folders if os.path.islink(os.path.join(path, name))]
+    }
+
+
+class InstalledProgramJourney(Journey):
+    def use(self, folder, lists_from, **environment):
+        """Starts the program that the folder has, has a workspace made, and ends it. What is delivered must come from the folder
+        `lists_from`."""
+        program = self.start_program(stage=folder, **environment)
+        assistant = program.window("Vantorelle Workspace Setup")
+        assistant.button("Next").click()
+        assistant.button("Apply").click()
+        assistant.button("Close").click()
+        assistant.expect_closed()
+        window = program.window(MAIN_WINDOW)
+        codesets = sorted((SOURCE / "data" / "codesets").glob("*.codeset"))
+        self.assertEqual(len(window.list().texts()), len(codesets))
+        for name in delivered():
+            received = (self.home / "Vantorelle Workspace" / name).read_bytes()
+            self.assertEqual(received, (lists_from / name).read_bytes(), name)
+            self.assertEqual(received, (SOURCE / "data" / name).read_bytes(), name)
+        window.close()
+        program.expect_exit(0)
