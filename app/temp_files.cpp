@@ -72,9 +72,9 @@ bool clean_up(const char *folder) {
   if (!pattern) {
     return false;
   }
-  // A listing that breaks off is as good as one that ends: the rest waits for the next start.
-  OwnedText name;
-  while (v_fs_utils_next_folder_entry(listing.get(), name) && name) {
+  // A listing that breaks off is as good as one that ends: the rest waits for the next start. A
+  // name that is no text is none of ours, and would stand in the way at every start.
+  while (const OwnedText name = v_fs_utils_next_convertible_folder_entry(listing.get())) {
     clean_up_file(folder, name.get(), pattern.get());
   }
   return true;

@@ -102,6 +102,15 @@ bool v_fs_utils_next_folder_entry(DIR *listing, OwnedText &name) {
   return name != nullptr;
 }
 
+OwnedText v_fs_utils_next_convertible_folder_entry(DIR *listing) {
+  while (const dirent *entry = readdir(listing)) {
+    if (OwnedText name = v_fs_utils_convert_osfsenc_to_utf8(entry->d_name)) {
+      return name;
+    }
+  }
+  return nullptr;
+}
+
 bool v_fs_utils_close_folder(OwnedFolder listing) {
   return !listing || closedir(listing.release()) == 0 || fail("Cannot close folder.");
 }

@@ -41,6 +41,9 @@ OwnedFolder v_fs_utils_open_folder(const char *path);
 // False with "Cannot read folder contents." or "Could not convert filename to unicode."; after the
 // latter the listing goes on behind the entry.
 bool v_fs_utils_next_folder_entry(DIR *listing, OwnedText &name);
+// The same for who looks for certain names: passes over those that cannot be converted. Null at the
+// end, and where the folder cannot be read any further.
+OwnedText v_fs_utils_next_convertible_folder_entry(DIR *listing);
 // Closes; null is success. False with "Cannot close folder.".
 bool v_fs_utils_close_folder(OwnedFolder listing);
 

@@ -16,6 +16,20 @@ void v_gui_set_accessible_name(GtkWidget *widget, const char *name) {
   atk_object_set_name(gtk_widget_get_accessible(widget), name);
 }
 
+void v_gui_set_accessible_description(GtkWidget *widget, const char *description) {
+  atk_object_set_description(gtk_widget_get_accessible(widget), description);
+}
+
+void v_gui_set_accessible_group_name(GtkWidget *widget, const char *name) {
+  atk_object_set_role(gtk_widget_get_accessible(widget), ATK_ROLE_PANEL);
+  v_gui_set_accessible_name(widget, name);
+}
+
+void v_gui_set_accessible_message(GtkWidget *window, const char *message) {
+  atk_object_set_role(gtk_widget_get_accessible(window), ATK_ROLE_ALERT);
+  v_gui_set_accessible_description(window, message);
+}
+
 void v_gui_close_on_escape(GtkWindow *window) {
   // After: the focused widget, a list's search field for instance, has its turn first.
   g_signal_connect_after(window, "key-press-event", G_CALLBACK(key_press_event_callback), nullptr);

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "base/error.h"
+#include "gui/accessibility.h"
 #include "gui/owned_objects.h"
 
 namespace {
@@ -59,6 +60,7 @@ GtkDialog *create_dialog(const char *title, const char *icon_name, const char *t
   v_gui_set_box_spacing(box, icon_name != nullptr ? 20 : 25);
   v_gui_set_margins(GTK_WIDGET(box), 20, 25, 20, icon_name != nullptr ? 20 : 25);
   pack_message(box, text);
+  v_gui_set_accessible_message(GTK_WIDGET(dialog), text);
   return dialog;
 }
 

@@ -11,6 +11,7 @@ namespace {
 
 struct BundledFileSelector {
   VWindowStack *window_stack = nullptr;
+  const VComponentKind &kind;
   OwnedObject<GtkListStore> list; // the second column holds the path
   GtkWindow *window = nullptr;
   GtkTreeView *tree_view = nullptr;
@@ -36,6 +37,7 @@ void build_window(BundledFileSelector *state) {
   state->window = v_gui_create_window("Select one to add");
   GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(state->window), Spacing::standard);
   state->tree_view = v_component_list_pack_view(box, state->list.get(), cell_data_func);
+  v_component_list_announce_kind(state->tree_view, state->kind);
   pack_buttons(box, state);
   v_gui_close_on_escape(state->window);
 }
@@ -85,9 +87,8 @@ OwnedText v_components_gui_bundled_file_selector_run(VWindowStack *window_stack,
   }
   const OwnedText folder_path =
       v_fs_utils_create_path_in_folder(install_folder.get(), kind.folder_name);
-  BundledFileSelector state;
-  state.window_stack = window_stack;
-  state.list = v_component_list_new();
+  BundledFileSelector state = {window_stack, kind,    v_component_list_new(),
+                               nullptr,      nullptr, nullptr};
   fill_list(state.list.get(), folder_path.get(), kind);
   build_window(&state);
   v_component_list_unselect_when_idle(state.tree_view);

@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-#include "base/error.h"
 #include "base/fs_utils.h"
 #include "gui/accessibility.h"
 #include "gui/widgets.h"
@@ -11,18 +10,6 @@ namespace {
 
 // Characters that a row asks room for at most.
 constexpr int longest_text = 100;
-
-// The next entry whose name can be shown at all; null at the end, and also when the folder cannot
-// be read any further. A name that is not UTF-8 is passed over.
-OwnedText next_name(DIR *listing) {
-  OwnedText name;
-  while (!v_fs_utils_next_folder_entry(listing, name)) {
-    if (!g_str_has_prefix(v_error_get(), "Could not convert filename to unicode.")) {
-      return nullptr;
-    }
-  }
-  return name;
-}
 
 gboolean unselect_all_callback(void *view) {
   gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(GTK_TREE_VIEW(view)));
@@ -58,6 +45,11 @@ GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
   return view;
 }
 
+void v_component_list_announce_kind(GtkTreeView *view, const VComponentKind &kind) {
+  const OwnedText name(g_strdup_printf("%s files", v_file_type_get_name(kind.file_type)));
+  v_gui_set_accessible_name(GTK_WIDGET(view), name.get());
+}
+
 void v_component_list_show_text(GtkCellRenderer *cell, const char *text) {
   const bool overlong = std::strlen(text) > longest_text;
   g_object_set(cell, "text", text, "ellipsize",
@@ -91,7 +83,7 @@ std::vector<OwnedText> v_component_list_find_names(const char *folder_path,
                                                    const VComponentKind &kind) {
   std::vector<OwnedText> names;
   if (const OwnedFolder listing = v_fs_utils_open_folder(folder_path)) {
-    while (OwnedText name = next_name(listing.get())) {
+    while (OwnedText name = v_fs_utils_next_convertible_folder_entry(listing.get())) {
       if (v_component_kind_has_extension(kind, name.get())) {
         names.push_back(std::move(name));
       }

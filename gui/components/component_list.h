@@ -28,6 +28,8 @@ void v_component_list_append(GtkListStore *list, const char *text, const char *f
 // no data of its own; v_component_list_show_text is for it to call.
 GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
                                         GtkTreeCellDataFunc cell_data_func);
+// A screen reader calls the view by what it lists, "Remark codeset files" for instance.
+void v_component_list_announce_kind(GtkTreeView *view, const VComponentKind &kind);
 // Shows plain text in the cell. Overlong text ends in an ellipsis as soon as the window has not the
 // room for it: there is no horizontal scroll bar, and no file shall make the window wider than the
 // screen.

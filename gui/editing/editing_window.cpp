@@ -57,6 +57,7 @@ VLangstrEditor *pack_langstr(EditingWindow *editing, GtkBox *box, const char *la
   VLangstrEditor *editor = v_gui_pack_langstr_editor(
       frame_box, editing->context->window_stack, settings_of(editing),
       VLangstrEditorMode::single_line, value, nullptr, ActivatesDefault::no);
+  v_gui_set_accessible_name(GTK_WIDGET(editor), label);
   g_signal_connect(editor, "shrunk", G_CALLBACK(shrunk_callback), editing);
   return editor;
 }
@@ -104,6 +105,8 @@ void pack_codes(EditingWindow *editing, GtkBox *box) {
   GtkBox *list_row = v_gui_pack_hbox(frame_box, Expand::yes, Spacing::standard);
   pack_codes_view(editing, list_row);
   editing->description_display = v_gui_pack_langstr_display(list_row, 300, 150);
+  v_gui_set_accessible_name(gtk_bin_get_child(GTK_BIN(editing->description_display)),
+                            "Description of the selected remark code");
   GtkBox *button_row = v_gui_pack_hbox(frame_box, Expand::no, Spacing::standard);
   pack_code_button(editing, button_row, "Add new", G_CALLBACK(add_callback));
   editing->edit_button = pack_code_button(editing, button_row, "Edit", G_CALLBACK(edit_callback));

@@ -1,6 +1,7 @@
 #include "gui/editing/langstr_display.h"
 
 #include "base/text_encoding.h"
+#include "gui/css.h"
 #include "gui/widgets.h"
 #include "langstr/supported_languages.h"
 
@@ -15,6 +16,9 @@ G_DEFINE_TYPE(VLangstrDisplay, v_langstr_display, GTK_TYPE_SCROLLED_WINDOW)
 namespace {
 
 constexpr char bold_tag[] = "bold";
+// The text has no cursor that would show where the keyboard is.
+constexpr char focus_css[] =
+    "textview:focus text { box-shadow: inset 0 0 0 1px @theme_selected_bg_color; }";
 constexpr int text_margin = 4; // pixels between the frame and the text
 
 void set_text_margins(GtkTextView *view) {
@@ -56,6 +60,7 @@ GtkWidget *v_langstr_display_new(int width, int height) {
   gtk_widget_set_size_request(GTK_WIDGET(display), width, height);
   GtkTextView *view = v_gui_add_text_view(GTK_CONTAINER(display), Editable::no);
   set_text_margins(view);
+  v_css_style_widget(GTK_WIDGET(view), focus_css);
   display->buffer = GTK_TEXT_BUFFER(g_object_ref(gtk_text_view_get_buffer(view)));
   gtk_text_buffer_create_tag(display->buffer, bold_tag, "weight", 700, nullptr);
   return GTK_WIDGET(display);

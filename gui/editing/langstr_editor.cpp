@@ -122,15 +122,10 @@ const FieldKind &kind_of(const LangstrEditorRow *row) {
 
 // ---- Building a row -----------------------------------------------------------------------------
 
-// What a screen reader says beside the label, which is only a sign.
-void set_spoken_description(GtkWidget *widget, const char *description) {
-  atk_object_set_description(gtk_widget_get_accessible(widget), description);
-}
-
 GtkButton *create_sign_button(const char *sign, const char *description) {
   GtkButton *button = v_gui_create_button(sign);
   g_object_set(gtk_bin_get_child(GTK_BIN(button)), "xpad", 0, "ypad", 0, nullptr);
-  set_spoken_description(GTK_WIDGET(button), description);
+  v_gui_set_accessible_description(GTK_WIDGET(button), description);
   return button;
 }
 
@@ -235,7 +230,7 @@ bool add_language_combo(LangstrEditorRow *row, const VLangstr *translation) {
   if (combo == nullptr) {
     return false;
   }
-  set_spoken_description(GTK_WIDGET(combo), "Language");
+  v_gui_set_accessible_description(GTK_WIDGET(combo), "Language");
   g_signal_connect(combo, "scroll-event", G_CALLBACK(combo_scroll_event_callback), nullptr);
   const std::vector<OwnedText> languages = format_languages(state->settings);
   for (const OwnedText &language : languages) {
@@ -486,6 +481,37 @@ gboolean focus_field(const LangstrEditorRow *row) {
   return gtk_widget_is_focus(row->text_field.get());
 }
 
+// What can have the focus now, as the eye meets it: row by row, each from left to right.
+std::vector<GtkWidget *> list_stops(const LangstrEditorState *state) {
+  std::vector<GtkWidget *> stops;
+  const auto add_if_sensitive = [&stops](gpointer widget) {
+    if (gtk_widget_is_sensitive(GTK_WIDGET(widget))) {
+      stops.push_back(GTK_WIDGET(widget));
+    }
+  };
+  for (const auto &row : state->rows) {
+    add_if_sensitive(row->text_field.get());
+    add_if_sensitive(row->language_combo.get());
+    add_if_sensitive(row->delete_button.get());
+  }
+  add_if_sensitive(state->plus_button.get());
+  return stops;
+}
+
+// Moves the focus to the stop after or before the one that has it. False when there is none.
+bool focus_neighbour(VLangstrEditor *editor, bool backward) {
+  const std::vector<GtkWidget *> stops = list_stops(editor->state);
+  GtkWidget *focus_widget = get_focus_widget(editor);
+  const auto current = std::find_if(stops.begin(), stops.end(), [focus_widget](GtkWidget *stop) {
+    return is_inside(focus_widget, stop);
+  });
+  if (current == stops.end() || current == (backward ? stops.begin() : stops.end() - 1)) {
+    return false;
+  }
+  gtk_widget_grab_focus(*(backward ? current - 1 : current + 1));
+  return true;
+}
+
 // Null when the focus is not in the editor.
 OwnedObject<GtkWidget> share_focus_widget(VLangstrEditor *editor) {
   GtkWidget *focus_widget = get_focus_widget(editor);
@@ -623,11 +649,13 @@ gboolean combo_scroll_event_callback(GtkWidget *combo, GdkEvent *, void *) {
   return GDK_EVENT_PROPAGATE;
 }
 
-// "focus-in-event" of the editor itself: the focus goes on to where the user can type.
+// "focus-in-event" of the editor itself: the focus goes on to where the user can type. The event
+// ends here: whoever heard of it later, a screen reader for one, would think the focus still here.
 gboolean focus_in_event_callback(GtkWidget *widget, GdkEvent *, void *) {
   const LangstrEditorState *state = V_LANGSTR_EDITOR(widget)->state;
   if (gtk_widget_is_focus(widget) && !state->rows.empty()) {
     focus_field(state->rows.front().get());
+    return GDK_EVENT_STOP;
   }
   return GDK_EVENT_PROPAGATE;
 }
@@ -639,6 +667,23 @@ gboolean focus_callback(GtkWidget *widget, GtkDirectionType direction) {
   const Step step = steps[static_cast<int>(focus.place)][direction];
   const LangstrEditorRow *row = find_row(editor->state, focus.row, step);
   return row != nullptr && focus_field(row);
+}
+
+// Ctrl+Tab and Ctrl+Shift+Tab walk through everything in the editor: Tab alone goes from text to
+// text. From either end they lead out of the editor, as Tab would.
+gboolean key_press_event_callback(GtkWidget *widget, GdkEventKey *event) {
+  VLangstrEditor *editor = V_LANGSTR_EDITOR(widget);
+  const bool is_tab = event->keyval == GDK_KEY_Tab || event->keyval == GDK_KEY_KP_Tab ||
+                      event->keyval == GDK_KEY_ISO_Left_Tab;
+  if (!is_tab || (event->state & GDK_CONTROL_MASK) == 0) {
+    return GTK_WIDGET_CLASS(v_langstr_editor_parent_class)->key_press_event(widget, event);
+  }
+  const bool backward = (event->state & GDK_SHIFT_MASK) != 0;
+  if (!focus_neighbour(editor, backward)) {
+    gtk_widget_child_focus(gtk_widget_get_toplevel(widget),
+                           backward ? GTK_DIR_TAB_BACKWARD : GTK_DIR_TAB_FORWARD);
+  }
+  return GDK_EVENT_STOP;
 }
 
 // Of what the editor has hidden nothing comes to light.
@@ -669,6 +714,7 @@ void finalize_callback(GObject *object) {
 static void v_langstr_editor_class_init(VLangstrEditorClass *klass) {
   GTK_WIDGET_CLASS(klass)->destroy = destroy_callback;
   GTK_WIDGET_CLASS(klass)->focus = focus_callback;
+  GTK_WIDGET_CLASS(klass)->key_press_event = key_press_event_callback;
   GTK_WIDGET_CLASS(klass)->show_all = show_all_callback;
   G_OBJECT_CLASS(klass)->finalize = finalize_callback;
   shrunk_signal = g_signal_new("shrunk", V_TYPE_LANGSTR_EDITOR, G_SIGNAL_RUN_FIRST, 0, nullptr,

@@ -38,6 +38,7 @@ void pack_description(RemarkDialog *dialog, GtkBox *box) {
   dialog->description_editor = v_gui_pack_langstr_editor(
       box, dialog->window_stack, dialog->settings, VLangstrEditorMode::single_line,
       dialog->remark->description.get(), nullptr, ActivatesDefault::yes);
+  v_gui_set_accessible_group_name(GTK_WIDGET(dialog->description_editor), "Short description");
   g_signal_connect(dialog->description_editor, "shrunk", G_CALLBACK(shrunk_callback), dialog);
 }
 

@@ -76,12 +76,12 @@ class Startup(Journey):
     def test_the_theme_is_not_the_users_to_choose(self):
         self.make_workspace()
         pictures = [self.picture_under(theme) for theme in (None, "HighContrastInverse", "Adwaita:dark")]
-        # Black on white for some, white on black for others, if the variable counted.
+        # Light for one and dark for the others, if the variable counted.
         self.assertEqual(pictures[1], pictures[0])
         self.assertEqual(pictures[2], pictures[0])
 
     def picture_under(self, theme):
-        """The average colours of the parts of the main window."""
+        """The average colour of a button of the main window."""
         program = self.start_program(GTK_THEME=theme)
         window = program.window(MAIN_WINDOW)
         window.list().expect_focus()

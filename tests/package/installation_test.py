@@ -13,8 +13,8 @@ import unittest
 from xml.etree import ElementTree
 
 from layout import (
-    APPLICATION, ICON_SIZES, MEDIA_TYPE_ICON, PROGRAM, SOURCE, InstalledProgramJourney, files_below, installed_files, main)
-from support.journey import delivered_stage
+    APPLICATION, ICON_SIZES, MEDIA_TYPE_ICON, PROGRAM, SOURCE, InstalledProgramJourney, files_below, install, installed_files,
+    main)
 
 FREEDESKTOP_TYPES = pathlib.Path("/usr/share/mime/packages/freedesktop.org.xml")
 MEDIA_TYPE = "application/x-vantorelle-codeset"
@@ -26,9 +26,7 @@ def setUpModule():
     folder = tempfile.TemporaryDirectory(prefix="installation.")
     unittest.addModuleCleanup(folder.cleanup)
     root = pathlib.Path(folder.name)
-    subprocess.run(
-        (os.environ["VANTORELLE_CMAKE"], "--install", delivered_stage().parent, "--prefix", "/opt/suite"),
-        env={**os.environ, "DESTDIR": str(root / "made")}, stdout=subprocess.DEVNULL, check=True)
+    install(root / "made", "--prefix", "/opt/suite")
     prefix = root / "moved here, & täglich benutzt"
     (root / "made" / "opt" / "suite").rename(prefix)
 
@@ -36,8 +34,8 @@ def setUpModule():
 def run(*command, **environment):
     """What the command prints, which must succeed."""
     answer = subprocess.run(
-        [str(part) for part in command], env={**os.environ, **environment}, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-        check=False)
+        [str(part) for part in command], env={**os.environ, **environment}, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+        text=True, check=False)
     if answer.returncode != 0:
         raise AssertionError(f"{command[0]} ended with status {answer.returncode}:\n{answer.stdout}")
     return answer.stdout

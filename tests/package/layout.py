@@ -2,16 +2,18 @@
 
 import os
 import pathlib
+import subprocess
 import sys
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(SOURCE / "tests" / "journeys"))
 
 from support import Journey, main  # noqa: E402  (found only now)
+from support.journey import delivered_stage  # noqa: E402
 
 __all__ = [
-    "APPLICATION", "ICON_SIZES", "MAIN_WINDOW", "MEDIA_TYPE_ICON", "PROGRAM", "SOURCE", "InstalledProgramJourney", "delivered",
-    "files_below", "installed_files", "main",
+    "APPLICATION", "ICON_SIZES", "MEDIA_TYPE_ICON", "PROGRAM", "SOURCE", "InstalledProgramJourney", "files_below", "install",
+    "installed_files", "main",
 ]
 
 PROGRAM = "vantorelle-remark-codesets-manager"
@@ -24,7 +26,8 @@ ICON_SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
 def delivered():
     """What lies beside the executable, apart from the fonts."""
     return {
-        f"{kind}s/{path.name}" for kind in ("codeset", "layout", "template") for path in (SOURCE / "data" / f"{kind}s").glob(f"*.{kind}")
+        f"{kind}s/{path.name}" for kind in ("codeset", "layout", "template")
+        for path in (SOURCE / "data" / f"{kind}s").glob(f"*.{kind}")
     }
 
 
@@ -52,10 +55,17 @@ def files_below(folder):
     }
 
 
+def install(destination, *arguments):
+    """Installs the build that the stage belongs to, below a folder that is not the place it is meant for."""
+    subprocess.run(
+        (os.environ["VANTORELLE_CMAKE"], "--install", delivered_stage().parent, *arguments),
+        env={**os.environ, "DESTDIR": str(destination)}, stdout=subprocess.DEVNULL, check=True)
+
+
 class InstalledProgramJourney(Journey):
-    def use(self, folder, lists_from, **environment):
-        """Starts the program that the folder has, has a workspace made, and ends it. What is delivered must come from the folder
-        `lists_from`."""
+    def use(self, folder, beside, **environment):
+        """Starts the program of the folder, has a workspace made and ends it. What the workspace receives must be what lies in
+        the folder `beside`."""
         program = self.start_program(stage=folder, **environment)
         assistant = program.window("Vantorelle Workspace Setup")
         assistant.button("Next").click()
@@ -67,7 +77,7 @@ class InstalledProgramJourney(Journey):
         self.assertEqual(len(window.list().texts()), len(codesets))
         for name in delivered():
             received = (self.home / "Vantorelle Workspace" / name).read_bytes()
-            self.assertEqual(received, (lists_from / name).read_bytes(), name)
+            self.assertEqual(received, (beside / name).read_bytes(), name)
             self.assertEqual(received, (SOURCE / "data" / name).read_bytes(), name)
         window.close()
         program.expect_exit(0)

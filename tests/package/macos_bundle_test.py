@@ -11,15 +11,23 @@ import subprocess
 import tempfile
 import unittest
 
-from layout import APPLICATION, MEDIA_TYPE_ICON, PROGRAM, InstalledProgramJourney, files_below, main
+from layout import APPLICATION, MEDIA_TYPE_ICON, PROGRAM, InstalledProgramJourney, files_below, install, main
 from support.journey import delivered_stage
 
 BUNDLE_NAME = "Vantorelle Remark Codesets Manager.app"
 ICON_SIZES = (16, 32, 48, 128, 256, 512, 1024)
 
 
+def setUpModule():
+    global applications
+    folder = tempfile.TemporaryDirectory(prefix="bundle.")
+    unittest.addModuleCleanup(folder.cleanup)
+    install(folder.name, "--prefix", "/Applications", "--component", "macos_bundle")
+    applications = pathlib.Path(folder.name) / "Applications"
+
+
 def contents():
-    return delivered_stage().parent / "bundle" / BUNDLE_NAME / "Contents"
+    return applications / BUNDLE_NAME / "Contents"
 
 
 def icon_elements(data):
@@ -36,6 +44,9 @@ def icon_elements(data):
 class Bundle(unittest.TestCase):
     def setUp(self):
         self.properties = plistlib.loads((contents() / "Info.plist").read_bytes())
+
+    def test_it_is_installed_alone(self):
+        self.assertEqual([path.name for path in applications.iterdir()], [BUNDLE_NAME])
 
     def test_it_holds_what_is_staged_and_nothing_else(self):
         self.assertEqual({path.name for path in contents().iterdir()}, {"Info.plist", "MacOS", "Resources"})

@@ -1,4 +1,5 @@
 #include <clocale>
+#include <cstdio>
 
 #include <gtest/gtest.h>
 
@@ -6,7 +7,10 @@
 // with it. Only the system's own sentences stay in one language, since messages are compared.
 int main(int argc, char **argv) {
   testing::InitGoogleTest(&argc, argv);
-  std::setlocale(LC_ALL, "");
+  if (std::setlocale(LC_ALL, "") == nullptr) {
+    std::fputs("The locale that was asked for is not there.\n", stderr);
+    return 1;
+  }
   std::setlocale(LC_MESSAGES, "C");
   return RUN_ALL_TESTS();
 }

@@ -376,6 +376,15 @@ TEST(FsUtils, DiscardingAFileLeavesTheMessage) {
   EXPECT_STREQ(v_error_get(), "the first reason");
 }
 
+TEST(FsUtils, DiscardingTakesALinkAndLeavesWhatIsNoFile) {
+  const TemporaryFolder folder;
+  ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+  ASSERT_EQ(symlink("/dev/null", (folder / "link").c_str()), 0);
+  v_fs_utils_discard_file((folder / "pipe").c_str());
+  v_fs_utils_discard_file((folder / "link").c_str());
+  EXPECT_EQ(list_folder(folder.path()), std::vector<std::string>{"pipe"});
+}
+
 // Folders
 
 TEST(FsUtils, ListsEveryEntryAndThenNothing) {

@@ -145,7 +145,7 @@ TEST_F(MainWindow, OpensWithTheFocusInTheListAndNothingSelected) {
     EXPECT_STREQ(gtk_tree_view_column_get_title(gtk_tree_view_get_column(list_of(window), 0)),
                  "Item");
     EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(GTK_WIDGET(list_of(window)))),
-                 "Items");
+                 "Remark codeset files");
     EXPECT_FALSE(gtk_window_is_maximized(window));
   });
   close();

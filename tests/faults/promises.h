@@ -1,0 +1,71 @@
+#pragma once
+// What is promised of an operation under which a call fails, and the sweep that proves it for every
+// call, one after the other.
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "faults/injector.h"
+#include "model/workspace/workspace_parts.h"
+
+// The folder that everything happens in, the same for the whole program. The user's home folder is
+// "home" in it, the configuration folder "home/.config", the installation "install".
+std::string ground_folder();
+// The full path of what lies there.
+std::string on_ground(const std::string &name);
+
+// How the folder looked before and after one call had failed, and how it looks when none does.
+struct Trial {
+  const Contents &before;
+  const Contents &after;
+  const Contents &undisturbed;
+  const Hit &hit;
+};
+
+// What is wrong with the folder, "" when nothing is.
+using Outcome = std::function<std::string(const Trial &)>;
+
+// As before, byte for byte.
+std::string untouched(const Trial &trial);
+// As if nothing had failed.
+std::string done(const Trial &trial);
+// As before, but what the failing call was about is not there.
+std::string without_what_failed(const Trial &trial);
+// As if nothing had failed, but what the failing call was about is as before.
+std::string done_but_for_what_failed(const Trial &trial);
+// Every file and folder as before or as if nothing had failed, as far as the operation had come.
+std::string partly_done(const Trial &trial);
+// As before, but the one is not there, or is an empty file.
+Outcome without(const std::string &name);
+Outcome with_empty(const std::string &name);
+// As before, and the one may have been made.
+Outcome untouched_but_for(const std::string &name);
+
+enum class Result { fails, succeeds };
+
+struct Promise {
+  std::vector<Call> calls;
+  std::string where;      // path below the ground, "*" stands for any text
+  int occurrence;         // of the call on that path, 0 for any
+  Result result;
+  std::string message;    // on failure; "{error}" is the system's, "*" any text
+  Outcome outcome;
+};
+
+struct Operation {
+  std::string name;
+  Contents ground;
+  // What it gave, as text; none when it failed.
+  std::function<std::optional<std::string>()> run;
+  // The first that fits counts. A failing call that none fits is a fault of its own.
+  std::vector<Promise> promises;
+  // What every message begins with when memory could not be had, "*" stands for any text.
+  std::string message_without_memory;
+};
+
+// Lets each call fail in turn until the operation runs through without a fault, and checks after
+// each: the result, the message, what lies on disk, and that nothing is left open or allocated.
+// Besides the single faults, all calls fail from the Nth on, as on a disk that is gone.
+void sweep(const Operation &operation);
