@@ -54,7 +54,8 @@ OwnedImage decode_keeping_encoded_data(VInputStream *stream, const PixelFormat &
   if (!data) {
     return nullptr;
   }
-  OwnedImage image = format.decode(v_input_stream_new_for_memory(data.get(), length).get());
+  const OwnedInputStream memory = v_input_stream_new_for_memory(data.get(), length);
+  OwnedImage image = format.decode(memory.get());
   if (!image ||
       !attach_encoded_data(image->surface.get(), format.media_type, std::move(data), length)) {
     return nullptr;

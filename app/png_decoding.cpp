@@ -71,7 +71,7 @@ void lay_on_white(png_structp png) {
 }
 
 void request_eight_bit_colours(Decoding *decoding) {
-  const png_structp png = decoding->png;
+  png_structp png = decoding->png;
   const int depth = png_get_bit_depth(png, decoding->info);
   const int colour_type = png_get_color_type(png, decoding->info);
   if (depth == 16) {
@@ -96,8 +96,8 @@ void request_eight_bit_colours(Decoding *decoding) {
 }
 
 void read_header(Decoding *decoding) {
-  const png_structp png = decoding->png;
-  const png_infop info = decoding->info;
+  png_structp png = decoding->png;
+  png_infop info = decoding->info;
   png_set_sig_bytes(png, static_cast<int>(signature_length));
   png_read_info(png, info);
   request_eight_bit_colours(decoding);

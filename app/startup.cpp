@@ -58,7 +58,7 @@ bool make_view_font(OwnedFtFace ft_face) {
     face.reset();
     return fail("Couldn't use required fonts.");
   }
-  ft_face.release();
+  static_cast<void>(ft_face.release()); // the cairo face ends it from here on
   view_font_face = std::move(face);
   return true;
 }

@@ -111,9 +111,9 @@ int strnatzerocasecmp(const char *a, const char *b) { return compare<true, true>
 
 std::uint64_t strnatzerocasecmp_key(const char *text) {
   std::uint64_t key = 0;
-  int shift = 64;
+  unsigned shift = 64;
   const auto append = [&](unsigned byte) {
-    if (shift > 0) {
+    if (shift >= 8) {
       shift -= 8;
       key |= static_cast<std::uint64_t>(byte) << shift;
     }

@@ -363,9 +363,13 @@ bool v_xml_parse_file_if_exists(OwnedXmlDoc &document, const char *path) {
 
 void v_xml_free_doc(xmlDoc *document) { xmlFreeDoc(document); }
 
-void v_xml_remove_node(xmlNode *node) {
+OwnedXmlNode v_xml_new_node_beside_tree(xmlDoc *document) {
+  return OwnedXmlNode(xmlNewDocNode(document, nullptr, as_xml("beside"), nullptr));
+}
+
+void v_xml_move_node(xmlNode *node, xmlNode *parent) {
   xmlUnlinkNode(node);
-  xmlFreeNode(node);
+  xmlAddChild(parent, node);
 }
 
 xmlNode *v_xml_get_root_element(xmlDoc *document) {

@@ -27,8 +27,11 @@ bool v_xml_parse_file_if_exists(OwnedXmlDoc &document, const char *path);
 OwnedXmlDoc v_xml_parse_memory(const char *data, std::size_t length);
 // Null is allowed.
 void v_xml_free_doc(xmlDoc *document);
-// Takes the node out of its tree and frees it with all that is in it.
-void v_xml_remove_node(xmlNode *node);
+// A node beside the document's tree, to which nodes of the tree can be moved. It must go before the
+// document does.
+OwnedXmlNode v_xml_new_node_beside_tree(xmlDoc *document);
+// Takes the node out of its place and makes it the last child of the parent.
+void v_xml_move_node(xmlNode *node, xmlNode *parent);
 // Borrowed; null with "Missing root element in XML tree.".
 xmlNode *v_xml_get_root_element(xmlDoc *document);
 

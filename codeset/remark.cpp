@@ -125,8 +125,10 @@ void v_remark_list_destroy(VRemarkList *list) {
 }
 
 void v_remark_list_destroy_remarks(VRemarkList *list) {
-  while (!v_remark_list_is_empty(list)) {
-    v_remark_destroy(list->head.next);
+  for (VRemark *remark = list->head.next; remark != &list->tail;) {
+    VRemark *following = remark->next;
+    v_remark_destroy(remark);
+    remark = following;
   }
 }
 

@@ -45,7 +45,8 @@ TEST_F(UserSession, LoadsAllSettings) {
              "<last-used-layout filename='l'/><last-used-paper id='A3_L'/>"
              "<export><folder path='e'/></export><remember-tool-choice active='true'/>"
              "<preferred-languages><language tag='fr'/><language tag='de'/></preferred-languages>"
-             "<recent-custom-remarks><remark><code>1</code><description lang='sv'>Tear</description></remark>"
+             "<recent-custom-remarks><remark><code>1</code><description "
+             "lang='sv'>Tear</description></remark>"
              "</recent-custom-remarks></settings>");
   expect_started(workspace_path());
   const VSettings &settings = *workspace->settings;
