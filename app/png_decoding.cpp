@@ -95,15 +95,21 @@ void request_eight_bit_colours(Decoding *decoding) {
   }
 }
 
-void read_header(Decoding *decoding) {
+// The size alone: until it is known to be in range the library must not be let make room for a row.
+void read_size(Decoding *decoding) {
+  png_structp png = decoding->png;
+  png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+  png_set_sig_bytes(png, static_cast<int>(signature_length));
+  png_read_info(png, decoding->info);
+  decoding->width = png_get_image_width(png, decoding->info);
+  decoding->height = png_get_image_height(png, decoding->info);
+}
+
+void begin_rows(Decoding *decoding) {
   png_structp png = decoding->png;
   png_infop info = decoding->info;
-  png_set_sig_bytes(png, static_cast<int>(signature_length));
-  png_read_info(png, info);
   request_eight_bit_colours(decoding);
   png_read_update_info(png, info);
-  decoding->width = png_get_image_width(png, info);
-  decoding->height = png_get_image_height(png, info);
   decoding->has_alpha = (png_get_color_type(png, info) & PNG_COLOR_MASK_ALPHA) != 0;
   decoding->row_size = png_get_rowbytes(png, info);
 }
@@ -210,11 +216,14 @@ OwnedPixels v_png_decompress(VInputStream *stream, VPngAlphaMode alpha_mode, int
     return nullptr;
   }
   Decoding decoding = {.png = reader.png, .info = reader.info, .alpha_mode = alpha_mode};
-  if (!run_guarded(&decoding, read_header) || !check_row_size(decoding)) {
+  if (!run_guarded(&decoding, read_size)) {
     return nullptr;
   }
   OwnedPixels pixels = v_gfx_pixels_new(decoding.width, decoding.height);
-  const OwnedRows rows = pixels ? create_rows(decoding) : nullptr;
+  if (!pixels || !run_guarded(&decoding, begin_rows) || !check_row_size(decoding)) {
+    return nullptr;
+  }
+  const OwnedRows rows = create_rows(decoding);
   if (!rows) {
     return nullptr;
   }

@@ -15,9 +15,9 @@ enum class VPngAlphaMode {
 
 // Decodes the stream's data. Fills width, height (pixels) and opaque: true exactly when no pixel
 // has an alpha below 255. On failure they stay as they are and null comes back, with "The input
-// data is not a PNG image.", "Error reading PNG data." (damaged, cut short or too large: the
-// library takes up to 1000000 pixels either way), "Unexpected PNG row size: ..." or the
-// out-of-memory message; data whose beginning cannot be read leaves the stream's message.
+// data is not a PNG image.", "Error reading PNG data." (damaged or cut short), "Pixel buffer
+// dimension out of range.", "Unexpected PNG row size: ..." or the out-of-memory message; data whose
+// beginning cannot be read leaves the stream's message.
 OwnedPixels v_png_decompress(VInputStream *stream, VPngAlphaMode alpha_mode, int &width,
                              int &height, bool &opaque);
 OwnedPixels v_png_decompress_from_file_path(const char *path, VPngAlphaMode alpha_mode, int &width,

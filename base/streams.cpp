@@ -115,10 +115,12 @@ void finish_file(VOutputStream *stream) {
 }
 
 bool copy(VInputStream *source, VOutputStream *destination) {
-  for (;;) {
+  for (bool is_begun = false;; is_begun = true) {
     const std::byte *data = nullptr;
     std::size_t length = 0;
     if (!v_input_stream_get_some(source, data, length)) {
+      // Half of what is there must not pass for the whole.
+      destination->write_failed = is_begun;
       return false;
     }
     if (length == 0) {
@@ -244,6 +246,9 @@ bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t 
 }
 
 bool v_output_stream_finish(VOutputStream *stream) {
+  if (stream->kind == StreamKind::file && stream->file == nullptr && !stream->path) {
+    return fail("Creating file failed.");
+  }
   finish_file(stream);
   return !stream->write_failed || fail("File write error.");
 }

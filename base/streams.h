@@ -92,6 +92,6 @@ OwnedText v_stream_copy_to_memory(VInputStream *stream, std::size_t &length);
 OwnedText v_stream_copy_from_zip_file_path_to_memory(struct zip *archive, const char *entry_name,
                                                      std::size_t &length);
 // Copies byte for byte over whatever is at the destination. Two equal path texts succeed without
-// touching anything. A source that cannot be opened leaves an empty destination, one that cannot be
-// read to its end what was read, a failed write none.
+// touching anything. A source that cannot be opened, or of which nothing can be read, leaves an
+// empty destination; one that cannot be read to its end, and a failed write, leave none.
 bool v_stream_copy_from_file_path_to_file_path(const char *source, const char *destination);

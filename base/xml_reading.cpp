@@ -72,6 +72,7 @@ public:
         load_external_dtd(std::exchange(xmlLoadExtDtdDefaultValue, 1)),
         external_entity_loader(xmlGetExternalEntityLoader()) {
     report.reset();
+    xmlResetLastError();
     xmlSetGenericErrorFunc(nullptr, collect_report);
     xmlSetExternalEntityLoader(refuse_external_entity);
   }
@@ -124,17 +125,29 @@ xmlEntity *look_up_parameter_entity(void *context, const xmlChar *name) {
   return spend_reference(context, parameter_reference_cost + length) ? entity : nullptr;
 }
 
+// What the parser passes over once it has the last element: a file that cannot be read to its end,
+// and pieces of text that there was no memory for.
+bool has_lost_something(const xmlParserCtxt *parser) {
+  const xmlError *last = xmlGetLastError();
+  return parser->errNo == XML_ERR_NO_MEMORY ||
+         (last != nullptr && (last->domain == XML_FROM_IO || last->code == XML_ERR_NO_MEMORY));
+}
+
 // Runs one of the parser's reading functions on a new context under our settings.
 template <typename Read>
 OwnedXmlDoc parse(Read read) {
   const ParserSettings settings;
   gsize spent = 0;
   const Owned<xmlParserCtxt, xmlFreeParserCtxt> parser(xmlNewParserCtxt());
-  parser->_private = &spent;
-  parser->sax->getEntity = look_up_entity;
-  parser->sax->getParameterEntity = look_up_parameter_entity;
-  OwnedXmlDoc document(read(parser.get()));
-  if (!document) {
+  OwnedXmlDoc document;
+  if (parser) {
+    parser->_private = &spent;
+    parser->sax->getEntity = look_up_entity;
+    parser->sax->getParameterEntity = look_up_parameter_entity;
+    document.reset(read(parser.get()));
+  }
+  if (!document || has_lost_something(parser.get())) {
+    document.reset();
     set_error_from_report();
     v_error_append("Could not parse XML data.");
   }
@@ -364,7 +377,11 @@ bool v_xml_parse_file_if_exists(OwnedXmlDoc &document, const char *path) {
 void v_xml_free_doc(xmlDoc *document) { xmlFreeDoc(document); }
 
 OwnedXmlNode v_xml_new_node_beside_tree(xmlDoc *document) {
-  return OwnedXmlNode(xmlNewDocNode(document, nullptr, as_xml("beside"), nullptr));
+  OwnedXmlNode node(xmlNewDocNode(document, nullptr, as_xml("beside"), nullptr));
+  if (!node) {
+    v_error_set("Error when creating an XML element.");
+  }
+  return node;
 }
 
 void v_xml_move_node(xmlNode *node, xmlNode *parent) {

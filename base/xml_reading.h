@@ -28,7 +28,7 @@ OwnedXmlDoc v_xml_parse_memory(const char *data, std::size_t length);
 // Null is allowed.
 void v_xml_free_doc(xmlDoc *document);
 // A node beside the document's tree, to which nodes of the tree can be moved. It must go before the
-// document does.
+// document does. Null with "Error when creating an XML element.".
 OwnedXmlNode v_xml_new_node_beside_tree(xmlDoc *document);
 // Takes the node out of its place and makes it the last child of the parent.
 void v_xml_move_node(xmlNode *node, xmlNode *parent);

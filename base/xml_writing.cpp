@@ -18,11 +18,34 @@ namespace {
 
 const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar *>(text); }
 
-xmlNode *or_fail(xmlNode *node, const char *message) {
-  if (node == nullptr) {
+void ignore_report(void *, const char *, ...) {}
+
+// What fails here is told by the error state; the library would print it as well.
+class SilentLibrary {
+public:
+  SilentLibrary() { xmlSetGenericErrorFunc(nullptr, ignore_report); }
+  ~SilentLibrary() { xmlSetGenericErrorFunc(nullptr, nullptr); }
+  SilentLibrary(const SilentLibrary &) = delete;
+  SilentLibrary &operator=(const SilentLibrary &) = delete;
+};
+
+// Makes a part of a tree; null when it could not be made whole. When memory runs out the library
+// may hand out a node without its name or its text, and all that is left of that is its last error.
+template <typename Make>
+auto make_whole(Make make) {
+  const SilentLibrary silent;
+  xmlResetLastError();
+  auto *part = make();
+  const xmlError *error = xmlGetLastError();
+  return error != nullptr && error->code == XML_ERR_NO_MEMORY ? nullptr : part;
+}
+
+template <typename Part>
+Part *or_fail(Part *part, const char *message) {
+  if (part == nullptr) {
     v_error_set(message);
   }
-  return node;
+  return part;
 }
 
 constexpr const char *escaped_bytes = "&\"'<>\n\t\r";
@@ -53,17 +76,6 @@ struct CloseSaveContext {
 };
 using OwnedSaveContext = std::unique_ptr<xmlSaveCtxt, CloseSaveContext>;
 
-void ignore_report(void *, const char *, ...) {}
-
-// What fails here is told by the error state; the library would print it as well.
-class SilentLibrary {
-public:
-  SilentLibrary() { xmlSetGenericErrorFunc(nullptr, ignore_report); }
-  ~SilentLibrary() { xmlSetGenericErrorFunc(nullptr, nullptr); }
-  SilentLibrary(const SilentLibrary &) = delete;
-  SilentLibrary &operator=(const SilentLibrary &) = delete;
-};
-
 // The save call reports success even on a full disk; only the close, which writes the rest, tells.
 bool save(xmlDoc *document, OwnedSaveContext context) {
   const bool is_saved = xmlSaveDoc(context.get(), document) != -1;
@@ -80,24 +92,24 @@ int write_whole(void *stream, const char *bytes, int length) {
 } // namespace
 
 OwnedXmlDoc v_xml_new_doc() {
-  OwnedXmlDoc document(xmlNewDoc(as_xml("1.0")));
-  if (!document) {
-    v_error_set("Error when creating new empty XML tree.");
-  }
-  return document;
+  return OwnedXmlDoc(or_fail(make_whole([] { return xmlNewDoc(as_xml("1.0")); }),
+                             "Error when creating new empty XML tree."));
 }
 
+// In the tree from the first, which frees what is not whole.
 xmlNode *v_xml_add_root_element(xmlDoc *document, const char *name) {
-  xmlNode *root = or_fail(xmlNewDocNode(document, nullptr, as_xml(name), nullptr),
-                          "Error when creating an XML element.");
-  if (root != nullptr) {
-    xmlFreeNode(xmlDocSetRootElement(document, root));
-  }
-  return root;
+  return or_fail(make_whole([&] {
+                   xmlNode *root = xmlNewDocNode(document, nullptr, as_xml(name), nullptr);
+                   if (root != nullptr) {
+                     xmlFreeNode(xmlDocSetRootElement(document, root));
+                   }
+                   return root;
+                 }),
+                 "Error when creating an XML element.");
 }
 
 xmlNode *v_xml_add_child_element(xmlNode *parent, const char *name) {
-  return or_fail(xmlNewChild(parent, nullptr, as_xml(name), nullptr),
+  return or_fail(make_whole([&] { return xmlNewChild(parent, nullptr, as_xml(name), nullptr); }),
                  "Error when creating an XML child element.");
 }
 
@@ -110,8 +122,9 @@ xmlNode *v_xml_add_child_element_with_ascii_text_content(xmlNode *parent, const 
 
 xmlNode *v_xml_add_child_element_with_utf8_text_content(xmlNode *parent, const char *name,
                                                         const char *utf8_text) {
-  return or_fail(xmlNewTextChild(parent, nullptr, as_xml(name), as_xml(utf8_text)),
-                 "Error when creating an XML text child element.");
+  return or_fail(
+      make_whole([&] { return xmlNewTextChild(parent, nullptr, as_xml(name), as_xml(utf8_text)); }),
+      "Error when creating an XML text child element.");
 }
 
 xmlNode *v_xml_add_child_element_with_latin1_text_content(xmlNode *parent, const char *name,
@@ -125,11 +138,8 @@ bool v_xml_set_attribute(xmlNode *node, const char *name, const char *value) {
     v_error_set("Missing value for XML attribute.");
     return false;
   }
-  if (xmlSetProp(node, as_xml(name), as_xml(value)) == nullptr) {
-    v_error_set("Error when setting an XML attribute.");
-    return false;
-  }
-  return true;
+  return or_fail(make_whole([&] { return xmlSetProp(node, as_xml(name), as_xml(value)); }),
+                 "Error when setting an XML attribute.") != nullptr;
 }
 
 bool v_xml_set_attribute_with_ascii_content(xmlNode *node, const char *name,

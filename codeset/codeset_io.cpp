@@ -60,6 +60,9 @@ bool finish_remarks(VRemarkList *list, bool all_are_read) {
 // first all the same, for it replaces the message of a remark.
 bool read_codeset(VCodeset *codeset, xmlDoc *document, const xmlNode *root) {
   const OwnedXmlNode others = v_xml_new_node_beside_tree(document);
+  if (!others) {
+    return false;
+  }
   const bool all_are_read = take_remarks(codeset->remarks.get(), others.get(), document, root);
   return read_name_author_version(codeset, document, others.get()) &&
          finish_remarks(codeset->remarks.get(), all_are_read);

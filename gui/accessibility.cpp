@@ -1,12 +1,26 @@
 #include "gui/accessibility.h"
 
+#include "gui/owned_objects.h"
+
 namespace {
+
+// As gtk_window_close does, but at once: that one closes later, and a key that repeats meanwhile
+// would have it close a window that is gone.
+void close_as_window_manager_does(GtkWidget *window) {
+  const OwnedObject<GtkWidget> held = share(window);
+  const Owned<GdkEvent, gdk_event_free> event(gdk_event_new(GDK_DELETE));
+  event->any.window = share(gtk_widget_get_window(window)).release();
+  event->any.send_event = TRUE;
+  if (!gtk_widget_event(window, event.get())) {
+    gtk_widget_destroy(window);
+  }
+}
 
 gboolean key_press_event_callback(GtkWidget *window, GdkEventKey *event, void *) {
   if (event->keyval != GDK_KEY_Escape) {
     return GDK_EVENT_PROPAGATE;
   }
-  gtk_window_close(GTK_WINDOW(window));
+  close_as_window_manager_does(window);
   return GDK_EVENT_STOP;
 }
 

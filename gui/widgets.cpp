@@ -64,6 +64,13 @@ void make_default_if_asked(GtkButton *button, MakeDefault make_default) {
   }
 }
 
+// "close" of a dialog, its Escape key. The toolkit's own handler closes the window later, and a key
+// that repeats meanwhile would have it close a dialog that is gone.
+void dialog_close_callback(GtkDialog *dialog, void *) {
+  g_signal_stop_emission_by_name(dialog, "close");
+  gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
+}
+
 GtkInputHints without_emojis(GtkInputHints hints) {
   return static_cast<GtkInputHints>((hints & ~GTK_INPUT_HINT_EMOJI) | GTK_INPUT_HINT_NO_EMOJI);
 }
@@ -105,6 +112,7 @@ GtkDialog *v_gui_create_dialog(const char *title, ButtonSet button_set) {
   gtk_button_box_set_layout(GTK_BUTTON_BOX(gtk_dialog_get_action_area(dialog)),
                             GTK_BUTTONBOX_EXPAND);
   v_css_style_widget(GTK_WIDGET(dialog), dialog_css);
+  g_signal_connect(dialog, "close", G_CALLBACK(dialog_close_callback), nullptr);
   return dialog;
 }
 
@@ -202,6 +210,15 @@ GtkButton *v_gui_pack_button_in_alignment(GtkBox *box, Expand expand, const char
   GtkButton *button = added(GTK_CONTAINER(alignment), v_gui_create_button(label));
   make_default_if_asked(button, make_default);
   return button;
+}
+
+void v_gui_pack_ok_and_cancel(GtkBox *row, GtkWindow *window, GCallback ok_callback,
+                              void *user_data) {
+  GtkButton *ok = v_gui_pack_button(row, "OK", MakeDefault::yes);
+  g_signal_connect(ok, "clicked", ok_callback, user_data);
+  GtkButton *cancel = v_gui_pack_button_in_alignment(row, Expand::yes, "Cancel", MakeDefault::no,
+                                                     1.0f, 0.0f, 0.0f, 0.0f);
+  g_signal_connect_swapped(cancel, "clicked", G_CALLBACK(gtk_widget_destroy), window);
 }
 
 GtkAlignment *v_gui_create_alignment_for_widget(float x_align, float y_align, float x_scale,

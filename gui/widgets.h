@@ -88,6 +88,10 @@ GtkButton *v_gui_pack_button(GtkBox *box, const char *label, MakeDefault make_de
 GtkButton *v_gui_pack_button_in_alignment(GtkBox *box, Expand expand, const char *label,
                                           MakeDefault make_default, float x_align, float y_align,
                                           float x_scale, float y_scale);
+// Packs "OK", the window's default button, connected to the callback, and at the right end of the
+// row "Cancel", which destroys the window.
+void v_gui_pack_ok_and_cancel(GtkBox *row, GtkWindow *window, GCallback ok_callback,
+                              void *user_data);
 GtkAlignment *v_gui_create_alignment_for_widget(float x_align, float y_align, float x_scale,
                                                 float y_scale, GtkWidget *child);
 

@@ -1,5 +1,6 @@
 #include "workspace/delivered_components.h"
 
+#include "base/error.h"
 #include "base/file_utils.h"
 #include "base/fs_utils.h"
 #include "base/platform.h"
@@ -111,6 +112,7 @@ bool install_bundled_components(const char *workspace_folder, const char *sub_fo
 }
 
 void delete_components_folder(const char *workspace_folder, const char *sub_folder) {
+  const OwnedText message = copy_text(v_error_get());
   const OwnedText folder = v_fs_utils_create_path_in_folder(workspace_folder, sub_folder);
   if (const OwnedFolder listing = v_fs_utils_open_folder(folder.get())) {
     OwnedText name;
@@ -119,6 +121,7 @@ void delete_components_folder(const char *workspace_folder, const char *sub_fold
     }
   }
   v_fs_utils_delete_folder_if_exists(folder.get());
+  v_error_set(message.get());
 }
 
 void upgrade_component_if_needed(const char *layouts_folder, const char *file_name,

@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "base/error.h"
 #include "base/fs_utils.h"
 #include "workspace/delivered_components.h"
 #include "workspace/workspace_location.h"
@@ -87,7 +88,10 @@ bool v_workspace_create(const char *folder_path) {
     return false;
   }
   if (!fill_new_workspace(path.get())) {
+    // The message that says why stands, whatever comes of taking back.
+    const OwnedText message = copy_text(v_error_get());
     v_fs_utils_delete_folder_if_exists(path.get());
+    v_error_set(message.get());
     return false;
   }
   return true;

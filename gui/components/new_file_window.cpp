@@ -37,11 +37,7 @@ void pack_name_entry(GtkBox *box, NewFileWindow *state) {
 void pack_buttons(GtkBox *box, NewFileWindow *state) {
   GtkBox *row =
       v_gui_pack_hbox_in_alignment(box, Expand::yes, Spacing::standard, 0.0f, 1.0f, 1.0f, 0.0f);
-  GtkButton *ok = v_gui_pack_button(row, "OK", MakeDefault::yes);
-  g_signal_connect(ok, "clicked", G_CALLBACK(ok_callback), state);
-  GtkButton *cancel = v_gui_pack_button_in_alignment(row, Expand::yes, "Cancel", MakeDefault::no,
-                                                     1.0f, 0.0f, 0.0f, 0.0f);
-  g_signal_connect_swapped(cancel, "clicked", G_CALLBACK(gtk_widget_destroy), state->window);
+  v_gui_pack_ok_and_cancel(row, state->window, G_CALLBACK(ok_callback), state);
 }
 
 void build_window(NewFileWindow *state) {

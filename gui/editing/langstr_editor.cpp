@@ -11,6 +11,7 @@
 #include "base/error.h"
 #include "gui/accessibility.h"
 #include "gui/editing/editing_widgets.h"
+#include "gui/editing/shared_checkers.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
 #include "langstr/spelling_dictionaries.h"
@@ -41,8 +42,11 @@ struct LangstrEditorRow {
   OwnedObject<GtkComboBoxText> language_combo;
   OwnedObject<GtkAlignment> delete_alignment; // multi-line, around the delete button
   OwnedObject<GtkButton> delete_button;
+  const GspellLanguage *spelling_language = nullptr; // null: the field is not checked
+  bool has_own_checker = false;                      // else it shares one with other fields
   gulong clicked_handler = 0;
   gulong changed_handler = 0;
+  gulong popup_handler = 0;
 };
 
 struct LangstrEditorState {
@@ -264,21 +268,31 @@ void grab_focus_without_selecting(GtkWidget *widget) {
   }
 }
 
-// Checks the field in the language, or not at all for null. The field gets a checker made for the
-// language: gspell's own set-up would load the default language's dictionary before, which takes
-// longer than all the rest of making a row.
-void set_spelling_language(const FieldKind &kind, GtkWidget *field,
-                           const GspellLanguage *language) {
-  const OwnedObject<GspellChecker> checker = take(gspell_checker_new(language));
-  kind.set_checker(field, checker.get());
-  kind.set_inline_checking(field, language != nullptr);
+// Checks the row in the language, or not at all for null. Setting the checker first keeps gspell
+// from loading the default language's dictionary for the field.
+void set_spelling_language(LangstrEditorRow *row, const GspellLanguage *language) {
+  const OwnedObject<GspellChecker> checker = v_shared_checkers_get(language);
+  kind_of(row).set_checker(row->text_field.get(), checker.get());
+  kind_of(row).set_inline_checking(row->text_field.get(), language != nullptr);
+  row->spelling_language = language;
+  row->has_own_checker = false;
+}
+
+// "populate-popup" of the text field, before gspell adds to its context menu. What is chosen there,
+// another language or a word to let pass, is meant for this field only.
+void populate_popup_callback(GtkWidget *field, GtkWidget *, LangstrEditorRow *row) {
+  if (row->spelling_language != nullptr && !row->has_own_checker) {
+    const OwnedObject<GspellChecker> checker = take(gspell_checker_new(row->spelling_language));
+    kind_of(row).set_checker(field, checker.get());
+    row->has_own_checker = true;
+  }
 }
 
 // What follows from the language that the row shows.
 void apply_language(LangstrEditorRow *row) {
   GtkWidget *field = row->text_field.get();
   const OwnedText tag = get_selected_langtag(row);
-  set_spelling_language(kind_of(row), field, tag ? find_spelling_language(tag.get()) : nullptr);
+  set_spelling_language(row, tag ? find_spelling_language(tag.get()) : nullptr);
   if (const OwnedText shown = get_shown_language(row)) {
     v_gui_set_accessible_name(field, shown.get());
   }
@@ -291,6 +305,7 @@ void detach_row(LangstrEditorRow *row) {
   if (row->language_combo) {
     g_clear_signal_handler(&row->changed_handler, row->language_combo.get());
   }
+  g_clear_signal_handler(&row->popup_handler, row->text_field.get());
   // A text view that goes while it is checked marks the words of a buffer that is half gone (seen
   // with gspell 1.12 and GTK 3.24.38, which then ends the program).
   kind_of(row).set_inline_checking(row->text_field.get(), false);
@@ -308,6 +323,8 @@ LangstrEditorRow *append_row(VLangstrEditor *editor, const VLangstr *translation
   } else {
     add_entry(row.get());
   }
+  row->popup_handler = g_signal_connect(row->text_field.get(), "populate-popup",
+                                        G_CALLBACK(populate_popup_callback), row.get());
   if (!add_language_combo(row.get(), translation)) {
     detach_row(row.get());
     return nullptr;
@@ -649,15 +666,24 @@ gboolean combo_scroll_event_callback(GtkWidget *combo, GdkEvent *, void *) {
   return GDK_EVENT_PROPAGATE;
 }
 
-// "focus-in-event" of the editor itself: the focus goes on to where the user can type. The event
-// ends here: whoever heard of it later, a screen reader for one, would think the focus still here.
+// "focus-in-event" of the editor itself: the focus goes on to where the user can type.
 gboolean focus_in_event_callback(GtkWidget *widget, GdkEvent *, void *) {
   const LangstrEditorState *state = V_LANGSTR_EDITOR(widget)->state;
   if (gtk_widget_is_focus(widget) && !state->rows.empty()) {
     focus_field(state->rows.front().get());
-    return GDK_EVENT_STOP;
   }
   return GDK_EVENT_PROPAGATE;
+}
+
+// The focus is given to the editor: the first text field takes it at once. Passed on only when the
+// focus has come (above), it would not be announced to a screen reader (seen with GTK 3.24.38).
+void grab_focus_callback(GtkWidget *widget) {
+  const LangstrEditorState *state = V_LANGSTR_EDITOR(widget)->state;
+  if (state->rows.empty()) {
+    GTK_WIDGET_CLASS(v_langstr_editor_parent_class)->grab_focus(widget);
+  } else {
+    focus_field(state->rows.front().get());
+  }
 }
 
 // A key moves the focus, in or into the editor. True when a text field has it now.
@@ -714,6 +740,7 @@ void finalize_callback(GObject *object) {
 static void v_langstr_editor_class_init(VLangstrEditorClass *klass) {
   GTK_WIDGET_CLASS(klass)->destroy = destroy_callback;
   GTK_WIDGET_CLASS(klass)->focus = focus_callback;
+  GTK_WIDGET_CLASS(klass)->grab_focus = grab_focus_callback;
   GTK_WIDGET_CLASS(klass)->key_press_event = key_press_event_callback;
   GTK_WIDGET_CLASS(klass)->show_all = show_all_callback;
   G_OBJECT_CLASS(klass)->finalize = finalize_callback;

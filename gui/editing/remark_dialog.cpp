@@ -45,11 +45,7 @@ void pack_description(RemarkDialog *dialog, GtkBox *box) {
 void pack_buttons(RemarkDialog *dialog, GtkBox *box) {
   GtkBox *row =
       v_gui_pack_hbox_in_alignment(box, Expand::yes, Spacing::standard, 0.0F, 1.0F, 1.0F, 0.0F);
-  GtkButton *ok = v_gui_pack_button(row, "OK", MakeDefault::yes);
-  g_signal_connect(ok, "clicked", G_CALLBACK(ok_callback), dialog);
-  GtkButton *cancel = v_gui_pack_button_in_alignment(row, Expand::yes, "Cancel", MakeDefault::no,
-                                                     1.0F, 0.0F, 0.0F, 0.0F);
-  g_signal_connect_swapped(cancel, "clicked", G_CALLBACK(gtk_widget_destroy), dialog->window);
+  v_gui_pack_ok_and_cancel(row, dialog->window, G_CALLBACK(ok_callback), dialog);
 }
 
 // Reading.

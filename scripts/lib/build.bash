@@ -2,10 +2,14 @@
 # Configuring and building with a preset. Sourced by scripts that stand in the checkout's root folder.
 
 # Configures when it was never done, or done when the checkout stood elsewhere; later changes are Ninja's business.
-build_preset() {
+configure_preset() {
     local preset=$1 folder=build/$1
     if ! grep -qsxF "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$folder/CMakeCache.txt" || [[ ! -e $folder/build.ninja ]]; then
         cmake --fresh --preset "$preset"
     fi
-    cmake --build "$folder"
+}
+
+build_preset() {
+    configure_preset "$1"
+    cmake --build "build/$1"
 }

@@ -49,6 +49,17 @@ test    desktop-file-utils
 test    icnsutils
 test    mandoc
 test    shared-mime-info
+test    strace
+check   clang-tidy
+check   clang-format
+check   cppcheck
+check   shellcheck
+coverage gcovr
+coverage python3
+fuzz    clang
+fuzz    libclang-rt-14-dev
+fuzz    libgtest-dev
+fuzz    libgmock-dev
 package dpkg-dev
 package file
 package lintian

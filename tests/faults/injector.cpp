@@ -21,8 +21,9 @@
 namespace {
 
 constexpr const char *call_names[] = {
-    "open",   "fopen",  "read",  "fread", "write", "fwrite",  "fflush",  "close",    "fclose",
-    "unlink", "mkdir",  "rmdir", "stat",  "lstat", "opendir", "readdir", "closedir", "allocate", "compile",
+    "open",    "fopen",   "read",     "fread",    "write",   "fwrite", "fflush",
+    "close",   "fclose",  "unlink",   "mkdir",    "rmdir",   "stat",   "lstat",
+    "opendir", "readdir", "closedir", "allocate", "compile",
 };
 
 struct BufferedFile {
@@ -273,7 +274,8 @@ std::size_t fwrite(const void *buffer, std::size_t size, std::size_t count, std:
   static auto *const real =
       next<std::size_t(const void *, std::size_t, std::size_t, std::FILE *)>("fwrite");
   const BufferedFile *known = find(&Watch::files, file);
-  if (known != nullptr && must_fail(Call::fwrite, known->path)) {
+  // Writing nothing cannot fail.
+  if (known != nullptr && size * count > 0 && must_fail(Call::fwrite, known->path)) {
     const std::size_t written = is_first_failure() ? real(buffer, size, count / 2, file) : 0;
     mark_as_failed(file);
     return fail(written);

@@ -47,10 +47,10 @@ enum class Result { fails, succeeds };
 
 struct Promise {
   std::vector<Call> calls;
-  std::string where;      // path below the ground, "*" stands for any text
-  int occurrence;         // of the call on that path, 0 for any
+  std::string where; // path below the ground, "*" stands for any text
+  int occurrence;    // of the call on that path, 0 for any
   Result result;
-  std::string message;    // on failure; "{error}" is the system's, "*" any text
+  std::string message; // on failure; "{error}" is the system's, "*" any text
   Outcome outcome;
 };
 
@@ -62,10 +62,13 @@ struct Operation {
   // The first that fits counts. A failing call that none fits is a fault of its own.
   std::vector<Promise> promises;
   // What every message begins with when memory could not be had, "*" stands for any text.
-  std::string message_without_memory;
+  std::string message_without_memory = "?*";
+  // Some answer no and leave it at that, with whatever message there was.
+  bool tells_causes = true;
 };
 
 // Lets each call fail in turn until the operation runs through without a fault, and checks after
 // each: the result, the message, what lies on disk, and that nothing is left open or allocated.
-// Besides the single faults, all calls fail from the Nth on, as on a disk that is gone.
+// Besides the single faults, all calls of the file system fail from the Nth on, as on a disk that
+// is gone. Allocations fail one at a time: when nothing can be had at all, libxml2 itself crashes.
 void sweep(const Operation &operation);

@@ -20,8 +20,8 @@ namespace {
 constexpr const char *earlier_message = "of an earlier failure";
 
 const std::vector<Call> file_calls = {
-    Call::open,   Call::fopen, Call::read,   Call::fread,   Call::write,   Call::fwrite,
-    Call::fflush, Call::close, Call::fclose, Call::unlink,  Call::mkdir,   Call::rmdir,
+    Call::open,   Call::fopen, Call::read,    Call::fread,   Call::write,    Call::fwrite,
+    Call::fflush, Call::close, Call::fclose,  Call::unlink,  Call::mkdir,    Call::rmdir,
     Call::stat,   Call::lstat, Call::opendir, Call::readdir, Call::closedir,
 };
 
@@ -31,6 +31,7 @@ struct SystemError {
 };
 constexpr SystemError disk_errors[] = {
     {ENOSPC, "ENOSPC"}, {EIO, "EIO"}, {EACCES, "EACCES"}, {EMFILE, "EMFILE"}};
+constexpr SystemError disk_is_gone = {EIO, "EIO"};
 constexpr SystemError out_of_memory = {ENOMEM, "ENOMEM"};
 
 // GLib asks for both folders once and keeps them, so they stay what they are at first.
@@ -94,10 +95,9 @@ std::string misfits(const Trial &trial, const Fits &fits) {
 }
 
 std::string differences(const Trial &trial, const Contents &expected) {
-  return misfits({expected, trial.after, trial.undisturbed, trial.hit},
-                 [](const auto &before, const auto &after, const auto &) {
-                   return before == after;
-                 });
+  return misfits(
+      {expected, trial.after, trial.undisturbed, trial.hit},
+      [](const auto &before, const auto &after, const auto &) { return before == after; });
 }
 
 // An operation that takes a file away, or writes it anew, may have come to the one and not yet to
@@ -160,21 +160,17 @@ public:
   }
 
   void fail_all_calls_from_one_on() {
-    for (const SystemError &error : disk_errors) {
-      fail_in_turn(file_calls, error, true, [this](const Run &run, const SystemError &) {
-        check_whatever_came_out(run, "*", is_never_foreign);
-      });
-    }
+    fail_in_turn(file_calls, disk_is_gone, true, [this](const Run &run, const SystemError &) {
+      check_whatever_came_out(run, "?*", is_never_foreign);
+    });
   }
 
   void fail_allocations() {
-    for (const bool from_then_on : {false, true}) {
-      fail_in_turn({Call::allocate}, out_of_memory, from_then_on,
-                   [this](const Run &run, const SystemError &) {
-                     check_whatever_came_out(run, operation.message_without_memory,
-                                             is_before_or_after_or_between);
-                   });
-    }
+    fail_in_turn({Call::allocate}, out_of_memory, false,
+                 [this](const Run &run, const SystemError &) {
+                   check_whatever_came_out(run, operation.message_without_memory,
+                                           is_before_or_after_or_between);
+                 });
   }
 
   int injected_faults = 0;
@@ -221,7 +217,9 @@ private:
   }
 
   void check_success(const Run &finished, const Outcome &outcome) const {
-    EXPECT_EQ(finished.result, undisturbed.result) << finished.message;
+    EXPECT_TRUE(finished.result == undisturbed.result)
+        << "It gave " << describe(finished.result) << " of text and not "
+        << describe(undisturbed.result) << ". " << finished.message;
     check_disk(finished, outcome);
   }
 
@@ -240,7 +238,7 @@ private:
     } else if (promise->result == Result::succeeds) {
       check_success(finished, promise->outcome);
     } else {
-      EXPECT_EQ(finished.result, std::nullopt);
+      EXPECT_FALSE(finished.result) << "It succeeded.";
       EXPECT_PRED2(matches, with_error(promise->message, error), finished.message);
       check_disk(finished, promise->outcome);
     }
@@ -262,11 +260,10 @@ private:
   void check_whatever_came_out(const Run &finished, const std::string &message,
                                const Fits &fits) const {
     if (finished.result) {
-      EXPECT_EQ(finished.result, undisturbed.result);
+      EXPECT_TRUE(finished.result == undisturbed.result) << "It succeeded with something else.";
     } else {
       EXPECT_PRED2(matches, message, finished.message);
-      EXPECT_NE(finished.message, earlier_message);
-      EXPECT_NE(finished.message, "");
+      EXPECT_TRUE(!operation.tells_causes || finished.message != earlier_message);
     }
     check_disk(finished, [&fits](const Trial &trial) { return misfits(trial, fits); });
   }

@@ -363,11 +363,11 @@ class Accessibility(Journey):
         display.type_text(" paint")
         # The language, then " - " which is insensitive, then " + ".
         dialog.press("ctrl+Tab", "ctrl+Tab", "space")
-        dialog.field(LANGUAGES[1]).expect_focus()
-        display.type_text("Bortfall")
-        dialog.press("ctrl+Tab")
-        display.press("Down")
-        dialog.field(LANGUAGES[2]).expect_focus()
+        dialog.field("English [en]").expect_focus()
+        display.type_text("Loss of paint")
+        for key, language in (("Up", LANGUAGES[0]), ("Down", "English [en]")):
+            dialog.press("ctrl+Tab", key)
+            dialog.field(language, index=-1).expect_focus()
         dialog.press("Return")
         dialog.expect_closed()
         self.press_until_focus(editing, "Save codeset")
@@ -376,7 +376,7 @@ class Accessibility(Journey):
         saved = self.own_file.read_text("iso-8859-1")
         self.assertIn('<name lang="en-uk">Mine</name>', saved)
         self.assertIn('<description lang="en-uk">Flaking paint</description>', saved)
-        self.assertIn('<description lang="de">Bortfall</description>', saved)
+        self.assertIn('<description lang="en">Loss of paint</description>', saved)
 
     def press_until_focus(self, window, name):
         """Presses Tab until the widget of that name has the focus."""

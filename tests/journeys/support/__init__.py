@@ -4,5 +4,9 @@ from .journey import Journey, main
 from .program import Program
 from .waiting import JourneyTimeout, wait_until
 from .widgets import Dialog, FileChooser, Row, Widget, Window
+from .workspace import MAIN_WINDOW, WorkspaceJourney, codeset
 
-__all__ = ["Dialog", "FileChooser", "Journey", "JourneyTimeout", "Program", "Row", "Widget", "Window", "main", "wait_until"]
+__all__ = [
+    "Dialog", "FileChooser", "Journey", "JourneyTimeout", "MAIN_WINDOW", "Program", "Row", "Widget", "Window",
+    "WorkspaceJourney", "codeset", "main", "wait_until",
+]

@@ -26,11 +26,11 @@ class Journey(unittest.TestCase):
         self.programs = []
         self.addCleanup(self.end_programs)
 
-    def start_program(self, home=None, stage=None, **environment):
+    def start_program(self, home=None, stage=None, ignored_signals=(), **environment):
         """Starts the program in the test's home. `stage` is a folder from copy_stage(); environment variables are given by
         name, with None to unset one."""
         output = self.folder / f"printed-{len(self.programs)}.txt"
-        program = Program(home or self.home, stage or delivered_stage(), output, environment)
+        program = Program(home or self.home, stage or delivered_stage(), output, environment, ignored_signals)
         self.programs.append(program)
         return program
 

@@ -18,19 +18,25 @@ COMPLAINTS = re.compile(r"(WARNING|CRITICAL|ERROR) \*\*|\*\* (WARNING|CRITICAL|E
 
 class Program:
     """Started at once. `home` is the user's home folder, `stage` the folder with the executable and what lies beside it,
-    `output` the file that takes what is printed, `environment` what is set (or, with None, unset) beyond the caller's."""
+    `output` the file that takes what is printed, `environment` what is set (or, with None, unset) beyond the caller's.
+    Signals that the program's parent ignored stay ignored in it."""
 
-    def __init__(self, home, stage, output, environment=None):
+    def __init__(self, home, stage, output, environment=None, ignored_signals=()):
         self.home = pathlib.Path(home)
         self.stage = pathlib.Path(stage)
         self.output = pathlib.Path(output)
         self.ended_by_journey = False
         self.expected_complaints = None
         variables = {**os.environ, **home_environment(self.home), **(environment or {})}
+
+        def ignore_signals():
+            for number in ignored_signals:
+                signal.signal(number, signal.SIG_IGN)
+
         with open(self.output, "wb") as stream:
             self.process = subprocess.Popen(
                 [self.stage / EXECUTABLE], stdin=subprocess.DEVNULL, stdout=stream, stderr=subprocess.STDOUT, cwd=self.home,
-                env={name: value for name, value in variables.items() if value is not None})
+                env={name: value for name, value in variables.items() if value is not None}, preexec_fn=ignore_signals)
 
     @property
     def pid(self):

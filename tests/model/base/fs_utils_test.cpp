@@ -483,7 +483,7 @@ TEST(FsUtils, FolderThatCannotBeReadOrClosed) {
 
 TEST(FsUtils, CreatedFolderIsForItsOwnerAlone) {
   const TemporaryFolder folder;
-  for (const mode_t mask : {0, 022, 077}) {
+  for (const mode_t mask : {0U, 022U, 077U}) {
     const std::string path = folder / std::to_string(mask);
     const mode_t before = umask(mask);
     EXPECT_TRUE(v_fs_utils_create_folder(path.c_str()));

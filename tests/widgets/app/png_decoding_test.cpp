@@ -414,14 +414,22 @@ TEST(PngDecoding, ChecksumsMustFit) {
   }
 }
 
-TEST(PngDecoding, ImpossibleSizesFail) {
+TEST(PngDecoding, SizesThatNoPngHasFail) {
   const std::string file = encode_png(noisy);
-  const std::pair<unsigned, unsigned> sizes[] = {
-      {0, 12},         {16, 0}, {0, 0}, {16777217, 12}, {16, 16777217}, {0x7fffffff, 0x7fffffff},
-      {0x80000000, 12}};
+  const std::pair<unsigned, unsigned> sizes[] = {{0, 12}, {16, 0}, {0, 0}, {0x80000000, 12}};
   for (const auto &[width, height] : sizes) {
     SCOPED_TRACE(width);
     expect_failure(with_png_size(file, width, height), "Error reading PNG data.");
+  }
+}
+
+TEST(PngDecoding, SizesOutOfThePixelBuffersRangeFail) {
+  const std::string file = encode_png(noisy);
+  const std::pair<unsigned, unsigned> sizes[] = {
+      {16777217, 12}, {16, 16777217}, {0x7fffffff, 0x7fffffff}};
+  for (const auto &[width, height] : sizes) {
+    SCOPED_TRACE(width);
+    expect_failure(with_png_size(file, width, height), "Pixel buffer dimension out of range.");
   }
 }
 

@@ -61,7 +61,7 @@ TEST_F(BundledFileSelector, ReturnsThePathOfTheSelectedFile) {
   for (const auto &[shown, name] : {std::pair("B", "b.codeset"), std::pair("A", "a.codeset"),
                                     std::pair("c.codeset", "c.codeset")}) {
     await_start();
-    script.then([shown] { select_row(top_window(), shown); });
+    script.then([shown = shown] { select_row(top_window(), shown); });
     script.click("OK");
     EXPECT_EQ(run(), delivered(name));
   }

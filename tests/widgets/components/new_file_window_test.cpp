@@ -96,7 +96,7 @@ TEST_F(NewFileWindow, RefusesWhatIsNotANameAndTheExtension) {
                             "abccodeset", "\u00e5codeset", " .codeset "}) {
     enter(typed);
     script.answer("Error", form_message, "Close");
-    script.then([typed] { EXPECT_STREQ(gtk_entry_get_text(entry()), typed); });
+    script.then([typed = typed] { EXPECT_STREQ(gtk_entry_get_text(entry()), typed); });
     script.close("Add new");
     EXPECT_EQ(run(), "none") << typed;
   }
@@ -113,7 +113,7 @@ TEST_F(NewFileWindow, RefusesTheFirstCharacterThatIsNotPermitted) {
     enter(typed);
     script.answer("Error", "The character \"" + std::string(character) + "\" is not permitted.",
                   "Close");
-    script.then([typed] { EXPECT_STREQ(gtk_entry_get_text(entry()), typed); });
+    script.then([typed = typed] { EXPECT_STREQ(gtk_entry_get_text(entry()), typed); });
     script.click("Cancel");
     EXPECT_EQ(run(), "none") << typed;
   }

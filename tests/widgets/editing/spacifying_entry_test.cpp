@@ -90,8 +90,8 @@ TEST_F(SpacifyingEntryTest, RepairsWhatIsPasted) {
 TEST_F(SpacifyingEntryTest, RepairsWhatIsTyped) {
   const ShownWindow host(widget);
   gtk_widget_grab_focus(widget);
-  for (const guint key : {GDK_KEY_a, GDK_KEY_space, GDK_KEY_aring}) {
-    host.press_key(key);
+  for (const int key : {GDK_KEY_a, GDK_KEY_space, GDK_KEY_aring}) {
+    host.press_key(static_cast<guint>(key));
   }
   EXPECT_EQ(shown(), "a \u00E5");
   EXPECT_EQ(take_beep_count(), 0);

@@ -136,8 +136,8 @@ TEST_F(SpacifyingTextViewTest, LeavesTabToTheWindow) {
 TEST_F(SpacifyingTextViewTest, HasAllOtherKeysForItself) {
   const ShownWindow host(widget);
   gtk_widget_grab_focus(widget);
-  for (const guint key : {GDK_KEY_a, GDK_KEY_Return, GDK_KEY_b, GDK_KEY_Left, GDK_KEY_c}) {
-    host.press_key(key);
+  for (const int key : {GDK_KEY_a, GDK_KEY_Return, GDK_KEY_b, GDK_KEY_Left, GDK_KEY_c}) {
+    host.press_key(static_cast<guint>(key));
   }
   EXPECT_EQ(shown(), "a\ncb");
   EXPECT_EQ(take_beep_count(), 0);

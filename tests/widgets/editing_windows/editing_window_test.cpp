@@ -594,7 +594,7 @@ TEST_F(EditingWindow, AuthorAndVersionMayBeEmpty) {
   };
   for (const auto &[typed, saved] : cases) {
     write_paper();
-    check([typed] {
+    check([typed = typed] {
       gtk_entry_set_text(version_entry(), typed);
       enter(author_editor(), 0, " ");
     });

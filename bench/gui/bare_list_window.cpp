@@ -1,0 +1,47 @@
+#include "bare_list_window.h"
+
+namespace {
+
+GtkTreeView *create_view() {
+  GtkTreeView *view = GTK_TREE_VIEW(gtk_tree_view_new());
+  gtk_tree_view_set_headers_visible(view, FALSE);
+  gtk_tree_view_set_fixed_height_mode(view, TRUE);
+  GtkCellRenderer *renderer = gtk_cell_renderer_text_new();
+  g_object_set(renderer, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
+  GtkTreeViewColumn *column =
+      gtk_tree_view_column_new_with_attributes("Remark", renderer, "text", 0, nullptr);
+  gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
+  gtk_tree_view_append_column(view, column);
+  return view;
+}
+
+} // namespace
+
+BareListWindow::BareListWindow(const std::vector<std::string> &rows)
+    : window(gtk_window_new(GTK_WINDOW_TOPLEVEL)), tree_view(create_view()) {
+  GtkListStore *store = gtk_list_store_new(1, G_TYPE_STRING);
+  gtk_tree_view_set_model(tree_view, GTK_TREE_MODEL(store));
+  g_object_unref(store);
+  refill(rows);
+  GtkWidget *scroller = gtk_scrolled_window_new(nullptr, nullptr);
+  gtk_container_add(GTK_CONTAINER(scroller), GTK_WIDGET(tree_view));
+  gtk_container_add(GTK_CONTAINER(window), scroller);
+  gtk_window_set_default_size(GTK_WINDOW(window), 800, 600);
+  gtk_window_maximize(GTK_WINDOW(window));
+  gtk_widget_show_all(window);
+}
+
+BareListWindow::~BareListWindow() { gtk_widget_destroy(window); }
+
+void BareListWindow::refill(const std::vector<std::string> &rows) {
+  GtkTreeModel *model = gtk_tree_view_get_model(tree_view);
+  g_object_ref(model);
+  gtk_tree_view_set_model(tree_view, nullptr);
+  GtkListStore *store = GTK_LIST_STORE(model);
+  gtk_list_store_clear(store);
+  for (const std::string &row : rows) {
+    gtk_list_store_insert_with_values(store, nullptr, -1, 0, row.c_str(), -1);
+  }
+  gtk_tree_view_set_model(tree_view, model);
+  g_object_unref(model);
+}

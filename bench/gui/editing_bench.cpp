@@ -1,0 +1,242 @@
+// The editing window with a large codeset, against a window with a bare list of the same rows. All
+// rows of both are made by the same calls of the toolkit; the bare list gets its texts ready made.
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "bare_list_window.h"
+#include "base/text_encoding.h"
+#include "codeset/codeset_io.h"
+#include "gui/editing/editing_window.h"
+#include "gui_rows.h"
+#include "idle.h"
+#include "support/codeset_generator.h"
+#include "support/comparison.h"
+#include "support/require.h"
+#include "support/scratch_folder.h"
+#include "workspace/display_text.h"
+
+namespace {
+
+constexpr int remark_count = 100'000;
+constexpr int selection_count = 20;
+constexpr int repetitions = 7;
+constexpr char size_text[] = "100,000 remarks";
+
+// ---- What both windows show ---------------------------------------------------------------------
+
+struct Vocabulary {
+  Vocabulary() {
+    workspace.folder_path = copy_text(folder.path_of("").c_str());
+    workspace.settings = v_settings_new(workspace.folder_path.get());
+    workspace.settings->preferred_languages = {"en-uk", "sv"};
+    const OwnedCodeset codeset = require(v_codeset_io_read_from_file(path.c_str()));
+    const VRemarkList *list = codeset->remarks.get();
+    for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+      rows.push_back(row_of(remark));
+    }
+  }
+
+  std::string row_of(const VRemark *remark) const {
+    const char *text =
+        v_util_get_langstr_string(workspace.settings.get(), remark->description.get());
+    const std::string latin1_text = std::string(remark->code.get()) + ". " + text;
+    return v_convert_latin1_to_utf8(latin1_text.c_str()).get();
+  }
+
+  ScratchFolder folder;
+  std::string path =
+      folder.put("bench.codeset", v_bench_generate_codeset(remark_count, CodeOrder::ascending));
+  VWorkspace workspace;
+  OwnedWindowStack window_stack = v_window_stack_new();
+  RunContext context = {window_stack.get(), &workspace};
+  std::vector<std::string> rows;
+};
+
+// ---- Finding and using what a user sees ---------------------------------------------------------
+
+using Test = std::function<bool(GtkWidget *widget)>;
+
+GtkWidget *find(GtkWidget *root, const Test &test) {
+  if (test(root)) {
+    return root;
+  }
+  GtkWidget *found = nullptr;
+  if (GTK_IS_CONTAINER(root)) {
+    GList *children = gtk_container_get_children(GTK_CONTAINER(root));
+    for (const GList *at = children; at != nullptr && found == nullptr; at = at->next) {
+      found = find(GTK_WIDGET(at->data), test);
+    }
+    g_list_free(children);
+  }
+  return found;
+}
+
+// In the window that is shown and has no other over it.
+GtkWidget *find_in_top_window(const Test &test) {
+  GList *windows = gtk_window_list_toplevels();
+  GtkWidget *found = nullptr;
+  for (const GList *at = windows; at != nullptr && found == nullptr; at = at->next) {
+    GtkWidget *window = GTK_WIDGET(at->data);
+    if (gtk_widget_get_visible(window) && gtk_widget_get_sensitive(window)) {
+      found = find(window, test);
+    }
+  }
+  g_list_free(windows);
+  if (found == nullptr) {
+    throw std::runtime_error("A widget is not where it should be.");
+  }
+  return found;
+}
+
+void click(const std::string &label) {
+  GtkWidget *button = find_in_top_window([&label](GtkWidget *widget) {
+    return GTK_IS_BUTTON(widget) && label == gtk_button_get_label(GTK_BUTTON(widget));
+  });
+  gtk_button_clicked(GTK_BUTTON(button));
+}
+
+GtkTreeView *find_list() {
+  return GTK_TREE_VIEW(
+      find_in_top_window([](GtkWidget *widget) -> bool { return GTK_IS_TREE_VIEW(widget); }));
+}
+
+void close_editing_window() {
+  gtk_widget_destroy(gtk_widget_get_toplevel(GTK_WIDGET(find_list())));
+}
+
+// As the arrow keys do it.
+void select_row(GtkTreeView *view, int row) {
+  GtkTreePath *path = gtk_tree_path_new_from_indices(row, -1);
+  gtk_tree_view_set_cursor(view, path, nullptr, FALSE);
+  gtk_tree_path_free(path);
+}
+
+// Opens the window, acts when it is idle, and returns when it has been closed.
+void edit(const Vocabulary &vocabulary, const std::function<void(double seconds)> &act) {
+  v_bench_when_idle(Stopwatch(), act);
+  run_editing_window(&vocabulary.context, vocabulary.path.c_str());
+}
+
+// ---- Opening ------------------------------------------------------------------------------------
+
+double measure_opening_list(const Vocabulary &vocabulary) {
+  const Stopwatch stopwatch;
+  const OwnedCodeset codeset = require(v_codeset_io_read_from_file(vocabulary.path.c_str()));
+  const BareListWindow window(vocabulary.rows);
+  return v_bench_run_until_idle(stopwatch);
+}
+
+double measure_opening(const Vocabulary &vocabulary) {
+  double result = 0;
+  edit(vocabulary, [&result](double seconds) {
+    result = seconds;
+    close_editing_window();
+  });
+  return result;
+}
+
+// ---- One edit -----------------------------------------------------------------------------------
+
+double measure_refilling_list(const Vocabulary &vocabulary) {
+  BareListWindow window(vocabulary.rows);
+  v_bench_run_until_idle(Stopwatch());
+  const Stopwatch stopwatch;
+  window.refill(vocabulary.rows);
+  return v_bench_run_until_idle(stopwatch);
+}
+
+double measure_edit(const Vocabulary &vocabulary) {
+  double result = 0;
+  const auto finish = [&result](double seconds) {
+    result = seconds;
+    close_editing_window();
+  };
+  const auto confirm = [&finish](double) {
+    v_bench_when_idle(Stopwatch(), finish);
+    click("OK");
+  };
+  edit(vocabulary, [&confirm](double) {
+    select_row(find_list(), remark_count / 2);
+    v_bench_when_idle(Stopwatch(), confirm);
+    click("Edit");
+  });
+  return result;
+}
+
+// ---- Selecting ----------------------------------------------------------------------------------
+
+// Selects one remark after the other, and gives the mean time for one.
+class Selecting {
+public:
+  explicit Selecting(std::function<void()> when_done) : done(std::move(when_done)) {}
+
+  void begin(GtkTreeView *list) {
+    view = list;
+    select_row(view, 0);
+    v_bench_when_idle(Stopwatch(), [this](double) { step(); });
+  }
+  double seconds_each() const { return total / selection_count; }
+
+private:
+  void step() {
+    if (row == selection_count) {
+      done();
+      return;
+    }
+    const Stopwatch stopwatch;
+    select_row(view, ++row);
+    v_bench_when_idle(stopwatch, [this](double seconds) {
+      total += seconds;
+      step();
+    });
+  }
+
+  std::function<void()> done;
+  GtkTreeView *view = nullptr;
+  int row = 0;
+  double total = 0;
+};
+
+double measure_selecting_in_list(const Vocabulary &vocabulary) {
+  BareListWindow window(vocabulary.rows);
+  v_bench_run_until_idle(Stopwatch());
+  Selecting selecting(gtk_main_quit);
+  selecting.begin(window.view());
+  gtk_main();
+  return selecting.seconds_each();
+}
+
+double measure_selecting(const Vocabulary &vocabulary) {
+  Selecting selecting(close_editing_window);
+  edit(vocabulary, [&selecting](double) { selecting.begin(find_list()); });
+  return selecting.seconds_each();
+}
+
+// ---- The rows -----------------------------------------------------------------------------------
+
+using Measure = double (*)(const Vocabulary &vocabulary);
+
+void add_row(const char *what, const char *baseline, Measure measure_list, Measure measure_window) {
+  v_bench_add_row({.what = what, .size = size_text, .baseline = baseline, .target = 1.3},
+                  repetitions, [=] {
+                    const auto vocabulary = std::make_shared<Vocabulary>();
+                    return Comparison{[=] { return measure_list(*vocabulary); },
+                                      [=] { return measure_window(*vocabulary); }};
+                  });
+}
+
+} // namespace
+
+void v_bench_add_editing_rows() {
+  add_row("Open the editing window until idle",
+          "the file is read, and a bare list of fixed-height rows shows the same",
+          measure_opening_list, measure_opening);
+  add_row("One edit, from OK until idle", "a bare list store is refilled, off its view",
+          measure_refilling_list, measure_edit);
+  add_row("Select another remark until repainted", "the same in the bare list",
+          measure_selecting_in_list, measure_selecting);
+}

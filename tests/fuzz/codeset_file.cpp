@@ -1,0 +1,108 @@
+// Codeset files. What the reader accepts is a proper codeset, and reads back equal when it is
+// written.
+
+#include <set>
+
+#include "base/text_encoding.h"
+#include "codeset/codeset_io.h"
+#include "fuzz/fuzzing.h"
+#include "model/codeset/remarks.h"
+#include "support/files.h"
+
+namespace {
+
+void require_proper(const Translations &translations) {
+  std::set<std::string> tags;
+  for (const auto &[lang, text] : translations) {
+    require(tags.insert(lang).second, "no two translations have the same tag");
+    require(v_ascii_test(lang.c_str()) && is_compact_latin1(lang), "tags are normalised ASCII");
+    require(!text.empty() && is_compact_latin1(text), "texts are normalised and not empty");
+  }
+}
+
+void require_proper(const Remarks &remarks) {
+  const std::string *before = nullptr;
+  for (const auto &[code, description] : remarks) {
+    require(!code.empty() && is_compact_latin1(code), "codes are normalised and not empty");
+    require(before == nullptr || v_remark_compare_codes(before->c_str(), code.c_str()) < 0,
+            "codes are in order, each once");
+    require(!description.empty(), "a remark has a description");
+    require_proper(description);
+    before = &code;
+  }
+}
+
+void require_proper(const OwnedCodeset &codeset) {
+  require(codeset->name != nullptr, "a codeset has a name");
+  require_proper(translations_of(codeset->name));
+  require_proper(translations_of(codeset->author));
+  const char *version = codeset->version.get();
+  require(version == nullptr || (*version != '\0' && is_compact_latin1(version)),
+          "the version is normalised and not empty");
+  require(!v_remark_list_is_empty(codeset->remarks.get()), "a codeset has remarks");
+  require_proper(remarks_of(codeset->remarks));
+  require(!codeset->outdated && codeset->prev == nullptr && codeset->next == nullptr,
+          "a codeset that was read stands alone");
+}
+
+// Tags and codes are written as they are. What means something else in XML then does not read back.
+bool is_markup(const Translations &translations) {
+  for (const auto &[lang, text] : translations) {
+    if (contains_any_of(lang, "\"<&")) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool is_markup(const OwnedCodeset &codeset) {
+  if (is_markup(translations_of(codeset->name)) || is_markup(translations_of(codeset->author))) {
+    return true;
+  }
+  for (const auto &[code, description] : remarks_of(codeset->remarks)) {
+    if (contains_any_of(code, "<&") || code.find("]]>") != std::string::npos ||
+        is_markup(description)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool is_same_text(const OwnedText &a, const OwnedText &b) {
+  return g_strcmp0(a.get(), b.get()) == 0;
+}
+
+void require_written_reads_back(const OwnedCodeset &codeset) {
+  static const TemporaryFolder folder;
+  static const std::string path = folder / "written.codeset";
+  require(v_codeset_io_write_to_file(codeset.get(), path.c_str()), "a codeset can be written");
+  const OwnedCodeset reread = v_codeset_io_read_from_file(path.c_str());
+  if (is_markup(codeset)) {
+    return;
+  }
+  require(reread != nullptr, "what is written can be read");
+  require(translations_of(reread->name) == translations_of(codeset->name), "the name comes back");
+  require(translations_of(reread->author) == translations_of(codeset->author),
+          "the author comes back");
+  require(is_same_text(reread->version, codeset->version), "the version comes back");
+  require(remarks_of(reread->remarks) == remarks_of(codeset->remarks), "the remarks come back");
+  const std::string bytes = read_file(path);
+  require(v_codeset_io_write_to_file(reread.get(), path.c_str()) && read_file(path) == bytes,
+          "the same codeset is written as the same bytes");
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+  static MemoryFile file;
+  file.write(data, size);
+  set_old_message();
+  const OwnedCodeset codeset = v_codeset_io_read_from_file(file.path());
+  if (!codeset) {
+    require_message();
+    return 0;
+  }
+  require_proper(codeset);
+  require_written_reads_back(codeset);
+  return 0;
+}

@@ -1,0 +1,223 @@
+"""What can be typed and pasted into the fields, what is saved of it, and where spelling is checked."""
+
+from support import MAIN_WINDOW, WorkspaceJourney, codeset, main
+from support import display
+from support.waiting import settle
+
+UK = "English/United Kingdom [en-uk]"
+TITLE = "Edit remark codeset - own.codeset"
+OWN = codeset("Own", "Vera", "1", [("1", "One")])
+EVERY_LATIN1_CHARACTER = "".join(map(chr, [*range(0x21, 0x7F), *range(0xA1, 0x100)]))
+
+# What is pasted, what the field shows of it, and what is saved.
+PASTED = [
+    ("é à ü ß ÿ ¿ × Å", "é à ü ß ÿ ¿ × Å", None),
+    ("10 € or $", "10  or $", "10 or $"),
+    ("a\tb", "a b", None),
+    ("a\nb", "a b", None),
+    ("a\r\nb", "a  b", "a b"),
+    ("a\u00a0b", "a b", None),
+    ("a\u2003b\u2028c\u2029d", "a b c d", None),
+    ("bell\x07 del\x01ete \x1b[31m", "bell delete [31m", None),
+    ("vertical\x0btab form\x0cfeed", "verticaltab form feed", None),
+    ("emoji \U0001f600! \u4e2d\u6587 \u0141 \u2014 \u2019", "emoji !     ", "emoji !"),
+    ("  outer \t  blanks  ", "  outer    blanks  ", "outer blanks"),
+    ("soft\u00adhyphen ¼½¾", "soft\u00adhyphen ¼½¾", None),
+    ("a &amp; <b> \"c\" 'd' > %s &#10;", "a &amp; <b> \"c\" 'd' > %s &#10;", None),
+    ("]]> <!-- --> <?xml?>", "]]> <!-- --> <?xml?>", None),
+    (EVERY_LATIN1_CHARACTER, EVERY_LATIN1_CHARACTER, None),
+]
+
+
+class Typing(WorkspaceJourney):
+    def open_own(self):
+        self.own = self.put("own.codeset", OWN)
+        return self.open_editing("own.codeset", "Own (Vera) 1")
+
+    def save(self, editing):
+        editing.button("Save codeset").click()
+        editing.expect_closed()
+
+    def open_remark(self, program, editing):
+        editing.list("Remark codes").row("1. One").select()
+        editing.button("Edit").click()
+        return program.window("Edit remark code")
+
+    def replace_by_paste(self, field, text):
+        field.clear()
+        field.paste(text)
+
+    # Texts
+
+    def test_pasted_texts_are_repaired_and_saved(self):
+        program, editing = self.open_own()
+        for pasted, shown, saved in PASTED:
+            saved = shown if saved is None else saved
+            with self.subTest(pasted=pasted):
+                for index in range(2):
+                    self.replace_by_paste(editing.field(UK, index=index), pasted)
+                    editing.field(UK, index=index).expect_text(shown)
+                self.replace_by_paste(editing.field("Version"), pasted)
+                editing.field("Version").expect_text(shown)
+                dialog = self.open_remark(program, editing)
+                self.replace_by_paste(dialog.field(UK), pasted)
+                dialog.field(UK).expect_text(shown)
+                dialog.press("Return")
+                dialog.expect_closed()
+                # What is taken over is what will be saved.
+                codes = editing.list("Remark codes")
+                codes.expect_texts([f"1. {saved}"])
+                codes.row(f"1. {saved}").select()
+                editing.field("Description of the selected remark code").expect_text(f"{UK}\n\n{saved}")
+                self.save(editing)
+                self.assertEqual(self.own.read_bytes(), codeset(saved, saved, saved, [("1", saved)]))
+
+                # It comes back as it was saved.
+                window = program.window(MAIN_WINDOW)
+                window.list().expect_texts([f"{saved} ({saved}) {saved}"])
+                self.own.write_bytes(OWN)
+                window.button("Refresh list").click()
+                window.list().row("Own (Vera) 1").select()
+                window.button("Edit").click()
+                editing = program.window(TITLE)
+
+    def test_what_was_saved_comes_back(self):
+        text = "Ünïted &amp; <b> ÿ " + EVERY_LATIN1_CHARACTER
+        self.put("own.codeset", codeset(text, text, text, [("1", text)]))
+        program, editing = self.open_editing("own.codeset", f"{text} ({text}) {text}")
+        self.assertEqual([field.text for field in editing.fields()][:3], [text] * 3)
+        self.save(editing)
+        self.assertEqual(self.contents(), {"own.codeset": codeset(text, text, text, [("1", text)])})
+        self.assertEqual(program.active_window().title, MAIN_WINDOW)
+
+    def test_pasted_codes(self):
+        program, editing = self.open_own()
+        codes = ["  é\tü ", "7\u00a07", "x€y", "\x01n\x02", "Å\nÄ"]
+        for pasted, shown in zip(codes, ["  é ü ", "7 7", "xy", "n", "Å Ä"], strict=True):
+            editing.button("Add new").click()
+            dialog = program.window("Edit remark code")
+            dialog.field("Remark code").paste(pasted)
+            dialog.field("Remark code").expect_text(shown)
+            dialog.field(UK).type("T")
+            dialog.press("Return")
+            dialog.expect_closed()
+        # Outside ASCII letters come first: their bytes are negative.
+        editing.list("Remark codes").expect_texts(["Å Ä. T", "é ü. T", "1. One", "7 7. T", "n. T", "xy. T"])
+        self.save(editing)
+        self.assertEqual(self.own.read_bytes(), codeset("Own", "Vera", "1", [
+            ("Å Ä", "T"), ("é ü", "T"), ("1", "One"), ("7 7", "T"), ("n", "T"), ("xy", "T")]))
+
+    def test_a_code_of_what_cannot_be_kept_is_no_code(self):
+        program, editing = self.open_own()
+        editing.button("Add new").click()
+        dialog = program.window("Edit remark code")
+        dialog.field("Remark code").paste("€\u4e2d\x07")
+        settle(0.3)
+        dialog.field("Remark code").expect_text("")
+        dialog.press("Return")
+        self.expect_message(program, "Error", "Missing a code.", "Close")
+
+    def test_typed_texts(self):
+        program, editing = self.open_own()
+        name, author = editing.field(UK), editing.field(UK, index=1)
+        name.enter("Zoë's naïve façade, 5 €")
+        name.expect_text("Zoë's naïve façade, 5 ")
+        # Where the cursor stands, not at the end.
+        display.press("Home")
+        display.type_text("«€1» ")
+        name.expect_text("«1» Zoë's naïve façade, 5 ")
+        author.enter("  Ærø \u00a0 Þór  ")
+        author.expect_text("  Ærø   Þór  ")
+        version = editing.field("Version")
+        version.enter("½")
+        version.press("ctrl+v")
+        self.save(editing)
+        self.assertEqual(
+            self.own.read_bytes(), codeset("«1» Zoë's naïve façade, 5", "Ærø Þór", "½", [("1", "One")]))
+        program.window(MAIN_WINDOW).list().expect_texts(["«1» Zoë's naïve façade, 5 (Ærø Þór) ½"])
+
+    def test_a_paste_replaces_what_is_marked(self):
+        _, editing = self.open_own()
+        name = editing.field(UK)
+        name.enter("one two three")
+        display.press("Home", "ctrl+Right", "ctrl+shift+Right")
+        program = editing.program
+        program.wait(lambda: name.selected_text == " two", lambda: f"the second word to be marked, not {name.selected_text!r}")
+        name.paste(" €2\t")
+        name.expect_text("one 2  three")
+        display.press("ctrl+a", "ctrl+c")
+        program.wait(lambda: display.clipboard() == "one 2  three", "the text on the clipboard")
+
+    def test_a_long_text(self):
+        program, editing = self.open_own()
+        text = "wörd " * 4000
+        self.replace_by_paste(editing.field(UK), text)
+        editing.field(UK).expect_text(text)
+        self.save(editing)
+        self.assertEqual(self.own.read_bytes(), codeset(text.strip(), "Vera", "1", [("1", "One")]))
+        window = program.window(MAIN_WINDOW)
+        window.list().expect_texts([f"{text.strip()} (Vera) 1"])
+        self.assertLess(window.extents[2], 1400)
+
+    # Spelling
+
+    def is_marked(self, field, word):
+        return field.text_attributes(field.text.index(word)).get("underline") == "error"
+
+    def expect_marks(self, field, *words):
+        """These words, and only these, are marked as misspelt."""
+        def marked():
+            text = field.text
+            return [word for word in text.split() if self.is_marked(field, word)]
+
+        field.program.wait(lambda: marked() == list(words), lambda: f"marks on {words}; they are on {marked()}")
+
+    def test_spelling_is_checked_where_there_is_a_dictionary(self):
+        self.prefer("en-uk", "en-us", "sv", "de-de", "fr-fr", "en", "fi")
+        self.put("own.codeset", codeset({
+            "en-uk": "colour color spricka", "en-us": "colour color spricka", "sv": "colour spricka",
+            "de-de": "Farbe colour", "fr-fr": "couleur Farbe", "en": "colour xyzzyq", "fi": "xyzzyq", "": "xyzzyq",
+        }, remarks=[("1", {"sv": "spricka crackk", "en": "crackk"})]))
+        program, editing = self.open_editing("own.codeset", "colour color spricka")
+        for language, words in (
+            (UK, ["color", "spricka"]), ("English/United States [en-us]", ["colour", "spricka"]),
+            ("Swedish [sv]", ["colour"]), ("German/Germany [de-de]", ["colour"]), ("French/France [fr-fr]", ["Farbe"]),
+        ):
+            with self.subTest(language=language):
+                self.expect_marks(editing.field(language), *words)
+        for language in ("English [en]", "Finnish [fi]", "Undefined"):
+            with self.subTest(language=language):
+                self.expect_marks(editing.field(language))
+        dialog = self.open_first_remark(program, editing)
+        self.expect_marks(dialog.field("Swedish [sv]"), "crackk")
+        self.expect_marks(dialog.field("English [en]"))
+
+    def open_first_remark(self, program, editing):
+        editing.list("Remark codes").rows()[0].select()
+        editing.button("Edit").click()
+        return program.window("Edit remark code")
+
+    def test_spelling_follows_typing_and_the_language(self):
+        self.prefer("en-uk", "sv", "en")
+        self.put("own.codeset", OWN)
+        _, editing = self.open_editing("own.codeset", "Own (Vera) 1")
+        name = editing.field(UK)
+        name.enter("colour spricka ")
+        self.expect_marks(name, "spricka")
+        editing.combos()[0].choose("Swedish [sv]")
+        name = editing.field("Swedish [sv]")
+        name.expect_focus()
+        self.assertEqual(name.selected_text, "")
+        self.expect_marks(name, "colour")
+        editing.combos()[0].choose("English [en]")
+        self.expect_marks(editing.field("English [en]"))
+        editing.combos()[0].choose(UK)
+        self.expect_marks(editing.field(UK), "spricka")
+        # The version has no language.
+        version = editing.field("Version")
+        version.enter("spricka colour ")
+        self.expect_marks(version)
+
+
+if __name__ == "__main__":
+    main()

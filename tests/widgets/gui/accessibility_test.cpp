@@ -1,0 +1,117 @@
+#include "gui/accessibility.h"
+
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "gui/owned_objects.h"
+#include "gui/widgets.h"
+#include "toolkit.h"
+
+namespace {
+
+// A warning of the toolkit ends the program while one of these lives.
+class FatalWarnings {
+public:
+  FatalWarnings()
+      : before(g_log_set_always_fatal(static_cast<GLogLevelFlags>(
+            G_LOG_FATAL_MASK | G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING))) {}
+  ~FatalWarnings() { g_log_set_always_fatal(before); }
+  FatalWarnings(const FatalWarnings &) = delete;
+  FatalWarnings &operator=(const FatalWarnings &) = delete;
+
+private:
+  GLogLevelFlags before;
+};
+
+// One press of a key, without a turn of the main loop.
+void deliver_key(GtkWidget *window, guint key) {
+  const Owned<GdkEvent, gdk_event_free> event(gdk_event_new(GDK_KEY_PRESS));
+  event->key.window = share(gtk_widget_get_window(window)).release();
+  event->key.keyval = key;
+  gdk_event_set_device(event.get(), gdk_seat_get_keyboard(gdk_display_get_default_seat(
+                                        gtk_widget_get_display(window))));
+  gtk_widget_event(window, event.get());
+}
+
+// A shown window that Escape closes.
+OwnedObject<GtkWidget> create_window() {
+  OwnedObject<GtkWidget> window = share(GTK_WIDGET(v_gui_create_window("Window")));
+  v_gui_close_on_escape(GTK_WINDOW(window.get()));
+  gtk_widget_show(window.get());
+  settle();
+  return window;
+}
+
+TEST(Accessibility, EscapeClosesTheWindow) {
+  const OwnedObject<GtkWidget> window = create_window();
+  deliver_key(window.get(), GDK_KEY_a);
+  EXPECT_FALSE(gtk_widget_in_destruction(window.get()));
+  EXPECT_TRUE(gtk_widget_get_visible(window.get()));
+  int destroyed = 0;
+  g_signal_connect_swapped(window.get(), "destroy", G_CALLBACK(+[](int *count) { ++*count; }),
+                           &destroyed);
+  deliver_key(window.get(), GDK_KEY_Escape);
+  EXPECT_EQ(destroyed, 1);
+}
+
+// Nothing may be left behind that would close a window which is gone by then.
+TEST(Accessibility, EscapeLeavesNothingToDoLater) {
+  const FatalWarnings fatal_warnings;
+  OwnedObject<GtkWidget> window = create_window();
+  GtkWidget *observed = window.get();
+  g_object_add_weak_pointer(G_OBJECT(observed), reinterpret_cast<gpointer *>(&observed));
+  deliver_key(window.get(), GDK_KEY_Escape);
+  window.reset();
+  EXPECT_EQ(observed, nullptr);
+  run_for(50);
+}
+
+TEST(Accessibility, EscapeAsksWhoeverMayKeepTheWindow) {
+  const OwnedObject<GtkWidget> window = create_window();
+  int asked = 0;
+  g_signal_connect(window.get(), "delete-event",
+                   G_CALLBACK(+[](GtkWidget *, GdkEvent *, int *count) -> gboolean {
+                     ++*count;
+                     return TRUE;
+                   }),
+                   &asked);
+  deliver_key(window.get(), GDK_KEY_Escape);
+  deliver_key(window.get(), GDK_KEY_Escape);
+  EXPECT_EQ(asked, 2);
+  EXPECT_TRUE(gtk_widget_get_visible(window.get()));
+  gtk_widget_destroy(window.get());
+}
+
+TEST(Accessibility, EscapeAnswersADialogAtOnce) {
+  const FatalWarnings fatal_warnings;
+  GtkDialog *dialog = v_gui_create_dialog("Dialog", ButtonSet::close);
+  std::vector<int> responses;
+  g_signal_connect(dialog, "response",
+                   G_CALLBACK(+[](GtkDialog *, int response, std::vector<int> *all) {
+                     all->push_back(response);
+                   }),
+                   &responses);
+  g_signal_emit_by_name(dialog, "close");
+  g_signal_emit_by_name(dialog, "close");
+  EXPECT_EQ(responses, (std::vector<int>{GTK_RESPONSE_DELETE_EVENT, GTK_RESPONSE_DELETE_EVENT}));
+  gtk_widget_destroy(GTK_WIDGET(dialog));
+  run_for(50);
+}
+
+TEST(Accessibility, NamesAndDescriptionsAreSpoken) {
+  const OwnedObject<GtkWidget> label = sink(gtk_label_new(nullptr));
+  AtkObject *accessible = gtk_widget_get_accessible(label.get());
+  v_gui_set_accessible_name(label.get(), "Ärende");
+  EXPECT_STREQ(atk_object_get_name(accessible), "Ärende");
+  v_gui_set_accessible_description(label.get(), "A & b");
+  EXPECT_STREQ(atk_object_get_description(accessible), "A & b");
+  v_gui_set_accessible_group_name(label.get(), "Group");
+  EXPECT_EQ(atk_object_get_role(accessible), ATK_ROLE_PANEL);
+  EXPECT_STREQ(atk_object_get_name(accessible), "Group");
+  v_gui_set_accessible_message(label.get(), "Message");
+  EXPECT_EQ(atk_object_get_role(accessible), ATK_ROLE_ALERT);
+  EXPECT_STREQ(atk_object_get_description(accessible), "Message");
+}
+
+} // namespace
