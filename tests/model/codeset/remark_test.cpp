@@ -236,6 +236,22 @@ TEST(RemarkCodeOrder, SortingLongCodesEqualsComparingThem) {
   EXPECT_TRUE(sorted(codes) == expected);
 }
 
+TEST(RemarkCodeOrder, SortingNumbersOfHundredsOfDigits) {
+  Codes expected;
+  for (const char *start : {"", "a"}) {
+    for (const std::size_t length : {1, 2, 254, 255, 256, 257, 600}) {
+      for (const char digit : {'1', '9'}) {
+        for (const char *end : {"", "-", "b"}) {
+          expected.push_back(start + std::string(length, digit) + end);
+        }
+      }
+    }
+  }
+  const Codes backwards(expected.rbegin(), expected.rend());
+  EXPECT_TRUE(sorted(backwards) == expected);
+  EXPECT_TRUE(inserted(backwards) == expected);
+}
+
 TEST(RemarkList, HavingACodeTwice) {
   const auto has_duplicates = [](const Codes &codes) {
     return v_remark_list_has_duplicate_codes(list_of_codes(codes).get());
