@@ -121,14 +121,15 @@ std::vector<std::string> document_types_with_a_bomb() {
 TEST_F(HostileFiles, EntityBombsMakeNoCodeset) {
   const std::string remark = "<remark><code>7</code><description lang=''>a</description></remark>";
   for (const std::string &type : document_types_with_a_bomb()) {
-    for (const std::string &content :
-         {"<name lang=''>&bomb;</name>" + remark, "<name lang='&bomb;'>a</name>" + remark,
-          "<name lang=''>a</name><version>&bomb;</version>" + remark,
-          "<name lang=''>a</name><remark><code>&bomb;</code><description lang=''>a</description>"
-          "</remark>" +
-              remark,
-          "<name lang=''>a</name><remark><code>7</code><description lang='&bomb;'>a</description>"
-          "</remark>"}) {
+    for (const std::string &content : std::vector<std::string>{
+             "<name lang=''>&bomb;</name>" + remark, "<name lang='&bomb;'>a</name>" + remark,
+             "<name lang=''>a</name><version>&bomb;</version>" + remark,
+             "<name lang=''>a</name><remark><code>&bomb;</code><description lang=''>a</description>"
+             "</remark>" +
+                 remark,
+             "<name lang=''>a</name><remark><code>7</code><description "
+             "lang='&bomb;'>a</description>"
+             "</remark>"}) {
       EXPECT_THAT(read_codeset(type + "<codeset>" + content + "</codeset>"), StartsWith("Error "))
           << type.substr(0, 200) << content;
     }

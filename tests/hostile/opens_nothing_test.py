@@ -1,6 +1,6 @@
 """A codeset file that names files, devices, pipes and network addresses: nothing of it is opened.
 
-    opens_nothing_test.py READ_CODESET
+    opens_nothing_test.py HOSTILE_READER
 
 The reader runs under strace, which sees every attempt, whether or not it would have succeeded.
 """

@@ -1,7 +1,7 @@
 // Reads codeset files and tells of each what came of it, for whoever watches from outside what is
 // opened meanwhile.
 //
-//     read_codeset FILE...
+//     hostile_reader FILE...
 
 #include <cstdio>
 
