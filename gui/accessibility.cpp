@@ -4,23 +4,28 @@
 
 namespace {
 
-// As gtk_window_close does, but at once: that one closes later, and a key that repeats meanwhile
-// would have it close a window that is gone.
-void close_as_window_manager_does(GtkWidget *window) {
-  const OwnedObject<GtkWidget> held = share(window);
+// As gtk_window_close does, which keeps no reference: were the window gone by then, because the key
+// repeats for instance, it would close what is no longer there. A window that has another one over
+// it has been asked already.
+gboolean close_callback(void *data) {
+  auto *window = static_cast<GtkWidget *>(data);
+  if (!gtk_widget_get_realized(window) || !gtk_widget_is_sensitive(window)) {
+    return G_SOURCE_REMOVE;
+  }
   const Owned<GdkEvent, gdk_event_free> event(gdk_event_new(GDK_DELETE));
   event->any.window = share(gtk_widget_get_window(window)).release();
   event->any.send_event = TRUE;
   if (!gtk_widget_event(window, event.get())) {
     gtk_widget_destroy(window);
   }
+  return G_SOURCE_REMOVE;
 }
 
 gboolean key_press_event_callback(GtkWidget *window, GdkEventKey *event, void *) {
   if (event->keyval != GDK_KEY_Escape) {
     return GDK_EVENT_PROPAGATE;
   }
-  close_as_window_manager_does(window);
+  g_idle_add_full(G_PRIORITY_DEFAULT, close_callback, share(window).release(), g_object_unref);
   return GDK_EVENT_STOP;
 }
 
