@@ -95,10 +95,17 @@ void request_eight_bit_colours(Decoding *decoding) {
   }
 }
 
+// What says nothing of the pixels. The library would make room for as much of it as a chunk's
+// header promises, which may be 2 GiB in a file of 70 bytes.
+constexpr png_byte passed_over_chunks[] = "eXIf\0iTXt\0pCAL\0sCAL\0sPLT\0tEXt\0zTXt";
+constexpr int passed_over_chunk_count = sizeof passed_over_chunks / 5;
+
 // The size alone: until it is known to be in range the library must not be let make room for a row.
 void read_size(Decoding *decoding) {
   png_structp png = decoding->png;
   png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+  png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, passed_over_chunks,
+                              passed_over_chunk_count);
   png_set_sig_bytes(png, static_cast<int>(signature_length));
   png_read_info(png, decoding->info);
   decoding->width = png_get_image_width(png, decoding->info);

@@ -20,24 +20,32 @@ const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar 
 
 void ignore_report(void *, const char *, ...) {}
 
-// What fails here is told by the error state; the library would print it as well.
+// What fails here is told by the error state; the library would print it as well. Its own record of
+// the last error is new.
 class SilentLibrary {
 public:
-  SilentLibrary() { xmlSetGenericErrorFunc(nullptr, ignore_report); }
+  SilentLibrary() {
+    xmlResetLastError();
+    xmlSetGenericErrorFunc(nullptr, ignore_report);
+  }
   ~SilentLibrary() { xmlSetGenericErrorFunc(nullptr, nullptr); }
   SilentLibrary(const SilentLibrary &) = delete;
   SilentLibrary &operator=(const SilentLibrary &) = delete;
 };
 
-// Makes a part of a tree; null when it could not be made whole. When memory runs out the library
-// may hand out a node without its name or its text, and all that is left of that is its last error.
+// When memory runs out the library may go on with what it has, a node without its name or a
+// document without its encoding, and all that is left of that is its last error.
+bool has_run_out_of_memory() {
+  const xmlError *error = xmlGetLastError();
+  return error != nullptr && error->code == XML_ERR_NO_MEMORY;
+}
+
+// Makes a part of a tree; null when it could not be made whole.
 template <typename Make>
 auto make_whole(Make make) {
   const SilentLibrary silent;
-  xmlResetLastError();
   auto *part = make();
-  const xmlError *error = xmlGetLastError();
-  return error != nullptr && error->code == XML_ERR_NO_MEMORY ? nullptr : part;
+  return has_run_out_of_memory() ? nullptr : part;
 }
 
 template <typename Part>
@@ -80,7 +88,7 @@ using OwnedSaveContext = std::unique_ptr<xmlSaveCtxt, CloseSaveContext>;
 bool save(xmlDoc *document, OwnedSaveContext context) {
   const bool is_saved = xmlSaveDoc(context.get(), document) != -1;
   const bool is_closed = xmlSaveClose(context.release()) != -1;
-  return is_saved && is_closed;
+  return is_saved && is_closed && !has_run_out_of_memory();
 }
 
 // The library's own writer to a descriptor takes a write that was cut short for a whole one.

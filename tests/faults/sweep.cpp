@@ -49,11 +49,19 @@ private:
 
 const Ground ground;
 
-void lay_ground(const Contents &contents) {
-  for (const std::string &name : list_folder(ground.path())) {
-    std::filesystem::remove_all(on_ground(name));
+// Makes the ground what it is to be, from what lies there.
+void lay_ground(const Contents &present, const Contents &contents) {
+  Contents missing = contents;
+  // What lies in a folder comes behind it.
+  for (auto entry = present.rbegin(); entry != present.rend(); ++entry) {
+    const auto wanted = contents.find(entry->first);
+    if (wanted != contents.end() && wanted->second == entry->second) {
+      missing.erase(entry->first);
+    } else {
+      std::filesystem::remove(on_ground(entry->first));
+    }
   }
-  put(ground.path(), contents);
+  put(ground.path(), missing);
 }
 
 std::optional<std::string> look_up(const Contents &contents, const std::string &name) {
@@ -140,7 +148,8 @@ struct Run {
 class Sweep {
 public:
   explicit Sweep(const Operation &swept_operation) : operation(swept_operation) {
-    lay_ground(operation.ground);
+    lay_ground(contents_of(ground.path()), {});
+    lay_ground({}, operation.ground);
     before = contents_of(ground.path());
     // The first run also lets the libraries set up what they keep.
     undisturbed = run({});
@@ -185,9 +194,7 @@ private:
     Report report = injector::stop();
     Run finished = {std::move(report), std::move(result), v_error_get(),
                     contents_of(ground.path())};
-    if (finished.after != before) {
-      lay_ground(operation.ground);
-    }
+    lay_ground(finished.after, before);
     return finished;
   }
 
