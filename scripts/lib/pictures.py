@@ -167,7 +167,8 @@ def incompatible_file(album):
     window = album.main_window()
     (album.codesets / "from_a_letter.codeset").write_text("Dear colleague, please find attached our list of codes.\n")
     window.button("Refresh list").click()
-    window.list().row("from_a_letter.codeset").select()
+    window.list().row("from_a_letter.codeset")
+    window.list().row(re.compile("^Town museum")).select()
     album.take()
 
 
@@ -215,7 +216,7 @@ def remark_code(album):
 
 def spelling(album):
     dialog = album.remark_dialog()
-    dialog.field("English/United Kingdom [en-uk]").enter("Drying cracks with wide, rounded marjins")
+    dialog.field("English/United Kingdom [en-uk]").enter("Drying craks, wide with rounded edges")
     dialog.field("Remark code").focus()
     settle()
     album.take()
