@@ -1,8 +1,6 @@
 #include "gui/message_dialogs.h"
 
-#include <algorithm>
 #include <cstdarg>
-#include <cstring>
 
 #include "base/error.h"
 #include "gui/accessibility.h"
@@ -18,35 +16,8 @@ constexpr MessageKind question_kind = {"Question", "dialog-question", ButtonSet:
 // Lines of the program's own messages are shorter; a long path or a text from a file may be longer.
 constexpr int widest_line = 120; // characters
 
-glong count_characters_of_longest_line(const char *text) {
-  glong longest = 0;
-  for (const char *line = text; line != nullptr;) {
-    const char *end = std::strchr(line, '\n');
-    longest = std::max(longest, g_utf8_strlen(line, end == nullptr ? -1 : end - line));
-    line = end == nullptr ? nullptr : end + 1;
-  }
-  return longest;
-}
-
-// A hyphen at the end of a line would read as a part of the path.
-void forbid_hyphens(GtkLabel *label) {
-  const Owned<PangoAttrList, pango_attr_list_unref> attributes(pango_attr_list_new());
-  pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
-  gtk_label_set_attributes(label, attributes.get());
-}
-
-// A message wraps only where it would make the dialog wider than the screen. One that wraps has a
-// fixed width: the toolkit would keep the dialog as high as its narrowest form needs.
-void pack_message(GtkBox *box, const char *text) {
-  GtkLabel *label = v_gui_pack_label(box, text, 0.0f, 0.0f);
-  if (count_characters_of_longest_line(text) > widest_line) {
-    gtk_label_set_line_wrap(label, TRUE);
-    gtk_label_set_line_wrap_mode(label, PANGO_WRAP_WORD_CHAR);
-    gtk_label_set_width_chars(label, widest_line);
-    gtk_label_set_max_width_chars(label, widest_line);
-    forbid_hyphens(label);
-  }
-}
+// What stands beside the message: icon, margins and the window's own border, in pixels.
+constexpr int width_beside_message = 140;
 
 GtkDialog *create_dialog(const char *title, const char *icon_name, const char *text,
                          ButtonSet button_set) {
@@ -59,7 +30,8 @@ GtkDialog *create_dialog(const char *title, const char *icon_name, const char *t
   }
   v_gui_set_box_spacing(box, icon_name != nullptr ? 20 : 25);
   v_gui_set_margins(GTK_WIDGET(box), 20, 25, 20, icon_name != nullptr ? 20 : 25);
-  pack_message(box, text);
+  v_gui_wrap_overlong_label(v_gui_pack_label(box, text, 0.0f, 0.0f), widest_line, 0,
+                            width_beside_message);
   v_gui_set_accessible_message(GTK_WIDGET(dialog), text);
   return dialog;
 }

@@ -1,6 +1,10 @@
 #include "gui/widgets.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "gui/css.h"
+#include "gui/owned_objects.h"
 #include "gui/screen_high_scroller.h"
 
 namespace {
@@ -69,6 +73,42 @@ void make_default_if_asked(GtkButton *button, MakeDefault make_default) {
 void dialog_close_callback(GtkDialog *dialog, void *) {
   g_signal_stop_emission_by_name(dialog, "close");
   gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
+}
+
+// The widest of an average letter and a digit, as the toolkit reckons widths in characters; pixels.
+int measure_character(GtkWidget *widget) {
+  PangoContext *context = gtk_widget_get_pango_context(widget);
+  const Owned<PangoFontMetrics, pango_font_metrics_unref> metrics(
+      pango_context_get_metrics(context, nullptr, nullptr));
+  const int width = std::max(pango_font_metrics_get_approximate_char_width(metrics.get()),
+                             pango_font_metrics_get_approximate_digit_width(metrics.get()));
+  return std::max(PANGO_PIXELS_CEIL(width), 1);
+}
+
+int get_screen_width(GtkWidget *widget) {
+  GdkRectangle area = {};
+  GdkDisplay *display = gtk_widget_get_display(widget);
+  GdkMonitor *monitor = gdk_display_get_primary_monitor(display);
+  gdk_monitor_get_workarea(monitor != nullptr ? monitor : gdk_display_get_monitor(display, 0),
+                           &area);
+  return area.width;
+}
+
+glong count_characters_of_longest_line(const char *text) {
+  glong longest = 0;
+  for (const char *line = text; line != nullptr;) {
+    const char *end = std::strchr(line, '\n');
+    longest = std::max(longest, g_utf8_strlen(line, end == nullptr ? -1 : end - line));
+    line = end == nullptr ? nullptr : end + 1;
+  }
+  return longest;
+}
+
+// A hyphen at the end of a line would read as a part of a path.
+void forbid_hyphens(GtkLabel *label) {
+  const Owned<PangoAttrList, pango_attr_list_unref> attributes(pango_attr_list_new());
+  pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
+  gtk_label_set_attributes(label, attributes.get());
 }
 
 GtkInputHints without_emojis(GtkInputHints hints) {
@@ -182,6 +222,24 @@ GtkLabel *v_gui_pack_label_for_input_field(GtkBox *box, const char *label, Requi
                                            float x_align, float y_align) {
   return packed(box, Expand::no,
                 v_gui_create_label_for_input_field(label, required, x_align, y_align));
+}
+
+void v_gui_wrap_overlong_label(GtkLabel *label, int widest_line, int reserved_characters,
+                               int reserved_pixels) {
+  GtkWidget *widget = GTK_WIDGET(label);
+  const int room =
+      v_gui_count_characters_across_screen(widget, reserved_characters, reserved_pixels);
+  int width = 0;
+  gtk_widget_get_preferred_width(widget, nullptr, &width);
+  if (count_characters_of_longest_line(gtk_label_get_text(label)) <= widest_line &&
+      width <= room * measure_character(widget)) {
+    return;
+  }
+  gtk_label_set_line_wrap(label, TRUE);
+  gtk_label_set_line_wrap_mode(label, PANGO_WRAP_WORD_CHAR);
+  gtk_label_set_width_chars(label, std::min(widest_line, room));
+  gtk_label_set_max_width_chars(label, std::min(widest_line, room));
+  forbid_hyphens(label);
 }
 
 GtkLabel *v_gui_pack_label(GtkBox *box, const char *text, float x_align, float y_align) {
@@ -322,6 +380,12 @@ GtkImage *v_gui_pack_image_from_icon_name(GtkBox *box, const char *icon_name,
 
 GtkDrawingArea *v_gui_add_drawing_area(GtkContainer *container) {
   return added(container, GTK_DRAWING_AREA(shown(gtk_drawing_area_new())));
+}
+
+int v_gui_count_characters_across_screen(GtkWidget *widget, int reserved_characters,
+                                         int reserved_pixels) {
+  const int characters = (get_screen_width(widget) - reserved_pixels) / measure_character(widget);
+  return std::max(characters - reserved_characters, 10);
 }
 
 void v_gui_set_surrounding_margin(GtkWidget *widget, int margin) {

@@ -75,6 +75,12 @@ GtkLabel *v_gui_create_label_for_input_field(const char *label, Required require
                                              float y_align);
 GtkLabel *v_gui_pack_label_for_input_field(GtkBox *box, const char *label, Required required,
                                            float x_align, float y_align);
+// Wraps the text of a label only when a line of it has more than widest_line characters or would
+// make the window wider than the screen, where the rest of the window takes reserved characters
+// and pixels of the width. The width is then fixed: the toolkit would keep the window as high as
+// its narrowest form needs.
+void v_gui_wrap_overlong_label(GtkLabel *label, int widest_line, int reserved_characters,
+                               int reserved_pixels);
 // Plain text: markup shows as it stands.
 GtkLabel *v_gui_pack_label(GtkBox *box, const char *text, float x_align, float y_align);
 GtkLabel *v_gui_pack_label_with_markup(GtkBox *box, const char *markup, float x_align,
@@ -137,6 +143,10 @@ GtkDrawingArea *v_gui_add_drawing_area(GtkContainer *container);
 
 // Geometry and state of any widget.
 //
+// How many characters of the widget's font the screen is wide, less the reserved characters and
+// pixels; 10 at least.
+int v_gui_count_characters_across_screen(GtkWidget *widget, int reserved_characters,
+                                         int reserved_pixels);
 // The margin lies inside a container (its border width) and outside any other widget.
 void v_gui_set_surrounding_margin(GtkWidget *widget, int margin);
 void v_gui_set_default_surrounding_margin(GtkWidget *widget);

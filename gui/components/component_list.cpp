@@ -1,5 +1,6 @@
 #include "gui/components/component_list.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "base/fs_utils.h"
@@ -8,8 +9,12 @@
 
 namespace {
 
-// Characters that a row asks room for at most.
+// Characters that a row asks room for at most; fewer where the screen is too narrow for them
+// beside the window's buttons.
 constexpr int longest_text = 100;
+constexpr char longest_text_key[] = "vantorelle_longest_text"; // on a view's cell renderer
+constexpr int button_characters = 14;
+constexpr int other_pixels = 110;
 
 gboolean unselect_all_callback(void *view) {
   gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(GTK_TREE_VIEW(view)));
@@ -38,8 +43,13 @@ GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
       box, 300, 250, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC, GTK_SHADOW_IN);
   GtkTreeView *view = v_gui_add_tree_view(GTK_CONTAINER(scrolled_window), HeadersVisible::no,
                                           FixedHeight::no, SelectionMode::single);
-  gtk_tree_view_insert_column_with_data_func(view, -1, "Item", gtk_cell_renderer_text_new(),
-                                             cell_data_func, nullptr, nullptr);
+  GtkCellRenderer *cell = gtk_cell_renderer_text_new();
+  const int room =
+      v_gui_count_characters_across_screen(GTK_WIDGET(view), button_characters, other_pixels);
+  g_object_set_data(G_OBJECT(cell), longest_text_key,
+                    GINT_TO_POINTER(std::min(longest_text, room)));
+  gtk_tree_view_insert_column_with_data_func(view, -1, "Item", cell, cell_data_func, nullptr,
+                                             nullptr);
   gtk_tree_view_set_model(view, GTK_TREE_MODEL(list));
   v_gui_set_accessible_name(GTK_WIDGET(view), "Items");
   return view;
@@ -51,10 +61,12 @@ void v_component_list_announce_kind(GtkTreeView *view, const VComponentKind &kin
 }
 
 void v_component_list_show_text(GtkCellRenderer *cell, const char *text) {
-  const bool overlong = std::strlen(text) > longest_text;
+  const int limit = GPOINTER_TO_INT(g_object_get_data(G_OBJECT(cell), longest_text_key));
+  const int longest = limit > 0 ? limit : longest_text;
+  const bool overlong = std::strlen(text) > static_cast<std::size_t>(longest);
   g_object_set(cell, "text", text, "ellipsize",
                overlong ? PANGO_ELLIPSIZE_END : PANGO_ELLIPSIZE_NONE, "width-chars",
-               overlong ? longest_text : -1, nullptr);
+               overlong ? longest : -1, nullptr);
 }
 
 OwnedText v_component_list_get_text(GtkTreeModel *model, GtkTreeIter *row,

@@ -22,6 +22,11 @@ namespace {
 constexpr char broken_message[] = "An error occured with the user interface.";
 // Every supported language fits; a tag that only a file knows may be as long as it likes.
 constexpr int longest_language_chars = 40;
+// Of a one-line text, as long as the screen is wide enough for it beside a language and the
+// buttons.
+constexpr int text_characters = 68;
+constexpr int characters_beside_text = 28;
+constexpr int pixels_beside_text = 240;
 
 // What the two kinds of text field do each in their own way.
 struct FieldKind {
@@ -154,7 +159,9 @@ void add_entry(LangstrEditorRow *row) {
   VSpacifyingEntry *entry =
       v_gui_create_spacifying_entry(Compact::yes, nullptr, row->editor->state->activates_default);
   row->text_field = sink(GTK_WIDGET(entry));
-  gtk_entry_set_width_chars(GTK_ENTRY(entry), 68);
+  const int room = v_gui_count_characters_across_screen(GTK_WIDGET(entry), characters_beside_text,
+                                                        pixels_beside_text);
+  gtk_entry_set_width_chars(GTK_ENTRY(entry), std::min(text_characters, room));
 }
 
 // Null when nothing is chosen.

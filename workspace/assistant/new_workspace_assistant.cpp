@@ -12,6 +12,11 @@ namespace {
 
 constexpr const char *workspace_folder_name = "Vantorelle Workspace";
 
+// The texts have their own line breaks; what stands beside them are the names of the pages.
+constexpr int widest_line = 120;
+constexpr int characters_beside_text = 27;
+constexpr int pixels_beside_text = 100;
+
 struct NewWorkspaceAssistant {
   VWindowStack *window_stack = nullptr;
   GtkAssistant *assistant = nullptr;
@@ -26,6 +31,11 @@ void apply_callback(GtkAssistant *assistant, NewWorkspaceAssistant *state);
 int forward_page_func(int current_page, void *data);
 
 // Build steps.
+
+void pack_text(GtkBox *page, const char *text) {
+  v_gui_wrap_overlong_label(v_gui_pack_label(page, text, 0.0f, 0.0f), widest_line,
+                            characters_beside_text, pixels_beside_text);
+}
 
 // Returns the box of a new last page.
 GtkBox *append_page(GtkAssistant *assistant, GtkAssistantPageType type) {
@@ -56,7 +66,7 @@ void append_intro_page(NewWorkspaceAssistant *state) {
       "\n"
       "Click [Next] to continue.",
       workspace_folder_name));
-  v_gui_pack_label(page, text.get(), 0.0f, 0.0f);
+  pack_text(page, text.get());
 }
 
 void pack_location_row(GtkBox *page, NewWorkspaceAssistant *state) {
@@ -74,7 +84,7 @@ void append_location_page(NewWorkspaceAssistant *state) {
   state->location_page = gtk_assistant_get_n_pages(state->assistant);
   GtkBox *page = append_page(state->assistant, GTK_ASSISTANT_PAGE_CONFIRM);
   pack_location_row(page, state);
-  v_gui_pack_label(
+  pack_text(
       page,
       "Please make sure that the workspace is located in a folder which can always be reached "
       "from\n"
@@ -84,18 +94,15 @@ void append_location_page(NewWorkspaceAssistant *state) {
       "will want\n"
       "to also bring the material you are working with.\n"
       "\n"
-      "Click [Apply] to create your workspace.",
-      0.0f, 0.0f);
+      "Click [Apply] to create your workspace.");
 }
 
 void append_summary_page(NewWorkspaceAssistant *state) {
   GtkBox *page = append_page(state->assistant, GTK_ASSISTANT_PAGE_SUMMARY);
-  v_gui_pack_label(page,
-                   "Your workspace was successfully created, and you can now start using "
-                   "Vantorelle.\n"
-                   "\n"
-                   "Click [Close] to continue.",
-                   0.0f, 0.0f);
+  pack_text(page, "Your workspace was successfully created, and you can now start using "
+                  "Vantorelle.\n"
+                  "\n"
+                  "Click [Close] to continue.");
 }
 
 void build_assistant(NewWorkspaceAssistant *state) {
