@@ -54,6 +54,7 @@ void disconnect(WindowStackNode *node) {
 void destroy_callback(GtkWidget *, WindowStackNode *node) {
   disconnect(node);
   node->window = nullptr;
+  node->focus_widget.reset();
   if (node->busy) {
     *node->busy = VBusyRecord{.abort_requested = node->busy->abort_requested};
   }
@@ -196,10 +197,10 @@ WindowStackNode *add_entry(VWindowStack *stack, GtkWindow *window) {
   return node;
 }
 
-// Hides the busy windows directly below the entry and returns the nearest window of an ordinary
-// entry, or null.
-GtkWindow *find_window_to_cover(const WindowStackNode *node) {
-  const WindowStackNode *below = node->previous;
+// Hides the busy windows directly below the entry and returns the nearest entry with a window of
+// its own, or null.
+WindowStackNode *find_entry_to_cover(const WindowStackNode *node) {
+  WindowStackNode *below = node->previous;
   for (; below->busy; below = below->previous) {
     if (below->busy->window != nullptr) {
       gtk_widget_hide(GTK_WIDGET(below->busy->window));
@@ -208,15 +209,43 @@ GtkWindow *find_window_to_cover(const WindowStackNode *node) {
   while (below->window == nullptr && below->previous != nullptr) {
     below = below->previous;
   }
-  return below->window;
+  return below->window == nullptr ? nullptr : below;
 }
 
-void cover_window(GtkWindow *window, GtkWindow *covered) {
-  gtk_window_set_transient_for(window, covered);
+// A window that is not sensitive forgets what had the focus in it, so the entry remembers.
+void make_insensitive(WindowStackNode *covered) {
+  if (GtkWidget *focus_widget = gtk_window_get_focus(covered->window)) {
+    covered->focus_widget = share(focus_widget);
+  }
+  gtk_widget_set_sensitive(GTK_WIDGET(covered->window), FALSE);
+}
+
+// The cursor of a text stays where it was, and nothing is marked.
+void grab_focus_again(GtkWidget *widget) {
+  if (GTK_IS_ENTRY(widget)) {
+    gtk_entry_grab_focus_without_selecting(GTK_ENTRY(widget));
+  } else {
+    gtk_widget_grab_focus(widget);
+  }
+}
+
+void make_sensitive(WindowStackNode *uncovered) {
+  gtk_widget_set_sensitive(GTK_WIDGET(uncovered->window), TRUE);
+  const OwnedObject<GtkWidget> focus_widget = std::move(uncovered->focus_widget);
+  // Meanwhile it may have left the window, or become insensitive by itself.
+  if (focus_widget &&
+      gtk_widget_get_toplevel(focus_widget.get()) == GTK_WIDGET(uncovered->window) &&
+      gtk_widget_is_sensitive(focus_widget.get())) {
+    grab_focus_again(focus_widget.get());
+  }
+}
+
+void cover_window(GtkWindow *window, WindowStackNode *covered) {
+  gtk_window_set_transient_for(window, covered->window);
   gtk_window_set_destroy_with_parent(window, TRUE);
   gtk_window_set_modal(window, TRUE);
   gtk_window_set_skip_taskbar_hint(window, TRUE);
-  gtk_widget_set_sensitive(GTK_WIDGET(covered), FALSE);
+  make_insensitive(covered);
 }
 
 void show_busy_window_below(VWindowStack *stack) {
@@ -232,13 +261,13 @@ void show_busy_window_below(VWindowStack *stack) {
 
 // Gives the entry that has become the top one back to the user, or to the busy task.
 void uncover_top_entry(VWindowStack *stack) {
-  const WindowStackNode *node = top_entry(stack);
+  WindowStackNode *node = top_entry(stack);
   if (node->busy) {
     show_busy_window_below(stack);
     show_wait_cursor(stack);
   } else if (node != stack->bottom.get()) {
     if (node->window != nullptr) {
-      gtk_widget_set_sensitive(GTK_WIDGET(node->window), TRUE);
+      make_sensitive(node);
     }
     set_cursors(stack, Cursor::standard, LeaveOutTop::no, ClearTop::yes);
   }
@@ -385,7 +414,7 @@ void v_window_stack_destroy(VWindowStack *window_stack) {
 }
 
 void v_window_stack_push_window(VWindowStack *window_stack, GtkWindow *window) {
-  GtkWindow *covered = find_window_to_cover(add_entry(window_stack, window));
+  WindowStackNode *covered = find_entry_to_cover(add_entry(window_stack, window));
   if (covered == nullptr) {
     gtk_window_set_transient_for(window, nullptr);
     gtk_window_set_destroy_with_parent(window, FALSE);
@@ -398,12 +427,13 @@ void v_window_stack_push_window(VWindowStack *window_stack, GtkWindow *window) {
 }
 
 GtkWindow *v_window_stack_push_native_window(VWindowStack *window_stack) {
-  GtkWindow *covered = find_window_to_cover(add_entry(window_stack, nullptr));
-  if (covered != nullptr) {
-    gtk_widget_set_sensitive(GTK_WIDGET(covered), FALSE);
-    set_cursors(window_stack, Cursor::standard, LeaveOutTop::yes, ClearTop::no);
+  WindowStackNode *covered = find_entry_to_cover(add_entry(window_stack, nullptr));
+  if (covered == nullptr) {
+    return nullptr;
   }
-  return covered;
+  make_insensitive(covered);
+  set_cursors(window_stack, Cursor::standard, LeaveOutTop::yes, ClearTop::no);
+  return covered->window;
 }
 
 void v_window_stack_pop_window(VWindowStack *window_stack) {
@@ -480,7 +510,7 @@ void v_window_stack_show_busy_window(VWindowStack *window_stack) {
   }
   build_busy_window(node);
   v_window_stack_set_busy_window_message(window_stack, nullptr);
-  if (GtkWindow *covered = find_window_to_cover(node)) {
+  if (WindowStackNode *covered = find_entry_to_cover(node)) {
     cover_window(node->busy->window, covered);
   }
   gtk_widget_show_all(GTK_WIDGET(node->busy->window));

@@ -1,8 +1,8 @@
 #pragma once
 // The chain of open windows. Every window of the program is modal over the one below it: pushing a
-// window greys the one below out, popping gives it back. The stack also sets the mouse cursor of
-// all its windows, notices when the whole program has lost the keyboard focus, and can put up a
-// small busy window. Knows nothing of what the windows are for.
+// window greys the one below out, popping gives it back, with the focus where it was. The stack
+// also sets the mouse cursor of all its windows, notices when the whole program has lost the
+// keyboard focus, and can put up a small busy window. Knows nothing of what the windows are for.
 //
 // The stack never destroys a window that was pushed onto it. A window that is destroyed while its
 // entry is in the stack leaves a window-less entry behind until that is popped. Once an entry is
@@ -16,6 +16,7 @@
 #include <gtk/gtk.h>
 
 #include "base/owned.h"
+#include "gui/owned_objects.h"
 
 enum class Maximize { no, yes };
 enum class ShowBusyWindow { no, yes };
@@ -56,6 +57,8 @@ struct WindowStackNode {
 
   VWindowStack *stack = nullptr;
   VWindowRun *run = nullptr; // the v_window_stack_run_window call that waits for this entry, if any
+  // What had the focus in the window when another window came over it; null otherwise.
+  OwnedObject<GtkWidget> focus_widget;
 };
 
 struct VWindowStack {

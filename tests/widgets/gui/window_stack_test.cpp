@@ -120,6 +120,53 @@ TEST_F(WindowStack, ANativeDialogTakesAPlaceWithoutAWindow) {
   EXPECT_TRUE(is_sensitive(window));
 }
 
+// Two fields in a window, the first of which has the focus.
+struct TwoFields {
+  explicit TwoFields(const TestWindow &window)
+      : box(GTK_BOX(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0))), first(gtk_entry_new()),
+        second(gtk_entry_new()) {
+    gtk_container_add(GTK_CONTAINER(window.get()), GTK_WIDGET(box));
+    gtk_box_pack_start(box, first, TRUE, TRUE, 0);
+    gtk_box_pack_start(box, second, TRUE, TRUE, 0);
+    gtk_widget_show_all(GTK_WIDGET(box));
+    gtk_entry_set_text(GTK_ENTRY(first), "text");
+    gtk_widget_grab_focus(first);
+    gtk_editable_set_position(GTK_EDITABLE(first), 2);
+  }
+
+  GtkBox *box;
+  GtkWidget *first;
+  GtkWidget *second;
+};
+
+TEST_F(WindowStack, TheFocusComesBackToWhereItWas) {
+  TestWindow window;
+  const TwoFields fields(window);
+  open(window);
+  v_window_stack_push_native_window(stack.get());
+  EXPECT_EQ(gtk_window_get_focus(window.get()), nullptr);
+  v_window_stack_pop_window(stack.get());
+  EXPECT_EQ(gtk_window_get_focus(window.get()), fields.first);
+  EXPECT_EQ(gtk_editable_get_position(GTK_EDITABLE(fields.first)), 2);
+  EXPECT_FALSE(gtk_editable_get_selection_bounds(GTK_EDITABLE(fields.first), nullptr, nullptr));
+}
+
+TEST_F(WindowStack, TheFocusDoesNotComeBackToWhatCannotHaveIt) {
+  TestWindow window;
+  const TwoFields fields(window);
+  open(window);
+  v_window_stack_push_native_window(stack.get());
+  gtk_widget_set_sensitive(fields.first, FALSE);
+  v_window_stack_pop_window(stack.get());
+  EXPECT_EQ(gtk_window_get_focus(window.get()), nullptr);
+
+  gtk_widget_grab_focus(fields.second);
+  v_window_stack_push_native_window(stack.get());
+  gtk_container_remove(GTK_CONTAINER(fields.box), fields.second);
+  v_window_stack_pop_window(stack.get());
+  EXPECT_EQ(gtk_window_get_focus(window.get()), nullptr);
+}
+
 TEST_F(WindowStack, AWindowOverANativeDialogCoversTheNearestRealWindow) {
   TestWindow below;
   TestWindow above;
