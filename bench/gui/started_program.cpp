@@ -97,7 +97,7 @@ double read_memory(GPid pid) {
   std::ifstream file("/proc/" + std::to_string(pid) + "/smaps_rollup");
   std::string word;
   while (file >> word) {
-    if (word == "Pss:") {
+    if (word == "Rss:") {
       double kibibytes = 0;
       file >> kibibytes;
       return kibibytes / 1024;

@@ -17,8 +17,8 @@ public:
 
   // From the start until the window was mapped, on the wall clock.
   double seconds_until_mapped() const { return seconds; }
-  // Waits until it does nothing any more. Its resident memory then, in MiB, with its share of what
-  // other processes use too.
+  // Waits until it does nothing any more. Its resident memory then, in MiB; what it shares with
+  // others counts in full, or else the figure would move with what else happens to run.
   double measure_idle_memory() const;
 
 private:

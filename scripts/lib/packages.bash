@@ -44,6 +44,7 @@ test    x11-utils
 test    xdotool
 test    xclip
 test    imagemagick
+test    valgrind
 test    appstream
 test    desktop-file-utils
 test    icnsutils
@@ -67,6 +68,8 @@ package debootstrap
 test    hunspell
 test    hunspell-es
 test    hunspell-nl
+bench   libbenchmark-dev
+bench   python3
 "
 
 # Prints the packages for the purposes, each once.

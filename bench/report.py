@@ -1,0 +1,63 @@
+#!/usr/bin/env python3
+"""report.py DOCUMENT RESULT...: prints the table of what Google Benchmark has left in the result
+files, and puts it between the two marks of the document. Ends with 1 when a target is missed."""
+
+import json
+import pathlib
+import sys
+
+START = "<!-- table of scripts/bench -->\n"
+END = "<!-- end of the table -->\n"
+HEADINGS = ("What", "Size", "Baseline in the same run", "Baseline", "Ours", "Ratio", "Target", "")
+
+
+def rows_of(path):
+    """What bench/support/comparison.cpp has counted, one row for each benchmark."""
+    for run in json.loads(pathlib.Path(path).read_text(encoding="utf-8"))["benchmarks"]:
+        if run.get("error_occurred"):
+            sys.exit(f"{run['name']}: {run['error_message']}")
+        what, size, baseline, unit = run["label"].split("\t")
+        yield (what, size, baseline, amount(run["baseline"], unit), amount(run["ours"], unit),
+               f"{run['ratio']:.2f}", f"{run['target']:.2f}",
+               "reached" if run["ratio"] <= run["target"] else "MISSED")
+
+
+def amount(value, unit):
+    if unit == "s":
+        for scale, name in ((1, "s"), (1e3, "ms")):
+            if value * scale >= 1:
+                return f"{value * scale:.3g} {name}"
+        return f"{value * 1e6:.3g} µs"
+    return f"{value:.0f} {unit}"
+
+
+def lines_of(rows, separator):
+    widths = [max(len(cell) for cell in column) for column in zip(*rows)]
+    return [separator.join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip()
+            for row in rows]
+
+
+def markdown(rows):
+    cells = [HEADINGS, tuple("---" for _ in HEADINGS), *rows]
+    return "".join("| " + " | ".join(row) + " |\n" for row in cells)
+
+
+def put(document, table):
+    text = document.read_text(encoding="utf-8")
+    before, start, rest = text.partition(START)
+    _, end, after = rest.partition(END)
+    if not start or not end:
+        sys.exit(f"{document} does not have the two marks of the table.")
+    document.write_text(before + start + "\n" + table + "\n" + end + after, encoding="utf-8")
+
+
+def main(document, *results):
+    rows = [row for path in results for row in rows_of(path)]
+    print("\n".join(lines_of([HEADINGS, *rows], "  ")))
+    put(pathlib.Path(document), markdown(rows))
+    missed = sum(row[-1] != "reached" for row in rows)
+    print(f"\n{len(rows) - missed} of {len(rows)} targets reached")
+    sys.exit(1 if missed else 0)
+
+
+main(*sys.argv[1:])
