@@ -129,9 +129,9 @@ bool matches(const std::string &pattern, const std::string &text) {
 }
 
 std::string with_error(std::string message, const SystemError &error) {
-  const std::string placeholder = "{error}";
-  if (const auto place = message.find(placeholder); place != std::string::npos) {
-    message.replace(place, placeholder.size(),
+  const std::string mark = "{error}";
+  if (const auto place = message.find(mark); place != std::string::npos) {
+    message.replace(place, mark.size(),
                     "Error " + std::to_string(error.number) + ": " + g_strerror(error.number));
   }
   return message;

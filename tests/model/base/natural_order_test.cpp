@@ -249,6 +249,41 @@ TEST(NaturalOrder, ChainedWithTheBytesItIsAStrictTotalOrder) {
   }
 }
 
+void expect_key_agrees(const std::string &a, const std::string &b) {
+  const auto key_a = strnatzerocasecmp_key(a.c_str());
+  const auto key_b = strnatzerocasecmp_key(b.c_str());
+  if (key_a != key_b) {
+    ASSERT_EQ(strnatzerocasecmp(a.c_str(), b.c_str()), key_a < key_b ? -1 : 1)
+        << "\"" << a << "\" and \"" << b << "\"";
+  }
+}
+
+TEST(NaturalOrder, KeysThatDifferDecideAsTheComparison) {
+  const std::vector<std::string> texts = short_texts();
+  for (const std::string &a : texts) {
+    for (const std::string &b : texts) {
+      expect_key_agrees(a, b);
+    }
+  }
+}
+
+TEST(NaturalOrder, KeysOfNumbersThatTheyCannotHold) {
+  for (const std::size_t length : {6U, 7U, 8U, 9U, 254U, 255U, 256U, 300U, 511U, 512U}) {
+    for (const std::size_t other : {6U, 7U, 8U, 9U, 254U, 255U, 256U, 300U, 511U, 512U}) {
+      expect_key_agrees(std::string(length, '9'), std::string(other, '1'));
+      expect_key_agrees("a" + std::string(length, '1') + "b", "A" + std::string(other, '2'));
+    }
+  }
+}
+
+TEST(NaturalOrder, KeysTellOrdinaryCodesApart) {
+  EXPECT_LT(strnatzerocasecmp_key("ab2"), strnatzerocasecmp_key("AB10"));
+  EXPECT_LT(strnatzerocasecmp_key("Ab 9"), strnatzerocasecmp_key("ab10a"));
+  EXPECT_LT(strnatzerocasecmp_key("\xE5"), strnatzerocasecmp_key("a"));
+  EXPECT_LT(strnatzerocasecmp_key("\xE5"), strnatzerocasecmp_key(""));
+  EXPECT_EQ(strnatzerocasecmp_key("a07"), strnatzerocasecmp_key("A7"));
+}
+
 TEST(NaturalOrder, LongRunsOfDigitsTakeLinearTime) {
   const std::string ones(2'000'000, '1'), zeros(2'000'000, '0');
   EXPECT_EQ(strnatcmp(ones.c_str(), ones.c_str()), 0);

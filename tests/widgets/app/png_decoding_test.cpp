@@ -4,6 +4,9 @@
 #include <string>
 #include <vector>
 
+#include <sys/resource.h>
+#include <zlib.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -402,6 +405,41 @@ TEST(PngDecoding, DamagedFilesDoNoHarm) {
       }
     }
   }
+}
+
+// The most memory that the process has had at once, in bytes.
+long peak_memory() {
+  rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss * 1024;
+}
+
+TEST(PngDecoding, ChunksThatPromiseMuchTakeNoMemory) {
+  const std::string file = encode_png({.width = 4, .height = 4, .samples = noise(48)});
+  const std::size_t after_the_header = 8 + 25;
+  for (const char *type :
+       {"eXIf", "iTXt", "pCAL", "sCAL", "sPLT", "tEXt", "zTXt", "abCd", "iCCP", "PLTE", "hIST"}) {
+    const long before = peak_memory();
+    std::string broken = file;
+    broken.insert(after_the_header, bytes({0x70, 0, 0, 0}) + type);
+    EXPECT_FALSE(decode(broken).is_decoded) << type;
+    EXPECT_LT(peak_memory() - before, 100'000'000) << type;
+  }
+}
+
+TEST(PngDecoding, TextsBesideThePictureDoNotMatter) {
+  std::string file = encode_png({.width = 1, .height = 1, .samples = "abc"});
+  // "a", a zero byte and "b", with their checksum.
+  const std::string text = bytes({0, 0, 0, 3}) + "tEXta" + bytes({0}) + "b";
+  const auto *checked = reinterpret_cast<const Bytef *>(text.data()) + 4;
+  const auto checksum = static_cast<unsigned>(crc32(0, checked, 7));
+  file.insert(8 + 25, text + bytes({static_cast<int>(checksum >> 24 & 0xff),
+                                    static_cast<int>(checksum >> 16 & 0xff),
+                                    static_cast<int>(checksum >> 8 & 0xff),
+                                    static_cast<int>(checksum & 0xff)}));
+  const Decoded decoded = decode(file);
+  EXPECT_TRUE(decoded.is_decoded) << decoded.message;
+  EXPECT_THAT(decoded.pixels, ElementsAreArray({0xff616263U}));
 }
 
 TEST(PngDecoding, ChecksumsMustFit) {
