@@ -105,7 +105,7 @@ class Widget:
         return Atspi.Text.get_text(self.accessible, marked.start_offset, marked.end_offset)
 
     def text_attributes(self, offset=0):
-        """The attributes of the text at an offset, such as {"underline": "error", "fg-color": "65535,0,0"}."""
+        """The attributes of the text at an offset, such as {"underline": "single", "fg-color": "65535,0,0"}."""
         run = accessibility.attempt(Atspi.Text.get_attribute_run, self.accessible, offset, False)
         return run[0] if run else {}
 
@@ -229,10 +229,12 @@ class Widget:
         display.type_text(text)
 
     def choose(self, choice):
-        """Opens a combo box and clicks the item of that name."""
+        """Opens a combo box and goes to the item of that name by keys: near the edge of the screen part of the list is
+        hidden."""
+        place = self.choices().index(choice)
         self.click()
-        item = self.find("menu item", choice)
-        item.click()
+        self.program.wait(lambda: self.find_all("menu item"), lambda: f"{self!r} to open")
+        display.press("Home", *["Down"] * place, "Return")
         self.expect_text(choice)
 
     def choices(self):
@@ -300,6 +302,10 @@ class Row(Widget):
 
 class List(Widget):
     """A list or tree view."""
+
+    def __bool__(self):
+        """An empty list is there all the same."""
+        return True
 
     def __len__(self):
         self.accessible.clear_cache()

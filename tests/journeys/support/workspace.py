@@ -5,6 +5,9 @@ from xml.sax.saxutils import escape, quoteattr
 
 from .journey import Journey
 
+# Beyond what XML itself asks for.
+QUOTES = {'"': "&quot;", "'": "&apos;"}
+
 MAIN_WINDOW = "Vantorelle Remark Codesets Manager 3.2.3"
 SUB_FOLDERS = ("codesets", "layouts", "documents", "templates")
 
@@ -16,7 +19,7 @@ def codeset(name, author=None, version=None, remarks=()):
     lines += translations("name", name, 1)
     lines += translations("author", author or {}, 1)
     if version is not None:
-        lines.append(f"\t<version>{escape(version)}</version>")
+        lines.append(f"\t<version>{escape(version, QUOTES)}</version>")
     for code, description in remarks:
         lines += ["", "\t<remark>", f"\t\t<code>{code}</code>", *translations("description", description, 2), "\t</remark>"]
     lines += ["", "</codeset>", ""]
@@ -25,7 +28,7 @@ def codeset(name, author=None, version=None, remarks=()):
 
 def translations(element, texts, depth):
     texts = {"en-uk": texts} if isinstance(texts, str) else texts
-    return [f'{depth * chr(9)}<{element} lang="{tag}">{escape(text)}</{element}>' for tag, text in texts.items()]
+    return [f'{depth * chr(9)}<{element} lang="{tag}">{escape(text, QUOTES)}</{element}>' for tag, text in texts.items()]
 
 
 class WorkspaceJourney(Journey):
