@@ -38,7 +38,6 @@ struct FreeXmlText {
 using OwnedText = Owned<char, g_free>;
 using OwnedError = Owned<GError, g_error_free>;
 using OwnedXmlDoc = Owned<xmlDoc, xmlFreeDoc>;
-using OwnedXmlNode = Owned<xmlNode, xmlFreeNode>;
 using OwnedXmlText = std::unique_ptr<xmlChar, FreeXmlText>;
 // The two close what they hold without a report; who has to know whether closing worked calls
 // v_fs_utils_close_file or v_fs_utils_close_folder.

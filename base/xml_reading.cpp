@@ -96,12 +96,23 @@ private:
 // parser's own guard strikes after some ten thousand of them, and then it never returns.
 constexpr gsize parameter_reference_cost = 10'000;
 
+// What one parse knows besides the parser's own context, whose private field leads here.
+struct ParseState {
+  gsize spent_on_references = 0;
+  const XmlChildReader *read_child = nullptr; // null when nobody asks for the children
+  xmlNode *last_kept = nullptr;               // of the children that were handed out
+};
+
+ParseState &state_of(const xmlParserCtxt *parser) {
+  return *static_cast<ParseState *>(parser->_private);
+}
+
 // The parser refuses entities that expand to too much text, but would follow those that expand to
-// nothing, or to comments, for hours. Adds to what the references of a parse have cost, which the
-// context's private field leads to, and ends the parse beyond the limit.
+// nothing, or to comments, for hours. Adds to what the references of a parse have cost and ends the
+// parse beyond the limit.
 bool spend_reference(void *context, gsize cost) {
   auto *parser = static_cast<xmlParserCtxt *>(context);
-  gsize &spent = *static_cast<gsize *>(parser->_private);
+  gsize &spent = state_of(parser).spent_on_references;
   spent += cost;
   if (spent <= maximum_expansion) {
     return true;
@@ -125,6 +136,33 @@ xmlEntity *look_up_parameter_entity(void *context, const xmlChar *name) {
   return spend_reference(context, parameter_reference_cost + length) ? entity : nullptr;
 }
 
+// Hands out the root's children that were not handed out yet.
+void hand_out_children(ParseState &state, xmlDoc *document, const xmlNode *root) {
+  xmlNode *next = nullptr;
+  for (xmlNode *child = state.last_kept == nullptr ? root->children : state.last_kept->next;
+       child != nullptr; child = next) {
+    next = child->next;
+    if ((*state.read_child)(document, child) == XmlChild::kept) {
+      state.last_kept = child;
+    } else {
+      xmlUnlinkNode(child);
+      xmlFreeNode(child);
+    }
+  }
+}
+
+// Takes the place of the parser's own work at the end of an element. A document type may declare
+// entities, whose elements the parser builds apart from the tree and copies: then the children are
+// handed out when the tree is complete.
+void end_element(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *uri) {
+  xmlSAX2EndElementNs(context, name, prefix, uri);
+  const auto *parser = static_cast<const xmlParserCtxt *>(context);
+  ParseState &state = state_of(parser);
+  if (state.read_child != nullptr && parser->nodeNr == 1 && parser->myDoc->intSubset == nullptr) {
+    hand_out_children(state, parser->myDoc, parser->node);
+  }
+}
+
 // What the parser passes over once it has the last element: a file that cannot be read to its end,
 // and pieces of text that there was no memory for.
 bool has_lost_something(const xmlParserCtxt *parser) {
@@ -135,23 +173,40 @@ bool has_lost_something(const xmlParserCtxt *parser) {
 
 // Runs one of the parser's reading functions on a new context under our settings.
 template <typename Read>
-OwnedXmlDoc parse(Read read) {
+OwnedXmlDoc parse(Read read, const XmlChildReader *read_child = nullptr) {
   const ParserSettings settings;
-  gsize spent = 0;
+  ParseState state{.read_child = read_child};
   const Owned<xmlParserCtxt, xmlFreeParserCtxt> parser(xmlNewParserCtxt());
   OwnedXmlDoc document;
   if (parser) {
-    parser->_private = &spent;
+    parser->_private = &state;
+    parser->sax->endElementNs = end_element;
     parser->sax->getEntity = look_up_entity;
     parser->sax->getParameterEntity = look_up_parameter_entity;
     document.reset(read(parser.get()));
   }
   if (!document || has_lost_something(parser.get())) {
-    document.reset();
     set_error_from_report();
     v_error_append("Could not parse XML data.");
+    return nullptr;
+  }
+  if (const xmlNode *root = xmlDocGetRootElement(document.get());
+      root != nullptr && read_child != nullptr) {
+    hand_out_children(state, document.get(), root);
   }
   return document;
+}
+
+OwnedXmlDoc parse_file(const char *path, const XmlChildReader *read_child) {
+  const OwnedFile file = v_fs_utils_open_file(path, "rb");
+  if (!file) {
+    return nullptr;
+  }
+  return parse(
+      [&](xmlParserCtxt *parser) {
+        return xmlCtxtReadFd(parser, fileno(file.get()), nullptr, nullptr, 0);
+      },
+      read_child);
 }
 
 const char *as_text(const xmlChar *text) { return reinterpret_cast<const char *>(text); }
@@ -345,14 +400,10 @@ bool get_child_text(OwnedText &text, xmlDoc *document, const xmlNode *node, cons
 
 } // namespace
 
-OwnedXmlDoc v_xml_parse_file(const char *path) {
-  const OwnedFile file = v_fs_utils_open_file(path, "rb");
-  if (!file) {
-    return nullptr;
-  }
-  return parse([&](xmlParserCtxt *parser) {
-    return xmlCtxtReadFd(parser, fileno(file.get()), nullptr, nullptr, 0);
-  });
+OwnedXmlDoc v_xml_parse_file(const char *path) { return parse_file(path, nullptr); }
+
+OwnedXmlDoc v_xml_parse_file_by_children(const char *path, const XmlChildReader &read_child) {
+  return parse_file(path, &read_child);
 }
 
 OwnedXmlDoc v_xml_parse_memory(const char *data, std::size_t length) {
@@ -375,19 +426,6 @@ bool v_xml_parse_file_if_exists(OwnedXmlDoc &document, const char *path) {
 }
 
 void v_xml_free_doc(xmlDoc *document) { xmlFreeDoc(document); }
-
-OwnedXmlNode v_xml_new_node_beside_tree(xmlDoc *document) {
-  OwnedXmlNode node(xmlNewDocNode(document, nullptr, as_xml("beside"), nullptr));
-  if (!node) {
-    v_error_set("Error when creating an XML element.");
-  }
-  return node;
-}
-
-void v_xml_move_node(xmlNode *node, xmlNode *parent) {
-  xmlUnlinkNode(node);
-  xmlAddChild(parent, node);
-}
 
 xmlNode *v_xml_get_root_element(xmlDoc *document) {
   xmlNode *root = xmlDocGetRootElement(document);

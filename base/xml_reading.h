@@ -10,6 +10,7 @@
 // unreadable. The document's _private field keeps that sum.
 
 #include <cstddef>
+#include <functional>
 
 #include <libxml/tree.h>
 
@@ -22,16 +23,18 @@ OwnedXmlDoc v_xml_parse_file(const char *path);
 // True with null when there is no file at the path. False as v_xml_parse_file, or when the path
 // cannot be asked for.
 bool v_xml_parse_file_if_exists(OwnedXmlDoc &document, const char *path);
-// The same for a document in memory, length in bytes (below 2^31). Null with the parser's report as
-// above.
+// What becomes of a child of the root once it was handed out.
+enum class XmlChild { kept, done_with };
+using XmlChildReader = std::function<XmlChild(xmlDoc *document, xmlNode *child)>;
+// As v_xml_parse_file, and meanwhile hands out the children of the root in their order, whatever
+// kind of node they are, and frees those that are done with: a large file never lies in the memory
+// as a whole. What was handed out counts for nothing when the document does not parse in the end.
+OwnedXmlDoc v_xml_parse_file_by_children(const char *path, const XmlChildReader &read_child);
+// v_xml_parse_file for a document in memory, length in bytes (below 2^31). Null with the parser's
+// report as above.
 OwnedXmlDoc v_xml_parse_memory(const char *data, std::size_t length);
 // Null is allowed.
 void v_xml_free_doc(xmlDoc *document);
-// A node beside the document's tree, to which nodes of the tree can be moved. It must go before the
-// document does. Null with "Error when creating an XML element.".
-OwnedXmlNode v_xml_new_node_beside_tree(xmlDoc *document);
-// Takes the node out of its place and makes it the last child of the parent.
-void v_xml_move_node(xmlNode *node, xmlNode *parent);
 // Borrowed; null with "Missing root element in XML tree.".
 xmlNode *v_xml_get_root_element(xmlDoc *document);
 

@@ -19,26 +19,25 @@ bool read_name_author_version(VCodeset *codeset, xmlDoc *document, const xmlNode
              codeset->version, document, root, "version");
 }
 
-// Goes once through the root's children. The remarks are added as they come, up to one that cannot
-// be read; everything else but the text between is moved to others.
-bool take_remarks(VRemarkList *list, xmlNode *others, xmlDoc *document, const xmlNode *root) {
-  bool all_are_read = true;
-  xmlNode *next = nullptr;
-  for (xmlNode *child = root->children; child != nullptr; child = next) {
-    next = child->next;
-    if (!v_xml_node_has_name(child, "remark")) {
-      if (child->type != XML_TEXT_NODE) {
-        v_xml_move_node(child, others);
-      }
-    } else if (all_are_read) {
-      OwnedRemark remark = v_xml_parse_remark(document, child);
-      all_are_read = remark != nullptr;
-      if (all_are_read) {
-        v_remark_list_add_remark_last(list, std::move(remark));
-      }
+// A codeset that is being read. The remarks are added as they come, up to one that cannot be read.
+struct CodesetReading {
+  OwnedCodeset codeset = v_codeset_new();
+  bool all_remarks_are_read = true;
+};
+
+// Everything but remarks and the text between is kept for later.
+XmlChild read_child(CodesetReading &reading, xmlDoc *document, const xmlNode *child) {
+  if (!v_xml_node_has_name(child, "remark")) {
+    return child->type == XML_TEXT_NODE ? XmlChild::done_with : XmlChild::kept;
+  }
+  if (reading.all_remarks_are_read && v_xml_node_has_name(child->parent, "codeset")) {
+    OwnedRemark remark = v_xml_parse_remark(document, child);
+    reading.all_remarks_are_read = remark != nullptr;
+    if (remark) {
+      v_remark_list_add_remark_last(reading.codeset->remarks.get(), std::move(remark));
     }
   }
-  return all_are_read;
+  return XmlChild::done_with;
 }
 
 bool finish_remarks(VRemarkList *list, bool all_are_read) {
@@ -55,17 +54,11 @@ bool finish_remarks(VRemarkList *list, bool all_are_read) {
   return all_are_read;
 }
 
-// Name, author and version are read from a node that holds nothing but them: looking for each of
-// them among all the remarks takes a tenth of the time of reading. What is wrong with them is told
-// first all the same, for it replaces the message of a remark.
-bool read_codeset(VCodeset *codeset, xmlDoc *document, const xmlNode *root) {
-  const OwnedXmlNode others = v_xml_new_node_beside_tree(document);
-  if (!others) {
-    return false;
-  }
-  const bool all_are_read = take_remarks(codeset->remarks.get(), others.get(), document, root);
-  return read_name_author_version(codeset, document, others.get()) &&
-         finish_remarks(codeset->remarks.get(), all_are_read);
+// What is wrong with name, author and version is told first, although the remarks are there by
+// then: it replaces the message of a remark.
+bool finish_codeset(CodesetReading &reading, xmlDoc *document, const xmlNode *root) {
+  return read_name_author_version(reading.codeset.get(), document, root) &&
+         finish_remarks(reading.codeset->remarks.get(), reading.all_remarks_are_read);
 }
 
 void append_head(std::string &xml, const VCodeset *codeset) {
@@ -122,7 +115,11 @@ bool write_codeset(std::FILE *file, const VCodeset *codeset) {
 } // namespace
 
 OwnedCodeset v_codeset_io_read_from_file(const char *path) {
-  const OwnedXmlDoc document = v_xml_parse_file(path);
+  CodesetReading reading;
+  const OwnedXmlDoc document =
+      v_xml_parse_file_by_children(path, [&](xmlDoc *unfinished, const xmlNode *child) {
+        return read_child(reading, unfinished, child);
+      });
   if (!document) {
     v_error_append("Error loading codeset file.");
     return nullptr;
@@ -136,12 +133,11 @@ OwnedCodeset v_codeset_io_read_from_file(const char *path) {
     v_error_set("Not a codeset file.");
     return nullptr;
   }
-  OwnedCodeset codeset = v_codeset_new();
-  if (!read_codeset(codeset.get(), document.get(), root)) {
+  if (!finish_codeset(reading, document.get(), root)) {
     v_error_append("Error parsing codeset file.");
     return nullptr;
   }
-  return codeset;
+  return std::move(reading.codeset);
 }
 
 OwnedCodeset v_codeset_io_read_from_file_in_workspace(const char *workspace_folder_path,

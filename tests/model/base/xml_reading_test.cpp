@@ -87,6 +87,20 @@ std::string repeated(const std::string &text, int count) {
   return all;
 }
 
+// The children of the root as they are handed out, each with its name and direct text; those with
+// the given name are kept.
+using Children = std::vector<std::string>;
+
+Children children_of(OwnedXmlDoc &document, const std::string &path, const char *kept) {
+  Children children;
+  document = v_xml_parse_file_by_children(path.c_str(), [&](xmlDoc *unfinished, xmlNode *child) {
+    const OwnedText text = v_xml_get_text_content_as_utf8(unfinished, child);
+    children.push_back(std::string(v_xml_get_node_name(child)) + ":" + text.get());
+    return v_xml_node_has_name(child, kept) ? XmlChild::kept : XmlChild::done_with;
+  });
+  return children;
+}
+
 // ------------------------------------------------------------------------------- parsing
 
 TEST_F(XmlReading, DocumentsParse) {
@@ -550,6 +564,52 @@ TEST_F(XmlReading, DeepNestingIsRefused) {
 }
 
 // ------------------------------------------------------------------------------ nodes, children
+
+TEST_F(XmlReading, ChildrenOfTheRootAreHandedOut) {
+  const std::string xml = "<a>\n<b>1</b>2<?b 3?><c>4<b>5</b></c><!--6--><b/><b><b>7</b></b>8</a>";
+  const Children expected = {"text:", "b:1", "text:", "b:", "c:4", "comment:", "b:", "b:", "text:"};
+  for (const char *head : {"", "<!DOCTYPE a []>", "<?b?><!--b-->"}) {
+    write_file(path, head + xml);
+    EXPECT_EQ(children_of(document, path, "c"), expected);
+    ASSERT_NE(document, nullptr) << v_error_get();
+    const xmlNode *root = v_xml_get_root_element(document.get());
+    ASSERT_STREQ(v_xml_get_node_name(root), "a");
+    ASSERT_NE(root->children, nullptr);
+    EXPECT_STREQ(v_xml_get_node_name(root->children), "c");
+    EXPECT_EQ(root->children, root->last);
+
+    EXPECT_EQ(children_of(document, path, "b"), expected);
+    ASSERT_NE(document, nullptr) << v_error_get();
+    int kept = 0;
+    for (root = v_xml_get_root_element(document.get())->children; root != nullptr;
+         root = root->next) {
+      EXPECT_STREQ(v_xml_get_node_name(root), "b");
+      kept++;
+    }
+    EXPECT_EQ(kept, 4);
+  }
+}
+
+TEST_F(XmlReading, TheRootItselfIsNotHandedOut) {
+  for (const char *xml : {"<a/>", "<a></a>", "<?b?><a b='1'/><!--b-->"}) {
+    write_file(path, xml);
+    EXPECT_EQ(children_of(document, path, "b"), Children());
+    EXPECT_NE(document, nullptr) << v_error_get();
+  }
+}
+
+TEST_F(XmlReading, ChildrenAreHandedOutBeforeTheEndIsSeen) {
+  write_file(path, "<a><b>1</b><c>2</c><b>3");
+  EXPECT_EQ(children_of(document, path, "c"), (Children{"b:1", "c:2"}));
+  EXPECT_EQ(document, nullptr);
+  EXPECT_THAT(v_error_get(), StartsWith(could_not_parse));
+}
+
+TEST_F(XmlReading, ReferencesToEntitiesAreHandedOutAsSuch) {
+  write_file(path, "<!DOCTYPE a [<!ENTITY e '4<b>1</b>'>]><a>&e;<c>3&e;</c>&e;</a>");
+  EXPECT_EQ(children_of(document, path, "c"), (Children{"e:", "c:34", "e:"}));
+  EXPECT_NE(document, nullptr) << v_error_get();
+}
 
 TEST_F(XmlReading, RootElement) {
   EXPECT_STREQ(v_xml_get_node_name(root_of("<!--c--><?p i?><a/>")), "a");

@@ -284,6 +284,47 @@ TEST_F(CodesetIo, SaysWhyAFileIsRejected) {
   }
 }
 
+// Remarks are read before the end of the file is seen.
+TEST_F(CodesetIo, WhatIsNotXmlInTheEndIsToldBeforeTheRemarks) {
+  const std::string head = std::string("<codeset>") + a_name;
+  for (const std::string &remarks :
+       {std::string(a_remark), std::string("<remark/>"), std::string(a_remark) + a_remark}) {
+    for (const char *end :
+         {"", "</codesets>", "<b></codeset>", "&x;</codeset>", "</codeset><a/>"}) {
+      EXPECT_THAT(message_of(head + remarks + end),
+                  StartsWith("Error loading codeset file.\n\nCould not parse XML data.\n\n"))
+          << remarks << end;
+    }
+  }
+}
+
+// With a document type the whole file is read first, and then the remarks.
+TEST_F(CodesetIo, ADocumentTypeChangesNothing) {
+  const std::string pi = "<?remark x?>";
+  const std::string name = a_name;
+  const std::string remark = a_remark;
+  const std::string other = "<remark><code>3</code><description lang='sv'>b</description></remark>";
+  for (const std::string &content :
+       {name + remark, remark + name, other + name + remark, name + remark + pi, name + pi + remark,
+        name + pi + remark + remark, name + remark + remark + pi, name + remark + pi + remark,
+        name + "a" + remark + "b<!-- c -->d" + other + "e<![CDATA[f]]>g",
+        remark + name + other + name,
+        name + remark + "<version>1</version>" + other + "<version>2</version>",
+        name + "<x/>" + remark + "<x/>" + other + "<author lang='sv'>c</author><x/>",
+        name + "<remark>" + remark + "</remark>" + other, name + "<x>" + remark + "</x>" + other,
+        name + remark + "<remark/>" + "<author/>", name + "<remark/>" + remark + "<name/>"}) {
+    const OwnedCodeset plain = read_bytes(codeset_xml(content));
+    const std::string message = plain ? "" : v_error_get();
+    const OwnedCodeset typed = read_bytes("<!DOCTYPE codeset []>" + codeset_xml(content));
+    if (plain) {
+      expect_equal(plain, typed);
+    } else {
+      EXPECT_EQ(typed, nullptr) << content;
+      EXPECT_EQ(v_error_get(), message) << content;
+    }
+  }
+}
+
 TEST_F(CodesetIo, CodesThatDifferOnlyInZerosOrCaseAreTwo) {
   std::string remarks;
   for (const char *code : {"7", "07", "a", "A"}) {
