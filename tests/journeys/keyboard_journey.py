@@ -1,8 +1,11 @@
 """Every window with the keyboard alone: nothing here touches the mouse."""
 
-from support import MAIN_WINDOW, WorkspaceJourney, codeset, main
+import subprocess
+
+from support import MAIN_WINDOW, Journey, WorkspaceJourney, codeset, main
 from support import display
 from support.waiting import settle
+from support.widgets import labels_of
 
 UK = "English/United Kingdom [en-uk]"
 EN = "English [en]"
@@ -10,16 +13,11 @@ WOOD = codeset("Wood", "Vera", "2", [("W1", "Split"), ("W2", "Worm"), ("W10", "S
 GLASS = codeset("Glass", version="1.5", remarks=[("G1", "Chip")])
 
 
-class Keyboard(WorkspaceJourney):
-    def name_of(self, widget):
-        return None if widget is None else widget.name or (widget.program and self.label_of(widget))
+class Keys:
+    """Finding one's way with the keyboard. A widget without a name of its own goes by its label."""
 
-    def label_of(self, widget):
-        window = widget.program.active_window()
-        for label in ("File name of selected item", "Enter new file name", "Remark code"):
-            if window.find_all(widget.role, labelled=label) == [widget]:
-                return label
-        return ""
+    def name_of(self, widget):
+        return None if widget is None else next(filter(None, [widget.name, *labels_of(widget.accessible, None)]), "")
 
     def go(self, window, name, key="Tab"):
         """Presses the key until the widget of that name has the focus. Nothing has it after the button that had it became
@@ -49,6 +47,69 @@ class Keyboard(WorkspaceJourney):
                 lambda name=name: self.name_of(program.focused()) == name,
                 lambda name=name: f"the focus on {name!r}; it is on {program.focused()!r}")
 
+
+class FirstStart(Keys, Journey):
+    def start(self):
+        program = self.start_program(VANTORELLE_USER_LANGUAGE="en-uk")
+        return program, program.window("Vantorelle Workspace Setup")
+
+    def test_from_the_assistant_to_the_main_window(self):
+        (self.home / "taken").mkdir()
+        program, assistant = self.start()
+        self.expect_order(assistant, ["Cancel", "Next"])
+        self.push(assistant, "Next")
+        stops = ["Workspace location", "Browse...", "Cancel", "Back", "Apply"]
+        self.expect_order(assistant, stops)
+        self.expect_order(assistant, stops[::-1], "shift+Tab")
+
+        location = assistant.field("Workspace location")
+        location.expect_text(str(self.home / "Vantorelle Workspace"))
+        self.go(assistant, "Workspace location")
+        display.press("ctrl+a")
+        display.type_text(str(self.home / "taken"))
+        self.push(assistant, "Apply")
+        error = program.dialog("Error")
+        self.assertEqual(
+            error.message, "There is already a folder or a file with that name.\n\nPlease choose a new location.")
+        display.press("Return")
+        error.expect_closed()
+
+        # Back on the first page.
+        self.push(assistant, "Next")
+        location.expect_text(str(self.home / "taken"))
+        self.push(assistant, "Browse...")
+        chooser = program.file_chooser("Select a parent folder for your workspace")
+        display.press("Escape")
+        chooser.expect_closed()
+        location.expect_text(str(self.home / "taken"))
+        self.push(assistant, "Browse...")
+        chooser = program.file_chooser("Select a parent folder for your workspace")
+        chooser.enter_path(self.home / "taken")
+        display.press("Return")
+        chooser.expect_closed()
+        location.expect_text(str(self.home / "taken" / "Vantorelle Workspace"))
+        self.push(assistant, "Back")
+        self.push(assistant, "Next")
+        self.push(assistant, "Apply")
+        self.go(assistant, "Close")
+        display.press("Return")
+        assistant.expect_closed()
+        window = program.window(MAIN_WINDOW)
+        window.list().expect_focus()
+        self.assertTrue((self.home / "taken" / "Vantorelle Workspace" / "codesets").is_dir())
+        window.press("alt+F4")
+        program.expect_exit(0)
+
+    def test_cancelling_the_assistant(self):
+        program, assistant = self.start()
+        self.push(assistant, "Next")
+        self.go(assistant, "Cancel")
+        display.press("Return")
+        program.expect_exit(0)
+        self.assertEqual([path.name for path in self.home.glob("Vantorelle*")], [])
+
+
+class Keyboard(Keys, WorkspaceJourney):
     def select(self, window, text):
         """In a list that has the focus: types the beginning of the row."""
         display.type_text(text.split()[0])
@@ -71,7 +132,8 @@ class Keyboard(WorkspaceJourney):
         self.expect_order(window, [*always, "Refresh list"])
         self.go(window, "Remark codeset files")
         for key, text in (
-            ("Down", "Glass 1.5"), ("Down", "Wood (Vera) 2"), ("Up", "Glass 1.5"), ("End", "Wood (Vera) 2"), ("Home", "Glass 1.5"),
+            ("Down", "Glass 1.5"), ("Down", "Wood (Vera) 2"), ("Up", "Glass 1.5"), ("End", "Wood (Vera) 2"),
+            ("Home", "Glass 1.5"),
         ):
             display.press(key)
             rows.expect_selected([text])
@@ -140,6 +202,105 @@ class Keyboard(WorkspaceJourney):
         self.assertEqual((self.home / "oak.codeset").read_bytes(), WOOD)
         self.assertEqual(self.contents(), {"wood.codeset": WOOD})
 
+    def test_looking_around_in_the_file_chooser(self):
+        # The chooser shows them in this order, behind the workspace's folder.
+        (self.home / "wood.codeset").write_bytes(WOOD)
+        (self.home / "wood.txt").write_bytes(WOOD)
+        (self.home / "zoo").mkdir()
+        (self.home / "zoo" / "glass.codeset").write_bytes(GLASS)
+        program, window = self.open()
+
+        def chooser_with(rows):
+            self.push(window, "Add from file")
+            chooser = program.file_chooser("Select a file to add")
+            chooser.list().expect_focus()
+            program.wait(lambda: len(chooser.list()) == rows, lambda: f"{rows} entries, not {len(chooser.list())}")
+            return chooser
+
+        chooser = chooser_with(3)
+        self.expect_row(chooser, "End", 2)
+        self.expect_row(chooser, "Up", 1)
+        display.press("Return")
+        chooser.expect_closed()
+        window.list().expect_texts(["Wood (Vera) 2"])
+
+        chooser = chooser_with(3)
+        display.press("Tab")
+        program.wait(lambda: not chooser.list().is_focused, "the filter to get the focus")
+        display.press("Down")
+        program.wait(lambda: chooser.filter == "All files", "the other filter")
+        program.wait(lambda: len(chooser.list()) == 4, "the other file")
+        self.go(chooser, "Files", "shift+Tab")
+        self.expect_row(chooser, "End", 3)
+        self.expect_row(chooser, "Up", 2)
+        display.press("Return")
+        error = program.dialog("Error")
+        self.assertEqual(error.message, 'The file name must end with ".codeset".')
+        display.press("Escape")
+        error.expect_closed()
+
+        # Into the other folder, out of it and into it again.
+        chooser = chooser_with(3)
+        self.expect_row(chooser, "End", 2)
+        display.press("Return")
+        program.wait(lambda: chooser.folder == "zoo" and len(chooser.list()) == 1, "the other folder")
+        display.press("alt+Up")
+        program.wait(lambda: chooser.folder == "home" and len(chooser.list()) == 3, "the first folder")
+        self.go(chooser, "Files")
+        self.expect_row(chooser, "End", 2)
+        display.press("Return")
+        program.wait(lambda: chooser.folder == "zoo" and len(chooser.list()) == 1, "the other folder")
+        self.go(chooser, "Files")
+        self.expect_row(chooser, "Home", 0)
+        # The button by its underlined letter.
+        display.press("alt+o")
+        chooser.expect_closed()
+        window.list().expect_texts(["Glass 1.5", "Wood (Vera) 2"])
+        self.assertEqual(self.contents(), {"glass.codeset": GLASS, "wood.codeset": WOOD})
+
+        # The same file once more: Escape is the careful answer.
+        self.push(window, "Add from file")
+        chooser = program.file_chooser("Select a file to add")
+        chooser.enter_path(self.home / "wood.codeset")
+        display.press("Return")
+        question = program.dialog("Question")
+        self.expect_order(question, ["No", "Yes"])
+        display.press("Escape")
+        question.expect_closed()
+        window.expect_active()
+
+    def expect_row(self, chooser, key, index):
+        """After the key the row of that index is selected."""
+        rows = chooser.list()
+        display.press(key)
+        chooser.program.wait(
+            lambda: rows.selected_indices() == [index], lambda: f"row {index} after {key}, not {rows.selected_indices()}")
+
+    def test_saving_a_copy_over_another_file(self):
+        self.put("wood.codeset", WOOD)
+        oak = self.home / "oak.codeset"
+        oak.write_bytes(GLASS)
+        program, window = self.open()
+        self.select(window, "Wood (Vera) 2")
+        self.push(window, "Save a copy")
+        chooser = program.file_chooser("Save As")
+        program.wait(lambda: chooser.name_field().selected_text == "wood", "the name to be marked")
+        chooser.enter_path(oak)
+        display.press("Return")
+        question = program.dialog()
+        display.press("Escape")
+        question.expect_closed()
+        chooser.expect_active()
+        self.assertEqual(oak.read_bytes(), GLASS)
+        chooser.name_field().expect_focus()
+        display.press("Return")
+        question = program.dialog()
+        self.push(question, "Replace")
+        question.expect_closed()
+        chooser.expect_closed()
+        window.expect_active()
+        self.assertEqual(oak.read_bytes(), WOOD)
+
     # Smaller windows
 
     def test_the_new_file_window(self):
@@ -168,6 +329,28 @@ class Keyboard(WorkspaceJourney):
         self.push(question, "Close")
         editing.expect_closed()
         window.expect_active()
+
+    def test_cloning(self):
+        self.put("wood.codeset", WOOD)
+        program, window = self.open()
+        self.select(window, "Wood (Vera) 2")
+        self.push(window, "Clone")
+        naming = program.window("Add new")
+        # The cursor stands before the extension, which is kept.
+        naming.field().expect_focus()
+        display.type_text("oak")
+        naming.field().expect_text("oak.codeset")
+        display.press("Escape")
+        naming.expect_closed()
+        self.go(window, "Remark codeset files", "shift+Tab")
+        self.select(window, "Wood (Vera) 2")
+        self.push(window, "Clone")
+        naming = program.window("Add new")
+        naming.field().expect_focus()
+        display.type_text("oak\n")
+        naming.expect_closed()
+        window.list().expect_texts(["Wood (Vera) 2"] * 2)
+        self.assertEqual(self.contents(), {"oak.codeset": WOOD, "wood.codeset": WOOD})
 
     def test_the_bundled_selector(self):
         program, window = self.open()
@@ -266,6 +449,126 @@ class Keyboard(WorkspaceJourney):
         program.window(MAIN_WINDOW).list().expect_texts(["Wood (Vera) 2"])
         self.assertEqual(self.contents(), {"wood.codeset": codeset(
             {"en-uk": "Wood", "en": "Timber"}, "Vera", "2", [("W0", "Stain"), ("W1", "Split"), ("W3", "Hole")])})
+
+    def test_the_search_in_a_list(self):
+        self.put("wood.codeset", WOOD)
+        program, window = self.open()
+        self.select(window, "Wood (Vera) 2")
+        self.push(window, "Edit")
+        editing = program.window("Edit remark codeset - wood.codeset")
+        self.go(editing, "Remark codes")
+        codes = editing.list("Remark codes")
+        # Small letters find capitals, too. Up and Down go from find to find.
+        for keys, text in (("w1", "W1. Split"), ("0", "W10. Stain")):
+            display.type_text(keys)
+            codes.expect_selected([text])
+        for key, text in (("BackSpace", "W1. Split"), ("Down", "W10. Stain"), ("Up", "W1. Split")):
+            display.press(key)
+            codes.expect_selected([text])
+        # The first Escape ends the search, the second asks.
+        display.press("Escape")
+        settle()
+        codes.expect_focus()
+        display.press("Escape")
+        question = program.dialog("Really close?")
+        display.press("Escape")
+        question.expect_closed()
+        codes.expect_selected(["W1. Split"])
+
+    def test_a_long_list(self):
+        remarks = [(f"W{number}", f"Damage {number}") for number in range(1, 101)]
+        self.put("wood.codeset", codeset("Wood", remarks=remarks))
+        program, window = self.open()
+        self.select(window, "Wood")
+        self.push(window, "Edit")
+        editing = program.window("Edit remark codeset - wood.codeset")
+        self.go(editing, "Remark codes")
+        codes = editing.list("Remark codes")
+
+        def expect_seen(index):
+            program.wait(
+                lambda: codes.selected_indices() == [index], lambda: f"row {index}, not {codes.selected_indices()}")
+            _, y, _, height = codes.resting_extents()
+            program.wait(
+                lambda: (place := codes.rows()[index].extents) and y <= place[1] and place[1] + place[3] <= y + height,
+                f"row {index} to be scrolled into view")
+
+        for key, index in (("End", 99), ("Up", 98), ("Home", 0), ("Down", 1)):
+            display.press(key)
+            expect_seen(index)
+        display.press("Next")
+        program.wait(lambda: codes.selected_indices() not in ([], [1]), "a page further down")
+        page = codes.selected_indices()[0] - 1
+        self.assertGreater(page, 3)
+        expect_seen(1 + page)
+        display.press("Prior")
+        expect_seen(1)
+        display.type_text("W77")
+        expect_seen(76)
+
+    def test_copying_what_cannot_be_edited(self):
+        self.put("wood.codeset", WOOD)
+        program, window = self.open()
+        self.select(window, "Wood (Vera) 2")
+        self.go(window, "File name of selected item")
+        display.press("ctrl+a", "ctrl+c")
+        program.wait(lambda: self.copied() == "wood.codeset", "the file name on the clipboard")
+        display.type_text("x")
+        display.press("Delete")
+        settle()
+        window.field("File name of selected item").expect_text("wood.codeset")
+        self.push(window, "Edit")
+        editing = program.window("Edit remark codeset - wood.codeset")
+        self.go(editing, "Remark codes")
+        display.press("Down")
+        editing.list("Remark codes").expect_selected(["W2. Worm"])
+        self.go(editing, "Description of the selected remark code")
+        display.press("ctrl+a", "ctrl+c")
+        program.wait(lambda: self.copied() == f"{UK}\n\nWorm", "the description on the clipboard")
+        display.type_text("x")
+        settle()
+        editing.field("Description of the selected remark code").expect_text(f"{UK}\n\nWorm")
+
+    def copied(self):
+        """The text on the clipboard; None as long as nobody offers one."""
+        try:
+            return display.clipboard()
+        except subprocess.CalledProcessError:
+            return None
+
+    def test_a_language_is_chosen_from_the_open_list(self):
+        self.put("wood.codeset", WOOD)
+        self.prefer("en-uk", "en", "sv")
+        program, window = self.open()
+        self.select(window, "Wood (Vera) 2")
+        self.push(window, "Edit")
+        editing = program.window("Edit remark codeset - wood.codeset")
+        name, combo = editing.fields()[0], editing.combos()[0]
+        name.expect_focus()
+        self.assertEqual(combo.choices(), [UK, EN, "Swedish [sv]"])
+
+        def open_list():
+            display.press("ctrl+Tab")
+            program.wait(lambda: not name.is_focused, "the focus to leave the text")
+            display.press("space")
+            program.wait(lambda: combo.find_all("menu item"), "the list to open")
+
+        open_list()
+        display.press("Down", "Escape")
+        program.wait(lambda: not combo.find_all("menu item"), "the list to close")
+        combo.expect_text(UK)
+        self.assertTrue(editing.is_open)
+        display.press("ctrl+shift+Tab")
+        name.expect_focus()
+        open_list()
+        display.press("End", "Return")
+        combo.expect_text("Swedish [sv]")
+        name.expect_focus()
+        display.press("End")
+        display.type_text("s")
+        self.push(editing, "Save codeset")
+        editing.expect_closed()
+        self.assertEqual(self.contents(), {"wood.codeset": WOOD.replace(b'<name lang="en-uk">Wood', b'<name lang="sv">Woods')})
 
     def go_to_field(self, window, index):
         """Tab until the text field of that index has the focus: several have the same name."""

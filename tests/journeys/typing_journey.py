@@ -22,9 +22,11 @@ PASTED = [
     ("vertical\x0btab form\x0cfeed", "verticaltab form feed", None),
     ("emoji \U0001f600! \u4e2d\u6587 \u0141 \u2014 \u2019", "emoji !    ", "emoji !"),
     ("  outer \t  blanks  ", "  outer    blanks  ", "outer blanks"),
-    ("soft\u00adhyphen ¼½¾", "soft\u00adhyphen ¼½¾", None),
+    # Odd, but a file can hold them.
+    ("soft\u00adhyphen \x7f\x80\x85\x9f", "soft\u00adhyphen \x7f\x80\x85\x9f", None),
     ("a &amp; <b> \"c\" 'd' > %s &#10;", "a &amp; <b> \"c\" 'd' > %s &#10;", None),
     ("]]> <!-- --> <?xml?>", "]]> <!-- --> <?xml?>", None),
+    ("\u0141\u00f3d\u017a e\u0301t\u00e9 \ufeff\u200b", "\u00f3d et\u00e9 ", "\u00f3d et\u00e9"),
     (EVERY_LATIN1_CHARACTER, EVERY_LATIN1_CHARACTER, None),
 ]
 
@@ -107,15 +109,63 @@ class Typing(WorkspaceJourney):
         self.assertEqual(self.own.read_bytes(), codeset("Own", "Vera", "1", [
             ("Å Ä", "T"), ("é ü", "T"), ("1", "One"), ("7 7", "T"), ("n", "T"), ("xy", "T")]))
 
-    def test_a_code_of_what_cannot_be_kept_is_no_code(self):
+    def test_typed_codes(self):
+        program, editing = self.open_own()
+        # Line breaks and tabs are keys of their own: the one says OK, the other goes on.
+        for typed in ("é€\u00a0ü\tFällt\n", "«½»\tà\u00a0é\n"):
+            editing.button("Add new").click()
+            dialog = program.window("Edit remark code")
+            dialog.field("Remark code").type(typed)
+            dialog.expect_closed()
+        editing.list("Remark codes").expect_texts(["«½». à é", "é ü. Fällt", "1. One"])
+        self.save(editing)
+        self.assertEqual(self.own.read_bytes(), codeset("Own", "Vera", "1", [("«½»", "à é"), ("é ü", "Fällt"), ("1", "One")]))
+
+    def test_what_cannot_be_kept_is_nothing(self):
         program, editing = self.open_own()
         editing.button("Add new").click()
         dialog = program.window("Edit remark code")
-        dialog.field("Remark code").paste("€\u4e2d\x07")
-        settle(0.3)
-        dialog.field("Remark code").expect_text("")
+        for pasted, shown in (("€\u4e2d\x07", ""), ("\u00a0\t", "  ")):
+            self.replace_by_paste(dialog.field("Remark code"), pasted)
+            settle(0.3)
+            dialog.field("Remark code").expect_text(shown)
+            dialog.press("Return")
+            self.expect_message(program, "Error", "Missing a code.", "Close")
+        dialog.field("Remark code").enter("2")
+        dialog.field(UK).paste("\u2003€\n")
+        dialog.field(UK).expect_text("  ")
         dialog.press("Return")
-        self.expect_message(program, "Error", "Missing a code.", "Close")
+        self.expect_message(program, "Error", "Missing a description.", "Close")
+        dialog.press("Escape")
+        dialog.expect_closed()
+        name, author, version = editing.fields()[:3]
+        for field in (name, author, version):
+            self.replace_by_paste(field, "\u00a0\u20ac\r")
+            field.expect_text("  ")
+        editing.button("Save codeset").click()
+        self.expect_message(program, "Error", "The codeset must have a name.", "Close")
+        self.assertEqual(self.own.read_bytes(), OWN)
+        name.enter("Own")
+        self.save(editing)
+        self.assertEqual(self.own.read_bytes(), codeset("Own", remarks=[("1", "One")]))
+
+    def test_characters_by_their_number(self):
+        _, editing = self.open_own()
+        name = editing.field(UK)
+        name.clear()
+        for number in ("e9", "20ac", "2003", "f8"):
+            display.press("ctrl+shift+u")
+            display.type_text(f"{number} ")
+        name.expect_text("é ø")
+
+    def test_accents_by_dead_keys(self):
+        _, editing = self.open_own()
+        name = editing.field(UK)
+        name.clear()
+        # The last is no letter of Western Europe.
+        for keys in (("dead_acute", "e"), ("dead_diaeresis", "U"), ("dead_cedilla", "c"), ("dead_caron", "z")):
+            display.press(*keys)
+        name.expect_text("éÜç")
 
     def test_typed_texts(self):
         program, editing = self.open_own()
@@ -143,8 +193,11 @@ class Typing(WorkspaceJourney):
         program.wait(lambda: name.selected_text == " two", lambda: f"the second word to be marked, not {name.selected_text!r}")
         name.paste(" €2\t")
         name.expect_text("one 2  three")
+        # The cursor stands behind what was inserted.
+        display.type_text("!")
+        name.expect_text("one 2 ! three")
         display.press("ctrl+a", "ctrl+c")
-        program.wait(lambda: display.clipboard() == "one 2  three", "the text on the clipboard")
+        program.wait(lambda: display.clipboard() == "one 2 ! three", "the text on the clipboard")
 
     def test_a_long_text(self):
         program, editing = self.open_own()
