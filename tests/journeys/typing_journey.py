@@ -1,5 +1,7 @@
 """What can be typed and pasted into the fields, what is saved of it, and where spelling is checked."""
 
+import re
+
 from support import MAIN_WINDOW, WorkspaceJourney, codeset, main
 from support import display
 from support.waiting import settle
@@ -268,6 +270,36 @@ class Typing(WorkspaceJourney):
         version = editing.field("Version")
         version.enter("spricka colour ")
         self.expect_marks(version)
+
+    def choose_in_spelling_menu(self, field, *keys):
+        """Opens the menu of the field's first word, in which the suggestions are chosen already, and goes on by keys."""
+        # The toolkit's own menu waits for the clipboard, and then complains of what it waited for.
+        field.program.expected_complaints = re.compile("not holding a GdkSeat")
+        field.focus()
+        display.press("Home", "shift+F10")
+        settle()
+        display.press("Right")
+        settle()
+        display.press(*keys)
+
+    def test_a_suggested_spelling_is_taken(self):
+        _, editing = self.open_own()
+        name = editing.field(UK)
+        name.enter("colourr rough")
+        self.expect_marks(name, "colourr")
+        self.choose_in_spelling_menu(name, "Return")
+        name.expect_text("colour rough")
+        self.expect_marks(name)
+
+    def test_a_word_that_is_let_pass_passes_in_its_field_alone(self):
+        self.put("own.codeset", codeset("crackk", "crackk", remarks=[("1", "One")]))
+        _, editing = self.open_editing("own.codeset", "crackk (crackk)")
+        name, author = editing.fields()[:2]
+        self.expect_marks(name, "crackk")
+        # Above the last of the menu, which is to add it to the dictionary.
+        self.choose_in_spelling_menu(name, "Up", "Up", "Return")
+        self.expect_marks(name)
+        self.expect_marks(author, "crackk")
 
 
 if __name__ == "__main__":
