@@ -1,5 +1,7 @@
 #include "gui/screen_high_scroller.h"
 
+#include "gui/screen_area.h"
+
 struct _VScreenHighScroller {
   GtkScrolledWindow parent_instance;
 };
@@ -10,14 +12,7 @@ namespace {
 
 // What title bars, desktop bars and the window's other rows leave of the screen's height, in
 // pixels.
-int get_usable_height(GtkWidget *widget) {
-  GdkRectangle area = {};
-  GdkDisplay *display = gtk_widget_get_display(widget);
-  GdkMonitor *monitor = gdk_display_get_primary_monitor(display);
-  gdk_monitor_get_workarea(monitor != nullptr ? monitor : gdk_display_get_monitor(display, 0),
-                           &area);
-  return area.height * 8 / 10;
-}
+int get_usable_height(GtkWidget *widget) { return v_screen_area_get(widget).height * 8 / 10; }
 
 // The scrolled window itself would be content with next to no height.
 void get_preferred_height(GtkWidget *widget, int *minimum, int *natural) {

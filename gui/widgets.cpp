@@ -5,6 +5,7 @@
 
 #include "gui/css.h"
 #include "gui/owned_objects.h"
+#include "gui/screen_area.h"
 #include "gui/screen_high_scroller.h"
 
 namespace {
@@ -83,15 +84,6 @@ int measure_character(GtkWidget *widget) {
   const int width = std::max(pango_font_metrics_get_approximate_char_width(metrics.get()),
                              pango_font_metrics_get_approximate_digit_width(metrics.get()));
   return std::max(PANGO_PIXELS_CEIL(width), 1);
-}
-
-int get_screen_width(GtkWidget *widget) {
-  GdkRectangle area = {};
-  GdkDisplay *display = gtk_widget_get_display(widget);
-  GdkMonitor *monitor = gdk_display_get_primary_monitor(display);
-  gdk_monitor_get_workarea(monitor != nullptr ? monitor : gdk_display_get_monitor(display, 0),
-                           &area);
-  return area.width;
 }
 
 glong count_characters_of_longest_line(const char *text) {
@@ -384,7 +376,8 @@ GtkDrawingArea *v_gui_add_drawing_area(GtkContainer *container) {
 
 int v_gui_count_characters_across_screen(GtkWidget *widget, int reserved_characters,
                                          int reserved_pixels) {
-  const int characters = (get_screen_width(widget) - reserved_pixels) / measure_character(widget);
+  const int characters =
+      (v_screen_area_get(widget).width - reserved_pixels) / measure_character(widget);
   return std::max(characters - reserved_characters, 10);
 }
 
