@@ -55,15 +55,23 @@ port_is_taken() {
     (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null
 }
 
-# A server that finds its port taken ends at once; waiting for its own socket tells it from the one that took the port.
 server_is_ready() {
     local tries
     for ((tries = 0; tries < server_start_seconds * 20; ++tries)); do
         kill -0 "$server_pid" 2>/dev/null || return 1
-        grep -qsF "$XDG_RUNTIME_DIR/broadway$((port + 1)).socket" /proc/net/unix && port_is_taken "$port" && return 0
+        grep -qsF "$XDG_RUNTIME_DIR/broadway$((port + 1)).socket" /proc/net/unix && server_has_port && return 0
         sleep 0.05
     done
     return 1
+}
+
+# Whether the listening socket is the server's own. Another session that starts at this moment may have been faster, and
+# a server that finds its port taken lives on for a while.
+server_has_port() {
+    local sockets
+    sockets=$(awk -v port="$(printf ':%04X' "$port")" \
+        '$4 == "0A" && substr($2, length($2) - 4) == port { print "socket:[" $10 "]" }' /proc/net/tcp)
+    [[ -n $sockets ]] && readlink "/proc/$server_pid/fd/"* 2>/dev/null | grep -xF "$sockets" >/dev/null
 }
 
 end_process() {

@@ -34,6 +34,7 @@ test    libgmock-dev
 test    locales
 test    xvfb
 test    openbox
+test    weston
 test    dbus
 test    at-spi2-core
 test    libglib2.0-bin
@@ -51,6 +52,8 @@ test    icnsutils
 test    mandoc
 test    shared-mime-info
 test    strace
+test    chromium
+test    chromium-driver
 check   clang-tidy
 check   clang-format
 check   cppcheck

@@ -1,0 +1,107 @@
+"""The program on a machine without a display, as scripts/run starts it once it is built."""
+
+import os
+import pathlib
+import re
+import signal
+import socket
+import struct
+import subprocess
+import sys
+
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(SOURCE / "tests" / "journeys"))
+
+from support import wait_until  # noqa: E402
+from support.journey import delivered_stage  # noqa: E402
+from support.program import EXECUTABLE  # noqa: E402
+
+# A caller in the background ignores the interrupt.
+START = ("env", "--default-signal=INT,QUIT", "bash", "-c", 'set -euo pipefail; source "$1"; run_in_browser "$2"', "run")
+LISTENING = "0A"
+
+
+class Session:
+    """Started at once, in the home and with nothing else of the caller's desktop. Temporary files lie in `scratch`."""
+
+    def __init__(self, home, scratch, **environment):
+        kept = {name: os.environ[name] for name in ("PATH", "LSAN_OPTIONS") if name in os.environ}
+        own = {
+            "HOME": str(home), "TMPDIR": str(scratch), "LC_ALL": "C.UTF-8", "G_DEBUG": "fatal-criticals",
+            "VANTORELLE_USER_LANGUAGE": "en-uk",
+        }
+        self.process = subprocess.Popen(
+            (*START, SOURCE / "scripts" / "lib" / "browser.bash", delivered_stage() / EXECUTABLE),
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, cwd=home,
+            env={**kept, **own, **environment}, start_new_session=True)
+
+    def read_address(self):
+        """The address that the user is told, and its port."""
+        line = self.process.stdout.readline()
+        told = re.fullmatch(r"Open (http://127\.0\.0\.1:(\d+)/) in a web browser\.\n", line)
+        if not told:
+            raise AssertionError(f"No address was printed, but {line!r}")
+        return told[1], int(told[2])
+
+    def processes(self):
+        """The script and all that it started, by name: the script, the server and the program, if all is well."""
+        return {pid: name for pid, name, session in running_processes() if session == self.process.pid}
+
+    def listening(self):
+        """Where any of the processes listens: (address, port) by socket, all of which have different names."""
+        names = {link for pid in self.processes() for link in open_files(pid)}
+        return {name: place for name, place in listening_sockets().items() if name in names}
+
+    def send(self, number):
+        """As `kill` does, to the script alone."""
+        self.process.send_signal(number)
+
+    def expect_end(self, status):
+        """The exit status, nothing more printed, and nobody left."""
+        printed, _ = self.process.communicate(timeout=20)
+        if (self.process.returncode, printed) != (status, ""):
+            raise AssertionError(
+                f"The script ended with status {self.process.returncode}, not {status}, and printed {printed!r}")
+        wait_until(lambda: not self.processes(), lambda: f"the end of {self.processes()!r}")
+
+    def kill(self):
+        for pid in self.processes():
+            os.kill(pid, signal.SIGKILL)
+        self.process.communicate()
+
+
+def running_processes():
+    for folder in pathlib.Path("/proc").glob("[0-9]*"):
+        try:
+            # The name in brackets may hold blanks.
+            before, _, after = (folder / "stat").read_text().rpartition(") ")
+        except OSError:
+            continue
+        state, _parent, _group, session = after.split()[:4]
+        if state != "Z":
+            yield int(folder.name), before.partition("(")[2], int(session)
+
+
+def open_files(pid):
+    for link in pathlib.Path(f"/proc/{pid}/fd").glob("*"):
+        try:
+            yield os.readlink(link)
+        except OSError:
+            continue
+
+
+def listening_sockets():
+    """Those of the whole machine."""
+    return {
+        f"socket:[{inode}]": read_place(local)
+        for table in ("tcp", "tcp6") if (path := pathlib.Path("/proc/net") / table).exists()
+        for _, local, _, state, _, _, _, _, _, inode, *_ in map(str.split, path.read_text().splitlines()[1:])
+        if state == LISTENING
+    }
+
+
+def read_place(local):
+    """The address and port of a line, where each four bytes of the address are in the machine's own order."""
+    address, port = local.split(":")
+    packed = b"".join(struct.pack("=I", int(address[at:at + 8], 16)) for at in range(0, len(address), 8))
+    return socket.inet_ntop(socket.AF_INET if len(packed) == 4 else socket.AF_INET6, packed), int(port, 16)
