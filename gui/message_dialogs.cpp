@@ -30,7 +30,9 @@ GtkDialog *create_dialog(const char *title, const char *icon_name, const char *t
   }
   v_gui_set_box_spacing(box, icon_name != nullptr ? 20 : 25);
   v_gui_set_margins(GTK_WIDGET(box), 20, 25, 20, icon_name != nullptr ? 20 : 25);
-  v_gui_wrap_overlong_label(v_gui_pack_label(box, text, 0.0f, 0.0f), widest_line, 0,
+  // A text from a file may be higher than the screen; the buttons stay in reach.
+  GtkBox *text_box = v_gui_pack_scrolling_vbox(box, Expand::yes, Spacing::standard);
+  v_gui_wrap_overlong_label(v_gui_pack_label(text_box, text, 0.0f, 0.0f), widest_line, 0,
                             width_beside_message);
   v_gui_set_accessible_message(GTK_WIDGET(dialog), text);
   return dialog;

@@ -27,9 +27,22 @@ void get_preferred_height_for_width(GtkWidget *widget, int width, int *minimum, 
   *minimum = *natural;
 }
 
+// The scrolled window itself would keep room for the scroll bar that is not there.
+void get_preferred_width(GtkWidget *widget, int *minimum, int *natural) {
+  GTK_WIDGET_CLASS(v_screen_high_scroller_parent_class)
+      ->get_preferred_width(widget, minimum, natural);
+  GtkWidget *child = gtk_bin_get_child(GTK_BIN(widget));
+  int height = 0;
+  gtk_widget_get_preferred_height(child, nullptr, &height);
+  if (height <= gtk_scrolled_window_get_max_content_height(GTK_SCROLLED_WINDOW(widget))) {
+    gtk_widget_get_preferred_width(child, minimum, natural);
+  }
+}
+
 } // namespace
 
 static void v_screen_high_scroller_class_init(VScreenHighScrollerClass *scroller_class) {
+  GTK_WIDGET_CLASS(scroller_class)->get_preferred_width = get_preferred_width;
   GTK_WIDGET_CLASS(scroller_class)->get_preferred_height = get_preferred_height;
   GTK_WIDGET_CLASS(scroller_class)->get_preferred_height_for_width = get_preferred_height_for_width;
 }

@@ -309,4 +309,16 @@ TEST(MessageDialogs, AnOverlongLineWrapsAndAShortOneDoesNot) {
   }
 }
 
+TEST(MessageDialogs, AnEndlessTextLeavesTheButtonsOnTheScreen) {
+  std::string words;
+  for (int i = 0; i < 5000; ++i) {
+    words += "word ";
+  }
+  GdkRectangle screen = {};
+  gdk_monitor_get_geometry(gdk_display_get_monitor(gdk_display_get_default(), 0), &screen);
+  const Size size = measure(words);
+  EXPECT_LT(size.width, screen.width);
+  EXPECT_LT(size.height, screen.height);
+}
+
 } // namespace

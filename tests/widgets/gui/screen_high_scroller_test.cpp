@@ -38,11 +38,15 @@ struct Tower {
     gtk_window_get_size(window.get(), &width, &height);
     return height;
   }
-  // Bottom edge of the button in the window.
+  // Bottom edge of the button in the window, below what the toolkit may have drawn as a title bar.
   int button_bottom() {
     GtkAllocation allocation;
+    GtkAllocation content;
     gtk_widget_get_allocation(GTK_WIDGET(button), &allocation);
-    return allocation.y + allocation.height;
+    gtk_widget_get_allocation(gtk_bin_get_child(GTK_BIN(window.get())), &content);
+    const int margin =
+        static_cast<int>(gtk_container_get_border_width(GTK_CONTAINER(window.get())));
+    return allocation.y + allocation.height - content.y + margin;
   }
 };
 
@@ -58,6 +62,26 @@ TEST(ScreenHighScroller, GrowsWithItsContent) {
   gtk_widget_get_preferred_height(GTK_WIDGET(tower.rows), &content, nullptr);
   EXPECT_GE(tower.height(), content);
   EXPECT_LE(tower.button_bottom(), tower.height());
+}
+
+TEST(ScreenHighScroller, KeepsNoRoomForAScrollBarThatIsNotThere) {
+  for (const int rows : {2, 100}) {
+    Tower tower;
+    tower.add_rows(rows);
+    gtk_widget_show(GTK_WIDGET(tower.window.get()));
+    settle();
+    GtkWidget *scroller =
+        gtk_widget_get_ancestor(GTK_WIDGET(tower.rows), V_TYPE_SCREEN_HIGH_SCROLLER);
+    int content = 0;
+    int room = 0;
+    gtk_widget_get_preferred_width(GTK_WIDGET(tower.rows), nullptr, &content);
+    gtk_widget_get_preferred_width(scroller, nullptr, &room);
+    if (rows == 2) {
+      EXPECT_EQ(room, content);
+    } else {
+      EXPECT_GT(room, content);
+    }
+  }
 }
 
 TEST(ScreenHighScroller, EndsWithTheScreen) {
