@@ -22,7 +22,8 @@
 namespace {
 
 constexpr int remark_count = 100'000;
-constexpr int selection_count = 20;
+// All in sight in both windows: the smaller list would scroll where the larger need not.
+constexpr int selection_count = 15;
 constexpr int repetitions = 7;
 constexpr char size_text[] = "100,000 remarks";
 

@@ -153,28 +153,24 @@ OwnedText format_row(const EditingWindow *editing, const VRemark *remark) {
 }
 
 // The values only point to what the store copies: gtk_list_store_insert_with_values would copy each
-// text once more, which makes filling a third slower.
-void append_row(GtkListStore *store, const char *utf8_text, VRemark *remark) {
+// text once more, which makes filling a third slower. Place: from 0; -1 is the end.
+void insert_row(const EditingWindow *editing, VRemark *remark, int place) {
+  const OwnedText utf8_text = format_row(editing, remark);
   int columns[] = {display_text_column, remark_column};
   GValue values[] = {G_VALUE_INIT, G_VALUE_INIT};
   g_value_init(&values[0], G_TYPE_STRING);
-  g_value_set_static_string(&values[0], utf8_text);
+  g_value_set_static_string(&values[0], utf8_text.get());
   g_value_init(&values[1], G_TYPE_POINTER);
   g_value_set_pointer(&values[1], remark);
-  gtk_list_store_insert_with_valuesv(store, nullptr, -1, columns, values, 2);
+  gtk_list_store_insert_with_valuesv(editing->codes_store.get(), nullptr, place, columns, values,
+                                     2);
 }
 
-// No row is selected afterwards. The store is off the view meanwhile, which would otherwise follow
-// each of the rows.
-void fill_codes_store(EditingWindow *editing) {
-  GtkListStore *store = editing->codes_store.get();
-  gtk_tree_view_set_model(editing->codes_view, nullptr);
-  gtk_list_store_clear(store);
+void fill_codes_store(const EditingWindow *editing) {
   const VRemarkList *list = editing->codeset->remarks.get();
   for (VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-    append_row(store, format_row(editing, remark).get(), remark);
+    insert_row(editing, remark, -1);
   }
-  gtk_tree_view_set_model(editing->codes_view, GTK_TREE_MODEL(store));
 }
 
 // Fills iter with the selected row and returns its remark; null when no row is selected.
@@ -198,8 +194,13 @@ void update_gui(EditingWindow *editing) {
                              remark == nullptr ? nullptr : remark->description.get());
 }
 
-void show_codes(EditingWindow *editing) {
-  fill_codes_store(editing);
+// Lets the rows be changed while they are off the view, which would otherwise follow each of them.
+// No row is selected afterwards.
+template <typename Change>
+void change_codes_store(EditingWindow *editing, Change change) {
+  gtk_tree_view_set_model(editing->codes_view, nullptr);
+  change();
+  gtk_tree_view_set_model(editing->codes_view, GTK_TREE_MODEL(editing->codes_store.get()));
   update_gui(editing);
 }
 
@@ -258,15 +259,17 @@ int edit_remark(EditingWindow *editing, VRemark *remark) {
                                   editing->codeset.get(), "Edit remark code");
 }
 
-void insert_remark(EditingWindow *editing, OwnedRemark remark) {
-  v_remark_list_add_remark_sorted(editing->codeset->remarks.get(), std::move(remark));
-  show_codes(editing);
+// The remark, which is the list's from here on, gets its row.
+void insert_remark(const EditingWindow *editing, OwnedRemark owned_remark) {
+  VRemark *remark = owned_remark.get();
+  v_remark_list_add_remark_sorted(editing->codeset->remarks.get(), std::move(owned_remark));
+  insert_row(editing, remark, v_remark_get_index(remark));
 }
 
 void add_callback(GtkButton *, EditingWindow *editing) {
   OwnedRemark remark = v_remark_new();
   if (edit_remark(editing, remark.get()) != 0) {
-    insert_remark(editing, std::move(remark));
+    change_codes_store(editing, [&] { insert_remark(editing, std::move(remark)); });
   }
 }
 
@@ -275,8 +278,11 @@ void edit_callback(GtkButton *, EditingWindow *editing) {
   VRemark *remark = get_selected_remark(editing, &iter);
   if (remark != nullptr && edit_remark(editing, remark) != 0) {
     // Its code, and so its place, may be another now.
-    v_remark_remove(remark);
-    insert_remark(editing, OwnedRemark(remark));
+    change_codes_store(editing, [&] {
+      gtk_list_store_remove(editing->codes_store.get(), &iter);
+      v_remark_remove(remark);
+      insert_remark(editing, OwnedRemark(remark));
+    });
   }
 }
 
@@ -351,7 +357,7 @@ int run_editing_window(const RunContext *context, const char *path) {
   }
   editing.codes_store = take(gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_POINTER));
   build_window(&editing);
-  show_codes(&editing);
+  change_codes_store(&editing, [&] { fill_codes_store(&editing); });
   v_window_stack_run_window(context->window_stack, editing.window, Maximize::yes,
                             GTK_WIDGET(editing.name_editor));
   return editing.saved;

@@ -34,6 +34,13 @@ void destroy_callback(GtkWidget *widget) {
   GTK_WIDGET_CLASS(v_langstr_display_parent_class)->destroy(widget);
 }
 
+// As wide as was asked for, whatever the text: it wraps, and the rows beside the display keep their
+// places.
+void get_preferred_width(GtkWidget *, int *minimum, int *natural) {
+  *minimum = 0;
+  *natural = 0;
+}
+
 void insert_translation(GtkTextBuffer *buffer, GtkTextIter *place, const VLangstr *translation) {
   const OwnedText language = v_supported_languages_format_language_string(translation->lang.get());
   const OwnedText text = v_convert_latin1_to_utf8(translation->text.get());
@@ -46,10 +53,14 @@ void insert_translation(GtkTextBuffer *buffer, GtkTextIter *place, const VLangst
 
 static void v_langstr_display_class_init(VLangstrDisplayClass *klass) {
   GTK_WIDGET_CLASS(klass)->destroy = destroy_callback;
+  GTK_WIDGET_CLASS(klass)->get_preferred_width = get_preferred_width;
 }
 
 static void v_langstr_display_init(VLangstrDisplay *display) {
   gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(display), FALSE);
+  // No text changes the size of the display: without this, each would lay out and paint the whole
+  // window again, a long list included.
+  gtk_container_set_resize_mode(GTK_CONTAINER(display), GTK_RESIZE_QUEUE);
 }
 
 GtkWidget *v_langstr_display_new(int width, int height) {
