@@ -10,7 +10,7 @@ guint16 find_keycode(guint keyval) {
   GdkKeymapKey *keys = nullptr;
   int count = 0;
   GdkKeymap *keymap = gdk_keymap_get_for_display(gdk_display_get_default());
-  if (!gdk_keymap_get_entries_for_keyval(keymap, keyval, &keys, &count)) {
+  if (!gdk_keymap_get_entries_for_keyval(keymap, keyval, &keys, &count) || count == 0) {
     return 0;
   }
   const auto keycode = static_cast<guint16>(keys[0].keycode);

@@ -36,7 +36,7 @@ GtkEntry *code_field() {
 
 std::vector<std::string> labels() {
   std::vector<std::string> texts;
-  for (GtkWidget *label : find_widgets(window(), GTK_TYPE_LABEL)) {
+  for (GtkWidget *label : find_widgets(gtk_bin_get_child(GTK_BIN(window())), GTK_TYPE_LABEL)) {
     if (gtk_widget_get_ancestor(label, GTK_TYPE_BUTTON) == nullptr &&
         gtk_widget_get_ancestor(label, GTK_TYPE_COMBO_BOX) == nullptr) {
       texts.emplace_back(gtk_label_get_text(GTK_LABEL(label)));
