@@ -40,12 +40,13 @@ def children(accessible):
             yield child
 
 
-def descendants(accessible):
-    """All below the object in reading order. Lists are not entered: their cells are many, and found by row instead."""
+def descendants(accessible, closed=LISTS):
+    """All below the object in reading order. Objects of the closed roles are not entered: the cells of a list are many, and
+    found by row instead."""
     for child in children(accessible):
         yield child
-        if role(child) not in LISTS:
-            yield from descendants(child)
+        if role(child) not in closed:
+            yield from descendants(child, closed)
 
 
 def role(accessible):

@@ -1,5 +1,6 @@
 """The user's hands and eyes: mouse, keyboard, clipboard and screen of the X display."""
 
+import re
 import subprocess
 
 # A pause between keystrokes, in milliseconds. Characters outside the keyboard's layout are typed by remapping a key, which
@@ -50,6 +51,32 @@ def clipboard():
     answer = subprocess.run(
         ("xclip", "-selection", "clipboard", "-out", "-target", "UTF8_STRING"), capture_output=True, check=True, timeout=10)
     return answer.stdout.decode()
+
+
+def window_id(pid, title):
+    """The X window of that title that the process shows."""
+    pattern = "^" + re.sub(r"([][\\^$.*+?(){}|])", r"\\\1", title) + "$"
+    answer = subprocess.run(
+        ("xdotool", "search", "--all", "--onlyvisible", "--pid", str(pid), "--name", pattern), capture_output=True, check=True,
+        text=True, timeout=10)
+    return answer.stdout.split()[-1]
+
+
+def activate(window):
+    """Raises an X window and gives it the keyboard, as a click on its task bar button does."""
+    xdotool("windowactivate", window)
+
+
+def resize(window, width, height):
+    """Asks the window manager for a size, as dragging a corner does. The program may insist on more."""
+    xdotool("windowsize", window, width, height)
+
+
+def screen_size():
+    """(width, height) in pixels."""
+    answer = subprocess.run(("xdotool", "getdisplaygeometry"), capture_output=True, check=True, text=True, timeout=10)
+    width, height = answer.stdout.split()
+    return int(width), int(height)
 
 
 def screenshot(path):

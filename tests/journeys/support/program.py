@@ -47,6 +47,26 @@ class Program:
         return self.process.poll() is None
 
     @property
+    def is_asleep(self):
+        """Whether it waits for something to happen just now."""
+        return self.scheduling()[0] == "S"
+
+    @property
+    def processor_time(self):
+        """What it has spent so far, in ticks of the system's clock."""
+        return sum(map(int, self.scheduling()[11:13]))
+
+    @property
+    def private_memory(self):
+        """KiB that it alone has written to."""
+        lines = pathlib.Path(f"/proc/{self.pid}/smaps_rollup").read_text().splitlines()
+        return sum(int(line.split()[1]) for line in lines if line.startswith(("Private_Dirty:", "Swap:")))
+
+    def scheduling(self):
+        """The system's account of it, from the third field on: what stands before may hold blanks."""
+        return pathlib.Path(f"/proc/{self.pid}/stat").read_text().rpartition(")")[2].split()
+
+    @property
     def printed(self):
         """All that the program has printed so far."""
         return self.output.read_text(errors="replace")

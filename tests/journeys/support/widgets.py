@@ -130,8 +130,11 @@ class Widget:
                 label_before = accessibility.name(accessible)
             elif own_role not in ("filler", "panel", "scroll pane", "viewport"):
                 label_before = None
+        if not showing:
+            return found
         # Containers tell of their children in any order; a person reads from the top.
-        return sorted(found, key=lambda widget: widget.extents[1::-1]) if showing else found
+        places = [(widget.extents, widget) for widget in found]
+        return [widget for _, widget in sorted((place for place in places if place[0]), key=lambda place: place[0][1::-1])]
 
     def find(self, role=None, name=None, labelled=None, index=0, seconds=DEFAULT_SECONDS):
         """The widget of that index among those that fit, waiting until it is there."""
@@ -365,6 +368,28 @@ class Window(Widget):
 
     def expect_closed(self, seconds=DEFAULT_SECONDS):
         self.program.wait(lambda: not self.is_open, lambda: f"{self!r} to close", seconds)
+
+    @property
+    def window_id(self):
+        return display.window_id(self.program.pid, self.title)
+
+    def activate(self):
+        """Brings it before the windows of other programs."""
+        if not self.is_active:
+            display.activate(self.window_id)
+        return self.expect_active()
+
+    def resize(self, width, height):
+        """Asks for a size, and returns the extents that came of it."""
+        display.resize(self.window_id, width, height)
+        settle(0.2)
+        return self.resting_extents()
+
+    def toggle_maximized(self):
+        """As a double click on its title bar does. Returns the extents afterwards."""
+        self.press("alt+F10")
+        settle(0.2)
+        return self.resting_extents()
 
     def press(self, *keys):
         """Presses keys wherever the focus is in this window."""

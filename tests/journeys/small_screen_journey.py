@@ -1,0 +1,320 @@
+"""Every window on the screen that is there, with all that is in it: long names, long paths, many languages. Once with the usual
+text and once with larger text."""
+
+import itertools
+import re
+
+from support import MAIN_WINDOW, Journey, WorkspaceJourney, codeset, display, main
+from support import accessibility
+from support.waiting import settle
+
+UK = "English/United Kingdom [en-uk]"
+ASSISTANT = "Vantorelle Workspace Setup"
+QUESTION = "Are you sure you want to close the codeset without saving?"
+PARTS = (*accessibility.BUTTONS, *accessibility.TEXTS, *accessibility.LISTS, "combo box", "label", "icon")
+
+# 300 characters, of which no two stretches are the same.
+LONG = " ".join(f"Beschreibung {number:02}" for number in range(19))[:299] + "."
+TAGS = (
+    "en-uk", "en", "sv", "de", "de-de", "fr", "es", "da", "nb", "nn", "fi", "it", "pt", "is", "fo", "ga", "gd", "af", "eu",
+    "ca", "sq", "sw", "nl", "en-us", "en-au", "en-ca", "en-ie", "de-at", "de-ch", "fr-fr",
+)
+LONG_NAMED = codeset(LONG, "Vera", "2", [("W1", "Split"), ("W2", {tag: LONG for tag in TAGS[:3]})])
+MANY = codeset(
+    {tag: f"Name {tag}" for tag in TAGS}, "Vera", "2", [("W1", {tag: f"Split {tag}" for tag in TAGS}), ("W2", "Worm")])
+LONG_FILE_NAME = "a" * 247 + ".codeset"
+
+
+def overlap(first, second):
+    x, y, width, height = first
+    return x < second[0] + second[2] and second[0] < x + width and y < second[1] + second[3] and second[1] < y + height
+
+
+class Fitting:
+    """What is expected of every window."""
+
+    scale = 1
+
+    def setUp(self):
+        super().setUp()
+        self.assertEqual(len(LONG), 300)
+
+    def start_program(self, **options):
+        return super().start_program(GDK_DPI_SCALE=str(self.scale), **options)
+
+    def expect_inside(self, what, extents, around):
+        x, y, width, height = extents
+        self.assertTrue(
+            x >= around[0] and y >= around[1] and x + width <= around[0] + around[2] and y + height <= around[1] + around[3],
+            f"{what!r} at {extents} reaches out of {around}")
+
+    def expect_fitting(self, window):
+        """The window is on the screen, and so is all that is in it."""
+        self.expect_inside(window, window.resting_extents(), (0, 0, *display.screen_size()))
+        self.expect_fitting_inside(window)
+
+    def expect_fitting_inside(self, window):
+        """What is in the window is inside it, and nothing covers anything."""
+        window.accessible.clear_cache()
+        extents = window.resting_extents()
+        parts = list(self.parts(window.accessible))
+        for is_scrolled, part, place in parts:
+            if not is_scrolled:
+                self.expect_inside(self.names(part), place, extents)
+        for (scrolled, part, place), (other_scrolled, other_part, other_place) in itertools.combinations(parts, 2):
+            if scrolled == other_scrolled:
+                self.assertFalse(overlap(place, other_place), f"{self.names(part)} and {self.names(other_part)} overlap")
+
+    def parts(self, accessible, is_scrolled=False):
+        """Whatever is operated or read in the window: whether it can be scrolled, the accessible object, and its place."""
+        for child in accessibility.children(accessible):
+            role, place = accessibility.role(child), accessibility.extents(child)
+            # A viewport does not tell where it is, but what scrolls it does.
+            scrolls = role == "scroll pane" and "viewport" in map(accessibility.role, accessibility.children(child))
+            if (role in PARTS or scrolls) and place and "showing" in accessibility.states(child):
+                yield is_scrolled, child, place
+            if role not in PARTS:
+                yield from self.parts(child, is_scrolled or role == "viewport")
+
+    def names(self, accessible):
+        return f"{accessibility.role(accessible)} {accessibility.name(accessible)!r}"
+
+    def scroller(self, window):
+        """What scrolls the fields of the window: the first and outermost that there is."""
+        return window.find("scroll pane")
+
+    def expect_shrinking(self, window):
+        """However small the user makes the window, it is no larger than it was, or than the screen, and all is still there."""
+        before = window.resting_extents()
+        self.expect_fitting_inside(window)
+        after = window.resize(1, 1)
+        for one, other, limit in zip(after[2:], before[2:], display.screen_size()):
+            self.assertLessEqual(one, min(other, limit))
+        self.expect_fitting_inside(window)
+
+
+class SmallScreen(Fitting, WorkspaceJourney):
+    def edit(self, program, window, row, name):
+        window.list().row(row).select()
+        window.button("Edit").click()
+        return program.window(f"Edit remark codeset - {name}")
+
+    def leave(self, program, editing):
+        editing.button("Close").click()
+        question = program.dialog("Really close?")
+        self.expect_fitting(question)
+        question.answer("Close")
+        editing.expect_closed()
+
+    def expect_fitting_message(self, program, title, message, answer):
+        dialog = program.dialog(title)
+        self.assertEqual(dialog.message, message)
+        self.expect_fitting(dialog)
+        dialog.answer(answer)
+
+    def go_back_to(self, window, label, index=0):
+        """Presses Shift+Tab until the text field of that label has the focus, wherever it is scrolled to."""
+        field = window.find_all(accessibility.TEXTS, labelled=label, showing=False)[index]
+        for _ in range(15):
+            window.press("shift+Tab")
+            settle()
+            if field.is_focused:
+                return field
+        return self.fail(f"Shift+Tab does not lead to {field!r}")
+
+    def test_the_main_window(self):
+        self.put("long.codeset", LONG_NAMED)
+        self.put("plain.codeset", codeset("Plain", remarks=[("1", "One")]))
+        self.put("strange.codeset", b"a letter")
+        program, window = self.open()
+        text = f"{LONG} (Vera) 2"
+        self.expect_fitting(window)
+        self.expect_shrinking(window)
+        window.list().expect_texts(["strange.codeset", text, "Plain"])
+        window.list().row(text).select()
+        window.button("Delete").click()
+        self.expect_fitting_message(
+            program, "Question", f'Do you really want to delete "{text}" from your workspace?', "No")
+        window.list().row(text).select()
+        window.button("Clone").click()
+        naming = program.window("Add new")
+        self.expect_fitting(naming)
+        self.expect_shrinking(naming)
+        naming.field().enter("long.codeset")
+        naming.button("OK").click()
+        self.expect_fitting_message(program, "Error", f'That file name is already taken for "{text}"', "Close")
+        naming.field().enter(LONG_FILE_NAME)
+        self.expect_fitting(naming)
+        naming.button("OK").click()
+        naming.expect_closed()
+        self.assertEqual(self.contents()[LONG_FILE_NAME], LONG_NAMED)
+        self.expect_shrinking(window)
+        # As large as the screen, and back.
+        window.toggle_maximized()
+        self.expect_fitting(window)
+        window.toggle_maximized()
+        self.expect_fitting(window)
+        self.end(program, window)
+
+    def test_long_paths(self):
+        path = self.put(LONG_FILE_NAME, b"<codesets/>")
+        source = self.folder / LONG_FILE_NAME
+        source.write_bytes(b"a letter")
+        program, window = self.open()
+        self.expect_fitting(window)
+        self.expect_shrinking(window)
+        window.list().row(LONG_FILE_NAME).select()
+        window.field("File name of selected item").expect_text(LONG_FILE_NAME)
+        window.button("Edit").click()
+        self.expect_fitting_message(
+            program, "Error", f"Error when loading the codeset file:\n\n{path}\n\nNot a codeset file.", "Close")
+        window.button("Add from file").click()
+        chooser = program.file_chooser()
+        self.expect_inside(chooser, chooser.resting_extents(), (0, 0, *display.screen_size()))
+        chooser.choose(source)
+        self.expect_fitting_message(program, "Question", f'Really overwrite "{path}" with "{source}"?', "No")
+        window.list().row(LONG_FILE_NAME).select()
+        path.unlink()
+        path.mkdir()
+        window.button("Delete").click()
+        self.expect_fitting_message(
+            program, "Question", f'Do you really want to delete "{LONG_FILE_NAME}" from your workspace?', "Yes")
+        self.expect_fitting_message(program, "Error", f"Couldn't delete the file.\n\n{path}", "Close")
+        self.expect_shrinking(window)
+
+    def test_the_bundled_selector(self):
+        stage = self.copy_stage()
+        (stage / "codesets" / "long.codeset").write_bytes(LONG_NAMED)
+        (stage / "codesets" / LONG_FILE_NAME).write_bytes(b"a letter")
+        for number in range(30):
+            (stage / "codesets" / f"more{number}.codeset").write_bytes(codeset(f"More {number}", remarks=[("1", "One")]))
+        program, window = self.open(stage=stage)
+        window.button("Add bundled").click()
+        selector = program.window("Select one to add")
+        self.expect_fitting(selector)
+        self.expect_shrinking(selector)
+        selector.list().row("More 9").select()
+        selector.list().row(f"{LONG} (Vera) 2").select()
+        selector.button("OK").click()
+        selector.expect_closed()
+        self.assertEqual(self.contents(), {"long.codeset": LONG_NAMED})
+        self.expect_fitting(window)
+
+    def test_a_name_in_many_languages(self):
+        path = self.put("many.codeset", MANY)
+        program, window = self.open()
+        editing = self.edit(program, window, "Name en-uk (Vera) 2", "many.codeset")
+        self.expect_fitting(editing)
+        self.assertEqual(editing.resting_extents(), (0, 0, *display.screen_size()))
+        # What the keys lead to scrolls into view.
+        version = self.go_back_to(editing, "Version")
+        viewport = self.scroller(editing).extents
+        self.expect_inside(version, version.resting_extents(), viewport)
+        self.expect_fitting(editing)
+        version.press("Tab")
+        settle()
+        for button in ("Add new", "Edit", "Delete"):
+            self.expect_inside(button, editing.button(button).resting_extents(), viewport)
+        editing.button("Edit").click()
+        dialog = program.window("Edit remark code")
+        self.expect_fitting(dialog)
+        self.expect_shrinking(dialog)
+        last = self.go_back_to(dialog, "French/France [fr-fr]")
+        self.expect_inside(last, last.resting_extents(), self.scroller(dialog).extents)
+        display.press("End")
+        display.type_text("!")
+        dialog.button("OK").click()
+        dialog.expect_closed()
+
+        editing.toggle_maximized()
+        self.expect_shrinking(editing)
+        editing.toggle_maximized()
+        self.expect_fitting(editing)
+        editing.button("Save codeset").click()
+        editing.expect_closed()
+        self.assertEqual(path.read_bytes(), MANY.replace(b"Split fr-fr", b"Split fr-fr!"))
+
+    def test_long_texts_are_edited(self):
+        self.put("long.codeset", LONG_NAMED)
+        program, window = self.open()
+        editing = self.edit(program, window, f"{LONG} (Vera) 2", "long.codeset")
+        editing.field(UK).expect_text(LONG)
+        self.expect_fitting(editing)
+        size = editing.toggle_maximized()[2:]
+        editing.toggle_maximized()
+        codes = editing.list("Remark codes")
+        codes.expect_texts(["W1. Split", f"W2. {LONG}"])
+        place = codes.resting_extents()
+        codes.row(f"W2. {LONG}").select()
+        self.expect_fitting(editing)
+        # A long description takes no room from the list, and asks for none from the screen.
+        self.assertEqual(codes.resting_extents(), place)
+        editing.button("Edit").click()
+        dialog = program.window("Edit remark code")
+        self.expect_fitting(dialog)
+        self.expect_shrinking(dialog)
+        one_more = dialog.extents
+        dialog.button(" + ").click()
+        program.wait(lambda: dialog.extents[3] > one_more[3], "the dialog to make room for a row")
+        self.expect_fitting(dialog)
+        dialog.button(" - ", index=-1).click()
+        program.wait(lambda: dialog.extents[2:] == one_more[2:], "the dialog to shrink again")
+        self.expect_fitting(dialog)
+        dialog.button("Cancel").click()
+        dialog.expect_closed()
+        self.assertEqual(editing.toggle_maximized()[2:], size)
+        self.expect_shrinking(editing)
+        self.leave(program, editing)
+        self.end(program, window)
+
+
+class Beginnings(Fitting, Journey):
+    def expect_fitting_page(self, assistant, *buttons):
+        self.expect_fitting(assistant)
+        self.expect_shrinking(assistant)
+        for button in buttons:
+            assistant.button(button).expect_sensitive()
+
+    def test_the_assistant(self):
+        program = self.start_program()
+        assistant = program.window(ASSISTANT)
+        self.expect_fitting_page(assistant, "Cancel", "Next")
+        assistant.button("Next").click()
+        assistant.field("Workspace location").paste("/" + "y" * 300)
+        self.expect_fitting_page(assistant, "Cancel", "Browse...", "Apply")
+        assistant.button("Browse...").click()
+        chooser = program.file_chooser()
+        self.expect_inside(chooser, chooser.resting_extents(), (0, 0, *display.screen_size()))
+        chooser.cancel()
+        assistant.button("Apply").click()
+        refusal = program.dialog("Error")
+        self.assertEqual(
+            refusal.message,
+            "Cannot access the specified location.\n\nCannot get file status.\n\nError 36: File name too long")
+        self.expect_fitting(refusal)
+        refusal.answer("Close")
+        assistant.button("Next").click()
+        assistant.field("Workspace location").clear()
+        assistant.field("Workspace location").paste(str(self.home / "Mine"))
+        assistant.button("Apply").click()
+        self.expect_fitting_page(assistant, "Close")
+        assistant.button("Close").click()
+        window = program.window(MAIN_WINDOW)
+        self.expect_shrinking(window)
+        window.list().row(re.compile("^Metals ")).select()
+        window.button("Edit").click()
+        question = program.dialog("Question")
+        self.expect_fitting(question)
+        question.answer("No")
+
+
+class SmallScreenWithLargerText(SmallScreen):
+    scale = 1.4
+
+
+class BeginningsWithLargerText(Beginnings):
+    scale = 1.4
+
+
+if __name__ == "__main__":
+    main()
