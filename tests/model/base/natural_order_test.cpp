@@ -108,6 +108,15 @@ const std::vector<std::string> &short_texts() {
   return texts;
 }
 
+// Every text of one byte.
+std::vector<std::string> every_byte() {
+  std::vector<std::string> texts;
+  for (int byte = 1; byte <= 0xFF; byte++) {
+    texts.emplace_back(1, static_cast<char>(byte));
+  }
+  return texts;
+}
+
 struct Row {
   const char *a, *b;
   int plain, fold, zero, zero_fold;
@@ -197,19 +206,29 @@ TEST(NaturalOrder, SortsAsPeopleDo) {
   }
 }
 
-class NaturalOrderVariants : public testing::TestWithParam<std::tuple<bool, bool>> {};
-
-TEST_P(NaturalOrderVariants, FollowsTheRulesForAllShortTexts) {
-  const auto [fold_case, skip_zeros] = GetParam();
-  for (const std::string &a : short_texts()) {
-    for (const std::string &b : short_texts()) {
-      const int order = strnatcmp0(a.c_str(), b.c_str(), fold_case, skip_zeros);
-      ASSERT_EQ(order, reference::compare(a, b, fold_case, skip_zeros))
-          << "\"" << a << "\" and \"" << b << "\"";
-      ASSERT_EQ(order, -strnatcmp0(b.c_str(), a.c_str(), fold_case, skip_zeros))
-          << "\"" << a << "\" and \"" << b << "\"";
+class NaturalOrderVariants : public testing::TestWithParam<std::tuple<bool, bool>> {
+protected:
+  static void expect_rules_for_all_pairs(const std::vector<std::string> &texts) {
+    const auto [fold_case, skip_zeros] = GetParam();
+    for (const std::string &a : texts) {
+      for (const std::string &b : texts) {
+        const int order = strnatcmp0(a.c_str(), b.c_str(), fold_case, skip_zeros);
+        ASSERT_EQ(order, reference::compare(a, b, fold_case, skip_zeros))
+            << "\"" << a << "\" and \"" << b << "\"";
+        ASSERT_EQ(order, -strnatcmp0(b.c_str(), a.c_str(), fold_case, skip_zeros))
+            << "\"" << a << "\" and \"" << b << "\"";
+      }
     }
   }
+};
+
+TEST_P(NaturalOrderVariants, FollowsTheRulesForAllShortTexts) {
+  expect_rules_for_all_pairs(short_texts());
+}
+
+// Where the digits, the letters of either case and the whitespace begin and end.
+TEST_P(NaturalOrderVariants, FollowsTheRulesForEveryByte) {
+  expect_rules_for_all_pairs(every_byte());
 }
 
 TEST_P(NaturalOrderVariants, EntryPointIsTheVariant) {
@@ -259,10 +278,11 @@ void expect_key_agrees(const std::string &a, const std::string &b) {
 }
 
 TEST(NaturalOrder, KeysThatDifferDecideAsTheComparison) {
-  const std::vector<std::string> texts = short_texts();
-  for (const std::string &a : texts) {
-    for (const std::string &b : texts) {
-      expect_key_agrees(a, b);
+  for (const std::vector<std::string> &texts : {short_texts(), every_byte()}) {
+    for (const std::string &a : texts) {
+      for (const std::string &b : texts) {
+        expect_key_agrees(a, b);
+      }
     }
   }
 }

@@ -131,6 +131,8 @@ const Codes orders[] = {
     {"1", "1a", "9", "10"},
     {"A1", "a1"},
     {"07", "7"},
+    {"a07", "A7"},     // zeros tell codes apart before case does
+    {"1.05", "1.049"}, // without their zeros 5 and 49
     {"2", "10"},
     {"a7", "A8"},
     {"A8", "a8", "a9"},

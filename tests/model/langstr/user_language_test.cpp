@@ -27,7 +27,8 @@ TEST(UserLanguage, TheLocaleDecides) {
       {"de_AT@euro", "de"},  {"de_DE", "de-de"},    {"fr", "fr"},
       {"fr_FR.UTF-8", "fr"}, {"nb_NO", "nb"},       {"C", ""},
       {"C.UTF-8", ""},       {"POSIX", ""},         {"xx", ""},
-      {"xx_YY.UTF-8", ""},   {"tlh_SV", ""},
+      {"xx_YY.UTF-8", ""},   {"tlh_SV", ""},        {"af", "af"},
+      {"af_ZA.UTF-8", "af"},
   };
   for (const LocaleName &name : names) {
     const UserLocale locale(name.name);
@@ -53,7 +54,7 @@ TEST(UserLanguage, TheVariableComesFirst) {
       {"sv-fi", "sv-fi"},   {"en-uk", "en-uk"}, {"en_UK", "en-uk"}, {"en_GB", "en"},
       {"en-gb", "fr"},      {"de_AT_x", "de"},  {"de_", "de"},      {"_de", "fr"},
       {"xx", "fr"},         {"", "fr"},         {"_", "fr"},        {"C", "fr"},
-      {"sv\xC3\xA5", "fr"}, {" sv", "fr"},      {"sv.UTF-8", "fr"},
+      {"sv\xC3\xA5", "fr"}, {" sv", "fr"},      {"sv.UTF-8", "fr"}, {"af", "af"},
   };
   for (const LocaleName &name : names) {
     const EnvironmentVariable chosen("VANTORELLE_USER_LANGUAGE", name.name);

@@ -132,6 +132,7 @@ TEST_F(Settings, ThePreferredLanguagesOfAUser) {
       {"es_MX", "[es-mx][es][en-uk][en]"},
       {"es_MX.UTF-8", "[es-es][es][en-uk][en]"},
       {"nb_NO", "[nb][en-uk][en]"},
+      {"af", "[af][en-uk][en]"}, // the first of the supported languages
       {"C", "[en-uk][en]"},
       {"xx", "[en-uk][en]"},
   };

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "base/error.h"
 #include "model/workspace/workspace_parts.h"
@@ -120,6 +121,15 @@ TEST_F(Workspace, AFileInThePlaceOfASubFolder) {
     write_file(folder + "/" + name, "x");
     EXPECT_EQ(v_workspace_open(), nullptr) << name;
     EXPECT_EQ(read_file(folder + "/" + name), "x");
+  }
+}
+
+TEST_F(Workspace, APipeInThePlaceOfASubFolder) {
+  for (const char *name : {"codesets", "layouts", "documents", "templates"}) {
+    std::filesystem::remove_all(folder);
+    point_to_a_new_folder();
+    ASSERT_EQ(mkfifo((folder + "/" + name).c_str(), 0600), 0);
+    EXPECT_EQ(v_workspace_open(), nullptr) << name;
   }
 }
 
