@@ -51,6 +51,8 @@ static void v_screen_high_scroller_init(VScreenHighScroller *scroller) {
   GtkScrolledWindow *scrolled_window = GTK_SCROLLED_WINDOW(scroller);
   gtk_scrolled_window_set_policy(scrolled_window, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
   gtk_scrolled_window_set_overlay_scrolling(scrolled_window, FALSE);
+  // The focus is for what can be operated.
+  gtk_widget_set_can_focus(GTK_WIDGET(scroller), FALSE);
   gtk_scrolled_window_set_propagate_natural_height(scrolled_window, TRUE);
   gtk_scrolled_window_set_max_content_height(scrolled_window,
                                              get_usable_height(GTK_WIDGET(scroller)));

@@ -309,6 +309,17 @@ TEST(MessageDialogs, AnOverlongLineWrapsAndAShortOneDoesNot) {
   }
 }
 
+TEST(MessageDialogs, TheFocusIsOnAButton) {
+  for (const std::size_t length : {10U, 30'000U}) {
+    when_dialog_shows([](GtkDialog *dialog) {
+      GtkWidget *focus = gtk_window_get_focus(GTK_WINDOW(dialog));
+      EXPECT_TRUE(GTK_IS_BUTTON(focus));
+      gtk_dialog_response(dialog, GTK_RESPONSE_CLOSE);
+    });
+    v_message_show_error(nullptr, std::string(length, 'x').c_str());
+  }
+}
+
 TEST(MessageDialogs, AnEndlessTextLeavesTheButtonsOnTheScreen) {
   std::string words;
   for (int i = 0; i < 5000; ++i) {
