@@ -79,6 +79,21 @@ OwnedText v_convert_latin1_to_utf8(const char *latin1_text) {
   return utf8_text;
 }
 
+void v_utf8_string_append_latin1(VUtf8String *string, const char *latin1_text) {
+  const char *end = latin1_text + std::strlen(latin1_text);
+  for (const char *in = latin1_text;;) {
+    const char *run_end = skip_ascii(in, end);
+    g_string_append_len(string, in, run_end - in);
+    if (run_end == end) {
+      break;
+    }
+    const auto byte = static_cast<unsigned char>(*run_end);
+    v_utf8_string_append_byte(string, static_cast<char>(0xC0 | (byte >> 6)));
+    v_utf8_string_append_byte(string, static_cast<char>(0x80 | (byte & 0x3F)));
+    in = run_end + 1;
+  }
+}
+
 OwnedText v_convert_utf8_to_latin1(const char *utf8_text) {
   // Opening a converter costs as much as parsing a whole remark does: it is left for the texts that
   // do not fit, or that it alone knows how to fit.

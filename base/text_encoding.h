@@ -2,9 +2,12 @@
 // Between the ISO-8859-1 of the data model and the UTF-8 of XML parser, toolkit and file system.
 
 #include "base/owned.h"
+#include "base/text_buffer.h"
 
 // New UTF-8 text of an ISO-8859-1 text; never fails.
 OwnedText v_convert_latin1_to_utf8(const char *latin1_text);
+// Appends an ISO-8859-1 text to a UTF-8 string; one string may so serve many texts.
+void v_utf8_string_append_latin1(VUtf8String *string, const char *latin1_text);
 // New ISO-8859-1 text of a UTF-8 text; null with "Character incompatible with ISO-8859-1 found
 // where not allowed." when it holds a character that ISO-8859-1 does not have.
 OwnedText v_convert_utf8_to_latin1(const char *utf8_text);

@@ -145,21 +145,26 @@ void build_window(EditingWindow *editing) {
 
 // Update: model to widgets.
 
-OwnedText format_row(const EditingWindow *editing, const VRemark *remark) {
-  const char *description =
-      v_util_get_langstr_string(settings_of(editing), remark->description.get());
-  const OwnedText latin1_text(g_strconcat(remark->code.get(), ". ", description, nullptr));
-  return v_convert_latin1_to_utf8(latin1_text.get());
+// Into the text, in place of what it held.
+void format_row(const EditingWindow *editing, const VRemark *remark, VUtf8String *text) {
+  g_string_truncate(text, 0);
+  v_utf8_string_append_latin1(text, remark->code.get());
+  v_utf8_string_append(text, ". ");
+  if (const char *description =
+          v_util_get_langstr_string(settings_of(editing), remark->description.get())) {
+    v_utf8_string_append_latin1(text, description);
+  }
 }
 
 // The values only point to what the store copies: gtk_list_store_insert_with_values would copy each
-// text once more, which makes filling a third slower. Place: from 0; -1 is the end.
-void insert_row(const EditingWindow *editing, VRemark *remark, int place) {
-  const OwnedText utf8_text = format_row(editing, remark);
+// text once more, which makes filling a third slower. Text: room for what the row reads, which many
+// rows may use in turns. Place: from 0; -1 is the end.
+void insert_row(const EditingWindow *editing, VRemark *remark, VUtf8String *text, int place) {
+  format_row(editing, remark, text);
   int columns[] = {display_text_column, remark_column};
   GValue values[] = {G_VALUE_INIT, G_VALUE_INIT};
   g_value_init(&values[0], G_TYPE_STRING);
-  g_value_set_static_string(&values[0], utf8_text.get());
+  g_value_set_static_string(&values[0], text->str);
   g_value_init(&values[1], G_TYPE_POINTER);
   g_value_set_pointer(&values[1], remark);
   gtk_list_store_insert_with_valuesv(editing->codes_store.get(), nullptr, place, columns, values,
@@ -167,9 +172,10 @@ void insert_row(const EditingWindow *editing, VRemark *remark, int place) {
 }
 
 void fill_codes_store(const EditingWindow *editing) {
+  const OwnedUtf8String text = v_utf8_string_new(nullptr);
   const VRemarkList *list = editing->codeset->remarks.get();
   for (VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-    insert_row(editing, remark, -1);
+    insert_row(editing, remark, text.get(), -1);
   }
 }
 
@@ -263,7 +269,8 @@ int edit_remark(EditingWindow *editing, VRemark *remark) {
 void insert_remark(const EditingWindow *editing, OwnedRemark owned_remark) {
   VRemark *remark = owned_remark.get();
   v_remark_list_add_remark_sorted(editing->codeset->remarks.get(), std::move(owned_remark));
-  insert_row(editing, remark, v_remark_get_index(remark));
+  const OwnedUtf8String text = v_utf8_string_new(nullptr);
+  insert_row(editing, remark, text.get(), v_remark_get_index(remark));
 }
 
 void add_callback(GtkButton *, EditingWindow *editing) {

@@ -278,8 +278,7 @@ void grab_focus_without_selecting(GtkWidget *widget) {
 // Checks the row in the language, or not at all for null. Setting the checker first keeps gspell
 // from loading the default language's dictionary for the field.
 void set_spelling_language(LangstrEditorRow *row, const GspellLanguage *language) {
-  const OwnedObject<GspellChecker> checker = v_shared_checkers_get(language);
-  kind_of(row).set_checker(row->text_field.get(), checker.get());
+  kind_of(row).set_checker(row->text_field.get(), v_shared_checkers_get(language));
   kind_of(row).set_inline_checking(row->text_field.get(), language != nullptr);
   row->spelling_language = language;
   row->has_own_checker = false;

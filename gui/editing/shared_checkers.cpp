@@ -3,31 +3,23 @@
 #include <algorithm>
 #include <vector>
 
+#include "gui/owned_objects.h"
+
 namespace {
 
-// Those that some field has; each leaves when the last of its fields has gone.
-std::vector<GspellChecker *> checkers;
-
-void forget(void *, GObject *gone) {
-  const auto is_gone = [gone](const GspellChecker *checker) {
-    return static_cast<const void *>(checker) == gone;
-  };
-  checkers.erase(std::find_if(checkers.begin(), checkers.end(), is_gone));
-}
+// One for each language that any field has been checked in.
+std::vector<OwnedObject<GspellChecker>> checkers;
 
 } // namespace
 
-OwnedObject<GspellChecker> v_shared_checkers_get(const GspellLanguage *language) {
+GspellChecker *v_shared_checkers_get(const GspellLanguage *language) {
   const GspellLanguage *wanted = language == nullptr ? gspell_language_get_default() : language;
-  const auto found =
-      std::find_if(checkers.begin(), checkers.end(), [wanted](GspellChecker *checker) {
-        return gspell_checker_get_language(checker) == wanted;
-      });
+  const auto has_wanted_language = [wanted](const OwnedObject<GspellChecker> &checker) {
+    return gspell_checker_get_language(checker.get()) == wanted;
+  };
+  const auto found = std::find_if(checkers.begin(), checkers.end(), has_wanted_language);
   if (found != checkers.end()) {
-    return share(*found);
+    return found->get();
   }
-  OwnedObject<GspellChecker> checker = take(gspell_checker_new(language));
-  g_object_weak_ref(G_OBJECT(checker.get()), forget, nullptr);
-  checkers.push_back(checker.get());
-  return checker;
+  return checkers.emplace_back(take(gspell_checker_new(language))).get();
 }

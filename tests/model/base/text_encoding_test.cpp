@@ -49,6 +49,20 @@ TEST_F(TextEncoding, EveryLatin1CharacterGoesThereAndBack) {
   EXPECT_EQ(latin1_text.get(), all_latin1_bytes());
 }
 
+TEST_F(TextEncoding, Latin1IsAppendedToWhatAStringHolds) {
+  const OwnedUtf8String string = v_utf8_string_new("\xE2\x82\xAC ");
+  for (const char *latin1_text : {"", "eight or more: \xE5", "\x80\xFF", "plain"}) {
+    v_utf8_string_append_latin1(string.get(), latin1_text);
+  }
+  EXPECT_STREQ(string->str, "\xE2\x82\xAC eight or more: \xC3\xA5\xC2\x80\xC3\xBFplain");
+}
+
+TEST_F(TextEncoding, EveryLatin1CharacterIsAppendedAsItIsConverted) {
+  const OwnedUtf8String string = v_utf8_string_new(nullptr);
+  v_utf8_string_append_latin1(string.get(), all_latin1_bytes().c_str());
+  EXPECT_STREQ(string->str, v_convert_latin1_to_utf8(all_latin1_bytes().c_str()).get());
+}
+
 TEST_F(TextEncoding, EmptyAndAsciiTextsStayAsTheyAre) {
   EXPECT_STREQ(v_convert_utf8_to_latin1("").get(), "");
   EXPECT_STREQ(v_convert_utf8_to_latin1("100 %s <&>\t\n").get(), "100 %s <&>\t\n");
@@ -77,6 +91,20 @@ TEST_F(TextEncoding, BytesThatAreNotUtf8AreRefused) {
     v_error_clear();
     EXPECT_EQ(v_convert_utf8_to_latin1(bytes), nullptr);
     EXPECT_STREQ(v_error_get(), incompatible);
+  }
+}
+
+TEST_F(TextEncoding, EveryTwoBytesAreRefusedOrOneCharacter) {
+  for (int first = 0x80; first < 256; first++) {
+    for (int second = 1; second < 256; second++) {
+      const std::string bytes = {static_cast<char>(first), static_cast<char>(second)};
+      std::string expected = "refused";
+      if (g_utf8_validate(bytes.data(), 2, nullptr) && g_utf8_get_char(bytes.data()) < 256) {
+        expected = static_cast<char>(g_utf8_get_char(bytes.data()));
+      }
+      const OwnedText latin1_text = v_convert_utf8_to_latin1(bytes.c_str());
+      ASSERT_EQ(latin1_text ? latin1_text.get() : "refused", expected) << first << " " << second;
+    }
   }
 }
 
