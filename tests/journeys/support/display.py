@@ -6,7 +6,7 @@ import subprocess
 # A pause between keystrokes, in milliseconds. Characters outside the keyboard's layout are typed by remapping a key, which
 # the program has to notice before the key arrives.
 KEY_DELAY = 8
-REMAPPED_KEY_DELAY = 60
+REMAPPED_KEY_DELAY = 100
 
 CONTROL_KEYS = {"\n": "Return", "\t": "Tab"}
 
