@@ -32,8 +32,10 @@ void get_preferred_width(GtkWidget *widget, int *minimum, int *natural) {
   GTK_WIDGET_CLASS(v_screen_high_scroller_parent_class)
       ->get_preferred_width(widget, minimum, natural);
   GtkWidget *child = gtk_bin_get_child(GTK_BIN(widget));
+  int least_width = 0;
   int height = 0;
-  gtk_widget_get_preferred_height(child, nullptr, &height);
+  gtk_widget_get_preferred_width(child, &least_width, nullptr);
+  gtk_widget_get_preferred_height_for_width(child, least_width, nullptr, &height);
   if (height <= gtk_scrolled_window_get_max_content_height(GTK_SCROLLED_WINDOW(widget))) {
     gtk_widget_get_preferred_width(child, minimum, natural);
   }

@@ -1,5 +1,7 @@
 #include "gui/components/main_window.h"
 
+#include <cstdio>
+
 #include "base/error.h"
 #include "base/file_utils.h"
 #include "base/fs_utils.h"
@@ -185,13 +187,19 @@ void refresh_list(const MainWindow *state) {
 
 // Copying into and out of the folder.
 
+bool can_be_read(const char *path) {
+  VFileInfo info;
+  if (!v_fs_utils_get_info(path, info) || !v_fs_utils_is_regular_file(info)) {
+    return false;
+  }
+  const OwnedFile file = v_fs_utils_open_file(path, "rb");
+  return file && (std::fgetc(file.get()) != EOF || std::ferror(file.get()) == 0);
+}
+
 // False when the file could not be copied. A source that cannot be read leaves the destination as
 // it is, which copying itself would not: it deletes first.
 bool copy_file(const char *source, const char *destination) {
-  VFileInfo info;
-  return v_fs_utils_get_info(source, info) && v_fs_utils_is_regular_file(info) &&
-         v_fs_utils_open_file(source, "rb") != nullptr &&
-         v_stream_copy_from_file_path_to_file_path(source, destination);
+  return can_be_read(source) && v_stream_copy_from_file_path_to_file_path(source, destination);
 }
 
 bool check_extension(const MainWindow *state, const char *path) {
