@@ -29,6 +29,8 @@ run     hunspell-en-us
 run     hunspell-sv
 run     hunspell-de-de
 run     hunspell-fr
+run     hunspell-es
+run     hunspell-nl
 test    libgtest-dev
 test    libgmock-dev
 test    locales

@@ -17,7 +17,7 @@ import unittest
 
 from layout import PROGRAM, InstalledProgramJourney, installed_files, main
 
-DICTIONARIES = {f"hunspell-{language}" for language in ("en-gb", "en-us", "sv", "de-de", "fr")}
+DICTIONARIES = {f"hunspell-{language}" for language in ("en-gb", "en-us", "sv", "de-de", "fr", "es", "nl")}
 LIBRARIES = {
     "libcairo2", "libfreetype6", "libglib2.0-0", "libgspell-1-2", "libgtk-3-0", "libjpeg62-turbo", "libpango-1.0-0",
     "libpng16-16", "librsvg2-2", "libxml2", "libxslt1.1", "libzip4",
