@@ -111,6 +111,26 @@ class ComponentManager(WorkspaceJourney):
         self.assertIsNone(window.list().row("Wood (Vera) 2").colour)
         self.assertNotIn(NOTICE, window.labels())
 
+    def test_an_incompatible_file_of_a_strange_name(self):
+        name = "two\nlines\t<b>&.codeset"
+        neighbours = {"two": b"2", "lines\t<b>&.codeset": WOOD, "two\nlines\t&lt;b&gt;&amp;.codeset": GLASS}
+        for other, data in {**neighbours, name: b"a letter"}.items():
+            self.put(other, data)
+        program, window = self.open()
+        window.list().expect_texts([name, "Glass 1.5", "Wood (Vera) 2"])
+        self.assertEqual(window.list().row(name).colour, RED)
+        window.list().row(name).select()
+        self.file_name(window).expect_text(name)
+        question = f'Do you really want to delete "{name}" from your workspace?'
+        for answer, left in (("No", {**neighbours, name: b"a letter"}), ("Yes", neighbours)):
+            self.ask_to_delete(window, name)
+            self.expect_message(program, "Question", question, answer)
+            window.expect_active()
+            self.expect_nothing_selected(window)
+            self.assertEqual(self.contents(), left)
+        window.list().expect_texts(["Glass 1.5", "Wood (Vera) 2"])
+        self.assertNotIn(NOTICE, window.labels())
+
     # Adding
 
     def test_add_from_file(self):

@@ -1,10 +1,12 @@
 """What happens around the program while it runs: a second program on the same workspace, a sudden end, files and folders that
 come, go and change. And every way out of every dialog."""
 
+import os
 import re
 import resource
 import shutil
 import signal
+import socket
 
 from support import MAIN_WINDOW, Journey, WorkspaceJourney, codeset, main
 
@@ -12,6 +14,7 @@ UK = "English/United Kingdom [en-uk]"
 ASSISTANT = "Vantorelle Workspace Setup"
 NOTICE = "Some incompatible files found. They are marked with red in the list:"
 QUESTION = "Are you sure you want to close the codeset without saving?"
+RED = (65535, 0, 0)
 NO_FOLDER = "The workspace fonts folder does not exist and could not be created."
 NO_CODES = "There must be at least one remark code in the codeset."
 TOO_SHORT = 'The file name must contain at least one character and then end with ".codeset"'
@@ -25,6 +28,10 @@ WOOD = codeset("Wood", "Vera", "2", [("W1", "Split"), ("W2", "Worm")])
 GLASS = codeset("Glass", version="1.5", remarks=[("G1", "Chip")])
 WOOD_TEXT = "Wood (Vera) 2"
 GLASS_TEXT = "Glass 1.5"
+
+# What put_hostile_entries() makes. The memory alone is a regular file.
+MEMORY = "memory.codeset"
+HOSTILE_ENTRIES = [MEMORY, "dangling.codeset", "endless.codeset", "loop.codeset", "pipe.codeset", "socket.codeset"]
 
 
 def leave(window, way_out):
@@ -511,6 +518,76 @@ class Robustness(WorkspaceJourney):
             program, "Error", f"An error occured when writing file.\n\n{self.codesets}/glass.codeset", "Close")
         window.expect_active()
         self.assertEqual(self.contents(), {})
+
+    # Entries that cannot be read
+
+    def put_hostile_entries(self, folder):
+        """Codesets by name that never end, never answer, lead nowhere or refuse to be read, by the superuser too."""
+        os.mkfifo(folder / "pipe.codeset")
+        # Made where its path is short enough for a socket's address.
+        with socket.socket(socket.AF_UNIX) as endpoint:
+            endpoint.bind(str(self.folder / "socket"))
+        (self.folder / "socket").rename(folder / "socket.codeset")
+        for name, target in (
+            ("endless", "/dev/zero"), ("dangling", "nowhere"), ("loop", "loop.codeset"), ("memory", "/proc/self/mem"),
+        ):
+            (folder / f"{name}.codeset").symlink_to(target)
+
+    def expect_rows(self, window, texts):
+        """In any order, which is the locale's."""
+        window.program.wait(
+            lambda: sorted(window.list().texts()) == sorted(texts),
+            lambda: f"the rows {texts!r}; they are {window.list().texts()!r}")
+
+    def test_hostile_entries_in_the_workspace(self):
+        self.put("wood.codeset", WOOD)
+        self.put_hostile_entries(self.codesets)
+        program, window = self.open()
+
+        def expect_listed(*texts):
+            window.list().expect_texts([MEMORY, *texts])
+            self.assertEqual([row.colour for row in window.list().rows()], [RED, *[None] * len(texts)])
+            window.label(NOTICE)
+
+        expect_listed(WOOD_TEXT)
+        self.put("glass.codeset", GLASS)
+        self.push(window, "Refresh list")
+        expect_listed(GLASS_TEXT, WOOD_TEXT)
+        self.assertCountEqual(os.listdir(self.codesets), ["wood.codeset", "glass.codeset", *HOSTILE_ENTRIES])
+        self.end(program, window)
+
+    def test_hostile_entries_among_the_delivered(self):
+        stage = self.copy_stage()
+        delivered = stage / "codesets"
+        for path in delivered.iterdir():
+            path.unlink()
+        (delivered / "glass.codeset").write_bytes(GLASS)
+        self.put_hostile_entries(delivered)
+        self.put("wood.codeset", WOOD)
+        program, window = self.open(stage=stage)
+
+        def choose(text):
+            self.push(window, "Add bundled")
+            selector = program.window("Select one to add")
+            self.expect_rows(selector, [GLASS_TEXT, *HOSTILE_ENTRIES])
+            self.assertEqual({row.colour for row in selector.list().rows()}, {None})
+            selector.list().row(text).select()
+            selector.button("OK").click()
+            selector.expect_closed()
+
+        for name in HOSTILE_ENTRIES:
+            with self.subTest(name=name):
+                choose(name)
+                self.expect_message(
+                    program, "Error", f"An error occured when writing file.\n\n{self.codesets}/{name}", "Close")
+                window.expect_active()
+                window.list().expect_texts([WOOD_TEXT])
+                self.assertEqual(os.listdir(self.codesets), ["wood.codeset"])
+        choose(GLASS_TEXT)
+        window.list().expect_texts([GLASS_TEXT, WOOD_TEXT])
+        self.assertEqual(self.contents(), {"wood.codeset": WOOD, "glass.codeset": GLASS})
+        self.assertCountEqual(os.listdir(delivered), ["glass.codeset", *HOSTILE_ENTRIES])
+        self.end(program, window)
 
     # Incompatible files
 
