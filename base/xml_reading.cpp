@@ -154,7 +154,8 @@ void hand_out_children(ParseState &state, xmlDoc *document, const xmlNode *root)
 // Takes the place of the parser's own work at the end of an element. A document type may declare
 // entities, whose elements the parser builds apart from the tree and copies: then the children are
 // handed out when the tree is complete.
-void end_element(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *uri) {
+void end_element(void *context, const xmlChar *name, const xmlChar *prefix,
+                 const xmlChar *uri) noexcept {
   xmlSAX2EndElementNs(context, name, prefix, uri);
   const auto *parser = static_cast<const xmlParserCtxt *>(context);
   ParseState &state = state_of(parser);
