@@ -2,6 +2,7 @@
 
 #include <libxml/parser.h>
 #include <libxslt/xslt.h>
+#include <pango/pangocairo.h>
 
 #include "app/resources.h"
 #include "app/startup.h"
@@ -52,6 +53,9 @@ int v_main(int argc, char **argv) {
 }
 
 void app_startup_callback(GtkApplication *application, ApplicationConfiguration *configuration) {
+  // The font map looks for the system's fonts in a thread of its own. Asked for here, it is ready
+  // when the first text is measured, which would otherwise wait for it.
+  pango_cairo_font_map_get_default();
   g_idle_add_full(G_PRIORITY_LOW, set_icon_callback, configuration, nullptr);
   startup_successful = v_startup_run(application);
 }

@@ -15,17 +15,24 @@ GtkTreeView *create_view() {
   return view;
 }
 
+void pack_scrolled(GtkBox *box, GtkWidget *view) {
+  GtkWidget *scroller = gtk_scrolled_window_new(nullptr, nullptr);
+  gtk_container_add(GTK_CONTAINER(scroller), view);
+  gtk_box_pack_start(box, scroller, TRUE, TRUE, 0);
+  gtk_widget_show_all(scroller);
+}
+
 } // namespace
 
 BareListWindow::BareListWindow(const std::vector<std::string> &rows)
-    : window(gtk_window_new(GTK_WINDOW_TOPLEVEL)), tree_view(create_view()) {
+    : window(gtk_window_new(GTK_WINDOW_TOPLEVEL)),
+      views(gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 8)), tree_view(create_view()) {
   GtkListStore *store = gtk_list_store_new(1, G_TYPE_STRING);
   gtk_tree_view_set_model(tree_view, GTK_TREE_MODEL(store));
   g_object_unref(store);
   refill(rows);
-  GtkWidget *scroller = gtk_scrolled_window_new(nullptr, nullptr);
-  gtk_container_add(GTK_CONTAINER(scroller), GTK_WIDGET(tree_view));
-  gtk_container_add(GTK_CONTAINER(window), scroller);
+  pack_scrolled(GTK_BOX(views), GTK_WIDGET(tree_view));
+  gtk_container_add(GTK_CONTAINER(window), views);
   gtk_window_set_default_size(GTK_WINDOW(window), 800, 600);
   gtk_window_maximize(GTK_WINDOW(window));
   gtk_widget_show_all(window);
@@ -44,4 +51,26 @@ void BareListWindow::refill(const std::vector<std::string> &rows) {
   }
   gtk_tree_view_set_model(tree_view, model);
   g_object_unref(model);
+}
+
+void BareListWindow::show_descriptions(const std::vector<std::string> &texts) {
+  descriptions = &texts;
+  GtkTextView *view = GTK_TEXT_VIEW(gtk_text_view_new());
+  gtk_text_view_set_editable(view, FALSE);
+  gtk_text_view_set_wrap_mode(view, GTK_WRAP_WORD);
+  description_buffer = gtk_text_view_get_buffer(view);
+  pack_scrolled(GTK_BOX(views), GTK_WIDGET(view));
+  g_signal_connect(gtk_tree_view_get_selection(tree_view), "changed",
+                   G_CALLBACK(selection_change_callback), this);
+}
+
+void BareListWindow::selection_change_callback(GtkTreeSelection *selection, BareListWindow *self) {
+  GtkTreeModel *model = nullptr;
+  GtkTreeIter iter;
+  if (gtk_tree_selection_get_selected(selection, &model, &iter)) {
+    GtkTreePath *path = gtk_tree_model_get_path(model, &iter);
+    const int place = *gtk_tree_path_get_indices(path);
+    gtk_tree_path_free(path);
+    gtk_text_buffer_set_text(self->description_buffer, self->descriptions->at(place).c_str(), -1);
+  }
 }

@@ -1,6 +1,6 @@
 #pragma once
 // What a list of so many rows costs at least: a window with nothing but a view of fixed-height
-// rows.
+// rows; and what a text beside it costs at least.
 
 #include <string>
 #include <vector>
@@ -19,7 +19,16 @@ public:
   void refill(const std::vector<std::string> &rows);
   GtkTreeView *view() { return tree_view; }
 
+  // From now on a text view beside the list shows the selected row's own of these texts (UTF-8, one
+  // for each row), which must live as long as the window.
+  void show_descriptions(const std::vector<std::string> &texts);
+
 private:
+  static void selection_change_callback(GtkTreeSelection *selection, BareListWindow *self);
+
+  const std::vector<std::string> *descriptions = nullptr;
+  GtkTextBuffer *description_buffer = nullptr; // the text view's
   GtkWidget *window;
+  GtkWidget *views;
   GtkTreeView *tree_view;
 };

@@ -13,6 +13,7 @@
 #include "gui/editing/editing_window.h"
 #include "gui_rows.h"
 #include "idle.h"
+#include "langstr/supported_languages.h"
 #include "support/codeset_generator.h"
 #include "support/comparison.h"
 #include "support/require.h"
@@ -39,6 +40,11 @@ struct Vocabulary {
     for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
       rows.push_back(row_of(remark));
     }
+    // Only the first ones are selected.
+    for (const VRemark *remark = list->head.next; descriptions.size() <= selection_count;
+         remark = remark->next) {
+      descriptions.push_back(description_of(remark));
+    }
   }
 
   std::string row_of(const VRemark *remark) const {
@@ -48,6 +54,18 @@ struct Vocabulary {
     return v_convert_latin1_to_utf8(latin1_text.c_str()).get();
   }
 
+  static std::string description_of(const VRemark *remark) {
+    std::string text;
+    for (const VLangstr *translation = remark->description.get(); translation != nullptr;
+         translation = translation->next.get()) {
+      const OwnedText language =
+          v_supported_languages_format_language_string(translation->lang.get());
+      text += std::string(text.empty() ? "" : "\n\n") + language.get() + "\n\n" +
+              v_convert_latin1_to_utf8(translation->text.get()).get();
+    }
+    return text;
+  }
+
   ScratchFolder folder;
   std::string path =
       folder.put("bench.codeset", v_bench_generate_codeset(remark_count, CodeOrder::ascending));
@@ -55,6 +73,7 @@ struct Vocabulary {
   OwnedWindowStack window_stack = v_window_stack_new();
   RunContext context = {window_stack.get(), &workspace};
   std::vector<std::string> rows;
+  std::vector<std::string> descriptions; // in all languages, of the rows that are selected
 };
 
 // ---- Finding and using what a user sees ---------------------------------------------------------
@@ -202,13 +221,23 @@ private:
   double total = 0;
 };
 
-double measure_selecting_in_list(const Vocabulary &vocabulary) {
-  BareListWindow window(vocabulary.rows);
+double measure_selecting_in(BareListWindow &window) {
   v_bench_run_until_idle(Stopwatch());
   Selecting selecting(gtk_main_quit);
   selecting.begin(window.view());
   gtk_main();
   return selecting.seconds_each();
+}
+
+double measure_selecting_in_list(const Vocabulary &vocabulary) {
+  BareListWindow window(vocabulary.rows);
+  return measure_selecting_in(window);
+}
+
+double measure_selecting_in_list_with_descriptions(const Vocabulary &vocabulary) {
+  BareListWindow window(vocabulary.rows);
+  window.show_descriptions(vocabulary.descriptions);
+  return measure_selecting_in(window);
 }
 
 double measure_selecting(const Vocabulary &vocabulary) {
@@ -240,4 +269,7 @@ void v_bench_add_editing_rows() {
           measure_refilling_list, measure_edit);
   add_row("Select another remark until repainted", "the same in the bare list",
           measure_selecting_in_list, measure_selecting);
+  add_row("Select another remark until repainted",
+          "the same in the bare list with a bare text view that shows the description",
+          measure_selecting_in_list_with_descriptions, measure_selecting);
 }
