@@ -95,12 +95,9 @@ void v_utf8_string_append_latin1(VUtf8String *string, const char *latin1_text) {
 }
 
 OwnedText v_convert_utf8_to_latin1(const char *utf8_text) {
-  // Opening a converter costs as much as parsing a whole remark does: it is left for the texts that
-  // do not fit, or that it alone knows how to fit.
-  if (OwnedText latin1_text = decode_latin1(utf8_text)) {
-    return latin1_text;
-  }
-  OwnedText latin1_text(g_convert(utf8_text, -1, "ISO-8859-1", "UTF-8", nullptr, nullptr, nullptr));
+  // No converter: opening one costs as much as parsing a whole remark does, and those of some
+  // systems pass over characters that they take for invisible, in place of refusing them.
+  OwnedText latin1_text = decode_latin1(utf8_text);
   if (!latin1_text) {
     v_error_set("Character incompatible with ISO-8859-1 found where not allowed.");
   }

@@ -20,18 +20,12 @@ void check_latin1(const std::string &text) {
   require(back != nullptr && back.get() == text, "ISO-8859-1 comes back from UTF-8");
 }
 
-// The system's converter drops the characters that once tagged text with its language.
-bool is_tag(gunichar code_point) { return code_point >> 7 == 0xE0000 >> 7; }
-
 // What the conversion of valid UTF-8 must give, and whether there is such a thing.
 bool expected_latin1(const std::string &utf8_text, std::string &latin1_text) {
   for (const char *at = utf8_text.c_str(); *at != '\0'; at = g_utf8_next_char(at)) {
     const gunichar code_point = g_utf8_get_char(at);
     require(v_convert_test_utf8_char_for_latin1(at) == (code_point <= 0xFF),
             "ISO-8859-1 has the first 256 characters");
-    if (is_tag(code_point)) {
-      continue;
-    }
     if (code_point > 0xFF) {
       return false;
     }

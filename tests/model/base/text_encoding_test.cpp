@@ -79,11 +79,24 @@ TEST_F(TextEncoding, CharactersOutsideLatin1AreRefused) {
            "\xC5\x93",                  // the oe ligature
            "a\xCC\x8A",                 // a letter and a combining ring
            "\xF0\x9F\x98\x80",          // outside the basic plane
+           "a\xF3\xA0\x81\x81z",        // a language tag character, which some converters pass over
        }) {
     v_error_clear();
     EXPECT_EQ(v_convert_utf8_to_latin1(utf8_text), nullptr) << utf8_text;
     EXPECT_STREQ(v_error_get(), incompatible);
   }
+}
+
+TEST_F(TextEncoding, NoCharacterOutsideLatin1IsPassedOver) {
+  gunichar passed_over = 0;
+  for (gunichar character = 0x100; character <= 0x10FFFF && passed_over == 0; character++) {
+    char utf8_text[7] = {};
+    g_unichar_to_utf8(character, utf8_text);
+    if (g_unichar_validate(character) && v_convert_utf8_to_latin1(utf8_text)) {
+      passed_over = character;
+    }
+  }
+  EXPECT_EQ(passed_over, 0u);
 }
 
 TEST_F(TextEncoding, BytesThatAreNotUtf8AreRefused) {
