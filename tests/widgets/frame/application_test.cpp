@@ -1,108 +1,30 @@
 #include "app/application.h"
 
 #include <cstdlib>
-#include <functional>
 #include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "app/startup.h"
 #include "base/error.h"
+#include "fake_tool.h"
 #include "support/environment.h"
-#include "support/gui_driver.h"
-#include "system_folders.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
 
-constexpr const char *application_id = "org.vantorelle.Test";
 constexpr const char *font_message = "Startup failed.\n\nCouldn't open required fonts.";
 
-// What the tool does and what has been asked of it.
-std::function<void()> tool;
-std::vector<std::string> calls;
-bool has_reactivate_callback = false;
-
-void run(int argc, char **argv) {
-  std::string call = "run";
-  for (int i = 0; i < argc; i++) {
-    call += std::string(" ") + argv[i];
-  }
-  calls.push_back(call);
-  if (tool) {
-    tool();
-  }
-}
-
-void reactivate(GtkApplication *application, ApplicationConfiguration *configuration) {
-  EXPECT_EQ(G_APPLICATION(application), g_application_get_default());
-  EXPECT_EQ(configuration->run, run);
-  calls.emplace_back("reactivate");
-}
-
-int start(std::vector<std::string> arguments = {"program"}) {
-  std::vector<char *> argv;
-  for (std::string &argument : arguments) {
-    argv.push_back(argument.data());
-  }
-  argv.push_back(nullptr);
-  return v_main(static_cast<int>(arguments.size()), argv.data());
-}
-
 void activate() { g_application_activate(g_application_get_default()); }
-
-void expect_everything_released() {
-  EXPECT_EQ(v_get_checkbox_icon_image(0), nullptr);
-  EXPECT_EQ(v_get_checkbox_icon_image(1), nullptr);
-  EXPECT_EQ(v_get_text_tab_menu_icon_image(), nullptr);
-  EXPECT_EQ(v_get_view_font_face(), nullptr);
-}
 
 void write_temp_file(const SystemFolders &system, const std::string &name) {
   write_file(system.temp_files_folder / name, "printed");
 }
 
-// The frame's state is the process's, and lasts as long: each test has a process of its own.
-void in_own_process(const std::function<void(SystemFolders &, GuiScript &)> &test) {
-  const auto run_test = [&test] {
-    SystemFolders system;
-    GuiScript script;
-    test(system, script);
-  };
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(
-      {
-        run_test();
-        std::exit(testing::Test::HasFailure() ? 1 : 0);
-      },
-      testing::ExitedWithCode(0), "");
-}
-
-// Start-up fails with the message, and the tool does not run.
-void expect_failed_start(GuiScript &script, const std::string &message) {
-  script.when(
-      "the message", [] { return top_window() != nullptr; },
-      [] {
-        EXPECT_EQ(shown_windows().size(), 1U);
-        EXPECT_EQ(gtk_window_get_transient_for(top_window()), nullptr);
-      });
-  script.answer("Error", message, "Close");
-  EXPECT_EQ(start(), 0);
-  EXPECT_THAT(calls, IsEmpty());
-  expect_everything_released();
-}
-
 } // namespace
-
-void v_init_application_configuration(ApplicationConfiguration *configuration) {
-  configuration->application_id = application_id;
-  configuration->run = run;
-  configuration->reactivate = has_reactivate_callback ? reactivate : nullptr;
-}
 
 // ---- A start that succeeds ----------------------------------------------------------------------
 
@@ -110,18 +32,18 @@ TEST(Application, RunsTheToolOnceWithEverythingLoaded) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
     system.install_font();
     expect_everything_released();
-    tool = [] {
+    fake_tool.run = [] {
       EXPECT_NE(v_get_checkbox_icon_image(0), nullptr);
       EXPECT_NE(v_get_checkbox_icon_image(1), nullptr);
       EXPECT_NE(v_get_text_tab_menu_icon_image(), nullptr);
       EXPECT_NE(v_get_view_font_face(), nullptr);
       GApplication *application = g_application_get_default();
-      EXPECT_STREQ(g_application_get_application_id(application), application_id);
+      EXPECT_STREQ(g_application_get_application_id(application), fake_tool_id);
       EXPECT_EQ(g_application_get_flags(application), 40);
       EXPECT_NE(gtk_application_get_app_menu(GTK_APPLICATION(application)), nullptr);
     };
-    EXPECT_EQ(start(), 0);
-    EXPECT_THAT(calls, ElementsAre("run program"));
+    EXPECT_EQ(start_fake_tool(), 0);
+    EXPECT_THAT(fake_tool.calls, ElementsAre("run program"));
     expect_everything_released();
   });
 }
@@ -130,8 +52,11 @@ TEST(Application, RunsTheToolOnceWithEverythingLoaded) {
 TEST(Application, ArgumentsAreTheToolsAlone) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
     system.install_font();
-    EXPECT_EQ(start({"program", "--help", "--display=:77", "--gapplication-service", "%s", ""}), 0);
-    EXPECT_THAT(calls, ElementsAre("run program --help --display=:77 --gapplication-service %s "));
+    EXPECT_EQ(
+        start_fake_tool({"program", "--help", "--display=:77", "--gapplication-service", "%s", ""}),
+        0);
+    EXPECT_THAT(fake_tool.calls,
+                ElementsAre("run program --help --display=:77 --gapplication-service %s "));
   });
 }
 
@@ -139,31 +64,31 @@ TEST(Application, TheThemeIsAlwaysTheSame) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
     const EnvironmentVariable theme("GTK_THEME", "HighContrast");
     system.install_font();
-    tool = [] { EXPECT_STREQ(std::getenv("GTK_THEME"), "Adwaita"); };
-    EXPECT_EQ(start(), 0);
-    EXPECT_EQ(calls.size(), 1U);
+    fake_tool.run = [] { EXPECT_STREQ(std::getenv("GTK_THEME"), "Adwaita"); };
+    EXPECT_EQ(start_fake_tool(), 0);
+    EXPECT_EQ(fake_tool.calls.size(), 1U);
   });
 }
 
 TEST(Application, AFurtherActivationDoesNotRunTheToolAgain) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
     system.install_font();
-    tool = activate;
-    EXPECT_EQ(start(), 0);
-    EXPECT_THAT(calls, ElementsAre("run program"));
+    fake_tool.run = activate;
+    EXPECT_EQ(start_fake_tool(), 0);
+    EXPECT_THAT(fake_tool.calls, ElementsAre("run program"));
   });
 }
 
 TEST(Application, AFurtherActivationIsTheToolsToAnswer) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
     system.install_font();
-    has_reactivate_callback = true;
-    tool = [] {
+    fake_tool.has_reactivate_callback = true;
+    fake_tool.run = [] {
       activate();
       activate();
     };
-    EXPECT_EQ(start(), 0);
-    EXPECT_THAT(calls, ElementsAre("run program", "reactivate", "reactivate"));
+    EXPECT_EQ(start_fake_tool(), 0);
+    EXPECT_THAT(fake_tool.calls, ElementsAre("run program", "reactivate", "reactivate"));
   });
 }
 
@@ -171,13 +96,13 @@ TEST(Application, ADenseScreenIsHalvedOnce) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
     system.install_font();
     gdk_screen_set_resolution(gdk_screen_get_default(), 288);
-    tool = [] {
+    fake_tool.run = [] {
       EXPECT_DOUBLE_EQ(gdk_screen_get_resolution(gdk_screen_get_default()), 144);
       activate();
       EXPECT_DOUBLE_EQ(gdk_screen_get_resolution(gdk_screen_get_default()), 144);
     };
-    EXPECT_EQ(start(), 0);
-    EXPECT_EQ(calls.size(), 1U);
+    EXPECT_EQ(start_fake_tool(), 0);
+    EXPECT_EQ(fake_tool.calls.size(), 1U);
   });
 }
 
@@ -192,13 +117,13 @@ TEST(Application, StaleTemporaryFilesAreGoneBeforeTheToolRuns) {
           "vantorelle-12.34.txt", "vantorelle-12.out", "vantorelle-a.1.out"}) {
       write_temp_file(system, name);
     }
-    tool = [&system] {
+    fake_tool.run = [&system] {
       EXPECT_THAT(list_folder(system.temp_files_folder.path()),
                   ElementsAre("vantorelle-12.34.txt", "vantorelle-12.out",
                               "vantorelle-4711.123.odt", "vantorelle-a.1.out"));
     };
-    EXPECT_EQ(start(), 0);
-    EXPECT_EQ(calls.size(), 1U);
+    EXPECT_EQ(start_fake_tool(), 0);
+    EXPECT_EQ(fake_tool.calls.size(), 1U);
   });
 }
 
@@ -237,8 +162,8 @@ TEST(Application, AnUnknownInstallFolderIsToldOf) {
 TEST(Application, TheMessageOfAFailedStartCanBeDismissed) {
   in_own_process([](const SystemFolders &, GuiScript &script) {
     script.dismiss("Error", font_message);
-    EXPECT_EQ(start(), 0);
-    EXPECT_THAT(calls, IsEmpty());
+    EXPECT_EQ(start_fake_tool(), 0);
+    EXPECT_THAT(fake_tool.calls, IsEmpty());
   });
 }
 
@@ -259,8 +184,8 @@ TEST(Application, EveryActivationTellsOfAFailedStart) {
             gtk_dialog_response(GTK_DIALOG(window), GTK_RESPONSE_CLOSE);
           }
         });
-    EXPECT_EQ(start(), 0);
-    EXPECT_THAT(calls, IsEmpty());
+    EXPECT_EQ(start_fake_tool(), 0);
+    EXPECT_THAT(fake_tool.calls, IsEmpty());
   });
 }
 
@@ -280,7 +205,7 @@ TEST(Application, AFailedStartUpIsSilentUntilTheActivation) {
     const EnvironmentVariable theme("GTK_THEME", nullptr);
     ApplicationConfiguration configuration;
     v_init_application_configuration(&configuration);
-    GtkApplication *application = gtk_application_new(application_id, G_APPLICATION_NON_UNIQUE);
+    GtkApplication *application = gtk_application_new(fake_tool_id, G_APPLICATION_NON_UNIQUE);
     g_application_register(G_APPLICATION(application), nullptr, nullptr);
     app_startup_callback(application, &configuration);
     EXPECT_EQ(top_window(), nullptr);

@@ -7,28 +7,18 @@
 
 #include "app/resources.h"
 #include "base/error.h"
+#include "startup_fixture.h"
 #include "support/fake_platform.h"
 #include "support/files.h"
-#include "system_folders.h"
 
 namespace {
 
-class Startup : public testing::Test {
+class Startup : public StartupFixture {
 protected:
-  ~Startup() override {
-    v_startup_release_icons();
-    v_startup_release_view_font();
-    v_resources_clean_up();
-    v_startup_release_font_library();
-    v_error_clear();
-  }
-
   bool load_view_font() {
     EXPECT_TRUE(v_startup_init_font_library()) << v_error_get();
     return v_startup_load_view_font();
   }
-
-  SystemFolders system;
 };
 
 } // namespace

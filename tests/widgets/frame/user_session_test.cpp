@@ -42,6 +42,7 @@ TEST_F(UserSession, LoadsAllSettings) {
   write_file(workspace_path() + "/settings.xml",
              "<settings><archive path='a'/><automatically-place-id active='true'/>"
              "<default-mark-id-style style='2'/><left-handed active='true'/>"
+             "<default-printout-settings><report-type show='false'/></default-printout-settings>"
              "<last-used-layout filename='l'/><last-used-paper id='A3_L'/>"
              "<export><folder path='e'/></export><remember-tool-choice active='true'/>"
              "<preferred-languages><language tag='fr'/><language tag='de'/></preferred-languages>"
@@ -53,6 +54,7 @@ TEST_F(UserSession, LoadsAllSettings) {
   EXPECT_STREQ(settings.archive_path.get(), "a");
   EXPECT_TRUE(settings.automatically_place_id);
   EXPECT_EQ(settings.default_mark_id_style, 2);
+  EXPECT_FALSE(settings.default_printout.report_type_shown);
   EXPECT_TRUE(settings.left_handed);
   EXPECT_STREQ(settings.last_used_layout_file_name.get(), "l");
   EXPECT_STREQ(settings.last_used_paper_id.get(), "A3_L");
