@@ -3,6 +3,7 @@
 #include "app/user_session.h"
 #include "codeset/codeset_io.h"
 #include "gui/components/main_window.h"
+#include "gui/editing/shared_checkers.h"
 #include "workspace/display_text.h"
 
 void run(int, char **) {
@@ -13,13 +14,14 @@ void run(int, char **) {
     run_main_window(&context);
     v_user_session_end(std::move(workspace));
   }
+  v_shared_checkers_clean_up();
 }
 
 void run_main_window(RunContext *context) {
   v_components_gui_main_window_run(context->window_stack, context->workspace,
-                                   "Vantorelle Remark Codesets Manager 3.2.3", "codesets",
-                                   VFileType::remark_codeset, OfferBundled::yes, text_callback,
-                                   edit_callback, nullptr, context);
+                                   "Vantorelle Remark Codesets Manager " VANTORELLE_VERSION,
+                                   "codesets", VFileType::remark_codeset, OfferBundled::yes,
+                                   text_callback, edit_callback, nullptr, context);
 }
 
 OwnedText text_callback(const char *file_path, void *run_context) {

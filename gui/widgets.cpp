@@ -5,6 +5,7 @@
 
 #include "gui/css.h"
 #include "gui/owned_objects.h"
+#include "gui/placing.h"
 #include "gui/screen_area.h"
 #include "gui/screen_high_scroller.h"
 
@@ -15,25 +16,6 @@ constexpr int default_spacing = 8;
 constexpr const char *dialog_css =
     "dialog { -GtkDialog-action-area-border: 0px; -GtkDialog-content-area-border: 0px }";
 constexpr const char *required_suffix = " <span style=\"italic\" alpha=\"50%\">(Required)</span>";
-
-// The three mechanisms by which every widget below comes to be: shown, added, packed.
-GtkWidget *shown(GtkWidget *widget) {
-  gtk_widget_show(widget);
-  return widget;
-}
-
-template <typename T>
-T *added(GtkContainer *container, T *widget) {
-  gtk_container_add(container, GTK_WIDGET(widget));
-  return widget;
-}
-
-template <typename T>
-T *packed(GtkBox *box, Expand expand, T *widget) {
-  const gboolean grows = expand == Expand::yes;
-  gtk_box_pack_start(box, GTK_WIDGET(widget), grows, grows, 0);
-  return widget;
-}
 
 GtkBox *create_box(GtkOrientation orientation, Spacing spacing) {
   const int pixels = spacing == Spacing::standard ? default_spacing : 0;
@@ -402,6 +384,14 @@ void v_gui_set_box_spacing(GtkBox *box, int spacing) { gtk_box_set_spacing(box, 
 
 void v_gui_set_sensitivity(GtkWidget *widget, int state) {
   gtk_widget_set_sensitive(widget, state == 0);
+}
+
+void v_gui_grab_focus_without_selecting(GtkWidget *widget) {
+  if (GTK_IS_ENTRY(widget)) {
+    gtk_entry_grab_focus_without_selecting(GTK_ENTRY(widget));
+  } else {
+    gtk_widget_grab_focus(widget);
+  }
 }
 
 void v_gui_resize_window_to_minimum_unless_maximized(GtkWindow *window) {

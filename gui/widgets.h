@@ -154,6 +154,8 @@ void v_gui_set_margins(GtkWidget *widget, int top, int right, int bottom, int le
 void v_gui_set_box_spacing(GtkBox *box, int spacing);
 // State 0 is sensitive, any other is not.
 void v_gui_set_sensitivity(GtkWidget *widget, int state);
+// The cursor of a text stays where it was, and nothing is marked.
+void v_gui_grab_focus_without_selecting(GtkWidget *widget);
 // Lets the window shrink to its natural least size; does nothing to one that is maximised, full
 // screen or not yet realised.
 void v_gui_resize_window_to_minimum_unless_maximized(GtkWindow *window);

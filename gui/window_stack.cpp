@@ -220,15 +220,6 @@ void make_insensitive(WindowStackNode *covered) {
   gtk_widget_set_sensitive(GTK_WIDGET(covered->window), FALSE);
 }
 
-// The cursor of a text stays where it was, and nothing is marked.
-void grab_focus_again(GtkWidget *widget) {
-  if (GTK_IS_ENTRY(widget)) {
-    gtk_entry_grab_focus_without_selecting(GTK_ENTRY(widget));
-  } else {
-    gtk_widget_grab_focus(widget);
-  }
-}
-
 void make_sensitive(WindowStackNode *uncovered) {
   gtk_widget_set_sensitive(GTK_WIDGET(uncovered->window), TRUE);
   const OwnedObject<GtkWidget> focus_widget = std::move(uncovered->focus_widget);
@@ -236,7 +227,7 @@ void make_sensitive(WindowStackNode *uncovered) {
   if (focus_widget &&
       gtk_widget_get_toplevel(focus_widget.get()) == GTK_WIDGET(uncovered->window) &&
       gtk_widget_is_sensitive(focus_widget.get())) {
-    grab_focus_again(focus_widget.get());
+    v_gui_grab_focus_without_selecting(focus_widget.get());
   }
 }
 

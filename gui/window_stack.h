@@ -7,7 +7,8 @@
 // The stack never destroys a window that was pushed onto it. A window that is destroyed while its
 // entry is in the stack leaves a window-less entry behind until that is popped. Once an entry is
 // gone, or the stack, nothing of it remains connected to the window and no idle or timeout callback
-// fires.
+// fires. A busy window is the stack's own, and goes when its busy state ends; a stack that is
+// destroyed before leaves it behind.
 
 #include <cstdint>
 #include <memory>

@@ -194,7 +194,7 @@ void update_gui(EditingWindow *editing) {
   GtkTreeIter iter;
   const VRemark *remark = get_selected_remark(editing, &iter);
   for (GtkButton *button : {editing->edit_button, editing->delete_button}) {
-    v_gui_set_sensitivity(GTK_WIDGET(button), remark == nullptr);
+    gtk_widget_set_sensitive(GTK_WIDGET(button), remark != nullptr);
   }
   v_langstr_display_set_text(editing->description_display,
                              remark == nullptr ? nullptr : remark->description.get());

@@ -70,6 +70,8 @@ GtkWidget *v_langstr_display_new(int width, int height) {
   gtk_scrolled_window_set_shadow_type(scroller, GTK_SHADOW_IN);
   gtk_widget_set_size_request(GTK_WIDGET(display), width, height);
   GtkTextView *view = v_gui_add_text_view(GTK_CONTAINER(display), Editable::no);
+  // A word that is wider than the display is broken: nothing scrolls sideways.
+  gtk_text_view_set_wrap_mode(view, GTK_WRAP_WORD_CHAR);
   set_text_margins(view);
   v_css_style_widget(GTK_WIDGET(view), focus_css);
   display->buffer = GTK_TEXT_BUFFER(g_object_ref(gtk_text_view_get_buffer(view)));

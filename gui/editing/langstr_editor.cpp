@@ -191,10 +191,9 @@ std::vector<OwnedText> format_languages(const VSettings *settings) {
 }
 
 void keep_combo_narrow(GtkComboBoxText *combo) {
-  GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(combo));
+  const Owned<GList, g_list_free> cells(gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(combo)));
   g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, "width-chars", longest_language_chars,
                nullptr);
-  g_list_free(cells);
 }
 
 void append_and_select(GtkComboBoxText *combo, const char *language) {
@@ -267,14 +266,6 @@ const GspellLanguage *find_spelling_language(const char *tag) {
   return dictionary == nullptr ? nullptr : gspell_language_lookup(dictionary);
 }
 
-void grab_focus_without_selecting(GtkWidget *widget) {
-  if (GTK_IS_ENTRY(widget)) {
-    gtk_entry_grab_focus_without_selecting(GTK_ENTRY(widget));
-  } else {
-    gtk_widget_grab_focus(widget);
-  }
-}
-
 // Checks the row in the language, or not at all for null. Setting the checker first keeps gspell
 // from loading the default language's dictionary for the field.
 void set_spelling_language(LangstrEditorRow *row, const GspellLanguage *language) {
@@ -302,7 +293,7 @@ void apply_language(LangstrEditorRow *row) {
   if (const OwnedText shown = get_shown_language(row)) {
     v_gui_set_accessible_name(field, shown.get());
   }
-  grab_focus_without_selecting(field);
+  v_gui_grab_focus_without_selecting(field);
 }
 
 // Makes the row ready to be deleted.
@@ -549,8 +540,8 @@ void restore_focus(VLangstrEditor *editor, GtkWidget *focus_widget, std::size_t 
     return;
   }
   const LangstrEditorRow *heir = state->rows[std::min(place, state->rows.size() - 1)].get();
-  grab_focus_without_selecting(is_inside(focus_widget, editor) ? focus_widget
-                                                               : heir->text_field.get());
+  v_gui_grab_focus_without_selecting(is_inside(focus_widget, editor) ? focus_widget
+                                                                     : heir->text_field.get());
 }
 
 // ---- Adding and deleting rows -------------------------------------------------------------------

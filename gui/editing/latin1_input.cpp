@@ -15,7 +15,9 @@ enum class Fate { keep, become_space, drop };
 // What happens to the character at the pointer into valid UTF-8 text.
 Fate fate_of(const char *utf8_character, InputLines lines) {
   const gunichar character = g_utf8_get_char(utf8_character);
-  if (g_unichar_isspace(character)) {
+  // The vertical tab is no space to Unicode's tables, but is one wherever a text is normalised;
+  // other programs put it on the clipboard for a line break.
+  if (g_unichar_isspace(character) || character == '\v') {
     const bool is_fit = character == ' ' || (character == '\n' && lines == InputLines::several);
     return is_fit ? Fate::keep : Fate::become_space;
   }

@@ -23,3 +23,5 @@ GspellChecker *v_shared_checkers_get(const GspellLanguage *language) {
   }
   return checkers.emplace_back(take(gspell_checker_new(language))).get();
 }
+
+void v_shared_checkers_clean_up() { checkers.clear(); }

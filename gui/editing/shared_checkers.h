@@ -5,6 +5,9 @@
 
 #include <gspell/gspell.h>
 
-// The checker of the language (null: gspell's default); it lives as long as the program. Nothing
-// that changes a checker may be done to it: who wants to makes one of the field's own.
+// The checker of the language (null: gspell's default), borrowed. Nothing that changes a checker
+// may be done to it: who wants to makes one of the field's own.
 GspellChecker *v_shared_checkers_get(const GspellLanguage *language);
+// Lets go of all checkers, when no field is left. To be called before the program ends: the
+// libraries behind a checker go before what is static here.
+void v_shared_checkers_clean_up();

@@ -1,5 +1,7 @@
 #include "gui/editing/spacifying_entry.h"
 
+#include <cstring>
+
 #include "base/text_encoding.h"
 #include "base/whitespace.h"
 #include "gui/editing/latin1_input.h"
@@ -14,6 +16,28 @@ struct _VSpacifyingEntry {
 G_DEFINE_TYPE(VSpacifyingEntry, v_spacifying_entry, GTK_TYPE_ENTRY)
 
 namespace {
+
+// On an entry that cannot hold what it was given: the whole text (UTF-8), until the user changes
+// what is shown of it.
+constexpr char whole_text_key[] = "vantorelle_whole_text";
+
+// The toolkit's entries hold 65,534 bytes and cut the rest off without a word.
+void remember_if_cut(VSpacifyingEntry *entry, const char *utf8_text) {
+  if (std::strcmp(gtk_entry_get_text(GTK_ENTRY(entry)), utf8_text) != 0) {
+    g_object_set_data_full(G_OBJECT(entry), whole_text_key, copy_text(utf8_text).release(), g_free);
+  }
+}
+
+// "changed", by the user or by the program.
+void change_callback(GtkEditable *editable, void *) {
+  g_object_set_data(G_OBJECT(editable), whole_text_key, nullptr);
+}
+
+const char *get_whole_text(VSpacifyingEntry *entry) {
+  const void *whole_text = g_object_get_data(G_OBJECT(entry), whole_text_key);
+  return whole_text != nullptr ? static_cast<const char *>(whole_text)
+                               : gtk_entry_get_text(GTK_ENTRY(entry));
+}
 
 // "insert-text", before the toolkit inserts what is typed or pasted; moves the position behind it.
 void insert_text_callback(GtkEditable *editable, const char *text, int length, int *position,
@@ -37,6 +61,7 @@ GtkWidget *v_spacifying_entry_new(Compact compact) {
   entry->compact = compact;
   entry->insert_text_handler =
       g_signal_connect(entry, "insert-text", G_CALLBACK(insert_text_callback), nullptr);
+  g_signal_connect(entry, "changed", G_CALLBACK(change_callback), nullptr);
   return GTK_WIDGET(entry);
 }
 
@@ -50,11 +75,11 @@ void v_spacifying_entry_set_text(VSpacifyingEntry *entry, const char *latin1_tex
   g_signal_handler_block(entry, entry->insert_text_handler);
   gtk_entry_set_text(GTK_ENTRY(entry), normalised);
   g_signal_handler_unblock(entry, entry->insert_text_handler);
+  remember_if_cut(entry, normalised);
 }
 
 OwnedText v_spacifying_entry_get_text(VSpacifyingEntry *entry) {
-  const OwnedText latin1_text =
-      v_latin1_input_convert(gtk_entry_get_text(GTK_ENTRY(entry)), InputLines::one);
+  const OwnedText latin1_text = v_latin1_input_convert(get_whole_text(entry), InputLines::one);
   if (!latin1_text) {
     return nullptr;
   }

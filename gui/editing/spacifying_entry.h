@@ -16,5 +16,6 @@ G_DECLARE_FINAL_TYPE(VSpacifyingEntry, v_spacifying_entry, V, SPACIFYING_ENTRY, 
 GtkWidget *v_spacifying_entry_new(Compact compact);
 void v_spacifying_entry_set_text(VSpacifyingEntry *entry, const char *latin1_text);
 // The normalised text (ISO-8859-1), "" for a field of only spaces; null, with a message, when it
-// cannot be had. The field itself keeps what it shows.
+// cannot be had. The field itself keeps what it shows. A text of more than 65,534 bytes of UTF-8 is
+// shown only so far, and comes back whole for as long as nobody changes it.
 OwnedText v_spacifying_entry_get_text(VSpacifyingEntry *entry);

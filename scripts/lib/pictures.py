@@ -13,13 +13,12 @@ import tempfile
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tests" / "journeys"))
 
-from support import display  # noqa: E402
+from support import MAIN_WINDOW, display  # noqa: E402
 from support.journey import delivered_stage  # noqa: E402
 from support.program import Program  # noqa: E402
 from support.waiting import settle  # noqa: E402
 
 ASSISTANT = "Vantorelle Workspace Setup"
-MAIN_WINDOW = "Vantorelle Remark Codesets Manager 3.2.3"
 
 # No blinking cursor, no movement, and a font that every machine that builds the program has.
 SETTINGS = """[Settings]

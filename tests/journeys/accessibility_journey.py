@@ -3,12 +3,11 @@
 import re
 import subprocess
 
-from support import Journey, Widget, main
+from support import MAIN_WINDOW, Journey, Widget, main
 from support import accessibility, display
 from support.waiting import settle
 
 ASSISTANT = "Vantorelle Workspace Setup"
-MAIN_WINDOW = "Vantorelle Remark Codesets Manager 3.2.3"
 LANGUAGES = ("English/United Kingdom [en-uk]", "Swedish [sv]", "German [de]")
 
 # What a user operates. A combo box takes the keys through a button inside it that is no object of its own.

@@ -75,6 +75,16 @@ class Editing(WorkspaceJourney):
         for title in ("Codeset name: (Required)", "Author:", "Version:", "Remark codes: (Required)"):
             self.assertTrue(editing.frame(title).is_showing)
 
+    def test_a_row_that_goes_gives_its_room_back(self):
+        _, editing = self.open_own()
+        editing.toggle_maximized()
+        size = editing.resting_extents()[2:]
+        for added, gone in ((0, 2), (1, 3)):
+            editing.button(" + ", index=added).click()
+            self.assertGreater(editing.resting_extents()[3], size[1])
+            editing.button(" - ", index=gone).click()
+            self.assertEqual(editing.resting_extents()[2:], size)
+
     def test_the_display_beside_the_list(self):
         _, editing = self.open_own()
         codes = editing.list("Remark codes")

@@ -4,10 +4,8 @@ import re
 import stat
 from xml.etree import ElementTree
 
-from support import Journey, main
+from support import MAIN_WINDOW, Journey, main
 from support.journey import delivered_stage
-
-MAIN_WINDOW = "Vantorelle Remark Codesets Manager 3.2.3"
 
 
 def read_summary(path, languages):

@@ -2,9 +2,8 @@
 
 from xml.etree import ElementTree
 
-from support import Journey, main
+from support import MAIN_WINDOW, Journey, main
 
-MAIN_WINDOW = "Vantorelle Remark Codesets Manager 3.2.3"
 ASSISTANT = "Vantorelle Workspace Setup"
 TAKEN = "There is already a folder or a file with that name.\n\nPlease choose a new location."
 SUB_FOLDERS = ["codesets", "documents", "layouts", "templates"]

@@ -7,10 +7,9 @@ import shlex
 import shutil
 import subprocess
 
-from support import Journey, display, main, wait_until
+from support import MAIN_WINDOW, Journey, display, main, wait_until
 from support.program import EXECUTABLE
 
-MAIN_WINDOW = "Vantorelle Remark Codesets Manager 3.2.3"
 FONT_MESSAGE = "Startup failed.\n\nCouldn't open required fonts."
 TEMP_FOLDER = pathlib.Path("/tmp")
 ABSENT_PROCESS = 999999

@@ -21,7 +21,7 @@ PASTED = [
     ("a\u00a0b", "a b", None),
     ("a\u2003b\u2028c\u2029d", "a b c d", None),
     ("bell\x07 del\x01ete \x1b[31m", "bell delete [31m", None),
-    ("vertical\x0btab form\x0cfeed", "verticaltab form feed", None),
+    ("vertical\x0btab form\x0cfeed", "vertical tab form feed", None),
     ("emoji \U0001f600! \u4e2d\u6587 \u0141 \u2014 \u2019", "emoji !    ", "emoji !"),
     ("  outer \t  blanks  ", "  outer    blanks  ", "outer blanks"),
     # Odd, but a file can hold them.

@@ -8,7 +8,7 @@ import sys
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(SOURCE / "tests" / "journeys"))
 
-from support import Journey, main  # noqa: E402  (found only now)
+from support import MAIN_WINDOW, Journey, main  # noqa: E402  (found only now)
 from support.journey import delivered_stage  # noqa: E402
 
 __all__ = [
@@ -19,7 +19,6 @@ __all__ = [
 PROGRAM = "vantorelle-remark-codesets-manager"
 APPLICATION = "org.vantorelle.VantorelleRemarkCodesetsManager"
 MEDIA_TYPE_ICON = "application-x-vantorelle-codeset"
-MAIN_WINDOW = "Vantorelle Remark Codesets Manager 3.2.3"
 ICON_SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
 
 

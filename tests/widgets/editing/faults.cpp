@@ -9,7 +9,16 @@ namespace {
 
 int beep_count = 0;
 int combo_box_calls_to_failure = 0;
-bool entry_reading_fails = false;
+int entry_readings_to_failure = 0;
+
+// Counts the calls down to the first that fails, and stays there; 0 is no fault.
+bool is_failing(int &calls_to_failure) {
+  if (calls_to_failure > 1) {
+    calls_to_failure--;
+    return false;
+  }
+  return calls_to_failure == 1;
+}
 
 } // namespace
 
@@ -17,7 +26,7 @@ int take_beep_count() { return std::exchange(beep_count, 0); }
 
 void fail_combo_boxes_from(int call) { combo_box_calls_to_failure = call; }
 
-void fail_reading_entries(bool fails) { entry_reading_fails = fails; }
+void fail_reading_entries_from(int call) { entry_readings_to_failure = call; }
 
 GtkComboBoxText *real_create_combo_box_text() __asm__("__real__Z27v_gui_create_combo_box_textv");
 GtkComboBoxText *wrapped_create_combo_box_text() __asm__("__wrap__Z27v_gui_create_combo_box_textv");
@@ -30,16 +39,9 @@ void wrapped_beep() __asm__("__wrap_gdk_beep");
 void wrapped_beep() { beep_count++; }
 
 GtkComboBoxText *wrapped_create_combo_box_text() {
-  if (combo_box_calls_to_failure == 0) {
-    return real_create_combo_box_text();
-  }
-  if (combo_box_calls_to_failure > 1) {
-    combo_box_calls_to_failure--;
-    return real_create_combo_box_text();
-  }
-  return nullptr;
+  return is_failing(combo_box_calls_to_failure) ? nullptr : real_create_combo_box_text();
 }
 
 OwnedText wrapped_get_text(VSpacifyingEntry *entry) {
-  return entry_reading_fails ? nullptr : real_get_text(entry);
+  return is_failing(entry_readings_to_failure) ? nullptr : real_get_text(entry);
 }

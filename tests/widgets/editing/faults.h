@@ -7,5 +7,5 @@ int take_beep_count();
 
 // From the given call on (1 is the next) no combo box can be had; 0 ends the fault.
 void fail_combo_boxes_from(int call);
-// No one-line field can be read while set.
-void fail_reading_entries(bool fails);
+// Likewise no one-line field can be read.
+void fail_reading_entries_from(int call);

@@ -62,7 +62,7 @@ TEST_F(LangstrDisplayTest, IsAScrolledReadOnlyText) {
   EXPECT_EQ(height, 150);
   EXPECT_FALSE(gtk_text_view_get_editable(view()));
   EXPECT_FALSE(gtk_text_view_get_cursor_visible(view()));
-  EXPECT_EQ(gtk_text_view_get_wrap_mode(view()), GTK_WRAP_WORD);
+  EXPECT_EQ(gtk_text_view_get_wrap_mode(view()), GTK_WRAP_WORD_CHAR);
 }
 
 TEST_F(LangstrDisplayTest, HasABoldTag) {

@@ -247,9 +247,9 @@ TEST_F(LangstrEditorTest, ReadsLinesInMultiLineMode) {
 
 TEST_F(LangstrEditorTest, FailsWhenAFieldCannotBeRead) {
   make({{"sv", "a"}});
-  fail_reading_entries(true);
+  fail_reading_entries_from(1);
   EXPECT_EQ(result(), std::string("failed: ") + unknown);
-  fail_reading_entries(false);
+  fail_reading_entries_from(0);
   EXPECT_EQ(result(), "sv=a\n");
 }
 

@@ -54,6 +54,7 @@ const Insertion insertions[] = {
     {"a\U0001F600b", "ab", 1},
     {"\U0001F600", "", 1},
     {"one\ntwo", "one two", 1},
+    {"one\vtwo", "one two", 1},
     {"a\x01\x1F"
      "b",
      "ab", 1},
@@ -102,6 +103,23 @@ TEST_F(SpacifyingEntryTest, RepairsWhatIsTyped) {
   host.press_key(GDK_KEY_b);
   EXPECT_EQ(shown(), "a \u00E5 b");
   EXPECT_EQ(take_beep_count(), 1);
+}
+
+TEST_F(SpacifyingEntryTest, ATextThatIsTooLongToShowComesBackWhole) {
+  auto *entry = V_SPACIFYING_ENTRY(widget);
+  const std::string longest(65'534, 'x');
+  v_spacifying_entry_set_text(entry, longest.c_str());
+  EXPECT_EQ(shown(), longest);
+  const std::string too_long = longest + " \xe5 and its end";
+  v_spacifying_entry_set_text(entry, too_long.c_str());
+  EXPECT_LT(shown().size(), too_long.size());
+  EXPECT_EQ(v_spacifying_entry_get_text(entry).get(), too_long);
+  // Who changes it has seen what there is.
+  gtk_editable_delete_text(editable(), 10, -1);
+  EXPECT_EQ(v_spacifying_entry_get_text(entry).get(), std::string(10, 'x'));
+  v_spacifying_entry_set_text(entry, too_long.c_str());
+  v_spacifying_entry_set_text(entry, "short");
+  EXPECT_STREQ(v_spacifying_entry_get_text(entry).get(), "short");
 }
 
 TEST_F(SpacifyingEntryTest, InsertsARepairedTextOnce) {

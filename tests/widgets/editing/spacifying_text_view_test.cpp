@@ -51,9 +51,10 @@ const Insertion insertions[] = {
     {"a\tb", "a b", 1},
     {"a\u00A0\u2028\u20ACb", "a  b", 1},
     {"\U0001F600", "", 1},
-    {"a\x01\x0B"
+    {"a\x01\x1F"
      "b",
      "ab", 1},
+    {"a\vb", "a b", 1},
     {"50 % <b>&amp; \u00E5", "50 % <b>&amp; \u00E5", 0},
 };
 

@@ -575,13 +575,20 @@ TEST_F(EditingWindow, ALanguageOutsideTheTableCannotBeSaved) {
   EXPECT_EQ(read_file(path()), codeset_file({"<name lang=\"sv\">Papier</name>"}, {{"1", "Tear"}}));
 }
 
+// The fields of a name in two languages and of an author, and the version after them.
 TEST_F(EditingWindow, AFieldThatCannotBeReadIsAnUnknownError) {
-  write_paper();
-  check([] { fail_reading_entries(true); });
-  expect_refused_save(v_error_message_unknown);
-  check([] { fail_reading_entries(false); });
-  close_without_saving();
-  EXPECT_EQ(run(), 0);
+  for (const int field : {1, 2, 3, 4}) {
+    SCOPED_TRACE(field);
+    write_paper();
+    check([field] {
+      v_error_set("Something else.");
+      fail_reading_entries_from(field);
+    });
+    expect_refused_save(v_error_message_unknown);
+    check([] { fail_reading_entries_from(0); });
+    close_without_saving();
+    EXPECT_EQ(run(), 0);
+  }
 }
 
 TEST_F(EditingWindow, AuthorAndVersionMayBeEmpty) {

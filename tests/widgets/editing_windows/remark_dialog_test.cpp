@@ -212,9 +212,9 @@ TEST_F(RemarkDialog, AnEditedRemarkCannotTakeAnothersCode) {
 // Neither the code that cannot be read nor anything else is told of.
 TEST_F(RemarkDialog, ACodeThatCannotBeReadKeepsTheWindow) {
   fill_in("c", "Text");
-  script.then([] { fail_reading_entries(true); });
+  script.then([] { fail_reading_entries_from(1); });
   script.click("OK");
-  on(title, [] { fail_reading_entries(false); });
+  on(title, [] { fail_reading_entries_from(0); });
   EXPECT_EQ(code_after_ok(), "c");
 }
 
