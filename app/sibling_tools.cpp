@@ -10,11 +10,6 @@ namespace {
 // <bundle>.app/Contents/MacOS: what lies between a bundle's parent folder and its executable.
 constexpr int bundle_depth = 3;
 
-bool is_missing(const char *path) {
-  VFileInfo info;
-  return v_fs_utils_get_info(path, info) && !info.exists;
-}
-
 // The MacOS folder of the bundle that holds the running program's bundle; null when there is none.
 OwnedText get_outer_program_folder(const char *install_folder) {
   OwnedText folder = copy_text(install_folder);
@@ -32,7 +27,7 @@ OwnedText v_exe_get_bundled_program_path(const char *install_folder, const char 
                                          const char *ending) {
   const OwnedText file_name(g_strconcat(name, ending, nullptr));
   OwnedText path = v_fs_utils_create_path_in_folder(install_folder, file_name.get());
-  if (!is_missing(path.get())) {
+  if (!v_fs_utils_is_missing(path.get())) {
     return path;
   }
   const OwnedText outer_folder = get_outer_program_folder(install_folder);

@@ -21,6 +21,15 @@ constexpr const char *informative_out_of_memory_text =
     "Alternatively, it could be that you have too many things open/running on your\n"
     "computer simultaneously.";
 
+// cairo's numbers; this floor does not see its headers.
+enum CairoStatus {
+  cairo_no_memory = 1,
+  cairo_read_error = 10,
+  cairo_write_error = 11,
+  cairo_file_not_found = 18,
+  cairo_png_error = 39,
+};
+
 OwnedText error;
 bool did_run_out_of_memory = false;
 
@@ -111,21 +120,20 @@ void v_error_set_from_zip_error_code(int code) {
 }
 
 void v_error_set_from_cairo_status(int status) {
-  // cairo's numbers; this floor does not see its headers.
   switch (status) {
-  case 1:
+  case cairo_no_memory:
     v_error_set_out_of_memory();
     break;
-  case 10:
+  case cairo_read_error:
     v_error_set("Error reading data.");
     break;
-  case 11:
+  case cairo_write_error:
     v_error_set("Error writing data.");
     break;
-  case 18:
+  case cairo_file_not_found:
     v_error_set("File not found error.");
     break;
-  case 39:
+  case cairo_png_error:
     v_error_set("PNG error.");
     break;
   default:

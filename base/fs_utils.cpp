@@ -125,10 +125,8 @@ bool v_fs_utils_create_folder_recursively(const char *path) {
   v_fs_utils_strip_ending_path_delimiters(parent.get());
   v_fs_utils_strip_entry_name_from_path(parent.get());
   v_fs_utils_strip_ending_path_delimiters(parent.get());
-  VFileInfo info;
   // The walk upward ends at the empty parent, which no folder can be created for.
-  const bool parent_is_missing =
-      *parent != '\0' && v_fs_utils_get_info(parent.get(), info) && !info.exists;
+  const bool parent_is_missing = *parent != '\0' && v_fs_utils_is_missing(parent.get());
   if (parent_is_missing && !v_fs_utils_create_folder_recursively(parent.get())) {
     return false;
   }
@@ -151,7 +149,7 @@ void v_fs_utils_discard_file(const char *path) {
   // A device was there before and holds nothing of ours.
   const bool is_device = name && lstat(name.get(), &status) == 0 && !S_ISREG(status.st_mode) &&
                          !S_ISLNK(status.st_mode);
-  if (name && !is_device && unlink(name.get()) != 0) {
+  if (name && !is_device && unlink(name.get()) != 0 && errno != ENOENT) {
     last_error_number = errno;
   }
 }
@@ -174,6 +172,11 @@ bool v_fs_utils_get_info(const char *path, VFileInfo &info) {
   info.modification_time = status.st_mtime;
   info.size = status.st_size;
   return true;
+}
+
+bool v_fs_utils_is_missing(const char *path) {
+  VFileInfo info;
+  return v_fs_utils_get_info(path, info) && !info.exists;
 }
 
 OwnedText v_fs_utils_create_path_in_folder_(const char *folder, const char *const *parts,

@@ -17,8 +17,8 @@ struct VFileInfo {
   std::int64_t size = 0;              // bytes
 };
 
-// The system's number of the last call of this layer that has failed, 0 when none has yet. What is
-// missing where that is no failure does not count.
+// The system's number of the last call of this layer that has failed, 0 when none has yet. A
+// missing path does not count where its function calls that success.
 int v_fs_utils_get_last_error_number();
 
 // Between file names as the system gives them and UTF-8. Null with "Could not convert filename to
@@ -39,10 +39,10 @@ bool v_fs_utils_close_file(OwnedFile file);
 OwnedFolder v_fs_utils_open_folder(const char *path);
 // The next entry's name ("." and ".." included, in the system's order); at the end true with null.
 // False with "Cannot read folder contents." or "Could not convert filename to unicode."; after the
-// latter the listing goes on behind the entry.
+// latter, the next call goes on with the entry that follows.
 bool v_fs_utils_next_folder_entry(DIR *listing, OwnedText &name);
-// The same for who looks for certain names: passes over those that cannot be converted. Null at the
-// end, and where the folder cannot be read any further.
+// The same for callers that look for certain names: entries whose name cannot be converted are
+// passed over. Null at the end, and where the folder cannot be read any further.
 OwnedText v_fs_utils_next_convertible_folder_entry(DIR *listing);
 // Closes; null is success. False with "Cannot close folder.".
 bool v_fs_utils_close_folder(OwnedFolder listing);
@@ -63,6 +63,8 @@ void v_fs_utils_discard_file(const char *path);
 // Fills the record, following links; a missing path is success with every field zero. False with
 // "Cannot get file status.".
 bool v_fs_utils_get_info(const char *path, VFileInfo &info);
+// True when nothing is at the path; a path that cannot be asked about counts as taken.
+bool v_fs_utils_is_missing(const char *path);
 
 // Whether the record is that of a regular file. A socket has the file's bit of the mode as well,
 // and the folder's.

@@ -5,7 +5,7 @@
 
 #include "base/owned.h"
 
-// Path (UTF-8) of the own executable. Null with "Error getting exe path from system.".
+// Path (UTF-8) of this program's executable. Null with "Error getting exe path from system.".
 OwnedText v_platform_get_exe_path();
 // Path (UTF-8) of the executable of a running process. Null when there is no such process or it may
 // not be asked for; no message of its own.

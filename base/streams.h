@@ -80,8 +80,9 @@ OwnedOutputStream v_output_stream_new_for_memory();
 // out of memory."). Nothing is written for n = 0, which never fails.
 bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t n);
 // Ends the writing: hands everything to the system and closes a file that the stream created, so
-// that a full disk is noticed while there is still somebody to tell: "File write error.". Memory
-// streams, and a stream without a file, have nothing to finish.
+// that a full disk is noticed while there is still somebody to tell. "File write error.", or
+// "Creating file failed." when there never was a file. A memory stream, and a file that is finished
+// already, have nothing left to do.
 bool v_output_stream_finish(VOutputStream *stream);
 // The bytes written to a memory stream, followed by a zero byte that length does not count; the
 // stream is empty afterwards. Any other stream gives "" and length 0.

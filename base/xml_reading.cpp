@@ -63,8 +63,10 @@ xmlParserInput *refuse_external_entity(const char *, const char *, xmlParserCtxt
   return nullptr;
 }
 
-// The parser's process-wide switches for the time of one parse: entities are substituted, external
-// ones are known of and never loaded, and the report is collected.
+// The parser's process-wide state for the time of one parse. The report is collected, and external
+// entities are never loaded. The two defaults are for whatever reads by the defaults alone: a
+// parser context goes by its own options, which leave references to entities in the tree, where
+// append_text follows them.
 class ParserSettings {
 public:
   ParserSettings()

@@ -29,6 +29,7 @@ using XmlChildReader = std::function<XmlChild(xmlDoc *document, xmlNode *child)>
 // As v_xml_parse_file, and meanwhile hands out the children of the root in their order, whatever
 // kind of node they are, and frees those that are done with: a large file never lies in the memory
 // as a whole. What was handed out counts for nothing when the document does not parse in the end.
+// The reader must not parse another document, nor throw.
 OwnedXmlDoc v_xml_parse_file_by_children(const char *path, const XmlChildReader &read_child);
 // v_xml_parse_file for a document in memory, length in bytes (below 2^31). Null with the parser's
 // report as above.

@@ -1,13 +1,13 @@
 #pragma once
 // Codeset files: XML in ISO-8859-1, read tolerantly and written in one exact form. What the editing
-// window can produce reads back equal, codes with "&" or "<" excepted: codes are written as they
-// are.
+// window can produce reads back equal, codes with "&", "<" or "]]>" excepted: codes are written as
+// they are.
 
 #include "codeset/codeset.h"
 
 // Reads a file (path in UTF-8); the remarks come in remark code order. Null with "Error loading
-// codeset file." before the parser's report, "Not a codeset file.", or "Error parsing codeset
-// file." before what is wrong.
+// codeset file." before the parser's report, "Invalid codeset file.", "Not a codeset file.", or
+// "Error parsing codeset file." before what is wrong.
 OwnedCodeset v_codeset_io_read_from_file(const char *path);
 // The same for a file of the given name in the given folder of a workspace.
 OwnedCodeset v_codeset_io_read_from_file_in_workspace(const char *workspace_folder_path,

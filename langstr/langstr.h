@@ -34,7 +34,7 @@ void v_langstr_index_free(VLangstrIndex *index);
 // becomes long keeps an index.
 struct VLangstrCollection {
   OwnedLangstr langstr; // may be taken, and is not changed by others before
-  int walks = 0;
+  int walks = 0;        // translations that were set without an index
   Owned<VLangstrIndex, v_langstr_index_free> index;
 };
 

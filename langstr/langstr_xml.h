@@ -35,8 +35,7 @@ bool v_xml_collect_langstr_translation(VLangstrCollection &collection, xmlDoc *d
 // Appends one line per translation, indented by depth tabs, in ISO-8859-1.
 void v_xml_append_langstr(std::string &xml, const VLangstr *langstr, const char *element_name,
                           int depth);
-// Writes the same. False with "File I/O
-// error when writing to file."; what was written stays.
+// Writes the same. False with "File I/O error when writing to file."; what was written stays.
 bool v_xml_write_langstr(std::FILE *stream, const VLangstr *langstr, const char *element_name,
                          int depth);
 // Adds one child element per translation to a tree. False with the message of the tree builder.

@@ -25,11 +25,6 @@ bool is_folder(const char *path) {
   return v_fs_utils_get_info(path, info) && info.exists && info.is_folder;
 }
 
-bool is_missing(const char *path) {
-  VFileInfo info;
-  return v_fs_utils_get_info(path, info) && !info.exists;
-}
-
 // Sets the path of a sub-folder and makes it if it is missing.
 bool open_sub_folder(OwnedText &sub_folder_path, const char *folder_path, const char *name) {
   sub_folder_path = v_fs_utils_create_path_in_folder(folder_path, name);
@@ -84,7 +79,7 @@ OwnedWorkspace v_workspace_open() {
 bool v_workspace_create(const char *folder_path) {
   const OwnedText path = copy_text(folder_path);
   v_fs_utils_strip_ending_path_delimiters(path.get());
-  if (!is_missing(path.get()) || !v_fs_utils_create_folder(path.get())) {
+  if (!v_fs_utils_is_missing(path.get()) || !v_fs_utils_create_folder(path.get())) {
     return false;
   }
   if (!fill_new_workspace(path.get())) {

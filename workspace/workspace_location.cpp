@@ -76,5 +76,6 @@ bool v_workspace_save_folder_path(const char *path) {
 
 OwnedText v_workspace_get_default_folder_path() {
   const OwnedText home = v_fs_utils_convert_glibfsenc_to_utf8(g_get_home_dir());
-  return home ? v_fs_utils_create_path_in_folder(home.get(), "Vantorelle Workspace") : nullptr;
+  return home ? v_fs_utils_create_path_in_folder(home.get(), v_workspace_default_folder_name)
+              : nullptr;
 }

@@ -15,5 +15,7 @@ OwnedText get_workspace_pointer_file_path(FolderCreation creation);
 bool v_workspace_get_saved_folder_path(OwnedText &path);
 // Saves the folder; null removes the pointer file. False with a message.
 bool v_workspace_save_folder_path(const char *path);
-// "Vantorelle Workspace" in the home folder; null when the home folder cannot be had.
+// What a workspace is called unless its owner wants another name.
+inline constexpr const char *v_workspace_default_folder_name = "Vantorelle Workspace";
+// The folder of that name in the home folder; null when the home folder cannot be had.
 OwnedText v_workspace_get_default_folder_path();

@@ -1,7 +1,6 @@
 #include "gui/components/component_list.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "base/fs_utils.h"
 #include "gui/accessibility.h"
@@ -63,7 +62,7 @@ void v_component_list_announce_kind(GtkTreeView *view, const VComponentKind &kin
 void v_component_list_show_text(GtkCellRenderer *cell, const char *text) {
   const int limit = GPOINTER_TO_INT(g_object_get_data(G_OBJECT(cell), longest_text_key));
   const int longest = limit > 0 ? limit : longest_text;
-  const bool overlong = std::strlen(text) > static_cast<std::size_t>(longest);
+  const bool overlong = g_utf8_strlen(text, -1) > longest;
   g_object_set(cell, "text", text, "ellipsize",
                overlong ? PANGO_ELLIPSIZE_END : PANGO_ELLIPSIZE_NONE, "width-chars",
                overlong ? longest : -1, nullptr);

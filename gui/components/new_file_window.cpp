@@ -76,11 +76,9 @@ bool check_form(const NewFileWindow *state, const char *name) {
   return true;
 }
 
-// Whether nothing is at the path; says so if not. A path that cannot be asked about counts as
-// taken.
+// Whether nothing is at the path; says so if not.
 bool check_free(const NewFileWindow *state, const char *path) {
-  VFileInfo info;
-  if (v_fs_utils_get_info(path, info) && !info.exists) {
+  if (v_fs_utils_is_missing(path)) {
     return true;
   }
   if (const OwnedText text = state->kind.text_callback(path, state->kind.user_data)) {

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr const char *workspace_folder_name = "Vantorelle Workspace";
-
 // The texts have their own line breaks; what stands beside them are the names of the pages.
 constexpr int widest_line = 120;
 constexpr int characters_beside_text = 27;
@@ -65,7 +63,7 @@ void append_intro_page(NewWorkspaceAssistant *state) {
       "but this guide will let you choose a different location should you want to.\n"
       "\n"
       "Click [Next] to continue.",
-      workspace_folder_name));
+      v_workspace_default_folder_name));
   pack_text(page, text.get());
 }
 
@@ -133,7 +131,7 @@ void browse_callback(GtkButton *, NewWorkspaceAssistant *state) {
   if (const OwnedText folder = v_file_dialog_get_folder_path(
           state->window_stack, "Select a parent folder for your workspace")) {
     const OwnedText location =
-        v_fs_utils_create_path_in_folder(folder.get(), workspace_folder_name);
+        v_fs_utils_create_path_in_folder(folder.get(), v_workspace_default_folder_name);
     v_gui_set_entry_text(state->location_entry, location.get());
   }
 }

@@ -147,7 +147,7 @@ TEST_F(CodesetIo, ReadsBackWhatItHasWritten) {
 }
 
 TEST_F(CodesetIo, ACodeThatIsMarkupMakesAFileThatIsRejected) {
-  for (const char *code : {"a&b", "a<b", "&", "<code>"}) {
+  for (const char *code : {"a&b", "a<b", "&", "<code>", "a]]>b"}) {
     written(codeset_of({{"sv", "n"}}, {}, nullptr, {{code, {{"sv", "x"}}}}).get());
     EXPECT_EQ(v_codeset_io_read_from_file(path.c_str()), nullptr);
     EXPECT_THAT(v_error_get(),

@@ -27,6 +27,24 @@ std::string create_svg(const std::string &attributes) {
          "><rect width=\"3\" height=\"3\"/></svg>";
 }
 
+TEST(Image, TheGraphicsLibrarysFailuresAreKnownByTheirNumbers) {
+  const struct {
+    cairo_status_t status;
+    const char *message;
+  } rows[] = {
+      {CAIRO_STATUS_NO_MEMORY, "The program has run out of memory."},
+      {CAIRO_STATUS_READ_ERROR, "Error reading data."},
+      {CAIRO_STATUS_WRITE_ERROR, "Error writing data."},
+      {CAIRO_STATUS_FILE_NOT_FOUND, "File not found error."},
+      {CAIRO_STATUS_PNG_ERROR, "PNG error."},
+      {CAIRO_STATUS_SURFACE_FINISHED, "An internal error in the graphics subsystem occurred."},
+  };
+  for (const auto &row : rows) {
+    v_error_set_from_cairo_status(row.status);
+    EXPECT_STREQ(v_error_get(), row.message);
+  }
+}
+
 TEST(Pixels, DimensionsHaveALimit) {
   struct {
     std::int64_t width;

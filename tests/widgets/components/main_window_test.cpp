@@ -84,8 +84,7 @@ protected:
         "the window \"Select one to add\"", [] { return top_window() != nullptr && !is_on_top(); },
         [] { select_row(top_window(), "a.codeset"); });
     script.click("OK");
-    script.answer("Question", "Really overwrite \"Mine\" with \"" + delivered("a.codeset") + "\"?",
-                  "Yes");
+    answer_question("Really overwrite \"Mine\" with \"" + delivered("a.codeset") + "\"?", "Yes");
     script.answer("Error", "An error occured when writing file.\n\n" + managed("a.codeset"),
                   "Close");
     close();
@@ -113,6 +112,21 @@ protected:
         "the window with the focus in its list",
         [] { return is_on_top() && gtk_widget_has_focus(GTK_WIDGET(list_of(top_window()))); },
         [] {});
+  }
+
+  // All questions of this window are asked with the sign of a warning.
+  void answer_question(const std::string &message, const char *label) {
+    script.when(
+        "the question \"" + message + "\"",
+        [message] { return top_window() != nullptr && message_of(top_window()) == message; },
+        [] {
+          const char *icon_name = nullptr;
+          auto *image = find_widget<GtkImage>(GTK_WIDGET(top_window()), GTK_TYPE_IMAGE);
+          ASSERT_NE(image, nullptr);
+          gtk_image_get_icon_name(image, &icon_name, nullptr);
+          EXPECT_STREQ(icon_name, "dialog-warning");
+        });
+    script.answer("Question", message, label);
   }
 
   void check(std::function<void()> act) { script.when("the main window", is_on_top, act); }
@@ -296,8 +310,7 @@ TEST_F(MainWindow, NoticeComesAndGoesAndTheWindowShrinks) {
       [] { EXPECT_TRUE(shows_notice()); });
   select("bad.codeset");
   script.click("Delete");
-  script.answer("Question", "Do you really want to delete \"bad.codeset\" from your workspace?",
-                "Yes");
+  answer_question("Do you really want to delete \"bad.codeset\" from your workspace?", "Yes");
   script.when(
       "the window to shrink", [&] { return is_on_top() && height_of_top_window() == least_height; },
       [] { EXPECT_FALSE(shows_notice()); });
@@ -410,10 +423,12 @@ TEST_F(MainWindow, AddedFileMustHaveTheExtension) {
   await_start();
   script.click("Add from file");
   script.choose(elsewhere / "a.txt");
+  script.then([this] { write_file(managed("b.codeset"), "text:B"); });
   script.answer("Error", "The file name must end with \".codeset\".", "Close");
+  check([] { EXPECT_THAT(shown_texts(top_window()), ElementsAre("B")); });
   close();
   run();
-  EXPECT_THAT(list_folder(managed()), IsEmpty());
+  EXPECT_THAT(list_folder(managed()), ElementsAre("b.codeset"));
 }
 
 TEST_F(MainWindow, MissingFolderIsMadeForTheFirstFile) {
@@ -477,10 +492,13 @@ TEST_F(MainWindow, OverwritingIsAskedForWithBothTexts) {
   for (const char *label : {"No", "Yes"}) {
     script.click("Add from file");
     script.choose(elsewhere / "a.codeset");
-    script.answer("Question", "Really overwrite \"Old 100%s\" with \"New <b>&\"?", label);
+    script.then([this] { write_file(managed("z.codeset"), "text:Z"); });
+    answer_question("Really overwrite \"Old 100%s\" with \"New <b>&\"?", label);
     check([this, label] {
-      EXPECT_EQ(read_file(managed("a.codeset")),
-                std::string(label) == "No" ? "text:Old 100%s" : "text:New <b>&");
+      const bool is_kept = std::string(label) == "No";
+      EXPECT_EQ(read_file(managed("a.codeset")), is_kept ? "text:Old 100%s" : "text:New <b>&");
+      // The list is filled anew whatever the answer.
+      EXPECT_THAT(shown_texts(top_window()), ElementsAre(is_kept ? "Old 100%s" : "New <b>&", "Z"));
     });
   }
   close();
@@ -507,7 +525,7 @@ TEST_F(MainWindow, AddingAFileToWhereItIsLeavesItWhole) {
   await_start();
   script.click("Add from file");
   script.choose(managed("a.codeset"));
-  script.answer("Question", "Really overwrite \"A\" with \"A\"?", "Yes");
+  answer_question("Really overwrite \"A\" with \"A\"?", "Yes");
   close();
   run();
   EXPECT_EQ(read_file(managed("a.codeset")), "text:A");
@@ -651,7 +669,7 @@ TEST_F(MainWindow, EditingADeliveredFileIsAskedAbout) {
   await_start();
   select("A");
   script.click("Edit");
-  script.answer("Question", bundled_question, "No");
+  answer_question(bundled_question, "No");
   check([this] {
     EXPECT_THAT(edited, IsEmpty());
     EXPECT_FALSE(has_selection(top_window()));
@@ -662,7 +680,7 @@ TEST_F(MainWindow, EditingADeliveredFileIsAskedAbout) {
   check([this] { EXPECT_THAT(edited, IsEmpty()); });
   select("A");
   script.click("Edit");
-  script.answer("Question", bundled_question, "Yes");
+  answer_question(bundled_question, "Yes");
   check([this] { EXPECT_THAT(edited, ElementsAre(managed("a.codeset"))); });
   close();
   run();
@@ -744,7 +762,7 @@ TEST_F(MainWindow, DeletingIsAskedForWithTheText) {
   await_start();
   select("Paper 100%s <b>&");
   script.click("Delete");
-  script.answer("Question", question, "No");
+  answer_question(question, "No");
   check([this] { EXPECT_TRUE(path_exists(managed("a.codeset"))); });
   select("Paper 100%s <b>&");
   script.click("Delete");
@@ -752,7 +770,7 @@ TEST_F(MainWindow, DeletingIsAskedForWithTheText) {
   check([this] { EXPECT_TRUE(path_exists(managed("a.codeset"))); });
   select("Paper 100%s <b>&");
   script.click("Delete");
-  script.answer("Question", question, "Yes");
+  answer_question(question, "Yes");
   check([this] {
     EXPECT_FALSE(path_exists(managed("a.codeset")));
     EXPECT_THAT(shown_texts(top_window()), IsEmpty());
@@ -771,7 +789,7 @@ TEST_F(MainWindow, DeletingOneOfSeveralSelectsNoOther) {
   await_start();
   select("b");
   script.click("Delete");
-  script.answer("Question", "Do you really want to delete \"b\" from your workspace?", "Yes");
+  answer_question("Do you really want to delete \"b\" from your workspace?", "Yes");
   check([] {
     EXPECT_THAT(shown_texts(top_window()), ElementsAre("a", "c"));
     EXPECT_FALSE(has_selection(top_window()));
@@ -788,7 +806,7 @@ TEST_F(MainWindow, DeletingWhatIsGoneAlreadyIsNoError) {
   select("A");
   check([this] { ASSERT_EQ(unlink(managed("a.codeset").c_str()), 0); });
   script.click("Delete");
-  script.answer("Question", "Do you really want to delete \"A\" from your workspace?", "Yes");
+  answer_question("Do you really want to delete \"A\" from your workspace?", "Yes");
   check([] { EXPECT_THAT(shown_texts(top_window()), IsEmpty()); });
   close();
   run();
@@ -804,7 +822,7 @@ TEST_F(MainWindow, DeletingWhatCannotBeDeletedShowsThePath) {
     make_folder(managed("a.codeset"));
   });
   script.click("Delete");
-  script.answer("Question", "Do you really want to delete \"A\" from your workspace?", "Yes");
+  answer_question("Do you really want to delete \"A\" from your workspace?", "Yes");
   script.answer("Error", "Couldn't delete the file.\n\n" + managed("a.codeset"), "Close");
   check([] { EXPECT_THAT(shown_texts(top_window()), IsEmpty()); });
   close();
