@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include <libxml/chvalid.h>
 #include <libxml/xmlerror.h>
 #include <libxml/xmlsave.h>
 
@@ -97,6 +98,19 @@ int write_whole(void *stream, const char *bytes, int length) {
   return std::fwrite(bytes, 1, size, static_cast<std::FILE *>(stream)) == size ? length : -1;
 }
 
+// Of what no XML document may hold, not even as a reference. The parser library writes it all the
+// same, and then refuses to read it.
+bool has_forbidden_character(const char *utf8_text) {
+  if (g_utf8_validate(utf8_text, -1, nullptr)) {
+    for (const char *at = utf8_text; *at != '\0'; at = g_utf8_next_char(at)) {
+      if (!xmlIsCharQ(g_utf8_get_char(at))) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
 } // namespace
 
 OwnedXmlDoc v_xml_new_doc() {
@@ -146,7 +160,8 @@ bool v_xml_set_attribute(xmlNode *node, const char *name, const char *value) {
     v_error_set("Missing value for XML attribute.");
     return false;
   }
-  return or_fail(make_whole([&] { return xmlSetProp(node, as_xml(name), as_xml(value)); }),
+  const auto set = [&] { return xmlSetProp(node, as_xml(name), as_xml(value)); };
+  return or_fail(has_forbidden_character(value) ? nullptr : make_whole(set),
                  "Error when setting an XML attribute.") != nullptr;
 }
 

@@ -115,8 +115,7 @@ void delete_components_folder(const char *workspace_folder, const char *sub_fold
   const OwnedText message = copy_text(v_error_get());
   const OwnedText folder = v_fs_utils_create_path_in_folder(workspace_folder, sub_folder);
   if (const OwnedFolder listing = v_fs_utils_open_folder(folder.get())) {
-    OwnedText name;
-    while (v_fs_utils_next_folder_entry(listing.get(), name) && name) {
+    while (const OwnedText name = v_fs_utils_next_convertible_folder_entry(listing.get())) {
       v_fs_utils_discard_file(v_fs_utils_create_path_in_folder(folder.get(), name.get()).get());
     }
   }

@@ -125,6 +125,18 @@ TEST_F(XmlWriting, AttributeWithoutAValue) {
   EXPECT_FALSE(v_xml_node_has_attribute(root, "x"));
 }
 
+TEST_F(XmlWriting, AttributeThatCouldNotBeReadAgain) {
+  for (const char *value : {"a\x01z", "\x1F", "\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
+    v_error_clear();
+    EXPECT_FALSE(v_xml_set_attribute(root, "x", value));
+    EXPECT_STREQ(v_error_get(), "Error when setting an XML attribute.");
+  }
+  EXPECT_FALSE(v_xml_node_has_attribute(root, "x"));
+  for (const char *value : {"\t\n\r", "\x7F\xC2\x80", "\xEF\xBF\xBD", "\xF4\x8F\xBF\xBF"}) {
+    EXPECT_TRUE(v_xml_set_attribute(root, "x", value));
+  }
+}
+
 TEST_F(XmlWriting, RefusedAttribute) {
   xmlNode *text = xmlNewText(reinterpret_cast<const xmlChar *>("text"));
   xmlAddChild(root, text);

@@ -200,6 +200,14 @@ TEST_F(Workspace, CreatingWhereNoFolderCanBeMade) {
   EXPECT_EQ(saved_path(), "(none)");
 }
 
+TEST_F(Workspace, CreatingUnderANameThatCannotBeRemembered) {
+  deliver_some();
+  EXPECT_FALSE(v_workspace_create((folder + "\x01").c_str()));
+  EXPECT_STREQ(v_error_get(), "Error when setting an XML attribute.");
+  EXPECT_EQ(list_folder(machine.folder.path()), std::vector<std::string>());
+  EXPECT_EQ(saved_path(), "(none)");
+}
+
 TEST_F(Workspace, AFailingInstallationUndoesEverythingAndTellsWhy) {
   for (const char *failing : {"codesets", "layouts", "templates"}) {
     SCOPED_TRACE(failing);
