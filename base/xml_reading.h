@@ -1,43 +1,12 @@
 #pragma once
-// XML in: parsing with the parser's own report in the error state, and getters that turn everything
-// missing or malformed into a fixed message. Names are compared without namespaces. Attribute
-// values and text come back in the encoding that the getter's name says; the parser itself works in
-// UTF-8.
+// XML in, second half: getters that turn everything missing or malformed in a parsed tree into a
+// fixed message. Names are compared without namespaces. Attribute values and text come back in the
+// encoding that the getter's name says; the tree itself is in UTF-8.
 //
-// No file takes the program down by its entities: a document that refers to them ten million times
-// (a thousand times to parameter entities) does not parse, and what entities and declared defaults
-// add to all texts of a document is limited to 10,000,000 bytes; what lies beyond counts as
-// unreadable. The document's _private field keeps that sum.
+// What entities and declared defaults add to all texts of a document is limited to 10,000,000
+// bytes; what lies beyond counts as unreadable. The document's _private field keeps that sum.
 
-#include <cstddef>
-#include <functional>
-
-#include <libxml/tree.h>
-
-#include "base/owned.h"
-
-// Parses the file (path in UTF-8; its own declaration decides on the encoding). Entities declared
-// in the file are known, nothing outside the file is ever opened. Null with the message of opening,
-// or with the parser's report (15 lines at most) and "Could not parse XML data." in front.
-OwnedXmlDoc v_xml_parse_file(const char *path);
-// True with null when there is no file at the path. False as v_xml_parse_file, or when the path
-// cannot be asked for.
-bool v_xml_parse_file_if_exists(OwnedXmlDoc &document, const char *path);
-// What becomes of a child of the root once it was handed out.
-enum class XmlChild { kept, done_with };
-using XmlChildReader = std::function<XmlChild(xmlDoc *document, xmlNode *child)>;
-// As v_xml_parse_file, and meanwhile hands out the children of the root in their order, whatever
-// kind of node they are, and frees those that are done with: a large file never lies in the memory
-// as a whole. What was handed out counts for nothing when the document does not parse in the end.
-// The reader must not parse another document, nor throw.
-OwnedXmlDoc v_xml_parse_file_by_children(const char *path, const XmlChildReader &read_child);
-// v_xml_parse_file for a document in memory, length in bytes (below 2^31). Null with the parser's
-// report as above.
-OwnedXmlDoc v_xml_parse_memory(const char *data, std::size_t length);
-// Null is allowed.
-void v_xml_free_doc(xmlDoc *document);
-// Borrowed; null with "Missing root element in XML tree.".
-xmlNode *v_xml_get_root_element(xmlDoc *document);
+#include "base/xml_parsing.h"
 
 bool v_xml_node_has_name(const xmlNode *node, const char *name);
 // The node's name, borrowed; null for nodes that have none (CDATA).
