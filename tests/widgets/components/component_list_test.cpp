@@ -1,5 +1,7 @@
 #include "gui/components/component_list.h"
 
+#include <utility>
+
 #include <gmock/gmock.h>
 
 #include "component_fixture.h"
@@ -55,6 +57,28 @@ TEST_F(ComponentList, LeavesNoDescriptorOpen) {
   const int before = count_open_descriptors();
   v_component_list_find_names(managed().c_str(), kind);
   EXPECT_EQ(count_open_descriptors(), before);
+}
+
+TEST_F(ComponentList, IsAListInAFrameThatScrolls) {
+  const OwnedObject<GtkBox> box(
+      GTK_BOX(g_object_ref_sink(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0))));
+  const OwnedObject<GtkListStore> list = v_component_list_new();
+  GtkTreeView *view = v_component_list_pack_view(box.get(), list.get(), nullptr);
+  EXPECT_EQ(gtk_tree_view_get_model(view), GTK_TREE_MODEL(list.get()));
+  EXPECT_EQ(gtk_tree_selection_get_mode(gtk_tree_view_get_selection(view)), GTK_SELECTION_SINGLE);
+  EXPECT_EQ(gtk_tree_view_get_n_columns(view), 1U);
+  auto *scroller = GTK_SCROLLED_WINDOW(gtk_widget_get_parent(GTK_WIDGET(view)));
+  int width = 0;
+  int height = 0;
+  gtk_widget_get_size_request(GTK_WIDGET(scroller), &width, &height);
+  EXPECT_EQ(std::pair(width, height), std::pair(300, 250));
+  GtkPolicyType horizontal = GTK_POLICY_ALWAYS;
+  GtkPolicyType vertical = GTK_POLICY_ALWAYS;
+  gtk_scrolled_window_get_policy(scroller, &horizontal, &vertical);
+  EXPECT_EQ(horizontal, GTK_POLICY_NEVER);
+  EXPECT_EQ(vertical, GTK_POLICY_AUTOMATIC);
+  EXPECT_EQ(gtk_scrolled_window_get_shadow_type(scroller), GTK_SHADOW_IN);
+  EXPECT_FALSE(gtk_scrolled_window_get_overlay_scrolling(scroller));
 }
 
 TEST_F(ComponentList, SortsByTextAndNoTextFirst) {

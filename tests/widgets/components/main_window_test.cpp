@@ -195,6 +195,34 @@ TEST_F(MainWindow, ButtonsStandInTheirOrder) {
   run();
 }
 
+// The last button stands at the bottom of the column, however high the window is; a little room
+// more than between the others is left above it.
+TEST_F(MainWindow, RefreshingIsAtTheBottom) {
+  await_start();
+  check([] {
+    GtkWidget *window = GTK_WIDGET(top_window());
+    GtkWidget *refresh = GTK_WIDGET(find_button(window, "Refresh list"));
+    GtkWidget *place = gtk_widget_get_parent(refresh);
+    GtkWidget *column = gtk_widget_get_parent(place);
+    EXPECT_EQ(gtk_widget_get_allocated_width(refresh), gtk_widget_get_allocated_width(column));
+    EXPECT_EQ(gtk_widget_get_allocated_width(GTK_WIDGET(find_button(window, "Delete"))),
+              gtk_widget_get_allocated_width(column));
+    int bottom = 0;
+    ASSERT_TRUE(gtk_widget_translate_coordinates(
+        refresh, column, 0, gtk_widget_get_allocated_height(refresh), nullptr, &bottom));
+    EXPECT_EQ(bottom, gtk_widget_get_allocated_height(column));
+    int delete_bottom = 0;
+    int place_top = 0;
+    GtkWidget *button = GTK_WIDGET(find_button(window, "Delete"));
+    gtk_widget_translate_coordinates(button, column, 0, gtk_widget_get_allocated_height(button),
+                                     nullptr, &delete_bottom);
+    gtk_widget_translate_coordinates(place, column, 0, 0, nullptr, &place_top);
+    EXPECT_EQ(place_top - delete_bottom, 8 + 10 + 8);
+  });
+  close();
+  run();
+}
+
 TEST_F(MainWindow, ButtonsThatCanDoNothingDoNotExist) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");

@@ -448,6 +448,14 @@ TEST_F(LangstrEditorTest, LaysOutOneLinePerRow) {
   expect_cell(plus_button(), 3, 4, 2, 3, shrink, shrink);
   EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(plus_button())), " + ");
   EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(delete_button(0))), " - ");
+  for (GtkWidget *button : {GTK_WIDGET(plus_button()), GTK_WIDGET(delete_button(0))}) {
+    int x_padding = -1;
+    int y_padding = -1;
+    g_object_get(gtk_bin_get_child(GTK_BIN(button)), "xpad", &x_padding, "ypad", &y_padding,
+                 nullptr);
+    EXPECT_EQ(x_padding, 0);
+    EXPECT_EQ(y_padding, 0);
+  }
   click(plus_button());
   EXPECT_EQ(table_rows(), 4u);
   expect_cell(plus_button(), 3, 4, 3, 4, shrink, shrink);

@@ -231,6 +231,12 @@ TEST_F(EditingWindow, HasTheListBesideTheDescription) {
     EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(GTK_WIDGET(version_entry()))),
                  "Version");
     EXPECT_EQ(gtk_container_get_border_width(GTK_CONTAINER(window())), 8U);
+    // The list takes what the window has to give.
+    GtkWidget *codes_frame = GTK_WIDGET(frame("Remark codes: (Required)"));
+    gboolean grows = FALSE;
+    gtk_container_child_get(GTK_CONTAINER(gtk_widget_get_parent(codes_frame)), codes_frame,
+                            "expand", &grows, nullptr);
+    EXPECT_TRUE(grows);
   });
   close_without_saving();
   run();
