@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "gui/button.h"
 #include "gui/css.h"
 #include "gui/owned_objects.h"
 #include "gui/placing.h"
@@ -226,7 +227,7 @@ GtkLabel *v_gui_pack_label_with_markup(GtkBox *box, const char *markup, float x_
 }
 
 GtkButton *v_gui_create_button(const char *label) {
-  return GTK_BUTTON(shown(label == nullptr ? gtk_button_new() : gtk_button_new_with_label(label)));
+  return GTK_BUTTON(shown(v_button_new(label)));
 }
 
 GtkButton *v_gui_pack_button(GtkBox *box, const char *label, MakeDefault make_default) {

@@ -377,6 +377,33 @@ class Accessibility(Journey):
         self.assertIn('<description lang="en-uk">Flaking paint</description>', saved)
         self.assertIn('<description lang="en">Loss of paint</description>', saved)
 
+    def test_buttons_are_pressed_by_assistive_technologies(self):
+        """What a button opens is there for who has asked for it."""
+        program, window = self.open_main_window()
+        window.button("Clone").act()
+        naming = program.window("Add new")
+        naming.button("OK").act()
+        program.dialog("Error").button("Close").act()
+        naming.button("Cancel").act()
+        naming.expect_closed()
+        window.list().row("Own (Vera) 1").select()
+        window.button("Edit").act()
+        editing = program.window("Edit remark codeset - own.codeset")
+        editing.button("Add new").act()
+        dialog = program.window("Edit remark code")
+        dialog.button(" + ").act()
+        dialog.button(" - ", index=-1).act()
+        dialog.button("Cancel").act()
+        dialog.expect_closed()
+        editing.button("Close").act()
+        program.dialog("Really close?").button("Close").act()
+        editing.expect_closed()
+        window.button("Add from file").act()
+        chooser = program.file_chooser("Select a file to add")
+        chooser.cancel()
+        window.close()
+        program.expect_exit(0)
+
     def press_until_focus(self, window, name):
         """Presses Tab until the widget of that name has the focus."""
         window.expect_active()

@@ -190,6 +190,11 @@ class Widget:
         x, y, width, height = self.resting_extents()
         display.click(x + width // 2, y + height // 2, button, times)
 
+    def act(self):
+        """Does its first action, as a screen reader or another assistive technology asks for it."""
+        self.program.wait(lambda: self.is_sensitive, lambda: f"{self!r} to become sensitive")
+        self.accessible.get_action_iface().do_action(0)
+
     def resting_extents(self):
         """Its place on the screen when two looks in a row agree."""
         looks = [None]

@@ -1,0 +1,66 @@
+#include "gui/button.h"
+
+#include <gtk/gtk-a11y.h>
+
+#include "gui/owned_objects.h"
+
+struct _VButton {
+  GtkButton parent_instance;
+};
+
+G_DEFINE_TYPE(VButton, v_button, GTK_TYPE_BUTTON)
+
+namespace {
+
+struct VButtonAccessible {
+  GtkButtonAccessible parent_instance;
+};
+
+struct VButtonAccessibleClass {
+  GtkButtonAccessibleClass parent_class;
+};
+
+bool can_be_pressed(GtkWidget *button) {
+  return gtk_widget_is_sensitive(button) && gtk_widget_is_visible(button);
+}
+
+// Meanwhile another window may have covered the button's, or the button may be gone from it.
+gboolean press_callback(void *button) {
+  if (can_be_pressed(GTK_WIDGET(button))) {
+    gtk_button_clicked(GTK_BUTTON(button));
+  }
+  return G_SOURCE_REMOVE;
+}
+
+// The only action of a button is the first.
+gboolean do_action(AtkAction *accessible, int action) {
+  GtkWidget *button = gtk_accessible_get_widget(GTK_ACCESSIBLE(accessible));
+  if (action != 0 || button == nullptr || !can_be_pressed(button)) {
+    return FALSE;
+  }
+  g_idle_add_full(G_PRIORITY_DEFAULT, press_callback, share(button).release(), g_object_unref);
+  return TRUE;
+}
+
+void implement_action(void *interface, void *) {
+  static_cast<AtkActionIface *>(interface)->do_action = do_action;
+}
+
+} // namespace
+
+G_DEFINE_TYPE_WITH_CODE(VButtonAccessible, v_button_accessible, GTK_TYPE_BUTTON_ACCESSIBLE,
+                        G_IMPLEMENT_INTERFACE(ATK_TYPE_ACTION, implement_action))
+
+static void v_button_accessible_class_init(VButtonAccessibleClass *) {}
+
+static void v_button_accessible_init(VButtonAccessible *) {}
+
+static void v_button_class_init(VButtonClass *klass) {
+  gtk_widget_class_set_accessible_type(GTK_WIDGET_CLASS(klass), v_button_accessible_get_type());
+}
+
+static void v_button_init(VButton *) {}
+
+GtkWidget *v_button_new(const char *label) {
+  return GTK_WIDGET(g_object_new(V_TYPE_BUTTON, "label", label, nullptr));
+}
