@@ -145,7 +145,8 @@ class WithoutDisplay(unittest.TestCase):
     def expect_nothing_left(self, session, status, sockets):
         # By the sockets: the port may be another session's by now.
         session.expect_end(status)
-        self.assertTrue(sockets.isdisjoint(listening_sockets()))
+        # A process that is killed shows no command line any more before the system has closed its sockets.
+        wait_until(lambda: sockets.isdisjoint(listening_sockets()), lambda: f"{sockets!r} to be closed")
         self.assertEqual(list(self.scratch.iterdir()), [])
 
     def leave_picture(self):
