@@ -226,9 +226,7 @@ GtkLabel *v_gui_pack_label_with_markup(GtkBox *box, const char *markup, float x_
   return packed(box, Expand::no, create_label_with_markup(markup, x_align, y_align));
 }
 
-GtkButton *v_gui_create_button(const char *label) {
-  return GTK_BUTTON(shown(v_button_new(label)));
-}
+GtkButton *v_gui_create_button(const char *label) { return GTK_BUTTON(shown(v_button_new(label))); }
 
 GtkButton *v_gui_pack_button(GtkBox *box, const char *label, MakeDefault make_default) {
   GtkButton *button = packed(box, Expand::no, v_gui_create_button(label));
