@@ -151,6 +151,21 @@ GtkLabel *label_of(GtkWidget *widget) {
   return label;
 }
 
+void expect_scrolls_downwards(GtkScrolledWindow *scroller, int width, int height) {
+  int asked_width = 0;
+  int asked_height = 0;
+  gtk_widget_get_size_request(GTK_WIDGET(scroller), &asked_width, &asked_height);
+  EXPECT_EQ(asked_width, width);
+  EXPECT_EQ(asked_height, height);
+  GtkPolicyType horizontal = GTK_POLICY_ALWAYS;
+  GtkPolicyType vertical = GTK_POLICY_ALWAYS;
+  gtk_scrolled_window_get_policy(scroller, &horizontal, &vertical);
+  EXPECT_EQ(horizontal, GTK_POLICY_NEVER);
+  EXPECT_EQ(vertical, GTK_POLICY_AUTOMATIC);
+  EXPECT_EQ(gtk_scrolled_window_get_shadow_type(scroller), GTK_SHADOW_IN);
+  EXPECT_FALSE(gtk_scrolled_window_get_overlay_scrolling(scroller));
+}
+
 void after(unsigned milliseconds, std::function<void()> action) {
   auto *kept = new std::function<void()>(std::move(action));
   g_timeout_add_full(G_PRIORITY_DEFAULT, milliseconds, run_action, kept,

@@ -34,6 +34,10 @@ std::string message_of(GtkWindow *dialog);
 // The label widget that is said to be the label of the widget; null when there is none.
 GtkLabel *label_of(GtkWidget *widget);
 
+// Expects a scrolled window that asks for this room (pixels), scrolls up and down alone, and has a
+// sunken frame and a scroll bar that does not lie over the content.
+void expect_scrolls_downwards(GtkScrolledWindow *scroller, int width, int height);
+
 // Runs the action once, in whatever main loop is innermost then.
 void after(unsigned milliseconds, std::function<void()> action);
 // Runs the main loop until the condition holds; false when it does not within ten seconds.

@@ -1,7 +1,5 @@
 #include "gui/components/component_list.h"
 
-#include <utility>
-
 #include <gmock/gmock.h>
 
 #include "component_fixture.h"
@@ -67,18 +65,7 @@ TEST_F(ComponentList, IsAListInAFrameThatScrolls) {
   EXPECT_EQ(gtk_tree_view_get_model(view), GTK_TREE_MODEL(list.get()));
   EXPECT_EQ(gtk_tree_selection_get_mode(gtk_tree_view_get_selection(view)), GTK_SELECTION_SINGLE);
   EXPECT_EQ(gtk_tree_view_get_n_columns(view), 1U);
-  auto *scroller = GTK_SCROLLED_WINDOW(gtk_widget_get_parent(GTK_WIDGET(view)));
-  int width = 0;
-  int height = 0;
-  gtk_widget_get_size_request(GTK_WIDGET(scroller), &width, &height);
-  EXPECT_EQ(std::pair(width, height), std::pair(300, 250));
-  GtkPolicyType horizontal = GTK_POLICY_ALWAYS;
-  GtkPolicyType vertical = GTK_POLICY_ALWAYS;
-  gtk_scrolled_window_get_policy(scroller, &horizontal, &vertical);
-  EXPECT_EQ(horizontal, GTK_POLICY_NEVER);
-  EXPECT_EQ(vertical, GTK_POLICY_AUTOMATIC);
-  EXPECT_EQ(gtk_scrolled_window_get_shadow_type(scroller), GTK_SHADOW_IN);
-  EXPECT_FALSE(gtk_scrolled_window_get_overlay_scrolling(scroller));
+  expect_scrolls_downwards(GTK_SCROLLED_WINDOW(gtk_widget_get_parent(GTK_WIDGET(view))), 300, 250);
 }
 
 TEST_F(ComponentList, SortsByTextAndNoTextFirst) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "base/owned.h"
+#include "support/gui_driver.h"
 
 namespace {
 
@@ -47,19 +48,7 @@ OwnedLangstr translation(const char *tag, const char *latin1_text) {
 TEST_F(LangstrDisplayTest, IsAScrolledReadOnlyText) {
   EXPECT_STREQ(G_OBJECT_TYPE_NAME(widget), "VLangstrDisplay");
   EXPECT_EQ(g_type_parent(V_TYPE_LANGSTR_DISPLAY), GTK_TYPE_SCROLLED_WINDOW);
-  GtkScrolledWindow *scroller = GTK_SCROLLED_WINDOW(widget);
-  GtkPolicyType horizontal = GTK_POLICY_ALWAYS;
-  GtkPolicyType vertical = GTK_POLICY_ALWAYS;
-  gtk_scrolled_window_get_policy(scroller, &horizontal, &vertical);
-  EXPECT_EQ(horizontal, GTK_POLICY_NEVER);
-  EXPECT_EQ(vertical, GTK_POLICY_AUTOMATIC);
-  EXPECT_EQ(gtk_scrolled_window_get_shadow_type(scroller), GTK_SHADOW_IN);
-  EXPECT_FALSE(gtk_scrolled_window_get_overlay_scrolling(scroller));
-  int width = 0;
-  int height = 0;
-  gtk_widget_get_size_request(widget, &width, &height);
-  EXPECT_EQ(width, 300);
-  EXPECT_EQ(height, 150);
+  expect_scrolls_downwards(GTK_SCROLLED_WINDOW(widget), 300, 150);
   EXPECT_FALSE(gtk_text_view_get_editable(view()));
   EXPECT_FALSE(gtk_text_view_get_cursor_visible(view()));
   EXPECT_EQ(gtk_text_view_get_wrap_mode(view()), GTK_WRAP_WORD_CHAR);

@@ -204,24 +204,11 @@ TEST_F(EditingWindow, SavesByDefaultButNotFromAField) {
 TEST_F(EditingWindow, HasTheListBesideTheDescription) {
   write_paper();
   check([] {
-    auto *scroller = reinterpret_cast<GtkScrolledWindow *>(
-        gtk_widget_get_ancestor(GTK_WIDGET(codes()), GTK_TYPE_SCROLLED_WINDOW));
-    GtkPolicyType horizontal = GTK_POLICY_ALWAYS;
-    GtkPolicyType vertical = GTK_POLICY_ALWAYS;
-    gtk_scrolled_window_get_policy(scroller, &horizontal, &vertical);
-    EXPECT_EQ(horizontal, GTK_POLICY_NEVER);
-    EXPECT_EQ(vertical, GTK_POLICY_AUTOMATIC);
-    EXPECT_EQ(gtk_scrolled_window_get_shadow_type(scroller), GTK_SHADOW_IN);
-    EXPECT_FALSE(gtk_scrolled_window_get_overlay_scrolling(scroller));
-    int width = 0;
-    int height = 0;
-    gtk_widget_get_size_request(GTK_WIDGET(scroller), &width, &height);
-    EXPECT_EQ(width, 200);
-    EXPECT_EQ(height, 150);
-    gtk_widget_get_size_request(find_widget<GtkWidget>(window(), V_TYPE_LANGSTR_DISPLAY), &width,
-                                &height);
-    EXPECT_EQ(width, 300);
-    EXPECT_EQ(height, 150);
+    expect_scrolls_downwards(reinterpret_cast<GtkScrolledWindow *>(gtk_widget_get_ancestor(
+                                 GTK_WIDGET(codes()), GTK_TYPE_SCROLLED_WINDOW)),
+                             200, 150);
+    expect_scrolls_downwards(find_widget<GtkScrolledWindow>(window(), V_TYPE_LANGSTR_DISPLAY), 300,
+                             150);
     EXPECT_FALSE(gtk_tree_view_get_headers_visible(codes()));
     EXPECT_EQ(gtk_tree_view_get_n_columns(codes()), 1U);
     EXPECT_STREQ(gtk_tree_view_column_get_title(gtk_tree_view_get_column(codes(), 0)), "Remark");
