@@ -18,7 +18,7 @@ struct VFileInfo {
 };
 
 // The system's number of the last call of this layer that has failed, 0 when none has yet. A
-// missing path does not count where its function calls that success.
+// missing path does not count where the function takes it for success.
 int v_fs_utils_get_last_error_number();
 
 // Between file names as the system gives them and UTF-8. Null with "Could not convert filename to

@@ -98,10 +98,10 @@ int write_whole(void *stream, const char *bytes, int length) {
   return std::fwrite(bytes, 1, size, static_cast<std::FILE *>(stream)) == size ? length : -1;
 }
 
-// Of what no XML document may hold, not even as a reference. The parser library writes it all the
-// same, and then refuses to read it.
+// True for a text with a character that no XML document may hold, not even as a reference. The
+// parser library would write it all the same, and then refuse to read it.
 bool has_forbidden_character(const char *utf8_text) {
-  if (g_utf8_validate(utf8_text, -1, nullptr)) {
+  if (utf8_text != nullptr && g_utf8_validate(utf8_text, -1, nullptr)) {
     for (const char *at = utf8_text; *at != '\0'; at = g_utf8_next_char(at)) {
       if (!xmlIsCharQ(g_utf8_get_char(at))) {
         return true;
@@ -144,9 +144,11 @@ xmlNode *v_xml_add_child_element_with_ascii_text_content(xmlNode *parent, const 
 
 xmlNode *v_xml_add_child_element_with_utf8_text_content(xmlNode *parent, const char *name,
                                                         const char *utf8_text) {
-  return or_fail(
-      make_whole([&] { return xmlNewTextChild(parent, nullptr, as_xml(name), as_xml(utf8_text)); }),
-      "Error when creating an XML text child element.");
+  const auto make = [&] {
+    return xmlNewTextChild(parent, nullptr, as_xml(name), as_xml(utf8_text));
+  };
+  return or_fail(has_forbidden_character(utf8_text) ? nullptr : make_whole(make),
+                 "Error when creating an XML text child element.");
 }
 
 xmlNode *v_xml_add_child_element_with_latin1_text_content(xmlNode *parent, const char *name,

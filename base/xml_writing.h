@@ -25,7 +25,8 @@ xmlNode *v_xml_add_child_element_with_latin1_text_content(xmlNode *parent, const
                                                           const char *latin1_text);
 
 // The value is UTF-8. False with "Missing value for XML attribute." for null, "Error when setting
-// an XML attribute." when it is refused, as control characters are, which no XML can hold.
+// an XML attribute." when it is refused, as is one with a character that no XML document may hold
+// (most of those below the space; U+FFFE and U+FFFF).
 bool v_xml_set_attribute(xmlNode *node, const char *name, const char *value);
 bool v_xml_set_attribute_with_ascii_content(xmlNode *node, const char *name,
                                             const char *ascii_text);

@@ -3,7 +3,7 @@
 // toolkit runs the handlers before it has answered the technology's request. What a handler opens
 // runs a main loop of its own, and until that ends nothing could be asked of the program any more:
 // a screen reader would be left without the window that it has opened. Here the request is answered
-// first.
+// first. Message dialogs and the assistant have buttons of the toolkit's besides.
 
 #include <gtk/gtk.h>
 

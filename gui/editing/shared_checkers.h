@@ -9,5 +9,5 @@
 // may be done to it: who wants to makes one of the field's own.
 GspellChecker *v_shared_checkers_get(const GspellLanguage *language);
 // Lets go of all checkers, when no field is left. To be called before the program ends: the
-// libraries behind a checker go before what is static here.
+// libraries that a checker uses are torn down before this module's static objects.
 void v_shared_checkers_clean_up();

@@ -11,32 +11,32 @@ struct _VSpacifyingEntry {
 
   Compact compact;
   gulong insert_text_handler;
+  gsize cut_length; // bytes that were shown of a text that was too long
 };
 
 G_DEFINE_TYPE(VSpacifyingEntry, v_spacifying_entry, GTK_TYPE_ENTRY)
 
 namespace {
 
-// On an entry that cannot hold what it was given: the whole text (UTF-8), until the user changes
-// what is shown of it.
+// On an entry that cannot hold what it was given: the whole text (UTF-8).
 constexpr char whole_text_key[] = "vantorelle_whole_text";
 
 // The toolkit's entries hold 65,534 bytes and cut the rest off without a word.
 void remember_if_cut(VSpacifyingEntry *entry, const char *utf8_text) {
-  if (std::strcmp(gtk_entry_get_text(GTK_ENTRY(entry)), utf8_text) != 0) {
-    g_object_set_data_full(G_OBJECT(entry), whole_text_key, copy_text(utf8_text).release(), g_free);
-  }
+  const char *shown = gtk_entry_get_text(GTK_ENTRY(entry));
+  const bool is_cut = std::strcmp(shown, utf8_text) != 0;
+  entry->cut_length = std::strlen(shown);
+  g_object_set_data_full(G_OBJECT(entry), whole_text_key,
+                         is_cut ? copy_text(utf8_text).release() : nullptr, g_free);
 }
 
-// "changed", by the user or by the program.
-void change_callback(GtkEditable *editable, void *) {
-  g_object_set_data(G_OBJECT(editable), whole_text_key, nullptr);
-}
-
+// The whole text for as long as what is shown is the part of it that fits, else what is shown.
 const char *get_whole_text(VSpacifyingEntry *entry) {
-  const void *whole_text = g_object_get_data(G_OBJECT(entry), whole_text_key);
-  return whole_text != nullptr ? static_cast<const char *>(whole_text)
-                               : gtk_entry_get_text(GTK_ENTRY(entry));
+  const char *shown = gtk_entry_get_text(GTK_ENTRY(entry));
+  const auto *whole = static_cast<const char *>(g_object_get_data(G_OBJECT(entry), whole_text_key));
+  const bool is_unchanged =
+      whole != nullptr && std::strlen(shown) == entry->cut_length && g_str_has_prefix(whole, shown);
+  return is_unchanged ? whole : shown;
 }
 
 // "insert-text", before the toolkit inserts what is typed or pasted; moves the position behind it.
@@ -61,7 +61,6 @@ GtkWidget *v_spacifying_entry_new(Compact compact) {
   entry->compact = compact;
   entry->insert_text_handler =
       g_signal_connect(entry, "insert-text", G_CALLBACK(insert_text_callback), nullptr);
-  g_signal_connect(entry, "changed", G_CALLBACK(change_callback), nullptr);
   return GTK_WIDGET(entry);
 }
 

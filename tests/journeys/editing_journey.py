@@ -76,14 +76,16 @@ class Editing(WorkspaceJourney):
             self.assertTrue(editing.frame(title).is_showing)
 
     def test_a_row_that_goes_gives_its_room_back(self):
-        _, editing = self.open_own()
+        program, editing = self.open_own()
+        program.wait(lambda: editing.extents[2:] == display.screen_size(), "the window to fill the screen")
         editing.toggle_maximized()
+        program.wait(lambda: editing.extents[2:] != display.screen_size(), "the window to leave room")
         size = editing.resting_extents()[2:]
         for added, gone in ((0, 2), (1, 3)):
             editing.button(" + ", index=added).click()
-            self.assertGreater(editing.resting_extents()[3], size[1])
+            program.wait(lambda: editing.extents[3] > size[1], "the window to grow")
             editing.button(" - ", index=gone).click()
-            self.assertEqual(editing.resting_extents()[2:], size)
+            program.wait(lambda: editing.extents[2:] == size, "the window to shrink")
 
     def test_the_display_beside_the_list(self):
         _, editing = self.open_own()

@@ -193,7 +193,8 @@ class Widget:
     def act(self):
         """Does its first action, as a screen reader or another assistive technology asks for it."""
         self.program.wait(lambda: self.is_sensitive, lambda: f"{self!r} to become sensitive")
-        self.accessible.get_action_iface().do_action(0)
+        if not self.accessible.get_action_iface().do_action(0):
+            raise AssertionError(f"{self!r} refuses its action")
 
     def resting_extents(self):
         """Its place on the screen when two looks in a row agree."""

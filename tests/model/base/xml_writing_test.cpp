@@ -125,6 +125,12 @@ TEST_F(XmlWriting, AttributeWithoutAValue) {
   EXPECT_FALSE(v_xml_node_has_attribute(root, "x"));
 }
 
+TEST_F(XmlWriting, TextThatCouldNotBeReadAgain) {
+  EXPECT_EQ(v_xml_add_child_element_with_utf8_text_content(root, "x", "a\x01z"), nullptr);
+  EXPECT_STREQ(v_error_get(), "Error when creating an XML text child element.");
+  EXPECT_EQ(root->children, nullptr);
+}
+
 TEST_F(XmlWriting, AttributeThatCouldNotBeReadAgain) {
   for (const char *value : {"a\x01z", "\x1F", "\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
     v_error_clear();

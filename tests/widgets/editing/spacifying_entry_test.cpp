@@ -114,6 +114,13 @@ TEST_F(SpacifyingEntryTest, ATextThatIsTooLongToShowComesBackWhole) {
   v_spacifying_entry_set_text(entry, too_long.c_str());
   EXPECT_LT(shown().size(), too_long.size());
   EXPECT_EQ(v_spacifying_entry_get_text(entry).get(), too_long);
+  // What does not fit any more does not get in, and changes nothing.
+  int end = -1;
+  gtk_editable_insert_text(editable(), "z", 1, &(end = 65'534));
+  EXPECT_EQ(v_spacifying_entry_get_text(entry).get(), too_long);
+  v_spacifying_entry_set_text(entry, shown().c_str());
+  EXPECT_LT(std::string(v_spacifying_entry_get_text(entry).get()).size(), too_long.size());
+  v_spacifying_entry_set_text(entry, too_long.c_str());
   // Who changes it has seen what there is.
   gtk_editable_delete_text(editable(), 10, -1);
   EXPECT_EQ(v_spacifying_entry_get_text(entry).get(), std::string(10, 'x'));

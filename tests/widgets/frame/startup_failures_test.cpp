@@ -49,7 +49,7 @@ public:
 
   // A function, and what it is to open if it opens something. "" once it has failed.
   std::string failing_call;
-  // The view font's, once there are any. Not to be followed.
+  // The view font's, once there are any. Only compared, never dereferenced.
   FT_Face ft_face = nullptr;
   cairo_font_face_t *font_face = nullptr;
   std::vector<std::string> ended; // which of the two, in their order

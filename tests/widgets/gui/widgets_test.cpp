@@ -498,7 +498,9 @@ TEST_F(Widgets, AWindowShrinksToItsLeastSize) {
   gtk_widget_set_size_request(GTK_WIDGET(box), 150, 120);
   window.show_active();
   ASSERT_TRUE(wait_until([&] { return get_size(window.get()) == std::pair(500, 400); }));
+  resize_count = 0;
   v_gui_resize_window_to_minimum_unless_maximized(window.get());
+  EXPECT_EQ(resize_count, 1);
   EXPECT_TRUE(wait_until([&] { return get_size(window.get()) == std::pair(150, 120); }));
 }
 
