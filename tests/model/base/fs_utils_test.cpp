@@ -387,6 +387,14 @@ TEST(FsUtils, DiscardingTakesALinkAndLeavesWhatIsNoFile) {
 
 // Folders
 
+TEST(FsUtils, DiscardingWhatIsNotThereIsNoFailure) {
+  const TemporaryFolder folder;
+  write_file(folder / "file", "");
+  EXPECT_FALSE(v_fs_utils_delete_folder_if_exists((folder / "file").c_str()));
+  v_fs_utils_discard_file((folder / "none").c_str());
+  EXPECT_EQ(v_fs_utils_get_last_error_number(), ENOTDIR);
+}
+
 TEST(FsUtils, ListsEveryEntryAndThenNothing) {
   const TemporaryFolder folder;
   write_file(folder / "b", "");
@@ -667,6 +675,17 @@ TEST(FsUtils, PathUnderAFileHasNoInfo) {
   EXPECT_EQ(v_error_get(), message_of(ENOTDIR, "Cannot get file status."));
   EXPECT_EQ(v_fs_utils_get_last_error_number(), ENOTDIR);
   expect_all_zero(info);
+}
+
+// What cannot be asked about is not taken for free.
+TEST(FsUtils, OnlyWhatIsKnownToBeAbsentIsMissing) {
+  const TemporaryFolder folder;
+  write_file(folder / "file", "");
+  EXPECT_TRUE(v_fs_utils_is_missing((folder / "none").c_str()));
+  EXPECT_FALSE(v_fs_utils_is_missing((folder / "file").c_str()));
+  EXPECT_FALSE(v_fs_utils_is_missing(folder.path()));
+  EXPECT_FALSE(v_fs_utils_is_missing((folder / "file/under").c_str()));
+  EXPECT_FALSE(v_fs_utils_is_missing("\xff"));
 }
 
 TEST(FsUtils, LinkThatNamesItselfHasNoInfo) {

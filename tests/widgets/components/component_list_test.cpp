@@ -68,6 +68,22 @@ TEST_F(ComponentList, IsAListInAFrameThatScrolls) {
   expect_scrolls_downwards(GTK_SCROLLED_WINDOW(gtk_widget_get_parent(GTK_WIDGET(view))), 300, 250);
 }
 
+TEST_F(ComponentList, ShortensByCharacters) {
+  const OwnedObject<GtkCellRenderer> cell = sink(gtk_cell_renderer_text_new());
+  const std::string accented = "\u00e9";
+  std::string text;
+  for (int i = 0; i < 100; i++) {
+    text += accented;
+  }
+  PangoEllipsizeMode mode = PANGO_ELLIPSIZE_MIDDLE;
+  v_component_list_show_text(cell.get(), text.c_str());
+  g_object_get(cell.get(), "ellipsize", &mode, nullptr);
+  EXPECT_EQ(mode, PANGO_ELLIPSIZE_NONE);
+  v_component_list_show_text(cell.get(), (text + accented).c_str());
+  g_object_get(cell.get(), "ellipsize", &mode, nullptr);
+  EXPECT_EQ(mode, PANGO_ELLIPSIZE_END);
+}
+
 TEST_F(ComponentList, SortsByTextAndNoTextFirst) {
   const OwnedObject<GtkListStore> list = v_component_list_new();
   v_component_list_append(list.get(), "b", "1");
