@@ -1,6 +1,5 @@
 #include "base/text_encoding.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -9,20 +8,47 @@
 
 namespace {
 
-// The first byte from 128 up, or the end. Words of bytes are looked at whole: nearly all text that
-// is read goes through here.
+// Words of bytes are looked at whole: nearly all text that is read goes through here.
+using Word = std::uint64_t;
+
+bool is_ascii(Word word) { return (word & 0x8080808080808080) == 0; }
+
+bool is_ascii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
+
+bool has_word(const char *text, const char *end) {
+  return end - text >= static_cast<std::ptrdiff_t>(sizeof(Word));
+}
+
+// The first byte from 128 up, or the end.
 const char *skip_ascii(const char *text, const char *end) {
-  constexpr std::uint64_t high_bits = 0x8080808080808080;
-  std::uint64_t word;
-  while (end - text >= static_cast<std::ptrdiff_t>(sizeof word)) {
+  Word word;
+  while (has_word(text, end)) {
     std::memcpy(&word, text, sizeof word);
-    if ((word & high_bits) != 0) {
+    if (!is_ascii(word)) {
       break;
     }
     text += sizeof word;
   }
-  while (text != end && static_cast<unsigned char>(*text) < 0x80) {
+  while (text != end && is_ascii(*text)) {
     text++;
+  }
+  return text;
+}
+
+// The same, and copies what it skips. There must be as much room behind out as there is text.
+const char *copy_ascii(char *&out, const char *text, const char *end) {
+  Word word;
+  while (has_word(text, end)) {
+    std::memcpy(&word, text, sizeof word);
+    if (!is_ascii(word)) {
+      break;
+    }
+    std::memcpy(out, &word, sizeof word);
+    text += sizeof word;
+    out += sizeof word;
+  }
+  while (text != end && is_ascii(*text)) {
+    *out++ = *text++;
   }
   return text;
 }
@@ -39,8 +65,7 @@ OwnedText decode_latin1(const char *utf8_text) {
   OwnedText latin1_text(g_new(char, length + 1));
   char *out = latin1_text.get();
   for (const char *in = utf8_text;;) {
-    const char *run_end = skip_ascii(in, end);
-    out = std::copy(in, run_end, out);
+    const char *run_end = copy_ascii(out, in, end);
     if (run_end == end) {
       break;
     }

@@ -1,5 +1,8 @@
 #include "base/whitespace.h"
 
+#include <cstddef>
+#include <cstring>
+
 namespace {
 
 enum class Rule { detabify, spacify, compact };
@@ -13,6 +16,23 @@ int utf8_space_length(const char *text) {
   // What is not UTF-8 is no whitespace either.
   const bool is_space = code_point < 0x110000 && g_unichar_isspace(code_point);
   return is_space ? g_utf8_skip[static_cast<unsigned char>(*text)] : 0;
+}
+
+// Whether the text is words with one space between them. No rule changes such a text, and most
+// texts are such. The loop has neither branches nor an early end, so that compilers look at many
+// bytes at once: this is several times faster than normalising.
+bool is_normal_latin1(const char *text) {
+  const std::size_t length = std::strlen(text);
+  if (length == 0) {
+    return true;
+  }
+  unsigned char faults = 0;
+  for (std::size_t i = 0; i < length; i++) {
+    const auto is_control = static_cast<unsigned char>(text[i] >= '\t' && text[i] <= '\r');
+    const auto is_pair = static_cast<unsigned char>((text[i] == ' ') & (text[i + 1] == ' '));
+    faults = static_cast<unsigned char>(faults | is_control | is_pair);
+  }
+  return faults == 0 && text[0] != ' ' && text[length - 1] != ' ';
 }
 
 template <int (*space_length)(const char *)>
@@ -37,63 +57,69 @@ char *normalise(char *text, Rule rule) {
   return text;
 }
 
-template <int (*space_length)(const char *)>
+char *normalise_latin1(char *text, Rule rule) {
+  return is_normal_latin1(text) ? text : normalise<latin1_space_length>(text, rule);
+}
+
+char *normalise_utf8(char *text, Rule rule) { return normalise<utf8_space_length>(text, rule); }
+
+template <char *(*normalise_text)(char *, Rule)>
 OwnedText normalise_copy(const char *text, Rule rule) {
   OwnedText copy = copy_text(text);
-  normalise<space_length>(copy.get(), rule);
+  normalise_text(copy.get(), rule);
   return copy;
 }
 
 } // namespace
 
 char *v_strip_surrounding_and_detabify_within_original_for_latin1(char *latin1_text) {
-  return normalise<latin1_space_length>(latin1_text, Rule::detabify);
+  return normalise_latin1(latin1_text, Rule::detabify);
 }
 
 OwnedText v_strip_surrounding_and_detabify_in_new_for_latin1(const char *latin1_text) {
-  return normalise_copy<latin1_space_length>(latin1_text, Rule::detabify);
+  return normalise_copy<normalise_latin1>(latin1_text, Rule::detabify);
 }
 
 char *v_strip_surrounding_and_detabify_within_original_for_utf8(char *utf8_text) {
-  return normalise<utf8_space_length>(utf8_text, Rule::detabify);
+  return normalise_utf8(utf8_text, Rule::detabify);
 }
 
 OwnedText v_strip_surrounding_and_detabify_in_new_for_utf8(const char *utf8_text) {
-  return normalise_copy<utf8_space_length>(utf8_text, Rule::detabify);
+  return normalise_copy<normalise_utf8>(utf8_text, Rule::detabify);
 }
 
 char *v_strip_surrounding_and_spacify_within_original_for_latin1(char *latin1_text) {
-  return normalise<latin1_space_length>(latin1_text, Rule::spacify);
+  return normalise_latin1(latin1_text, Rule::spacify);
 }
 
 OwnedText v_strip_surrounding_and_spacify_in_new_for_latin1(const char *latin1_text) {
-  return normalise_copy<latin1_space_length>(latin1_text, Rule::spacify);
+  return normalise_copy<normalise_latin1>(latin1_text, Rule::spacify);
 }
 
 char *v_strip_surrounding_and_spacify_within_original_for_utf8(char *utf8_text) {
-  return normalise<utf8_space_length>(utf8_text, Rule::spacify);
+  return normalise_utf8(utf8_text, Rule::spacify);
 }
 
 OwnedText v_strip_surrounding_and_spacify_in_new_for_utf8(const char *utf8_text) {
-  return normalise_copy<utf8_space_length>(utf8_text, Rule::spacify);
+  return normalise_copy<normalise_utf8>(utf8_text, Rule::spacify);
 }
 
 char *v_strip_surrounding_and_spacify_compactly_within_original_for_ascii(char *ascii_text) {
-  return normalise<latin1_space_length>(ascii_text, Rule::compact);
+  return normalise_latin1(ascii_text, Rule::compact);
 }
 
 char *v_strip_surrounding_and_spacify_compactly_within_original_for_latin1(char *latin1_text) {
-  return normalise<latin1_space_length>(latin1_text, Rule::compact);
+  return normalise_latin1(latin1_text, Rule::compact);
 }
 
 OwnedText v_strip_surrounding_and_spacify_compactly_in_new_for_latin1(const char *latin1_text) {
-  return normalise_copy<latin1_space_length>(latin1_text, Rule::compact);
+  return normalise_copy<normalise_latin1>(latin1_text, Rule::compact);
 }
 
 char *v_strip_surrounding_and_spacify_compactly_within_original_for_utf8(char *utf8_text) {
-  return normalise<utf8_space_length>(utf8_text, Rule::compact);
+  return normalise_utf8(utf8_text, Rule::compact);
 }
 
 OwnedText v_strip_surrounding_and_spacify_compactly_in_new_for_utf8(const char *utf8_text) {
-  return normalise_copy<utf8_space_length>(utf8_text, Rule::compact);
+  return normalise_copy<normalise_utf8>(utf8_text, Rule::compact);
 }

@@ -1,13 +1,13 @@
 #pragma once
-// XML in, first half: from a file to the parser library's tree, with the library's own report in
-// the error state. The tree is in UTF-8; base/xml_reading.h gets the values out of it.
+// XML in, as a tree: from a file to the parser library's tree, with the library's own report in the
+// error state. The tree is in UTF-8; base/xml_reading.h gets the values out of it. A tree takes ten
+// times the memory of its file; base/xml_events.h is for files that may be large.
 //
 // No file takes the program down by its entities: a document that refers to them ten million times
 // (a thousand times to parameter entities) does not parse, and what they add to the texts that are
 // read from a tree is limited likewise.
 
 #include <cstddef>
-#include <functional>
 
 #include <libxml/tree.h>
 
@@ -21,17 +21,11 @@ inline constexpr std::size_t v_xml_maximum_expansion = 10'000'000;
 // in the file are known, nothing outside the file is ever opened. Null with the message of opening,
 // or with the parser's report (15 lines at most) and "Could not parse XML data." in front.
 OwnedXmlDoc v_xml_parse_file(const char *path);
+// The same for an open file, from where it is read next. Null with the parser's report as above.
+OwnedXmlDoc v_xml_parse_descriptor(int descriptor);
 // True with null when there is no file at the path. False as v_xml_parse_file, or when the path
 // cannot be asked for.
 bool v_xml_parse_file_if_exists(OwnedXmlDoc &document, const char *path);
-// What becomes of a child of the root once it was handed out.
-enum class XmlChild { kept, done_with };
-using XmlChildReader = std::function<XmlChild(xmlDoc *document, xmlNode *child)>;
-// As v_xml_parse_file, and meanwhile hands out the children of the root in their order, whatever
-// kind of node they are, and frees those that are done with: a large file never lies in the memory
-// as a whole. What was handed out counts for nothing when the document does not parse in the end.
-// The reader must not parse another document, nor throw.
-OwnedXmlDoc v_xml_parse_file_by_children(const char *path, const XmlChildReader &read_child);
 // v_xml_parse_file for a document in memory, length in bytes (below 2^31). Null with the parser's
 // report as above.
 OwnedXmlDoc v_xml_parse_memory(const char *data, std::size_t length);

@@ -1,10 +1,8 @@
 #pragma once
-// XML in, second half: getters that turn everything missing or malformed in a parsed tree into a
-// fixed message. Names are compared without namespaces. Attribute values and text come back in the
-// encoding that the getter's name says; the tree itself is in UTF-8.
-//
-// What entities and declared defaults add to all texts of a document is limited to 10,000,000
-// bytes; what lies beyond counts as unreadable. The document's _private field keeps that sum.
+// Getters for the nodes of a tree that turn everything missing or malformed into a fixed message:
+// those of base/xml_element.h, which also says what entities may add to a text, and those for
+// children by their name. Names are compared without namespaces. Attribute values and text come
+// back in the encoding that the getter's name says; the tree itself is in UTF-8.
 
 #include "base/xml_parsing.h"
 

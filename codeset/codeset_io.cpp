@@ -1,64 +1,124 @@
 #include "codeset/codeset_io.h"
 
+#include <cstring>
 #include <utility>
 
 #include "base/error.h"
 #include "base/fs_utils.h"
-#include "base/xml_reading.h"
+#include "base/xml_events.h"
 #include "base/xml_writing.h"
 #include "codeset/remark_xml.h"
 #include "langstr/langstr_xml.h"
 
 namespace {
 
-bool read_name_author_version(VCodeset *codeset, xmlDoc *document, const xmlNode *root) {
-  codeset->name = v_xml_parse_required_langstr(document, root, "name", LangstrSpacing::compact);
-  return codeset->name &&
-         v_xml_parse_langstr(codeset->author, document, root, "author", LangstrSpacing::compact) &&
-         v_xml_get_nonempty_text_content_from_distinct_child_node_as_compact_latin1(
-             codeset->version, document, root, "version");
-}
-
-// A codeset that is being read. The remarks are added as they come, up to one that cannot be read.
+// What is read of a codeset while the children of the root come one by one. A fault in the name
+// takes precedence over one in the author, that over one in the version, and that over one in a
+// remark, wherever they are in the file: the first message of each is kept until the end.
 struct CodesetReading {
+  bool is_codeset = false;
   OwnedCodeset codeset = v_codeset_new();
-  bool all_remarks_are_read = true;
+  VLangstrCollection name;
+  VLangstrCollection author;
+  int versions = 0;
+  bool is_in_order = true; // each code is greater than the one before
+  OwnedText name_error;    // null while there is no fault
+  OwnedText author_error;
+  OwnedText version_error;
+  OwnedText remark_error;
 };
 
-// Everything but remarks and the text between is kept for later.
-XmlChild read_child(CodesetReading &reading, xmlDoc *document, const xmlNode *child) {
-  if (!v_xml_node_has_name(child, "remark")) {
-    return child->type == XML_TEXT_NODE ? XmlChild::done_with : XmlChild::kept;
+OwnedText copy_error() { return copy_text(v_error_get()); }
+
+void read_translation(VLangstrCollection &langstr, OwnedText &error, const XmlElement &element) {
+  if (!error && element.is_element() &&
+      !v_xml_collect_langstr_translation(langstr, element, LangTag::may_be_empty,
+                                         LangstrSpacing::compact)) {
+    error = copy_error();
   }
-  if (reading.all_remarks_are_read && v_xml_node_has_name(child->parent, "codeset")) {
-    OwnedRemark remark = v_xml_parse_remark(document, child);
-    reading.all_remarks_are_read = remark != nullptr;
-    if (remark) {
-      v_remark_list_add_remark_last(reading.codeset->remarks.get(), std::move(remark));
-    }
-  }
-  return XmlChild::done_with;
 }
 
-bool finish_remarks(VRemarkList *list, bool all_are_read) {
-  v_remark_list_sort(list);
-  // A code that is there twice comes before the remark that cannot be read, and is told of first.
-  if (v_remark_list_has_duplicate_codes(list)) {
+// A second version is the worse fault, even where the first one cannot be read.
+void read_version(CodesetReading &reading, const XmlElement &element) {
+  reading.versions++;
+  if (reading.versions == 1) {
+    reading.codeset->version =
+        v_xml_get_text(element, XmlEncoding::latin1, XmlSpacing::compact, XmlContent::nonempty);
+  } else {
+    v_xml_set_duplicate_nodes_error();
+  }
+  if (reading.versions > 1 || !reading.codeset->version) {
+    reading.version_error = copy_error();
+  }
+}
+
+bool is_greater_than_last(const VRemarkList *list, const VRemark *remark) {
+  return v_remark_list_is_empty(list) ||
+         v_remark_compare_codes(list->tail.prev->code.get(), remark->code.get()) < 0;
+}
+
+void read_remark(CodesetReading &reading, const XmlElement &element) {
+  if (reading.remark_error) {
+    return;
+  }
+  if (OwnedRemark remark = v_xml_read_remark(element)) {
+    VRemarkList *list = reading.codeset->remarks.get();
+    reading.is_in_order = reading.is_in_order && is_greater_than_last(list, remark.get());
+    v_remark_list_add_remark_last(list, std::move(remark));
+  } else {
+    reading.remark_error = copy_error();
+  }
+}
+
+void read_child(CodesetReading &reading, const XmlElement &child) {
+  if (!reading.is_codeset) {
+    return;
+  }
+  if (child.has_name("remark")) {
+    read_remark(reading, child);
+  } else if (child.has_name("name")) {
+    read_translation(reading.name, reading.name_error, child);
+  } else if (child.has_name("author")) {
+    read_translation(reading.author, reading.author_error, child);
+  } else {
+    read_version(reading, child);
+  }
+}
+
+bool finish_remarks(CodesetReading &reading) {
+  VRemarkList *list = reading.codeset->remarks.get();
+  // Nearly every file is in order already. The remarks in the list are in front of the one that
+  // cannot be read, so their fault is first.
+  if (!reading.is_in_order && !v_remark_list_sort(list)) {
     v_error_set("Duplicate remark codes.");
     return false;
   }
-  if (all_are_read && v_remark_list_is_empty(list)) {
+  if (reading.remark_error) {
+    v_error_set(reading.remark_error.get());
+    return false;
+  }
+  if (v_remark_list_is_empty(list)) {
     v_error_set("Missing remarks.");
     return false;
   }
-  return all_are_read;
+  return true;
 }
 
-// What is wrong with name, author and version is told first, although the remarks are there by
-// then: it replaces the message of a remark.
-bool finish_codeset(CodesetReading &reading, xmlDoc *document, const xmlNode *root) {
-  return read_name_author_version(reading.codeset.get(), document, root) &&
-         finish_remarks(reading.codeset->remarks.get(), reading.all_remarks_are_read);
+bool finish_codeset(CodesetReading &reading) {
+  if (!reading.name.langstr && !reading.name_error) {
+    v_xml_set_missing_node_error("name");
+    return false;
+  }
+  for (const OwnedText *error :
+       {&reading.name_error, &reading.author_error, &reading.version_error}) {
+    if (*error) {
+      v_error_set(error->get());
+      return false;
+    }
+  }
+  reading.codeset->name = std::move(reading.name.langstr);
+  reading.codeset->author = std::move(reading.author.langstr);
+  return finish_remarks(reading);
 }
 
 void append_head(std::string &xml, const VCodeset *codeset) {
@@ -116,24 +176,31 @@ bool write_codeset(std::FILE *file, const VCodeset *codeset) {
 
 OwnedCodeset v_codeset_io_read_from_file(const char *path) {
   CodesetReading reading;
-  const OwnedXmlDoc document =
-      v_xml_parse_file_by_children(path, [&](xmlDoc *unfinished, const xmlNode *child) {
-        return read_child(reading, unfinished, child);
-      });
-  if (!document) {
+  bool has_root = false;
+  const XmlRootReader reader = {
+      .child_names = {"remark", "name", "author", "version"},
+      .grandchild_names = {"description", "code"},
+      .begin =
+          [&](const char *root_name) {
+            has_root = true;
+            reading = CodesetReading();
+            reading.is_codeset = std::strcmp(root_name, "codeset") == 0;
+          },
+      .read_child = [&](const XmlElement &child) { read_child(reading, child); },
+  };
+  if (!v_xml_read_root_children(path, reader)) {
     v_error_append("Error loading codeset file.");
     return nullptr;
   }
-  const xmlNode *root = v_xml_get_root_element(document.get());
-  if (root == nullptr) {
+  if (!has_root) {
     v_error_append("Invalid codeset file.");
     return nullptr;
   }
-  if (!v_xml_node_has_name(root, "codeset")) {
+  if (!reading.is_codeset) {
     v_error_set("Not a codeset file.");
     return nullptr;
   }
-  if (!finish_codeset(reading, document.get(), root)) {
+  if (!finish_codeset(reading)) {
     v_error_append("Error parsing codeset file.");
     return nullptr;
   }

@@ -48,10 +48,9 @@ void v_remark_list_add_remark_last(VRemarkList *list, OwnedRemark remark);
 // Links the remark before the first one whose code is greater, at the end when it has no code.
 // Linear; many remarks are added last and sorted once.
 void v_remark_list_add_remark_sorted(VRemarkList *list, OwnedRemark remark);
-// Brings a list whose remarks all have codes into remark code order; n log n.
-void v_remark_list_sort(VRemarkList *list);
-// Whether a list in remark code order has some code twice.
-bool v_remark_list_has_duplicate_codes(const VRemarkList *list);
+// Brings a list whose remarks all have codes into remark code order; n log n. Returns whether no
+// code is there twice.
+bool v_remark_list_sort(VRemarkList *list);
 // The first remark with exactly this code (borrowed), or null.
 VRemark *v_remark_list_get_remark_for_code(const VRemarkList *list, const char *code);
 

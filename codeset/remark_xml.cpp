@@ -1,17 +1,22 @@
 #include "codeset/remark_xml.h"
 
 #include "base/error.h"
-#include "base/xml_reading.h"
 #include "langstr/langstr_xml.h"
 
 namespace {
 
-bool read_code(VRemark *remark, xmlDoc *document, const xmlNode *element) {
+struct RemarkReading {
+  OwnedRemark remark = v_remark_new();
+  VLangstrCollection description;
+};
+
+bool read_code(VRemark *remark, const XmlElement &element) {
   if (remark->code) {
     v_error_set("Remark in XML has multiple codes.");
     return false;
   }
-  remark->code = v_xml_get_nonempty_text_content_as_compact_latin1(document, element);
+  remark->code =
+      v_xml_get_text(element, XmlEncoding::latin1, XmlSpacing::compact, XmlContent::nonempty);
   if (!remark->code) {
     v_error_append("Missing or invalid remark code in XML data.");
     return false;
@@ -19,13 +24,12 @@ bool read_code(VRemark *remark, xmlDoc *document, const xmlNode *element) {
   return true;
 }
 
-bool read_child(VRemark *remark, VLangstrCollection &description, xmlDoc *document,
-                const xmlNode *child) {
-  if (v_xml_node_has_name(child, "code")) {
-    return read_code(remark, document, child);
+bool read_child(RemarkReading &reading, const XmlElement &child) {
+  if (child.has_name("code")) {
+    return read_code(reading.remark.get(), child);
   }
-  if (v_xml_node_has_name(child, "description")) {
-    return v_xml_collect_langstr_translation(description, document, child, LangTag::may_be_empty,
+  if (child.has_name("description")) {
+    return v_xml_collect_langstr_translation(reading.description, child, LangTag::may_be_empty,
                                              LangstrSpacing::compact);
   }
   return true;
@@ -33,19 +37,20 @@ bool read_child(VRemark *remark, VLangstrCollection &description, xmlDoc *docume
 
 } // namespace
 
-OwnedRemark v_xml_parse_remark(xmlDoc *document, const xmlNode *element) {
-  OwnedRemark remark = v_remark_new();
-  VLangstrCollection description;
-  bool is_readable = true;
-  for (const xmlNode *child = element->children; child != nullptr && is_readable;
-       child = child->next) {
-    is_readable = read_child(remark.get(), description, document, child);
-  }
-  remark->description = std::move(description.langstr);
+OwnedRemark v_xml_read_remark(const XmlElement &element) {
+  RemarkReading reading;
+  const bool is_readable = element.visit_children(
+      [&reading](const XmlElement &child) { return read_child(reading, child); });
+  OwnedRemark &remark = reading.remark;
+  remark->description = std::move(reading.description.langstr);
   if (!remark->code || !remark->description) {
-    // Whatever went wrong before is told by this one message.
+    // This one message replaces whatever went wrong before.
     v_error_set("Missing remark content in XML data.");
     return nullptr;
   }
   return is_readable ? std::move(remark) : nullptr;
+}
+
+OwnedRemark v_xml_parse_remark(xmlDoc *document, const xmlNode *element) {
+  return v_xml_read_remark(XmlNodeElement(document, element));
 }

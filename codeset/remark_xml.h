@@ -3,9 +3,13 @@
 
 #include <libxml/tree.h>
 
+#include "base/xml_element.h"
 #include "codeset/remark.h"
 
-// A remark in no list, with a code and a description. Null with "Missing remark content in XML
-// data." alone whenever either is not there in the end, an unreadable code included; else with
+// A remark in no list, with a code and a description. Children count by their name alone, so a
+// processing instruction named "code" is an empty code. Null with "Missing remark content in XML
+// data." alone whenever either is missing in the end, an unreadable code included; else with
 // "Remark in XML has multiple codes." or the message of the description's reader.
+OwnedRemark v_xml_read_remark(const XmlElement &element);
+// The same for a node of a tree.
 OwnedRemark v_xml_parse_remark(xmlDoc *document, const xmlNode *element);

@@ -27,14 +27,11 @@ struct Translation {
   OwnedText text;
 };
 
-bool read_translation(Translation &translation, xmlDoc *document, const xmlNode *element,
-                      LangTag lang_tag, LangstrSpacing spacing) {
+bool read_translation(Translation &translation, const XmlElement &element, LangTag lang_tag,
+                      LangstrSpacing spacing) {
   auto &[lang, text] = translation;
-  if (!v_xml_get_attribute_value_as_ascii(lang, element, lang_attribute)) {
-    return false;
-  }
-  if (!lang) {
-    v_error_set_utf8_printf("Missing XML attribute: %s", lang_attribute);
+  if (!v_xml_get_attribute(lang, element, lang_attribute, XmlEncoding::ascii, XmlPresence::required,
+                           XmlContent::any)) {
     return false;
   }
   v_strip_surrounding_and_spacify_compactly_within_original_for_ascii(lang.get());
@@ -42,7 +39,7 @@ bool read_translation(Translation &translation, xmlDoc *document, const xmlNode 
     v_error_set("Empty XML lang attribute where not allowed.");
     return false;
   }
-  text = v_xml_get_text_content_as_latin1(document, element);
+  text = v_xml_get_text(element, XmlEncoding::latin1, XmlSpacing::kept, XmlContent::any);
   if (!text) {
     return false;
   }
@@ -60,22 +57,22 @@ bool v_xml_parse_langstr(OwnedLangstr &langstr, xmlDoc *document, const xmlNode 
                          const char *element_name, LangstrSpacing spacing) {
   langstr.reset();
   VLangstrCollection collection;
-  for (const xmlNode *child = parent->children; child != nullptr; child = child->next) {
-    if (child->type == XML_ELEMENT_NODE && v_xml_node_has_name(child, element_name) &&
-        !v_xml_collect_langstr_translation(collection, document, child, LangTag::may_be_empty,
-                                           spacing)) {
-      return false;
-    }
+  const bool all_are_readable =
+      XmlNodeElement(document, parent).visit_children([&](const XmlElement &child) {
+        return !child.is_element() || !child.has_name(element_name) ||
+               v_xml_collect_langstr_translation(collection, child, LangTag::may_be_empty, spacing);
+      });
+  if (all_are_readable) {
+    langstr = std::move(collection.langstr);
   }
-  langstr = std::move(collection.langstr);
-  return true;
+  return all_are_readable;
 }
 
 OwnedLangstr v_xml_parse_required_langstr(xmlDoc *document, const xmlNode *parent,
                                           const char *element_name, LangstrSpacing spacing) {
   OwnedLangstr langstr;
   if (v_xml_parse_langstr(langstr, document, parent, element_name, spacing) && !langstr) {
-    v_error_set_utf8_printf("Missing XML node: %s", element_name);
+    v_xml_set_missing_node_error(element_name);
   }
   return langstr;
 }
@@ -84,7 +81,7 @@ bool v_xml_parse_langstr_translation(OwnedLangstr &langstr, xmlDoc *document,
                                      const xmlNode *element, LangTag lang_tag,
                                      LangstrSpacing spacing) {
   Translation translation;
-  if (!read_translation(translation, document, element, lang_tag, spacing)) {
+  if (!read_translation(translation, XmlNodeElement(document, element), lang_tag, spacing)) {
     return false;
   }
   v_langstr_set_owned_translation(langstr, std::move(translation.lang),
@@ -92,11 +89,10 @@ bool v_xml_parse_langstr_translation(OwnedLangstr &langstr, xmlDoc *document,
   return true;
 }
 
-bool v_xml_collect_langstr_translation(VLangstrCollection &collection, xmlDoc *document,
-                                       const xmlNode *element, LangTag lang_tag,
-                                       LangstrSpacing spacing) {
+bool v_xml_collect_langstr_translation(VLangstrCollection &collection, const XmlElement &element,
+                                       LangTag lang_tag, LangstrSpacing spacing) {
   Translation translation;
-  if (!read_translation(translation, document, element, lang_tag, spacing)) {
+  if (!read_translation(translation, element, lang_tag, spacing)) {
     return false;
   }
   v_langstr_collect_translation(collection, std::move(translation.lang),

@@ -7,6 +7,7 @@
 
 #include <libxml/tree.h>
 
+#include "base/xml_element.h"
 #include "langstr/langstr.h"
 
 // What normalising leaves of white space inside a text: single spaces, or line feeds as they are.
@@ -27,10 +28,9 @@ OwnedLangstr v_xml_parse_required_langstr(xmlDoc *document, const xmlNode *paren
 bool v_xml_parse_langstr_translation(OwnedLangstr &langstr, xmlDoc *document,
                                      const xmlNode *element, LangTag lang_tag,
                                      LangstrSpacing spacing);
-// The same into a collection, for who reads many elements one by one.
-bool v_xml_collect_langstr_translation(VLangstrCollection &collection, xmlDoc *document,
-                                       const xmlNode *element, LangTag lang_tag,
-                                       LangstrSpacing spacing);
+// The same into a collection, for callers that read many elements one at a time.
+bool v_xml_collect_langstr_translation(VLangstrCollection &collection, const XmlElement &element,
+                                       LangTag lang_tag, LangstrSpacing spacing);
 
 // Appends one line per translation, indented by depth tabs, in ISO-8859-1.
 void v_xml_append_langstr(std::string &xml, const VLangstr *langstr, const char *element_name,

@@ -40,7 +40,9 @@ void run(benchmark::State &state, const Row &row, const std::function<Comparison
   state.counters["baseline"] = median(baseline);
   state.counters["ours"] = median(ours);
   state.counters["ratio"] = median(ours) / median(baseline);
-  state.counters["target"] = row.target;
+  if (row.target) {
+    state.counters["target"] = *row.target;
+  }
 }
 
 } // namespace

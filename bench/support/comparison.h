@@ -3,6 +3,7 @@
 // in turns within one benchmark, and the row's figures are the medians.
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -12,8 +13,8 @@ struct Row {
   std::string what;
   std::string size;
   std::string baseline;
-  const char *unit = "s"; // "s" or "MiB"
-  double target = 1;      // the greatest ratio
+  const char *unit = "s";       // "s" or "MiB"
+  std::optional<double> target; // the greatest ratio; none for a row that only informs
 };
 
 struct Comparison {

@@ -196,6 +196,22 @@ TEST_F(CodesetIo, AcceptsMoreThanItWrites) {
   EXPECT_FALSE(codeset->outdated);
 }
 
+// The parser library once wrote into memory that had been freed with the remark.
+TEST_F(CodesetIo, TextBesideRemarksIsPassedOver) {
+  for (const char *before : {"", "a", "<![CDATA[a]]>", "<!--a-->", "<?a?>", "&#97;"}) {
+    for (const char *after : {"", "b", "<![CDATA[b]]>", "<!--b-->", "<?b?>", "&#98;"}) {
+      std::string content = a_name;
+      for (const char *code : {"1", "2", "3"}) {
+        content += std::string(before) + "<remark><code>" + code +
+                   "</code><description lang='sv'>x</description></remark>" + after;
+      }
+      const OwnedCodeset codeset = read_bytes(codeset_xml(content));
+      ASSERT_NE(codeset, nullptr) << v_error_get();
+      EXPECT_EQ(codes_of(codeset->remarks), (Codes{"1", "2", "3"}));
+    }
+  }
+}
+
 TEST_F(CodesetIo, ReadsWhateverEncodingIsDeclared) {
   const std::string utf8 = codeset_xml("<name lang='sv'>\xC3\xA5</name>" + std::string(a_remark));
   const std::string latin1 = codeset_xml("<name lang='sv'>\xE5</name>" + std::string(a_remark));
@@ -275,6 +291,34 @@ TEST_F(CodesetIo, SaysWhyAFileIsRejected) {
       {name + remark + "<remark/>" + remark, missing_content},
       {name + "<remark/>" + remark + remark, missing_content},
       {"<remark/><version/>", "Missing XML node: name"},
+      // Of several faults that of the name counts before the author's, that before the version's,
+      // and that before a remark's, wherever they are.
+      {"<name/>" + remark, "Missing XML attribute: lang"},
+      {"<name> </name><name lang='sv'/>" + remark, "Missing XML attribute: lang"},
+      {"<name lang='sv'/><name/>" + remark, "Empty text content in XML where not allowed."},
+      {remark + "<author/>" + "<name lang='sv'/>", "Empty text content in XML where not allowed."},
+      {"<version/><author/>" + name + remark, "Missing XML attribute: lang"},
+      {name + "<remark/><version/><author lang='sv'/>",
+       "Empty text content in XML where not allowed."},
+      {name + "<version>&#x20AC;</version><version>1</version>" + remark,
+       "Duplicate XML nodes found where not allowed."},
+      {name + "<version/>" + remark + "<version>1</version><remark/>",
+       "Duplicate XML nodes found where not allowed."},
+      {name + "<version/>" + remark + remark,
+       "Missing text content in XML.\n\nText content is empty."},
+      // Of several remarks the first counts.
+      {name + "<remark><code>1</code><description lang='sv'>a</description><code/></remark>"
+              "<remark/>",
+       "Remark in XML has multiple codes."},
+      {name + "<remark/><remark><code>1</code><description lang='sv'>a</description><code/>"
+              "</remark>",
+       missing_content},
+      // An instruction counts by its name, but not as a name or an author.
+      {name + "<?version 1?>" + remark, "Missing text content in XML.\n\nText content is empty."},
+      {name + "<version>1</version><?version 1?>" + remark,
+       "Duplicate XML nodes found where not allowed."},
+      {name + "<?remark?>", missing_content},
+      {"<?name?>" + remark, "Missing XML node: name"},
       {name + "<remark/><version/>", "Missing text content in XML.\n\nText content is empty."},
   };
   for (const Rejection &rejection : rejections) {

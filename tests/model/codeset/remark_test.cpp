@@ -254,16 +254,22 @@ TEST(RemarkCodeOrder, SortingNumbersOfHundredsOfDigits) {
   EXPECT_TRUE(inserted(backwards) == expected);
 }
 
-TEST(RemarkList, HavingACodeTwice) {
-  const auto has_duplicates = [](const Codes &codes) {
-    return v_remark_list_has_duplicate_codes(list_of_codes(codes).get());
+TEST(RemarkCodeOrder, SortingFindsACodeThatIsThereTwice) {
+  const auto are_unique = [](const Codes &codes) {
+    return v_remark_list_sort(list_of_codes(codes).get());
   };
-  EXPECT_FALSE(has_duplicates({}));
-  EXPECT_FALSE(has_duplicates({"7"}));
-  EXPECT_FALSE(has_duplicates({"07", "7", "A", "a"}));
-  EXPECT_TRUE(has_duplicates({"7", "7"}));
-  EXPECT_TRUE(has_duplicates({"1", "2", "3", "3"}));
-  EXPECT_TRUE(has_duplicates({"1", "1", "2", "3"}));
+  for (const Codes &codes : std::vector<Codes>{
+           {}, {"7"}, {"07", "7"}, {"7", "07"}, {"A", "a"}, {"a", "A"}, {"07", "7", "A", "a"}}) {
+    EXPECT_TRUE(are_unique(codes)) << testing::PrintToString(codes);
+  }
+  for (const Codes &codes : std::vector<Codes>{{"7", "7"},
+                                               {"1", "2", "3", "3"},
+                                               {"1", "1", "2", "3"},
+                                               {"2", "1", "2"},
+                                               {"3", "2", "1", "3"},
+                                               {"07", "7", "07"}}) {
+    EXPECT_FALSE(are_unique(codes)) << testing::PrintToString(codes);
+  }
 }
 
 TEST(RemarkCodeOrder, AnEqualCodeGoesAfterTheOneThatIsThere) {

@@ -24,6 +24,17 @@ constexpr const char *empty_text = "Empty text content in XML where not allowed.
 const Element elements[] = {
     {"<code>7</code><description lang='sv'>a</description>", "7", {{"sv", "a"}}, ""},
     {"<description lang='sv'>a</description><code>7</code>", "7", {{"sv", "a"}}, ""},
+    // Children count by their name alone.
+    {"<?code x?><description lang='sv'>a</description>", nullptr, {}, missing},
+    {"<code>7</code><description lang='sv'>a</description><?code x?>", nullptr, {}, multiple},
+    {"<code>7</code><?x?><description lang='sv'>a</description><!--code-->",
+     "7",
+     {{"sv", "a"}},
+     ""},
+    {"<code>7</code><description lang='sv'>a</description><?description x?>",
+     nullptr,
+     {},
+     "Missing XML attribute: lang"},
     {"\n<code>\n 7 \t b </code>\n<description lang='sv'> a\n\tb </description>\n",
      "7 b",
      {{"sv", "a b"}},

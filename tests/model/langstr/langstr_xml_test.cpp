@@ -268,4 +268,24 @@ TEST(LangstrXml, AddingToATree) {
       << text.get();
 }
 
+TEST(LangstrXml, AddingSaysWhatTheTreeRefuses) {
+  const OwnedXmlDoc document = v_xml_new_doc();
+  xmlNode *root = v_xml_add_root_element(document.get(), "a");
+  const struct {
+    Translations translations;
+    const char *message;
+  } rows[] = {
+      {{{"sv", "\x01"}}, "Error when creating an XML text child element."},
+      {{{"de", "a"}, {"sv", "\x02"}}, "Error when creating an XML text child element."},
+      {{{"s\x01", "a"}}, "Error when setting an XML attribute."},
+  };
+  for (const auto &row : rows) {
+    EXPECT_FALSE(v_xml_add_langstr(root, langstr_of(row.translations).get(), "name"));
+    EXPECT_STREQ(v_error_get(), row.message);
+  }
+  OwnedLangstr untagged(new VLangstr{nullptr, copy_text("a"), nullptr});
+  EXPECT_FALSE(v_xml_add_langstr(root, untagged.get(), "name"));
+  EXPECT_STREQ(v_error_get(), "Missing value for XML attribute.");
+}
+
 } // namespace

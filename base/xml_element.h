@@ -1,0 +1,95 @@
+#pragma once
+// What a reader of XML files sees of a document: named items (elements, and processing
+// instructions) with attributes, text and children, and the getters that turn everything missing or
+// malformed in them into a fixed message. A reader need not know whether an item is a node of a
+// tree (XmlNodeElement) or was gathered from the parser's events (base/xml_events.h): each rule
+// about what a file may hold is written once, over XmlElement.
+//
+// Names are compared without namespaces; a prefix that is not declared is part of the name.
+
+#include <functional>
+#include <string_view>
+
+#include <libxml/tree.h>
+
+#include "base/owned.h"
+
+enum class XmlTextState { absent, unreadable, readable };
+
+// A text of a document in UTF-8. Borrowed from the element, or held here when it had to be put
+// together.
+struct XmlText {
+  XmlTextState state = XmlTextState::absent;
+  const char *text = nullptr; // null unless readable
+  OwnedText storage;
+};
+
+XmlText v_xml_borrowed_text(const char *utf8_text);
+
+class XmlElement;
+// Returns false to end the walk.
+using XmlChildVisitor = std::function<bool(const XmlElement &child)>;
+
+class XmlElement {
+public:
+  XmlElement() = default;
+  virtual ~XmlElement() = default;
+  XmlElement(const XmlElement &) = default;
+  XmlElement &operator=(const XmlElement &) = default;
+
+  virtual bool has_name(std::string_view name) const = 0;
+  // False for a processing instruction, whose target is its name and whose text is empty, and for
+  // whatever else has a name in a tree.
+  virtual bool is_element() const = 0;
+  // The first attribute of that name.
+  virtual XmlText get_attribute(const char *name) const = 0;
+  // The direct text, CDATA included; child elements add nothing. Never absent.
+  virtual XmlText get_text() const = 0;
+  // Visits the children in their order, until the visitor returns false. Returns whether it never
+  // did.
+  virtual bool visit_children(const XmlChildVisitor &visit) const = 0;
+};
+
+// A node of a tree. References to entities are resolved; a text with an entity that is not known is
+// unreadable as a whole, where the library's own function would leave the reference out: a text is
+// never shortened unnoticed. What entities and declared defaults add to all texts of a document is
+// limited to v_xml_maximum_expansion; what is beyond counts as unreadable. The document's _private
+// field keeps that sum.
+class XmlNodeElement final : public XmlElement {
+public:
+  // Both are borrowed; the document is that of the node.
+  XmlNodeElement(xmlDoc *its_document, const xmlNode *its_node)
+      : document(its_document), node(its_node) {}
+
+  bool has_name(std::string_view name) const override;
+  bool is_element() const override;
+  XmlText get_attribute(const char *name) const override;
+  XmlText get_text() const override;
+  bool visit_children(const XmlChildVisitor &visit) const override;
+
+private:
+  xmlDoc *document;
+  const xmlNode *node;
+};
+
+// How a getter wants its value.
+enum class XmlEncoding { ascii, latin1, utf8 };
+enum class XmlPresence { optional, required };
+enum class XmlContent { any, nonempty };
+enum class XmlSpacing { kept, compact }; // compact: both ends stripped, inner runs one space
+
+// The value of an attribute. True with null when an optional one is absent. False with null and
+// "Missing XML attribute: <name>", "Error when reading XML attribute.", "Empty XML attribute:
+// <name>", or "Invalid XML attribute content." before the reason when the value does not fit the
+// encoding.
+bool v_xml_get_attribute(OwnedText &value, const XmlElement &element, const char *name,
+                         XmlEncoding encoding, XmlPresence presence, XmlContent content);
+// The text content. Null with "Error reading text content from XML node.", "Invalid XML node
+// content." before the reason when it does not fit the encoding, or "Missing text content in XML."
+// before "Text content is empty.".
+OwnedText v_xml_get_text(const XmlElement &element, XmlEncoding encoding, XmlSpacing spacing,
+                         XmlContent content);
+
+// The two messages about children by their name.
+void v_xml_set_missing_node_error(const char *name); // "Missing XML node: <name>"
+void v_xml_set_duplicate_nodes_error(); // "Duplicate XML nodes found where not allowed."

@@ -1,0 +1,332 @@
+#include "base/xml_events.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <libxml/SAX2.h>
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h> // XML_MAX_TEXT_LENGTH
+#include <unistd.h>
+
+#include "base/error.h"
+#include "base/fs_utils.h"
+#include "base/xml_parser_settings.h"
+#include "base/xml_parsing.h"
+
+namespace {
+
+const char *as_text(const xmlChar *text) { return reinterpret_cast<const char *>(text); }
+
+bool is_equal(const xmlChar *a, const char *b) { return std::strcmp(as_text(a), b) == 0; }
+
+// As the library's tree has it: a prefix that is not declared is part of the name.
+void set_name(std::string &name, const xmlChar *local_name, const xmlChar *prefix,
+              const xmlChar *uri) {
+  name.clear();
+  if (prefix != nullptr && uri == nullptr) {
+    name.append(as_text(prefix)).append(":");
+  }
+  name.append(as_text(local_name));
+}
+
+// The entry of the list that is equal; null when there is none.
+const std::string *find(const std::vector<std::string> &names, const std::string &name) {
+  const auto found = std::find(names.begin(), names.end(), name);
+  return found == names.end() ? nullptr : &*found;
+}
+
+// A list whose items keep their memory when the list is emptied.
+template <typename T>
+class ReusedList {
+public:
+  T &add() {
+    if (count == items.size()) {
+      items.emplace_back();
+    }
+    return items[count++];
+  }
+  void clear() { count = 0; }
+  const T *begin() const { return items.data(); }
+  const T *end() const { return items.data() + count; }
+
+private:
+  std::vector<T> items;
+  std::size_t count = 0;
+};
+
+// ---- One child of the root, or a child of it
+// -----------------------------------------------------
+
+struct RecordedAttribute {
+  std::string name;
+  std::string value;
+};
+
+class RecordedElement final : public XmlElement {
+public:
+  bool has_name(std::string_view other) const override { return *name == other; }
+  bool is_element() const override { return !is_instruction; }
+  XmlText get_attribute(const char *wanted) const override {
+    for (const RecordedAttribute &attribute : attributes) {
+      if (attribute.name == wanted) {
+        return v_xml_borrowed_text(attribute.value.c_str());
+      }
+    }
+    return {};
+  }
+  XmlText get_text() const override { return v_xml_borrowed_text(text.c_str()); }
+  bool visit_children(const XmlChildVisitor &visit) const override {
+    return std::all_of(children.begin(), children.end(), std::cref(visit));
+  }
+
+  void restart(const std::string *new_name, bool as_instruction) {
+    name = new_name;
+    is_instruction = as_instruction;
+    attributes.clear();
+    text.clear();
+    children.clear();
+  }
+
+  const std::string *name = nullptr; // borrowed from the reader's list
+  bool is_instruction = false;
+  ReusedList<RecordedAttribute> attributes;
+  std::string text;
+  ReusedList<RecordedElement> children;
+};
+
+// ---- The parser's events
+// -------------------------------------------------------------------------
+
+constexpr int root_depth = 1;
+constexpr int child_depth = 2;
+constexpr int grandchild_depth = 3;
+
+// Kept in the parser context's private field, which belongs to the application.
+struct EventReading {
+  const XmlRootReader *reader = nullptr;
+  int depth = 0; // of open elements
+  std::string name;
+  RecordedElement child;
+  RecordedElement *grandchild = nullptr; // the last of the child's, while it is open
+  bool is_child_recorded = false;        // the open child is one of those that are handed out
+  std::size_t text_length = 0;           // of the text since the last other event, in bytes
+  bool needs_tree = false;
+  bool has_id = false; // some element has the attribute xml:id
+};
+
+EventReading &reading_of(void *context) {
+  return *static_cast<EventReading *>(static_cast<xmlParserCtxt *>(context)->_private);
+}
+
+void leave_to_tree(void *context) {
+  reading_of(context).needs_tree = true;
+  xmlStopParser(static_cast<xmlParserCtxt *>(context));
+}
+
+// A document type may declare entities and defaults, which only a tree resolves.
+void document_type(void *context, const xmlChar *, const xmlChar *, const xmlChar *) noexcept {
+  leave_to_tree(context);
+}
+
+// The library hands out five pointers for each attribute.
+void record_attributes(RecordedElement &element, int count, const xmlChar **attributes) {
+  for (const xmlChar **place = attributes; count > 0; count--, place += 5) {
+    RecordedAttribute &attribute = element.attributes.add();
+    set_name(attribute.name, place[0], place[1], place[2]);
+    attribute.value.assign(as_text(place[3]), static_cast<std::size_t>(place[4] - place[3]));
+  }
+}
+
+// While a tree is built, the library also reports what is wrong with the identifiers in it.
+bool has_id(int count, const xmlChar **attributes) {
+  for (const xmlChar **place = attributes; count > 0; count--, place += 5) {
+    if (is_equal(place[0], "id") && place[1] != nullptr && is_equal(place[1], "xml")) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// The record for the item that begins, named reading.name, or null when it is left out.
+RecordedElement *begin_record(EventReading &reading, int depth, bool is_instruction) {
+  const bool is_child = depth == child_depth;
+  if (!is_child && (depth != grandchild_depth || !reading.is_child_recorded)) {
+    return nullptr;
+  }
+  const XmlRootReader &reader = *reading.reader;
+  const std::string *name =
+      find(is_child ? reader.child_names : reader.grandchild_names, reading.name);
+  if (name == nullptr) {
+    return nullptr;
+  }
+  RecordedElement &element = is_child ? reading.child : reading.child.children.add();
+  element.restart(name, is_instruction);
+  return &element;
+}
+
+void start_element(void *context, const xmlChar *local_name, const xmlChar *prefix,
+                   const xmlChar *uri, int, const xmlChar **, int attribute_count, int,
+                   const xmlChar **attributes) noexcept {
+  EventReading &reading = reading_of(context);
+  reading.text_length = 0;
+  reading.has_id = reading.has_id || has_id(attribute_count, attributes);
+  reading.depth++;
+  if (reading.depth > grandchild_depth) {
+    return;
+  }
+  set_name(reading.name, local_name, prefix, uri);
+  if (reading.depth == root_depth) {
+    reading.reader->begin(reading.name.c_str());
+    return;
+  }
+  RecordedElement *element = begin_record(reading, reading.depth, false);
+  if (element != nullptr) {
+    record_attributes(*element, attribute_count, attributes);
+  }
+  if (reading.depth == child_depth) {
+    reading.is_child_recorded = element != nullptr;
+  } else {
+    reading.grandchild = element;
+  }
+}
+
+void end_element(void *context, const xmlChar *, const xmlChar *, const xmlChar *) noexcept {
+  EventReading &reading = reading_of(context);
+  reading.text_length = 0;
+  if (reading.depth == child_depth && reading.is_child_recorded) {
+    reading.reader->read_child(reading.child);
+    reading.is_child_recorded = false;
+  } else if (reading.depth == grandchild_depth) {
+    reading.grandchild = nullptr;
+  }
+  reading.depth--;
+}
+
+void append_text(EventReading &reading, const xmlChar *text, int length) {
+  const auto size = static_cast<std::size_t>(length);
+  if (reading.depth == child_depth && reading.is_child_recorded) {
+    reading.child.text.append(as_text(text), size);
+  } else if (reading.depth == grandchild_depth && reading.grandchild != nullptr) {
+    reading.grandchild->text.append(as_text(text), size);
+  }
+}
+
+void characters(void *context, const xmlChar *text, int length) noexcept {
+  EventReading &reading = reading_of(context);
+  reading.text_length += static_cast<std::size_t>(length);
+  if (reading.text_length > XML_MAX_TEXT_LENGTH) { // no tree holds it
+    leave_to_tree(context);
+  } else {
+    append_text(reading, text, length);
+  }
+}
+
+void cdata_block(void *context, const xmlChar *text, int length) noexcept {
+  EventReading &reading = reading_of(context);
+  reading.text_length = 0;
+  append_text(reading, text, length);
+}
+
+void processing_instruction(void *context, const xmlChar *target, const xmlChar *) noexcept {
+  EventReading &reading = reading_of(context);
+  reading.text_length = 0;
+  reading.name = as_text(target);
+  const int depth = reading.depth + 1;
+  const RecordedElement *element = begin_record(reading, depth, true);
+  if (depth == child_depth && element != nullptr) {
+    reading.reader->read_child(*element);
+  }
+}
+
+void comment(void *context, const xmlChar *) noexcept { reading_of(context).text_length = 0; }
+
+xmlSAXHandler event_handlers() {
+  xmlSAXHandler handlers = {};
+  handlers.initialized = XML_SAX2_MAGIC;
+  handlers.startDocument = xmlSAX2StartDocument;
+  handlers.internalSubset = document_type;
+  handlers.startElementNs = start_element;
+  handlers.endElementNs = end_element;
+  handlers.characters = characters;
+  // Any other function here would be given the white space between elements.
+  handlers.ignorableWhitespace = characters;
+  handlers.cdataBlock = cdata_block;
+  handlers.processingInstruction = processing_instruction;
+  handlers.comment = comment;
+  handlers.warning = xmlParserWarning;
+  handlers.error = xmlParserError;
+  return handlers;
+}
+
+// ---- The two ways
+// --------------------------------------------------------------------------------
+
+enum class Outcome { read, failed, needs_tree };
+
+// The faults of identifiers are only reported while a tree is built: when the parse fails, the
+// report is left to it.
+Outcome outcome_of(const EventReading &reading, const OwnedXmlDoc &document) {
+  if (reading.needs_tree || (!document && reading.has_id)) {
+    return Outcome::needs_tree;
+  }
+  return document && !v_xml_has_lost_something() ? Outcome::read : Outcome::failed;
+}
+
+// Two fields of the context are used, both meant for applications: the table of handlers and the
+// private field. The document that comes back is empty and only says that the file is well-formed.
+Outcome read_by_events(int descriptor, const XmlRootReader &reader) {
+  const XmlParserSettings settings;
+  EventReading reading;
+  reading.reader = &reader;
+  const Owned<xmlParserCtxt, xmlFreeParserCtxt> parser(xmlNewParserCtxt());
+  OwnedXmlDoc document;
+  if (parser) {
+    parser->_private = &reading;
+    *parser->sax = event_handlers();
+    // Without the option an "&" in the value of an attribute is handed out as a reference.
+    document.reset(xmlCtxtReadFd(parser.get(), descriptor, nullptr, nullptr, XML_PARSE_NOENT));
+  }
+  const Outcome outcome = outcome_of(reading, document);
+  if (outcome == Outcome::failed) {
+    v_xml_set_error_from_report(nullptr);
+  }
+  return outcome;
+}
+
+bool read_by_tree(int descriptor, const XmlRootReader &reader) {
+  if (lseek(descriptor, 0, SEEK_SET) != 0) {
+    v_error_set_from_errno();
+    return false;
+  }
+  const OwnedXmlDoc document = v_xml_parse_descriptor(descriptor);
+  if (!document) {
+    return false;
+  }
+  if (const xmlNode *root = v_xml_get_root_element(document.get())) {
+    reader.begin(as_text(root->name));
+    XmlNodeElement(document.get(), root).visit_children([&](const XmlElement &child) {
+      if (std::any_of(reader.child_names.begin(), reader.child_names.end(),
+                      [&](const std::string &name) { return child.has_name(name); })) {
+        reader.read_child(child);
+      }
+      return true;
+    });
+  }
+  return true;
+}
+
+} // namespace
+
+bool v_xml_read_root_children(const char *path, const XmlRootReader &reader) {
+  const OwnedFile file = v_fs_utils_open_file(path, "rb");
+  if (!file) {
+    return false;
+  }
+  const int descriptor = fileno(file.get());
+  const Outcome outcome = read_by_events(descriptor, reader);
+  return outcome == Outcome::read ||
+         (outcome == Outcome::needs_tree && read_by_tree(descriptor, reader));
+}
