@@ -1,89 +1,103 @@
 # shellcheck shell=bash
 # Shows a GTK program in a web browser of this machine, through the toolkit's own display server. Sourced, not run.
+#
+# The server asks nobody for a secret, and its socket for programs is an abstract one, which has no permissions. So it
+# runs with the program in a network of their own, and browsers reach it through a gateway (browser_gateway.py).
 
-readonly first_browser_port=8085
-readonly browser_ports=200
+browser_library=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
+readonly browser_library
 readonly server_start_seconds=10
 
-server_pid=
-program_pid=
-private_runtime=
+session_folder=
 
-# Runs the command and returns its exit status. The server ends with it, and both end with this script, however it ends.
+# Runs the command and returns its exit status. The server and the gateway end with it, and all three end with this
+# script, however it ends.
 run_in_browser() {
-    local port status=0
+    local status=0
     trap end_browser EXIT
     trap 'exit 129' HUP
     trap 'exit 130' INT
     trap 'exit 143' TERM
-    ensure_runtime_folder
-    start_server || exit 1
-    echo "Open http://127.0.0.1:$port/ in a web browser."
-    # Without a session bus there is no accessibility bus to look for.
-    [[ -n ${DBUS_SESSION_BUS_ADDRESS:-} || -S $XDG_RUNTIME_DIR/bus ]] || export NO_AT_BRIDGE=1
-    GDK_BACKEND=broadway BROADWAY_DISPLAY=":$port" setpriv --pdeathsig TERM \
-        env -u DISPLAY -u WAYLAND_DISPLAY --default-signal=INT,QUIT "$@" <&0 &
-    program_pid=$!
-    wait "$program_pid" || status=$?
-    program_pid=
+    check_enclosure || exit 1
+    find_session_bus
+    make_session_folder
+    setpriv --pdeathsig TERM /usr/bin/python3 -I "$browser_library/browser_gateway.py" "$session_folder" </dev/null &
+    # shellcheck disable=SC2016 # expanded by the bash that is started
+    enclosed setpriv --pdeathsig TERM bash -c 'source "$1" && show_program "${@:2}"' bash \
+        "$browser_library/browser.bash" "$session_folder" "$@" <&0 &
+    wait -n || status=$?
     exit "$status"
 }
 
-# The server and the program meet in this folder.
-ensure_runtime_folder() {
-    [[ -n ${XDG_RUNTIME_DIR:-} && -d $XDG_RUNTIME_DIR && -w $XDG_RUNTIME_DIR ]] && return 0
-    private_runtime=$(mktemp -d)
-    export XDG_RUNTIME_DIR=$private_runtime
+# Becomes the command, where nobody else reaches its abstract sockets. /dev/shm is its own too: the toolkit leaves there
+# what it was drawing when it is killed, and this one ends with its last process.
+enclosed() {
+    # shellcheck disable=SC2016 # expanded by the sh that is started
+    local enter='mount -t tmpfs -o mode=0700,nosuid,nodev tmpfs /dev/shm && exec "$@"'
+    if [[ -n ${VANTORELLE_SOLE_USER:-} ]]; then
+        exec "$@"
+    elif ((EUID == 0)); then
+        exec unshare --net --mount sh -c "$enter" sh "$@"
+    fi
+    # Only root may mount, if only of a namespace, and the program needs the user's own number again.
+    exec unshare --map-root-user --net --mount sh -c "$enter" sh \
+        unshare --map-user="$EUID" --map-group="$(id -g)" "$@"
 }
 
-# Starts the server on the first free port, which is left in $port. The display has the port's number: what is free as a
-# port of this machine is free as a display too.
-start_server() {
-    for ((port = first_browser_port; port < first_browser_port + browser_ports; ++port)); do
-        port_is_taken "$port" && continue
-        setpriv --pdeathsig TERM broadwayd --address 127.0.0.1 --port "$port" ":$port" </dev/null >/dev/null 2>&1 &
-        server_pid=$!
-        server_is_ready && return 0
-        end_process "$server_pid"
-        server_pid=
-    done
-    echo "No free port was found from $first_browser_port on." >&2
+# Some containers forbid namespaces.
+check_enclosure() {
+    local reason
+    reason=$( (enclosed true) 2>&1) && return 0
+    echo "Other users of this machine cannot be kept from the program's display here: ${reason##*$'\n'}" >&2
+    echo "If this machine has no other user, set VANTORELLE_SOLE_USER=1 and start again." >&2
     return 1
 }
 
-port_is_taken() {
-    (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null
+# The bus that is found by the runtime folder is named, as the program gets another folder. Without a session bus there
+# is no accessibility bus to look for.
+find_session_bus() {
+    if [[ -z ${DBUS_SESSION_BUS_ADDRESS:-} && -S ${XDG_RUNTIME_DIR:-}/bus ]]; then
+        export DBUS_SESSION_BUS_ADDRESS=unix:path=$XDG_RUNTIME_DIR/bus
+    fi
+    [[ -n ${DBUS_SESSION_BUS_ADDRESS:-} ]] || export NO_AT_BRIDGE=1
+}
+
+# Only the user can enter it.
+make_session_folder() {
+    local parent=${XDG_RUNTIME_DIR:-}
+    [[ -d $parent && -O $parent && -w $parent ]] || parent=${TMPDIR:-/tmp}
+    session_folder=$(mktemp -d "$parent/vantorelle.XXXXXXXXXX")
+}
+
+# Becomes the command, on a display of its own whose server ends with it. The server and the command meet in the folder.
+show_program() {
+    export XDG_RUNTIME_DIR=$1 GDK_BACKEND=broadway BROADWAY_DISPLAY=:0
+    setpriv --pdeathsig TERM broadwayd --unixsocket "$1/page" "$BROADWAY_DISPLAY" </dev/null >/dev/null 2>&1 &
+    if ! server_is_ready $!; then
+        echo "The toolkit's display server, broadwayd, did not start." >&2
+        exit 1
+    fi
+    exec env -u DISPLAY -u WAYLAND_DISPLAY --default-signal=INT,QUIT "${@:2}"
 }
 
 server_is_ready() {
     local tries
     for ((tries = 0; tries < server_start_seconds * 20; ++tries)); do
-        kill -0 "$server_pid" 2>/dev/null || return 1
-        grep -qsF "$XDG_RUNTIME_DIR/broadway$((port + 1)).socket" /proc/net/unix && server_has_port && return 0
+        kill -0 "$1" 2>/dev/null || return 1
+        grep -qsF "$XDG_RUNTIME_DIR/broadway1.socket" /proc/net/unix && return 0
         sleep 0.05
     done
     return 1
 }
 
-# Whether the listening socket is the server's own. Another session that starts at this moment may have been faster, and
-# a server that finds its port taken lives on for a while.
-server_has_port() {
-    local sockets
-    sockets=$(awk -v port="$(printf ':%04X' "$port")" \
-        '$4 == "0A" && substr($2, length($2) - 4) == port { print "socket:[" $10 "]" }' /proc/net/tcp)
-    [[ -n $sockets ]] && readlink "/proc/$server_pid/fd/"* 2>/dev/null | grep -xF "$sockets" >/dev/null
-}
-
-end_process() {
-    kill -TERM "$1" 2>/dev/null || true
-    wait "$1" 2>/dev/null || true
-}
-
 end_browser() {
+    local job
     trap - EXIT
     trap '' HUP INT TERM
-    [[ -n $program_pid ]] && end_process "$program_pid"
-    [[ -n $server_pid ]] && end_process "$server_pid"
-    [[ -n $private_runtime ]] && rm -rf "$private_runtime"
+    for job in $(jobs -pr); do
+        kill -TERM "$job" 2>/dev/null || true
+        wait "$job" 2>/dev/null || true
+    done
+    [[ -n $session_folder ]] && rm -rf "$session_folder"
     return 0
 }

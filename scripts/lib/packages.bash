@@ -22,6 +22,8 @@ build   libfreetype-dev
 run     adwaita-icon-theme
 run     librsvg2-common
 run     libgtk-3-bin
+run     mount
+run     python3
 run     at-spi2-core
 run     dbus
 run     hunspell-en-gb

@@ -19,6 +19,7 @@ from support.program import EXECUTABLE  # noqa: E402
 # A caller in the background ignores the interrupt.
 START = ("env", "--default-signal=INT,QUIT", "bash", "-c", 'set -euo pipefail; source "$1"; run_in_browser "$2"', "run")
 LISTENING = "0A"
+SHARED_MEMORY = "/dev/shm/bdw-*"  # the toolkit's names
 
 
 class Session:
@@ -36,15 +37,16 @@ class Session:
             env={**kept, **own, **environment}, start_new_session=True)
 
     def read_address(self):
-        """The address that the user is told, and its port."""
+        """The address that the user is told, and its port and secret."""
         line = self.process.stdout.readline()
-        told = re.fullmatch(r"Open (http://127\.0\.0\.1:(\d+)/) in a web browser\.\n", line)
+        told = re.fullmatch(r"Open (http://127\.0\.0\.1:(\d+)/([\w-]{43,})/) in a web browser\.\n", line, re.ASCII)
         if not told:
             raise AssertionError(f"No address was printed, but {line!r}")
-        return told[1], int(told[2])
+        return told[1], int(told[2]), told[3]
 
     def processes(self):
-        """The script and all that it started, by name: the script, the server and the program, if all is well."""
+        """The script and all that it started, by name: the script, the gateway, the server and the program, if all is
+        well."""
         return {pid: name for pid, name, session in running_processes() if session == self.process.pid}
 
     def listening(self):
@@ -52,16 +54,30 @@ class Session:
         names = {link for pid in self.processes() for link in open_files(pid)}
         return {name: place for name, place in listening_sockets().items() if name in names}
 
-    def send(self, number):
-        """As `kill` does, to the script alone."""
-        self.process.send_signal(number)
+    def shared_memory(self):
+        """The files, as the processes name them, by which the program and the server share pictures."""
+        return {path for pid in self.processes() for path in mapped_files(pid) if path.match(SHARED_MEMORY)}
 
-    def expect_end(self, status):
-        """The exit status, nothing more printed, and nobody left."""
-        printed, _ = self.process.communicate(timeout=20)
-        if (self.process.returncode, printed) != (status, ""):
+    def find(self, name):
+        """The process of the name."""
+        return next(pid for pid, other in self.processes().items() if other == name)
+
+    def send(self, name, number):
+        """As `kill` does, to that process alone."""
+        os.kill(self.find(name), number)
+
+    def stop(self, name):
+        """Keeps the process from doing any more until it is killed."""
+        self.send(name, signal.SIGSTOP)
+        stat = pathlib.Path(f"/proc/{self.find(name)}/stat")
+        wait_until(lambda: stat.read_text().rpartition(") ")[2].startswith("T"), lambda: f"{name} to stand still")
+
+    def expect_end(self, status, printed=""):
+        """The exit status, nobody left, and nothing more printed than what the regular expression matches."""
+        output, _ = self.process.communicate(timeout=20)
+        if self.process.returncode != status or not re.fullmatch(printed, output):
             raise AssertionError(
-                f"The script ended with status {self.process.returncode}, not {status}, and printed {printed!r}")
+                f"The script ended with status {self.process.returncode}, not {status}, and printed {output!r}")
         wait_until(lambda: not self.processes(), lambda: f"the end of {self.processes()!r}")
 
     def kill(self):
@@ -88,6 +104,22 @@ def open_files(pid):
             yield os.readlink(link)
         except OSError:
             continue
+
+
+def mapped_files(pid):
+    """Those that still have a name."""
+    try:
+        lines = pathlib.Path(f"/proc/{pid}/maps").read_text().splitlines()
+    except OSError:
+        return
+    for line in lines:
+        _range, _mode, _offset, _device, _inode, *path = line.split(maxsplit=5)
+        yield from (pathlib.Path(name) for name in path if not name.endswith(" (deleted)"))
+
+
+def shared_memory():
+    """What any program that is not enclosed shares with its server, or did."""
+    return pathlib.Path("/").glob(SHARED_MEMORY.lstrip("/"))
 
 
 def listening_sockets():

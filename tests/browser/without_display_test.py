@@ -1,7 +1,9 @@
 #!/usr/bin/python3
-"""A session in a web browser, from the first start to the last byte; and what it leaves behind."""
+"""A session in a web browser, from the first start to the last byte; who else gets in, and what it leaves behind."""
 
+import os
 import pathlib
+import re
 import signal
 import socket
 import subprocess
@@ -9,9 +11,10 @@ import tempfile
 import unittest
 
 from browser import HOME, RETURN, TAB, Browser
-from session import Session, listening_sockets
+from session import Session, listening_sockets, shared_memory
 from support import codeset, main, wait_until
 from support.journey import artifacts_folder
+from visitor import WEBSOCKET, ask, head
 
 # How far buttons lie from the corners of their windows, in pixels, the shadow of a window that is not maximized included.
 ASSISTANT_BUTTON = (72, 53)  # from right and bottom: Next, Apply or Close
@@ -21,6 +24,13 @@ ADD_NEW_CODE = (60, 77)  # from left and bottom
 SAVE_CODESET = (68, 26)  # from left and bottom
 
 PROGRAM = "vantorelle-rema"  # of a process's name the system keeps 15 characters
+PROCESSES = ("bash", "python3", "broadwayd", PROGRAM)
+
+# What the shell tells of a process that was killed.
+KILLED = r".* Killed .*\n"
+
+REFUSAL = b"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"
+NOBODY = 65534
 
 # Dark pixels: of a window that is drawn at least, and more than a blinking caret has.
 LEAST_INK = 300
@@ -36,6 +46,7 @@ class WithoutDisplay(unittest.TestCase):
         self.scratch = self.folder / "scratch"
         self.home.mkdir()
         self.scratch.mkdir()
+        self.shared_memory = set(shared_memory())
 
     def start(self, **environment):
         session = Session(self.home, self.scratch, **environment)
@@ -44,7 +55,7 @@ class WithoutDisplay(unittest.TestCase):
 
     def test_a_codeset_is_written_in_the_browser(self):
         session = self.start()
-        address, port = session.read_address()
+        address, port, _ = session.read_address()
         self.browser = Browser(self.folder / "browser")
         self.addCleanup(self.browser.end)
         self.addCleanup(self.leave_picture)
@@ -64,20 +75,119 @@ class WithoutDisplay(unittest.TestCase):
         self.expect_nothing_left(session, 0, sockets)
 
     def test_sessions_of_one_user_share_nothing_and_end_with_their_script(self):
-        ends = {signal.SIGHUP: 129, signal.SIGINT: 130, signal.SIGTERM: 143, signal.SIGKILL: -signal.SIGKILL}
+        ends = [
+            ("bash", signal.SIGHUP, 129, ""),
+            ("bash", signal.SIGINT, 130, ""),
+            ("bash", signal.SIGTERM, 143, ""),
+            ("bash", signal.SIGKILL, -signal.SIGKILL, ""),
+            ("python3", signal.SIGKILL, 128 + signal.SIGKILL, KILLED),
+            ("broadwayd", signal.SIGKILL, 1, r"Unable to read from broadway server: .*\n"),
+            (PROGRAM, signal.SIGKILL, 128 + signal.SIGKILL, KILLED),
+        ]
         runtime = self.folder / "runtime"
         runtime.mkdir(mode=0o700)
         # At the same moment, so that they want the same port.
         sessions = [self.start(XDG_RUNTIME_DIR=str(runtime)) for _ in ends]
-        ports = [session.read_address()[1] for session in sessions]
-        self.assertEqual(len(set(ports)), len(ends))
-        for session in sessions:
-            wait_until(lambda: PROGRAM in session.processes().values(), lambda: f"the program in {session.processes()!r}")
-        sockets = [self.expect_local(session, port) for session, port in zip(sessions, ports)]
-        for session, own_sockets, (number, status) in zip(sessions, sockets, ends.items()):
-            with self.subTest(signal=number.name):
-                session.send(number)
-                self.expect_nothing_left(session, status, own_sockets)
+        places = [session.read_address()[1:] for session in sessions]
+        for values in zip(*places):
+            self.assertEqual(len(set(values)), len(ends))
+        sockets = [self.expect_local(session, port) for session, (port, _) in zip(sessions, places)]
+        for session, own_sockets, (name, number, status, printed) in zip(sessions, sockets, ends):
+            with self.subTest(name=name, signal=number.name):
+                session.send(name, number)
+                self.expect_nothing_left(session, status, own_sockets, printed)
+        self.assertEqual(list(runtime.iterdir()), [])
+
+    def test_only_the_printed_address_is_served_and_only_to_its_own_page(self):
+        _, port, secret = self.start().read_address()
+        host = f"127.0.0.1:{port}"
+        own = {"Host": host, "Origin": f"http://{host}"}
+        page, upgrade = f"/{secret}/", f"/{secret}/socket"
+        refused = {
+            "no secret": head("/", own),
+            "no secret, the page's script": head("/broadway.js", own),
+            "no secret, upgrade": head("/socket", {**own, **WEBSOCKET}),
+            "another secret": head(f"/{secret[::-1]}/", own),
+            "another secret, upgrade": head(f"/{secret[::-1]}/socket", {**own, **WEBSOCKET}),
+            "the secret's beginning": head(f"/{secret[:-1]}/", own),
+            "more than the secret": head(f"/{secret}A/", own),
+            "the secret in the query": head(f"/?{secret}", own),
+            "another page": head(page + "favicon.ico", own),
+            "out of the secret's folder": head(page + "../socket", {**own, **WEBSOCKET}),
+            "another method": head(page, own, "POST"),
+            "a request with a body": head(page, {**own, "Content-Length": "0"}),
+            "no host": head(page, {}),
+            "another host": head(page, {"Host": f"rebound.example:{port}"}),
+            "another host, its origin": head(
+                upgrade, {"Host": f"rebound.example:{port}", "Origin": f"http://rebound.example:{port}", **WEBSOCKET}),
+            "a host without its port": head(page, {"Host": "127.0.0.1"}),
+            "two hosts": head(page, {"host": "rebound.example", **own}),
+            "another origin": head(page, {**own, "Origin": "http://foreign.example"}),
+            "another origin, upgrade": head(upgrade, {**own, "Origin": "http://foreign.example", **WEBSOCKET}),
+            "another port's origin": head(upgrade, {**own, "Origin": "http://127.0.0.1:1", **WEBSOCKET}),
+            "an origin that the browser hides": head(upgrade, {**own, "Origin": "null", **WEBSOCKET}),
+            "no origin, upgrade": head(upgrade, {"Host": host, **WEBSOCKET}),
+            "no upgrade": head(upgrade, own),
+            "no HTTP": b"\0\xff\r\n\r\n",
+            "no end": b"GET / HTTP/1.1\r\n" + b"A: a\r\n" * 2800,  # more than 16 KiB
+        }
+        for name, request in refused.items():
+            with self.subTest(refused=name):
+                self.assertEqual(ask(port, request), REFUSAL)
+        served = {
+            "the page": (head(page, {"Host": host}), b"HTTP/1.0 200 OK"),
+            "the page, by the machine's own name": (head(page, {"Host": f"localhost:{port}"}), b"HTTP/1.0 200 OK"),
+            "the page's script": (head(page + "broadway.js", {"Host": host}), b"HTTP/1.0 200 OK"),
+            "the page, with others' cookies": (head(page, {"Host": host, "Cookie": "a=\u00e4; b=c"}), b"HTTP/1.0 200 OK"),
+            "the upgrade": (head(upgrade, {**own, **WEBSOCKET}), b"HTTP/1.1 101 Switching Protocols"),
+        }
+        for name, (request, status) in served.items():
+            with self.subTest(served=name):
+                self.assertEqual(ask(port, request).split(b"\r\n")[0], status)
+        # Nothing that follows an admitted request is passed on without a look at it.
+        two = head(page, {"Host": host}) + head("/socket", {**own, "Origin": "http://foreign.example", **WEBSOCKET})
+        self.assertEqual(ask(port, two).count(b"HTTP/1."), 1)
+
+    # Only root can become another user.
+    if os.geteuid() == 0:
+        def test_another_user_of_the_machine_finds_no_way_in(self):
+            session = self.start()
+            _, port, secret = session.read_address()
+            self.expect_local(session, port)
+            sockets = [path for path in self.scratch.rglob("*") if path.is_socket()]
+            self.assertEqual(len(sockets), 1)
+            # Only the session's own folder may be what keeps others out.
+            for folder in (self.folder, self.scratch):
+                folder.chmod(0o755)
+            other_user = (pathlib.Path(__file__).parent / "other_user.py").read_text()
+            found = subprocess.run(
+                ("/usr/bin/python3", "-c", other_user, str(port), self.scratch, *sockets), input=secret,
+                capture_output=True, text=True, check=True, cwd="/", user=NOBODY, group=NOBODY, extra_groups=[])
+            self.assertEqual(found.stdout.split(), [])
+
+    def test_nothing_is_shown_where_other_users_cannot_be_kept_out(self):
+        programs = self.folder / "programs"
+        programs.mkdir()
+        unshare = programs / "unshare"
+        unshare.write_text("#!/bin/sh\necho 'unshare: unshare failed: Operation not permitted' >&2\nexit 1\n")
+        unshare.chmod(0o755)
+        path = f"{programs}:{os.environ['PATH']}"
+        refused = self.start(PATH=path)
+        refused.expect_end(1, re.escape(
+            "Other users of this machine cannot be kept from the program's display here: "
+            "unshare: unshare failed: Operation not permitted\n"
+            "If this machine has no other user, set VANTORELLE_SOLE_USER=1 and start again.\n"))
+        alone = self.start(PATH=path, VANTORELLE_SOLE_USER="1")
+        _, port, _ = alone.read_address()
+        self.expect_local(alone, port)
+        # The machine's own memory is used here, of which the toolkit leaves some behind. A program at rest takes no more.
+        alone.stop(PROGRAM)
+        memory = alone.shared_memory()
+        alone.send(PROGRAM, signal.SIGKILL)
+        alone.expect_end(128 + signal.SIGKILL, KILLED)
+        for path in memory:
+            path.unlink(missing_ok=True)
+        self.assertEqual(list(self.scratch.iterdir()), [])
 
     def create_workspace(self, assistant):
         button = (assistant.right - ASSISTANT_BUTTON[0], assistant.bottom - ASSISTANT_BUTTON[1])
@@ -132,8 +242,9 @@ class WithoutDisplay(unittest.TestCase):
         return wait_until(find, lambda: f"a change of {window!r}; there are {self.browser.windows()!r}")
 
     def expect_local(self, session, port):
-        """Only this machine itself can reach the program. Returns the sockets by which it can."""
-        self.assertCountEqual(session.processes().values(), ("bash", "broadwayd", PROGRAM))
+        """Only this machine itself can reach the program, once it shows something. Returns the sockets by which it can."""
+        wait_until(session.shared_memory, lambda: f"a picture by any of {session.processes()!r}")
+        self.assertCountEqual(session.processes().values(), PROCESSES)
         sockets = session.listening()
         self.assertEqual(list(sockets.values()), [("127.0.0.1", port)])
         own_addresses = subprocess.run(("hostname", "-I"), capture_output=True, text=True, check=True).stdout.split()
@@ -142,11 +253,12 @@ class WithoutDisplay(unittest.TestCase):
                 socket.create_connection((address, port), 5).close()
         return set(sockets)
 
-    def expect_nothing_left(self, session, status, sockets):
+    def expect_nothing_left(self, session, status, sockets, printed=""):
         # By the sockets: the port may be another session's by now.
-        session.expect_end(status)
+        session.expect_end(status, printed)
         # A process that is killed shows no command line any more before the system has closed its sockets.
         wait_until(lambda: sockets.isdisjoint(listening_sockets()), lambda: f"{sockets!r} to be closed")
+        self.assertEqual(set(shared_memory()) - self.shared_memory, set())
         self.assertEqual(list(self.scratch.iterdir()), [])
 
     def leave_picture(self):

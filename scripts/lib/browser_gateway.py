@@ -1,0 +1,174 @@
+"""The door between a web browser and the toolkit's display server, one for each session:
+
+    browser_gateway.py FOLDER
+
+Waits for the server's socket FOLDER/page, prints the address to open and relays what comes by it. The address holds a
+secret that is made here and is known to nobody but the reader of what is printed. The folder is removed at the end.
+"""
+
+import asyncio
+import errno
+import hmac
+import pathlib
+import re
+import secrets
+import shutil
+import signal
+import sys
+
+ADDRESS = "127.0.0.1"
+PORTS = range(8085, 8285)
+HEAD_BYTES = 16 * 1024
+HEAD_SECONDS = 10
+RELAYED_BYTES = 64 * 1024
+
+REQUEST_LINE = re.compile(r"GET (/[!-~]*) HTTP/1\.1")
+FIELD = re.compile(r"([!#$%&'*+.^_`|~0-9A-Za-z-]+):[ \t]*([\t -~\x80-\xff]*?)[ \t]*")
+PAGES = ("", "broadway.js")
+SOCKET = "socket"
+WEBSOCKET_KEY = re.compile(r"[A-Za-z0-9+/]{22}==")
+
+# One answer to whatever is refused, which tells nothing of the program.
+REFUSAL = b"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"
+
+
+class Refused(Exception):
+    """The request is not answered by the server."""
+
+
+class Gateway:
+    """`page` is the path of the server's socket."""
+
+    def __init__(self, page):
+        self.page = page
+        self.secret = secrets.token_urlsafe(32)
+        self.port = None
+        self.listener = None
+
+    async def open(self):
+        """Takes the first free port, and prints the address, as soon as the server answers."""
+        (await self.connect())[1].close()
+        for self.port in PORTS:
+            try:
+                self.listener = await asyncio.start_server(self.serve, ADDRESS, self.port, limit=HEAD_BYTES)
+            except OSError as error:
+                if error.errno != errno.EADDRINUSE:
+                    raise
+            else:
+                print(f"Open http://{ADDRESS}:{self.port}/{self.secret}/ in a web browser.", flush=True)
+                return
+        sys.exit(f"No free port was found from {PORTS[0]} on.")
+
+    async def connect(self):
+        """A connection with the server, waited for."""
+        while True:
+            try:
+                return await asyncio.open_unix_connection(self.page)
+            except (FileNotFoundError, ConnectionRefusedError):
+                await asyncio.sleep(0.05)
+
+    async def serve(self, reader, writer):
+        try:
+            try:
+                async with asyncio.timeout(HEAD_SECONDS):
+                    head = await reader.readuntil(b"\r\n\r\n")
+                page, request = self.admit(head)
+            except (Refused, TimeoutError, asyncio.LimitOverrunError):
+                writer.write(REFUSAL)
+                await writer.drain()
+            else:
+                await self.relay(request, reader if page == SOCKET else None, writer)
+        except (OSError, asyncio.IncompleteReadError):
+            pass  # the browser has gone
+        finally:
+            writer.close()
+
+    def admit(self, head):
+        """The wanted page, and the request to send to the server in place of the browser's: only what was checked gets
+        there."""
+        path, fields = parse_head(head)
+        # A web page of another site can have its own name lead to this address, but not change the name that is sent.
+        host = fields.get("host")
+        if host not in (f"{ADDRESS}:{self.port}", f"localhost:{self.port}"):
+            raise Refused
+        if fields.get("origin", f"http://{host}") != f"http://{host}":
+            raise Refused
+        secret, _, page = path[1:].partition("/")
+        if not hmac.compare_digest(secret, self.secret):
+            raise Refused
+        forwarded = ["Host: " + host]
+        if page == SOCKET:
+            forwarded += upgrade_fields(fields)
+        elif page not in PAGES:
+            raise Refused
+        return page, "\r\n".join((f"GET /{page} HTTP/1.1", *forwarded, "\r\n")).encode()
+
+    async def relay(self, request, reader, writer):
+        """Until either side ends. Without a reader the browser has nothing more to say."""
+        page_reader, page_writer = await asyncio.open_unix_connection(self.page)
+        copies = [asyncio.create_task(copy(page_reader, writer))]
+        if reader:
+            copies.append(asyncio.create_task(copy(reader, page_writer)))
+        try:
+            page_writer.write(request)
+            await asyncio.wait(copies, return_when=asyncio.FIRST_COMPLETED)
+        finally:
+            for task in copies:
+                task.cancel()
+            page_writer.close()
+
+
+def parse_head(head):
+    """The path and the header fields, by their names in lower case."""
+    first, *lines = head.decode("latin-1").removesuffix("\r\n\r\n").split("\r\n")
+    requested = REQUEST_LINE.fullmatch(first)
+    fields = {}
+    for line in lines:
+        field = FIELD.fullmatch(line)
+        if not field or field[1].lower() in fields:
+            raise Refused
+        fields[field[1].lower()] = field[2]
+    if not requested or "content-length" in fields or "transfer-encoding" in fields:
+        raise Refused
+    return requested[1], fields
+
+
+def upgrade_fields(fields):
+    """Those of a browser that asks for a WebSocket, which always tells its origin."""
+    key = fields.get("sec-websocket-key", "")
+    if "origin" not in fields or fields.get("upgrade", "").lower() != "websocket" or not WEBSOCKET_KEY.fullmatch(key):
+        raise Refused
+    return (
+        "Upgrade: websocket", "Connection: Upgrade", "Sec-WebSocket-Version: 13", "Sec-WebSocket-Protocol: broadway",
+        "Sec-WebSocket-Key: " + key,
+    )
+
+
+async def copy(reader, writer):
+    try:
+        while data := await reader.read(RELAYED_BYTES):
+            writer.write(data)
+            await writer.drain()
+    except OSError:
+        pass  # as at the end
+
+
+async def run(folder):
+    """Until a signal comes."""
+    loop = asyncio.get_running_loop()
+    for number in (signal.SIGHUP, signal.SIGTERM):
+        loop.add_signal_handler(number, asyncio.current_task().cancel)
+    gateway = Gateway(folder / "page")
+    await gateway.open()
+    await loop.create_future()
+
+
+if __name__ == "__main__":
+    session = pathlib.Path(sys.argv[1])
+    try:
+        asyncio.run(run(session))
+    except asyncio.CancelledError:
+        pass
+    finally:
+        # The script does the same, but may have been killed.
+        shutil.rmtree(session, ignore_errors=True)
