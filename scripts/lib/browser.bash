@@ -9,6 +9,7 @@ readonly browser_library
 readonly server_start_seconds=10
 
 session_folder=
+is_enclosed=1
 
 # Runs the command and returns its exit status. The server and the gateway end with it, and all three end with this
 # script, however it ends.
@@ -34,7 +35,7 @@ run_in_browser() {
 enclosed() {
     # shellcheck disable=SC2016 # expanded by the sh that is started
     local enter='mount -t tmpfs -o mode=0700,nosuid,nodev tmpfs /dev/shm && exec "$@"'
-    if [[ -n ${VANTORELLE_SOLE_USER:-} ]]; then
+    if ((!is_enclosed)); then
         exec "$@"
     elif ((EUID == 0)); then
         exec unshare --net --mount sh -c "$enter" sh "$@"
@@ -44,13 +45,17 @@ enclosed() {
         unshare --map-user="$EUID" --map-group="$(id -g)" "$@"
 }
 
-# Some containers forbid namespaces.
+# Some systems forbid namespaces. For root that is a container, whose other users are root's own; an ordinary user has to
+# say that there is nobody else.
 check_enclosure() {
     local reason
     reason=$( (enclosed true) 2>&1) && return 0
     echo "Other users of this machine cannot be kept from the program's display here: ${reason##*$'\n'}" >&2
-    echo "If this machine has no other user, set VANTORELLE_SOLE_USER=1 and start again." >&2
-    return 1
+    if ((EUID != 0)) && [[ -z ${VANTORELLE_SOLE_USER:-} ]]; then
+        echo "If this machine has no other user, set VANTORELLE_SOLE_USER=1 and start again." >&2
+        return 1
+    fi
+    is_enclosed=0
 }
 
 # The bus that is found by the runtime folder is named, as the program gets another folder. Without a session bus there

@@ -18,6 +18,7 @@ from support.program import EXECUTABLE  # noqa: E402
 
 # A caller in the background ignores the interrupt.
 START = ("env", "--default-signal=INT,QUIT", "bash", "-c", 'set -euo pipefail; source "$1"; run_in_browser "$2"', "run")
+LIBRARY = SOURCE / "scripts" / "lib" / "browser.bash"
 LISTENING = "0A"
 SHARED_MEMORY = "/dev/shm/bdw-*"  # the toolkit's names
 
@@ -32,7 +33,7 @@ class Session:
             "VANTORELLE_USER_LANGUAGE": "en-uk",
         }
         self.process = subprocess.Popen(
-            (*START, SOURCE / "scripts" / "lib" / "browser.bash", delivered_stage() / EXECUTABLE),
+            (*START, LIBRARY, delivered_stage() / EXECUTABLE),
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, cwd=home,
             env={**kept, **own, **environment}, start_new_session=True)
 

@@ -11,7 +11,7 @@ import tempfile
 import unittest
 
 from browser import HOME, RETURN, TAB, Browser
-from session import Session, listening_sockets, shared_memory
+from session import LIBRARY, Session, listening_sockets, shared_memory
 from support import codeset, main, wait_until
 from support.journey import artifacts_folder
 from visitor import WEBSOCKET, ask, head
@@ -31,6 +31,10 @@ KILLED = r".* Killed .*\n"
 
 REFUSAL = b"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"
 NOBODY = 65534
+NOT_ENCLOSED = (
+    "Other users of this machine cannot be kept from the program's display here: "
+    "unshare: unshare failed: Operation not permitted\n")
+SAY_SO = "If this machine has no other user, set VANTORELLE_SOLE_USER=1 and start again.\n"
 
 # Dark pixels: of a window that is drawn at least, and more than a blinking caret has.
 LEAST_INK = 300
@@ -165,19 +169,20 @@ class WithoutDisplay(unittest.TestCase):
                 capture_output=True, text=True, check=True, cwd="/", user=NOBODY, group=NOBODY, extra_groups=[])
             self.assertEqual(found.stdout.split(), [])
 
-    def test_nothing_is_shown_where_other_users_cannot_be_kept_out(self):
-        programs = self.folder / "programs"
-        programs.mkdir()
-        unshare = programs / "unshare"
-        unshare.write_text("#!/bin/sh\necho 'unshare: unshare failed: Operation not permitted' >&2\nexit 1\n")
-        unshare.chmod(0o755)
-        path = f"{programs}:{os.environ['PATH']}"
-        refused = self.start(PATH=path)
-        refused.expect_end(1, re.escape(
-            "Other users of this machine cannot be kept from the program's display here: "
-            "unshare: unshare failed: Operation not permitted\n"
-            "If this machine has no other user, set VANTORELLE_SOLE_USER=1 and start again.\n"))
-        alone = self.start(PATH=path, VANTORELLE_SOLE_USER="1")
+    def test_where_other_users_cannot_be_kept_out_the_user_has_to_be_alone(self):
+        path = self.path_without_namespaces()
+        if os.geteuid() == 0:
+            # Root as an ordinary user, who has to say so.
+            check = ("bash", "-c", 'source "$1"; check_enclosure', "check", LIBRARY)
+            refused = subprocess.run(
+                check, capture_output=True, text=True, env={"PATH": path}, cwd="/", user=NOBODY, group=NOBODY,
+                extra_groups=[], check=False)
+            self.assertEqual((refused.returncode, refused.stderr), (1, NOT_ENCLOSED + SAY_SO))
+            alone = self.start(PATH=path)
+        else:
+            self.start(PATH=path).expect_end(1, re.escape(NOT_ENCLOSED + SAY_SO))
+            alone = self.start(PATH=path, VANTORELLE_SOLE_USER="1")
+        self.assertEqual(alone.process.stdout.readline(), NOT_ENCLOSED)
         _, port, _ = alone.read_address()
         self.expect_local(alone, port)
         # The machine's own memory is used here, of which the toolkit leaves some behind. A program at rest takes no more.
@@ -188,6 +193,17 @@ class WithoutDisplay(unittest.TestCase):
         for path in memory:
             path.unlink(missing_ok=True)
         self.assertEqual(list(self.scratch.iterdir()), [])
+
+    def path_without_namespaces(self):
+        """A search path on which the command that makes them fails, as where the system forbids them."""
+        programs = self.folder / "programs"
+        programs.mkdir()
+        for folder in (self.folder, programs):
+            folder.chmod(0o755)
+        unshare = programs / "unshare"
+        unshare.write_text("#!/bin/sh\necho 'unshare: unshare failed: Operation not permitted' >&2\nexit 1\n")
+        unshare.chmod(0o755)
+        return f"{programs}:{os.environ['PATH']}"
 
     def create_workspace(self, assistant):
         button = (assistant.right - ASSISTANT_BUTTON[0], assistant.bottom - ASSISTANT_BUTTON[1])
