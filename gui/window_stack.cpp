@@ -178,6 +178,23 @@ gboolean focus_in_event_callback(GtkWidget *, GdkEventFocus *, WindowStackNode *
   return GDK_EVENT_PROPAGATE;
 }
 
+// ---- Modality -----------------------------------------------------------------------------------
+
+// "event" precedes "delete-event" and, when it is handled, replaces it. So a covered window neither
+// asks nor closes, whichever handlers it has and whether or not the window above holds a grab.
+gboolean event_callback(GtkWidget *, GdkEvent *event, WindowStackNode *node) {
+  const bool is_covered = node != top_entry(node->stack);
+  return event->type == GDK_DELETE && is_covered ? GDK_EVENT_STOP : GDK_EVENT_PROPAGATE;
+}
+
+// A modal window loses its grab when it becomes insensitive. Hiding it releases the new grab, as it
+// releases the one that showing it adds.
+void restore_grab(GtkWindow *window) {
+  if (gtk_window_get_modal(window) && gtk_widget_get_visible(GTK_WIDGET(window))) {
+    gtk_grab_add(GTK_WIDGET(window));
+  }
+}
+
 // ---- Pushing and popping ------------------------------------------------------------------------
 
 WindowStackNode *add_entry(VWindowStack *stack, GtkWindow *window) {
@@ -190,6 +207,7 @@ WindowStackNode *add_entry(VWindowStack *stack, GtkWindow *window) {
   node->previous->next = std::move(added);
   stack->top->previous = node;
   if (window != nullptr) {
+    g_signal_connect(window, "event", G_CALLBACK(event_callback), node);
     g_signal_connect(window, "focus-in-event", G_CALLBACK(focus_in_event_callback), node);
     g_signal_connect(window, "focus-out-event", G_CALLBACK(focus_out_event_callback), node);
     forget_when_destroyed(node);
@@ -222,6 +240,7 @@ void make_insensitive(WindowStackNode *covered) {
 
 void make_sensitive(WindowStackNode *uncovered) {
   gtk_widget_set_sensitive(GTK_WIDGET(uncovered->window), TRUE);
+  restore_grab(uncovered->window);
   const OwnedObject<GtkWidget> focus_widget = std::move(uncovered->focus_widget);
   // Meanwhile it may have left the window, or become insensitive by itself.
   if (focus_widget &&
