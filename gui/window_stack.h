@@ -1,8 +1,9 @@
 #pragma once
 // The chain of open windows. Every window of the program is modal over the one below it: pushing a
-// window greys the one below out, popping gives it back, with the focus where it was. The stack
-// also sets the mouse cursor of all its windows, notices when the whole program has lost the
-// keyboard focus, and can put up a small busy window. Knows nothing of what the windows are for.
+// window greys the one below out, popping gives it back, with the focus where it was. A window
+// below the top entry, whatever that is, ignores requests to close it. The stack also sets the
+// mouse cursor of all its windows, notices when the whole program has lost the keyboard focus, and
+// can put up a small busy window. Knows nothing of what the windows are for.
 //
 // The stack never destroys a window that was pushed onto it. A window that is destroyed while its
 // entry is in the stack leaves a window-less entry behind until that is popped. Once an entry is
@@ -82,7 +83,8 @@ OwnedWindowStack v_window_stack_new();
 
 // Pushes a window, not yet shown. The first one becomes a plain top-level window; any other becomes
 // modal over and transient for the nearest window below, which is made insensitive. Busy windows
-// directly below are hidden.
+// directly below are hidden. The window gets no "delete-event" while another entry is above its
+// own.
 void v_window_stack_push_window(VWindowStack *window_stack, GtkWindow *window);
 // Pushes the place of a native dialog and returns the window to parent it to (borrowed), null when
 // there is none.

@@ -1,4 +1,4 @@
-// Every window of the tool has the user to itself, whatever is, was or comes over it.
+// Each window of the tool is modal before, while and after other windows are over it.
 
 #include <algorithm>
 #include <ostream>
@@ -23,7 +23,7 @@ bool has_title(GtkWindow *window, const std::string &title) {
   return window != nullptr && g_strcmp0(gtk_window_get_title(window), title.c_str()) == 0;
 }
 
-// ---- What the user, the desktop and assistive technologies do to a window -----------------------
+// ---- Acting on a window -------------------------------------------------------------------------
 
 void ask_to_close(GtkWindow *window) {
   gtk_window_close(window);
@@ -51,7 +51,7 @@ void act_on_all(AtkObject *accessible) {
   }
 }
 
-// All that is on the screen, menus included.
+// Includes menus.
 std::vector<GtkWidget *> mapped_windows() {
   std::vector<GtkWidget *> windows;
   GList *all = gtk_window_list_toplevels();
@@ -65,7 +65,7 @@ std::vector<GtkWidget *> mapped_windows() {
   return windows;
 }
 
-// What the user has entered and chosen in a window, and all that it consists of.
+// Lists the widgets of a window, with their contents and choices.
 std::string describe(GtkWindow *window) {
   std::string text;
   for (GtkWidget *widget : find_widgets(GTK_WIDGET(window), GTK_TYPE_WIDGET)) {
@@ -88,8 +88,8 @@ std::string describe(GtkWindow *window) {
 struct Row {
   const char *name;
   const char *title;
-  std::vector<const char *>
-      clicks; // from the main window, or from the assistant, with its row selected
+  // Buttons from the main window, with its only row selected, to the window of the title.
+  std::vector<const char *> clicks;
 };
 
 void PrintTo(const Row &row, std::ostream *stream) { *stream << row.name; }
@@ -115,7 +115,7 @@ protected:
         std::move(act));
   }
 
-  // Nothing that is done to the windows below the top one has an effect.
+  // Acts on the windows below the top one and expects no effect.
   void expect_only_the_top_window_reacts(const std::string &title) {
     on(title, [this] {
       shown = mapped_windows();
@@ -201,7 +201,7 @@ protected:
     on(title, [this] { EXPECT_EQ(gtk_window_get_focus(top_window()), focus); });
   }
 
-  // The window itself still takes a request: it goes, or asks. Then all goes, with what is below.
+  // The window itself still takes a request: it closes or asks. Afterwards all windows are closed.
   void expect_that_it_can_be_closed(const std::string &title) {
     on(title, [this] {
       shown = mapped_windows();
@@ -259,7 +259,7 @@ TEST_P(EveryWindow, HasTheUserToItselfWhateverIsOrWasOverIt) {
     script.click(label);
   }
   if (std::string(row.name) == "FileChooser") {
-    // The tool opens nothing over it.
+    // The tool opens no window of its own over a file chooser.
     expect_only_the_top_window_reacts(row.title);
   } else {
     expect_that_nothing_gets_past(row.title);

@@ -196,7 +196,7 @@ TEST_F(WindowStack, PresentsTheTopmostWindowThereIs) {
 
 // ---- Close requests -----------------------------------------------------------------------------
 
-// A window that counts the close requests that reach it, and stays.
+// Counts the close requests that reach its handler, and refuses them.
 class AskedWindow : public TestWindow {
 public:
   AskedWindow() {
@@ -209,13 +209,13 @@ public:
   int requests = 0;
 };
 
-// As a window manager, a task bar or a title bar asks. The toolkit may refuse.
+// Asks as a window manager does. The toolkit drops the request when another window has the grab.
 void ask_to_close(GtkWindow *window) {
   gtk_window_close(window);
   settle();
 }
 
-// As a handler asks that passes the event on by itself: nobody but the window can refuse.
+// Bypasses the toolkit: only the window and its handlers can refuse.
 void ask_directly_to_close(GtkWindow *window) {
   const Owned<GdkEvent, gdk_event_free> event(gdk_event_new(GDK_DELETE));
   event->any.window = share(gtk_widget_get_window(GTK_WIDGET(window))).release();
@@ -228,7 +228,7 @@ void ask_directly_to_close(GtkWindow *window) {
 
 constexpr void (*ways_to_ask[])(GtkWindow *) = {ask_to_close, ask_directly_to_close};
 
-// Something over a window: what is called while it is there.
+// A way to cover a window; meanwhile is called while it is covered, perhaps several times.
 struct Cover {
   const char *name;
   std::function<void(VWindowStack *stack, const std::function<void()> &meanwhile)> show;
@@ -448,7 +448,7 @@ TEST_F(WindowStack, EscapeDoesNotCloseAWindowWhileATaskIsUnderWay) {
   EXPECT_TRUE(window.is_destroyed());
 }
 
-// The request is under way when the window gets covered.
+// The request is queued when the window gets covered.
 TEST_F(WindowStack, ARequestThatArrivesAfterTheCoverIsRefused) {
   AskedWindow bottom;
   AskedWindow window;
