@@ -1,5 +1,7 @@
 """The user's hands and eyes: mouse, keyboard, clipboard and screen of the X display."""
 
+import contextlib
+import ctypes
 import re
 import subprocess
 
@@ -65,6 +67,59 @@ def window_id(pid, title):
 def activate(window):
     """Raises an X window and gives it the keyboard, as a click on its task bar button does."""
     xdotool("windowactivate", window)
+
+
+def ask_manager_to_close(window):
+    """Asks the window manager to close an X window, as its task bar button does. The window need not be active."""
+    with x_display() as (x11, display):
+        send_message(x11, display, x11.XDefaultRootWindow(display), int(window), "_NET_CLOSE_WINDOW", (0, 2), TO_MANAGER)
+
+
+def ask_client_to_close(window):
+    """Sends an X window what the window manager sends it when it is to be closed."""
+    with x_display() as (x11, display):
+        delete = x11.XInternAtom(display, b"WM_DELETE_WINDOW", False)
+        send_message(x11, display, int(window), int(window), "WM_PROTOCOLS", (delete, 0), 0)
+
+
+class ClientMessage(ctypes.Structure):
+    """XClientMessageEvent of Xlib, with room for the largest XEvent."""
+
+    _fields_ = [
+        ("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int), ("display", ctypes.c_void_p),
+        ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong), ("format", ctypes.c_int), ("data", ctypes.c_long * 5),
+        ("room", ctypes.c_long * 24),
+    ]
+
+
+CLIENT_MESSAGE = 33
+TO_MANAGER = 1 << 19 | 1 << 20  # SubstructureNotifyMask | SubstructureRedirectMask
+
+
+@contextlib.contextmanager
+def x_display():
+    """Xlib and a connection of its own to the display."""
+    x11 = ctypes.CDLL("libX11.so.6")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    x11.XDefaultRootWindow.argtypes = x11.XCloseDisplay.argtypes = (ctypes.c_void_p,)
+    x11.XDefaultRootWindow.restype = x11.XInternAtom.restype = ctypes.c_ulong
+    x11.XInternAtom.argtypes = (ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int)
+    x11.XSendEvent.argtypes = (ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.c_void_p)
+    display = x11.XOpenDisplay(None)
+    if not display:
+        raise AssertionError("There is no X display.")
+    try:
+        yield x11, display
+    finally:
+        x11.XCloseDisplay(display)
+
+
+def send_message(x11, display, receiver, window, kind, data, mask):
+    event = ClientMessage(type=CLIENT_MESSAGE, window=window, format=32)
+    event.message_type = x11.XInternAtom(display, kind.encode(), False)
+    event.data[:2] = data
+    if not x11.XSendEvent(display, receiver, False, mask, ctypes.byref(event)):
+        raise AssertionError(f"The message {kind} was not sent.")
 
 
 def resize(window, width, height):

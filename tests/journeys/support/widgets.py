@@ -406,6 +406,14 @@ class Window(Widget):
         """Asks the window manager to close it, as its title bar's button does."""
         self.press("alt+F4")
 
+    def ask_to_close(self):
+        """Asks the window manager to close it, as a task bar does. It need not be the active window."""
+        display.ask_manager_to_close(self.window_id)
+
+    def ask_directly_to_close(self):
+        """Asks it as the window manager does, whatever that would think of it."""
+        display.ask_client_to_close(self.window_id)
+
 
 class Dialog(Window):
     """A message or question."""
