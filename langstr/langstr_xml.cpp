@@ -104,7 +104,10 @@ void v_xml_append_langstr(std::string &xml, const VLangstr *langstr, const char 
                           int depth) {
   for (const VLangstr *t = langstr; t != nullptr; t = t->next.get()) {
     xml.append(static_cast<std::size_t>(std::max(depth, 0)), '\t');
-    xml.append("<").append(element_name).append(" lang=\"").append(t->lang.get()).append("\">");
+    xml.append("<").append(element_name).append(" lang=\"");
+    // A file may hold any ASCII tag; the usual ones have nothing to escape.
+    v_xml_append_string(xml, t->lang.get());
+    xml.append("\">");
     v_xml_append_string(xml, t->text.get());
     xml.append("</").append(element_name).append(">\n");
   }

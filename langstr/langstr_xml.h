@@ -32,7 +32,8 @@ bool v_xml_parse_langstr_translation(OwnedLangstr &langstr, xmlDoc *document,
 bool v_xml_collect_langstr_translation(VLangstrCollection &collection, const XmlElement &element,
                                        LangTag lang_tag, LangstrSpacing spacing);
 
-// Appends one line per translation, indented by depth tabs, in ISO-8859-1.
+// Appends one line per translation, indented by depth tabs, in ISO-8859-1; tag and text are
+// escaped.
 void v_xml_append_langstr(std::string &xml, const VLangstr *langstr, const char *element_name,
                           int depth);
 // Writes the same. False with "File I/O error when writing to file."; what was written stays.

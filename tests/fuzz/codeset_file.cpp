@@ -46,27 +46,13 @@ void require_proper(const OwnedCodeset &codeset) {
           "a codeset that was read stands alone");
 }
 
-// Tags and codes are written as they are. What means something else in XML then does not read back.
-bool is_markup(const Translations &translations) {
-  for (const auto &[lang, text] : translations) {
-    if (contains_any_of(lang, "\"<&")) {
-      return true;
-    }
-  }
-  return false;
-}
-
+// Codes are written as they are. What means something else in XML then does not read back.
 bool is_markup(const OwnedCodeset &codeset) {
-  if (is_markup(translations_of(codeset->name)) || is_markup(translations_of(codeset->author))) {
-    return true;
-  }
-  for (const auto &[code, description] : remarks_of(codeset->remarks)) {
-    if (contains_any_of(code, "<&") || code.find("]]>") != std::string::npos ||
-        is_markup(description)) {
-      return true;
-    }
-  }
-  return false;
+  const Remarks remarks = remarks_of(codeset->remarks);
+  return std::any_of(remarks.begin(), remarks.end(), [](const auto &remark) {
+    const std::string &code = remark.first;
+    return contains_any_of(code, "<&") || code.find("]]>") != std::string::npos;
+  });
 }
 
 // An untagged text that is also there under a tag. One element after the other makes such a string:

@@ -146,6 +146,17 @@ TEST_F(CodesetIo, ReadsBackWhatItHasWritten) {
   EXPECT_EQ(written(reread.get()), bytes);
 }
 
+TEST_F(CodesetIo, ReadsBackWhateverLanguageTagsAFileHas) {
+  const OwnedCodeset codeset = read_bytes(
+      codeset_xml("<name lang='a&amp;b'>n</name><author lang='&lt;'>a</author>"
+                  "<remark><code>7</code><description lang='&quot;'>d</description></remark>"));
+  ASSERT_NE(codeset, nullptr) << v_error_get();
+  written(codeset.get());
+  const OwnedCodeset again = v_codeset_io_read_from_file(path.c_str());
+  expect_equal(codeset, again);
+  EXPECT_EQ(translations_of(again->name), (Translations{{"a&b", "n"}}));
+}
+
 TEST_F(CodesetIo, ACodeThatIsMarkupMakesAFileThatIsRejected) {
   for (const char *code : {"a&b", "a<b", "&", "<code>", "a]]>b"}) {
     written(codeset_of({{"sv", "n"}}, {}, nullptr, {{code, {{"sv", "x"}}}}).get());

@@ -218,6 +218,29 @@ TEST(LangstrXml, Writing) {
             "\t<name lang=\"sv\">&lt;&quot;&gt;&apos;&#x9;&#xA;&#xD;&#x9;</name>\n");
 }
 
+TEST(LangstrXml, UsualTagsAreWrittenAsTheyAre) {
+  for (const char *tag : {"", "sv", "en-uk", "x_1.2+3 4"}) {
+    EXPECT_EQ(written({{tag, "a"}}, 0), "<name lang=\"" + std::string(tag) + "\">a</name>\n");
+  }
+}
+
+TEST(LangstrXml, ATagThatIsMarkupIsEscapedLikeText) {
+  EXPECT_EQ(written({{"a&b", "x"}}, 0), "<name lang=\"a&amp;b\">x</name>\n");
+  EXPECT_EQ(written({{"<\">'", "x"}}, 0), "<name lang=\"&lt;&quot;&gt;&apos;\">x</name>\n");
+}
+
+TEST(LangstrXml, EveryTagThatReadingCanGiveIsReadBackEqual) {
+  std::string tag;
+  for (int byte = 0x21; byte < 0x80; byte++) {
+    tag += static_cast<char>(byte);
+  }
+  tag += " x";
+  const Document document("<r>" + *written({{tag, "a"}}, 1) + "</r>");
+  OwnedLangstr langstr;
+  EXPECT_TRUE(v_xml_parse_langstr(langstr, document.get(), document.root(), "name", compact));
+  EXPECT_EQ(translations_of(langstr), (Translations{{tag, "a"}}));
+}
+
 TEST(LangstrXml, AWrittenCarriageReturnReadsBackAsWhitespace) {
   const Document document("<r>" + *written({{"sv", "a\rb"}}, 1) + "</r>");
   OwnedLangstr langstr;
