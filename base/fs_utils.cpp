@@ -1,6 +1,7 @@
 #include "base/fs_utils.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 #include <sys/stat.h>
@@ -37,6 +38,9 @@ bool may_never_answer(const char *name, const char *mode) {
   return stat(name, &status) == 0 &&
          (S_ISFIFO(status.st_mode) || (S_ISCHR(status.st_mode) && *mode == 'r'));
 }
+
+// A name in the encoding of the system, from its own allocator.
+using SystemName = Owned<char, std::free>;
 
 } // namespace
 
@@ -152,6 +156,27 @@ void v_fs_utils_discard_file(const char *path) {
   if (name && !is_device && unlink(name.get()) != 0 && errno != ENOENT) {
     last_error_number = errno;
   }
+}
+
+bool v_fs_utils_replace_file(const char *path, const char *text) {
+  const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(path);
+  if (!name) {
+    return false;
+  }
+  struct stat status;
+  const bool is_file = stat(name.get(), &status) == 0 && S_ISREG(status.st_mode);
+  // A rename replaces a link, not what it leads to.
+  const SystemName target(is_file ? realpath(name.get(), nullptr) : nullptr);
+  OwnedError error;
+  if (!g_file_set_contents_full(target ? target.get() : name.get(), text, -1,
+                                static_cast<GFileSetContentsFlags>(G_FILE_SET_CONTENTS_CONSISTENT |
+                                                                   G_FILE_SET_CONTENTS_DURABLE),
+                                is_file ? static_cast<int>(status.st_mode & 0777) : 0666,
+                                receive(error))) {
+    v_error_set_from_gerror_and_free(error.release());
+    return false;
+  }
+  return true;
 }
 
 bool v_fs_utils_get_info(const char *path, VFileInfo &info) {

@@ -60,6 +60,12 @@ bool v_fs_utils_delete_file_if_exists(const char *path);
 // nothing: the message of the failure that led here stands.
 void v_fs_utils_discard_file(const char *path);
 
+// Replaces the file at the path by one with the bytes of the text. The new file is written beside
+// the old one, brought onto the disk and renamed, so that the old file stays as it was until the
+// new one is whole. A link to a file is followed; the new file is readable to nobody whom the old
+// one was not readable to. False with the system's reason alone.
+bool v_fs_utils_replace_file(const char *path, const char *text);
+
 // Fills the record, following links; a missing path is success with every field zero. False with
 // "Cannot get file status.".
 bool v_fs_utils_get_info(const char *path, VFileInfo &info);

@@ -208,6 +208,18 @@ bool v_xml_write_to_file(xmlDoc *document, const char *path, const char *encodin
   return false;
 }
 
+bool v_xml_replace_file(xmlDoc *document, const char *path, const char *encoding) {
+  const OwnedText xml = v_xml_write_to_string(document, encoding);
+  if (!xml) {
+    return false;
+  }
+  if (!v_fs_utils_replace_file(path, xml.get())) {
+    v_error_append("Could not write XML data.");
+    return false;
+  }
+  return true;
+}
+
 bool v_xml_write_to_stream(xmlDoc *document, std::FILE *stream, const char *encoding) {
   const SilentLibrary silent;
   OwnedSaveContext context(xmlSaveToIO(write_whole, nullptr, stream, encoding, XML_SAVE_FORMAT));

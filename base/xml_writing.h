@@ -42,6 +42,10 @@ bool v_xml_set_attribute_to_double(xmlNode *node, const char *name, double value
 // with the message of opening or closing the file or that of v_xml_write_to_stream; no file is left
 // half written.
 bool v_xml_write_to_file(xmlDoc *document, const char *path, const char *encoding);
+// The same, but a file that is there stays as it was until the new one is whole
+// (v_fs_utils_replace_file). The encoding must be one without zero bytes. False with the message of
+// v_xml_write_to_string, or with "Could not write XML data." before the reason.
+bool v_xml_replace_file(xmlDoc *document, const char *path, const char *encoding);
 // Writes behind what the stream holds already and flushes it. False with "Could not create XML
 // saving context for file." or "Could not write XML data.".
 bool v_xml_write_to_stream(xmlDoc *document, std::FILE *stream, const char *encoding);

@@ -24,6 +24,6 @@ using OwnedWorkspace = Owned<VWorkspace, v_workspace_close>;
 OwnedWorkspace v_workspace_open();
 
 // Makes a new workspace with the delivered components and remembers it in the pointer file. False
-// when something is there already, which is not touched, or when a step fails, and then nothing is
-// left.
+// when something is there already, which is not touched, or when a step fails: then nothing is left
+// of the workspace, and the pointer file is as it was before.
 bool v_workspace_create(const char *folder_path);

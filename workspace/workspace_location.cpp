@@ -24,7 +24,7 @@ bool write_pointer_file(const char *file_path, const char *folder_path) {
   xmlNode *root = document ? v_xml_add_root_element(document.get(), "vantorelle") : nullptr;
   xmlNode *workspace = root != nullptr ? v_xml_add_child_element(root, "workspace") : nullptr;
   return workspace != nullptr && v_xml_set_attribute(workspace, "path", folder_path) &&
-         v_xml_write_to_file(document.get(), file_path, "UTF-8");
+         v_xml_replace_file(document.get(), file_path, "UTF-8");
 }
 
 } // namespace

@@ -13,7 +13,8 @@ OwnedText get_workspace_pointer_file_path(FolderCreation creation);
 // True with the saved folder, without trailing "/", or with null when nothing is saved. False with
 // null when there is a pointer file that cannot be read or understood.
 bool v_workspace_get_saved_folder_path(OwnedText &path);
-// Saves the folder; null removes the pointer file. False with a message.
+// Saves the folder; null removes the pointer file. False with a message, and what was saved before
+// stays.
 bool v_workspace_save_folder_path(const char *path);
 // What a workspace is called unless its owner wants another name.
 inline constexpr const char *v_workspace_default_folder_name = "Vantorelle Workspace";

@@ -21,9 +21,9 @@
 namespace {
 
 constexpr const char *call_names[] = {
-    "open",    "fopen",   "read",     "fread",    "write",   "fwrite", "fflush",
-    "close",   "fclose",  "unlink",   "mkdir",    "rmdir",   "stat",   "lstat",
-    "opendir", "readdir", "closedir", "allocate", "compile",
+    "open",  "fopen",  "read",    "fread",   "write",    "fwrite",   "fflush",
+    "close", "fclose", "fsync",   "rename",  "unlink",   "mkdir",    "rmdir",
+    "stat",  "lstat",  "opendir", "readdir", "closedir", "allocate", "compile",
 };
 
 struct BufferedFile {
@@ -316,6 +316,18 @@ int fclose(std::FILE *file) {
   const bool is_failing = must_fail(Call::fclose, path);
   const int result = real(file);
   return is_failing ? fail(EOF) : result;
+}
+
+int fsync(int descriptor) {
+  static auto *const real = next<int(int)>("fsync");
+  const std::string *path = find(&Watch::descriptors, descriptor);
+  return path != nullptr && must_fail(Call::fsync, *path) ? fail(-1) : real(descriptor);
+}
+
+int rename(const char *from, const char *to) noexcept {
+  static auto *const real = next<int(const char *, const char *)>("rename");
+  const auto name = watched(to);
+  return name && must_fail(Call::rename, *name) ? fail(-1) : real(from, to);
 }
 
 int unlink(const char *path) noexcept {

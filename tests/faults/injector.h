@@ -21,6 +21,8 @@ enum class Call {
   fflush,
   close,
   fclose,
+  fsync,
+  rename,
   unlink,
   mkdir,
   rmdir,

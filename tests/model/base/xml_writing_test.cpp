@@ -247,6 +247,33 @@ private:
   rlimit before = {};
 };
 
+TEST_F(XmlWriting, AReplacedFileHoldsTheDocumentAndNothingIsLeftBesideIt) {
+  write_file(path, std::string(10'000, 'x'));
+  EXPECT_TRUE(v_xml_replace_file(document.get(), path.c_str(), "ISO-8859-1")) << v_error_get();
+  EXPECT_EQ(read_file(path), std::string(declaration) + "<root/>\n");
+  EXPECT_EQ(list_folder(folder.path()).size(), 1U);
+}
+
+TEST_F(XmlWriting, AFileThatCannotBeReplacedStays) {
+  write_file(path, "old");
+  EXPECT_FALSE(v_xml_replace_file(document.get(), path.c_str(), "no such encoding"));
+  EXPECT_STREQ(v_error_get(), "Could not write XML data to memory buffer.");
+  {
+    const FileSizeLimit limit(5);
+    EXPECT_FALSE(v_xml_replace_file(document.get(), path.c_str(), "UTF-8"));
+    EXPECT_TRUE(g_str_has_prefix(v_error_get(), "Could not write XML data.\n\nGError "));
+  }
+  EXPECT_EQ(read_file(path), "old");
+  EXPECT_EQ(list_folder(folder.path()).size(), 1U);
+}
+
+TEST_F(XmlWriting, ADeviceThatALinkLeadsToStays) {
+  ASSERT_EQ(symlink("/dev/null", path.c_str()), 0);
+  EXPECT_TRUE(v_xml_replace_file(document.get(), path.c_str(), "ISO-8859-1")) << v_error_get();
+  EXPECT_EQ(read_file(path), std::string(declaration) + "<root/>\n");
+  EXPECT_EQ(read_file("/dev/null"), "");
+}
+
 TEST_F(XmlWriting, DiskThatFillsUpInTheLastWriteIsAFailure) {
   for (const int children : {0, 20'000}) {
     add_children(root, children);

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "base/error.h"
 #include "model/workspace/user_folders.h"
@@ -14,6 +15,7 @@
 
 namespace {
 
+using testing::HasSubstr;
 using testing::StartsWith;
 
 constexpr const char *no_config_folder = "Error locating user config dir.";
@@ -111,22 +113,83 @@ TEST_F(WorkspaceLocation, SavingNothingRemovesThePointerFile) {
   EXPECT_EQ(path, nullptr);
 }
 
+std::string save_result(const char *path) {
+  return v_workspace_save_folder_path(path) ? "saved" : v_error_get();
+}
+
+std::string saved_path() {
+  OwnedText path;
+  v_workspace_get_saved_folder_path(path);
+  return path ? path.get() : "(none)";
+}
+
 TEST_F(WorkspaceLocation, SavingOverAFolderFails) {
   make_folder(pointer_folder);
   make_folder(pointer_file);
   EXPECT_FALSE(v_workspace_save_folder_path("/w"));
-  EXPECT_THAT(v_error_get(), StartsWith("Cannot open file.\n\nError "));
+  EXPECT_THAT(v_error_get(), StartsWith("Could not write XML data.\n\n"));
+  EXPECT_EQ(list_folder(pointer_folder), std::vector<std::string>{"vantorelle.xml"});
   EXPECT_FALSE(v_workspace_save_folder_path(nullptr));
   EXPECT_THAT(v_error_get(), StartsWith("Cannot unlink file.\n\nError "));
 }
 
-TEST_F(WorkspaceLocation, SavingOnAFullDiskFails) {
-  EXPECT_NE(with_file_size_limit(
-                10, [] { return v_workspace_save_folder_path("/w") ? "saved" : v_error_get(); }),
-            "saved");
-  OwnedText path;
-  v_workspace_get_saved_folder_path(path);
-  EXPECT_EQ(path, nullptr);
+TEST_F(WorkspaceLocation, SavingOnAFullDiskLeavesNoPointerFile) {
+  EXPECT_THAT(with_file_size_limit(10, [] { return save_result("/w"); }),
+              StartsWith("Could not write XML data.\n\n"));
+  EXPECT_EQ(list_folder(pointer_folder), std::vector<std::string>());
+}
+
+TEST_F(WorkspaceLocation, SavingOnAFullDiskKeepsTheOldPath) {
+  ASSERT_TRUE(v_workspace_save_folder_path("/old"));
+  EXPECT_THAT(with_file_size_limit(10, [] { return save_result("/w"); }),
+              StartsWith("Could not write XML data.\n\n"));
+  EXPECT_EQ(saved_path(), "/old");
+  EXPECT_EQ(list_folder(pointer_folder), std::vector<std::string>{"vantorelle.xml"});
+}
+
+TEST_F(WorkspaceLocation, APathThatNoXmlCanHoldKeepsTheOldPath) {
+  ASSERT_TRUE(v_workspace_save_folder_path("/old"));
+  EXPECT_FALSE(v_workspace_save_folder_path("/\x01"));
+  EXPECT_EQ(saved_path(), "/old");
+}
+
+TEST_F(WorkspaceLocation, AFolderThatMayNotBeWrittenToKeepsTheOldPath) {
+  ASSERT_TRUE(v_workspace_save_folder_path("/old"));
+  set_permissions(pointer_folder, 0555);
+  for (const std::string &folder : {home_folder() + "/..", home_folder(), config_folder()}) {
+    set_permissions(folder, 0755);
+  }
+  EXPECT_THAT(as_ordinary_user([] { return save_result("/w"); }),
+              StartsWith("Could not write XML data.\n\n"));
+  EXPECT_EQ(saved_path(), "/old");
+}
+
+TEST_F(WorkspaceLocation, ALinkedPointerFileStaysALink) {
+  make_folder(pointer_folder);
+  make_folder(home_folder() + "/dotfiles");
+  const std::string target = home_folder() + "/dotfiles/pointer";
+  write_file(target, "<v><workspace path='/old'/></v>");
+  ASSERT_EQ(symlink(target.c_str(), pointer_file.c_str()), 0);
+  EXPECT_EQ(save_result("/w"), "saved");
+  EXPECT_TRUE(std::filesystem::is_symlink(pointer_file));
+  EXPECT_THAT(read_file(target), HasSubstr("path=\"/w\""));
+  EXPECT_EQ(saved_path(), "/w");
+}
+
+TEST_F(WorkspaceLocation, ALinkThatLeadsNowhereIsReplaced) {
+  make_folder(pointer_folder);
+  ASSERT_EQ(symlink((home_folder() + "/none/x").c_str(), pointer_file.c_str()), 0);
+  EXPECT_EQ(save_result("/w"), "saved");
+  EXPECT_EQ(saved_path(), "/w");
+}
+
+TEST_F(WorkspaceLocation, ASavedPointerFileIsNoMorePublicThanTheOldOne) {
+  ASSERT_TRUE(v_workspace_save_folder_path("/old"));
+  set_permissions(pointer_file, 0600);
+  ASSERT_TRUE(v_workspace_save_folder_path("/w"));
+  struct stat status;
+  ASSERT_EQ(stat(pointer_file.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600U);
 }
 
 struct PointerFile {

@@ -253,6 +253,18 @@ TEST_F(Workspace, AFailedCreationLeavesTheSavedPath) {
   EXPECT_EQ(saved_path(), "/elsewhere");
 }
 
+// Room for the delivered files, but not for the pointer file.
+TEST_F(Workspace, AFullDiskKeepsThePointerToTheOldWorkspace) {
+  deliver_some();
+  save("/elsewhere");
+  EXPECT_THAT(
+      with_file_size_limit(
+          10, [&] { return v_workspace_create(folder.c_str()) ? "created" : v_error_get(); }),
+      testing::StartsWith("Could not write XML data."));
+  EXPECT_EQ(list_folder(machine.folder.path()), std::vector<std::string>());
+  EXPECT_EQ(saved_path(), "/elsewhere");
+}
+
 TEST_F(Workspace, AFullDiskLeavesNothing) {
   deliver_some();
   machine.deliver({{"templates/large", std::string(10'000, 'x')}});
