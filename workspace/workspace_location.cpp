@@ -1,5 +1,8 @@
 #include "workspace/workspace_location.h"
 
+#include <cstring>
+#include <utility>
+
 #include "base/error.h"
 #include "base/fs_utils.h"
 #include "base/xml_reading.h"
@@ -25,6 +28,20 @@ bool write_pointer_file(const char *file_path, const char *folder_path) {
   xmlNode *workspace = root != nullptr ? v_xml_add_child_element(root, "workspace") : nullptr;
   return workspace != nullptr && v_xml_set_attribute(workspace, "path", folder_path) &&
          v_xml_replace_file(document.get(), file_path, "UTF-8");
+}
+
+// Joining gives a relative path in the root folder, on purpose; a place must not be one.
+OwnedText join_in_absolute_folder(const char *folder, const char *name) {
+  OwnedText path = v_fs_utils_create_path_in_folder(folder, name);
+  return *path == '/' ? std::move(path) : OwnedText(g_strconcat("/", path.get(), nullptr));
+}
+
+// The part of a place that is relative to the home folder, without "/" at its start.
+const char *skip_home_sign(const char *place) {
+  if (*place == '~' && (place[1] == '/' || place[1] == '\0')) {
+    place++;
+  }
+  return place + std::strspn(place, "/");
 }
 
 } // namespace
@@ -78,4 +95,16 @@ OwnedText v_workspace_get_default_folder_path() {
   const OwnedText home = v_fs_utils_convert_glibfsenc_to_utf8(g_get_home_dir());
   return home ? v_fs_utils_create_path_in_folder(home.get(), v_workspace_default_folder_name)
               : nullptr;
+}
+
+OwnedText v_workspace_create_path_in_parent_folder(const char *parent_folder) {
+  return join_in_absolute_folder(parent_folder, v_workspace_default_folder_name);
+}
+
+OwnedText v_workspace_make_place_absolute(const char *place) {
+  if (*place == '/' || *place == '\0') {
+    return copy_text(place);
+  }
+  const OwnedText home = v_fs_utils_convert_glibfsenc_to_utf8(g_get_home_dir());
+  return home ? join_in_absolute_folder(home.get(), skip_home_sign(place)) : nullptr;
 }

@@ -118,11 +118,13 @@ void build_assistant(NewWorkspaceAssistant *state) {
 
 // Reading.
 
+// As an absolute path: the other tools, which read it from the pointer file, run in other folders.
+// Null with a message when there is none.
 OwnedText read_location(const NewWorkspaceAssistant *state) {
-  OwnedText location = copy_text(v_gui_get_entry_text(state->location_entry));
+  const OwnedText location = copy_text(v_gui_get_entry_text(state->location_entry));
   g_strstrip(location.get());
   v_fs_utils_strip_ending_path_delimiters(location.get());
-  return location;
+  return v_workspace_make_place_absolute(location.get());
 }
 
 // Handlers.
@@ -130,8 +132,7 @@ OwnedText read_location(const NewWorkspaceAssistant *state) {
 void browse_callback(GtkButton *, NewWorkspaceAssistant *state) {
   if (const OwnedText folder = v_file_dialog_get_folder_path(
           state->window_stack, "Select a parent folder for your workspace")) {
-    const OwnedText location =
-        v_fs_utils_create_path_in_folder(folder.get(), v_workspace_default_folder_name);
+    const OwnedText location = v_workspace_create_path_in_parent_folder(folder.get());
     v_gui_set_entry_text(state->location_entry, location.get());
   }
 }
@@ -142,7 +143,7 @@ void browse_callback(GtkButton *, NewWorkspaceAssistant *state) {
 void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
   const OwnedText location = read_location(state);
   VFileInfo info;
-  if (!v_fs_utils_get_info(location.get(), info)) {
+  if (!location || !v_fs_utils_get_info(location.get(), info)) {
     v_error_append("Cannot access the specified location.");
     v_message_show_error(state->window_stack, v_error_get());
   } else if (info.exists) {

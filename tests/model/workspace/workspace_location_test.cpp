@@ -254,6 +254,35 @@ TEST_F(WorkspaceLocation, TheDefaultPlace) {
   EXPECT_EQ(v_workspace_get_default_folder_path().get(), home_folder() + "/Vantorelle Workspace");
 }
 
+TEST_F(WorkspaceLocation, APlaceIsMadeAbsoluteAgainstTheHomeFolder) {
+  const std::pair<const char *, std::string> places[] = {
+      {"/a/b", "/a/b"},
+      {"/", "/"},
+      {"//a", "//a"},
+      {"W", home_folder() + "/W"},
+      {"a/W", home_folder() + "/a/W"},
+      {"./W", home_folder() + "/./W"},
+      {"../W", home_folder() + "/../W"},
+      {"~", home_folder()},
+      {"~/", home_folder()},
+      {"~/W", home_folder() + "/W"},
+      {"~//W", home_folder() + "/W"},
+      {"~someone/W", home_folder() + "/~someone/W"},
+      {"a/~/W", home_folder() + "/a/~/W"},
+      {"\xC3\xA5 b", home_folder() + "/\xC3\xA5 b"},
+      {"", ""},
+  };
+  for (const auto &[place, absolute] : places) {
+    EXPECT_EQ(v_workspace_make_place_absolute(place).get(), absolute) << place;
+  }
+}
+
+TEST_F(WorkspaceLocation, AWorkspaceInTheRootFolderHasAnAbsolutePath) {
+  EXPECT_STREQ(v_workspace_create_path_in_parent_folder("/").get(), "/Vantorelle Workspace");
+  EXPECT_STREQ(v_workspace_create_path_in_parent_folder("///").get(), "/Vantorelle Workspace");
+  EXPECT_STREQ(v_workspace_create_path_in_parent_folder("/a/").get(), "/a/Vantorelle Workspace");
+}
+
 // GLib keeps the folders that it has once been asked for.
 class WorkspaceLocationDeathTest : public testing::Test {
 protected:
@@ -280,6 +309,24 @@ TEST_F(WorkspaceLocationDeathTest, AHomeFolderWhoseNameIsNotUtf8) {
   const EnvironmentVariable home("VANTORELLE_TEST_HOME", "/tmp/\xFF");
   EXPECT_EXIT(std::exit(v_workspace_get_default_folder_path() ? 1 : 0), testing::ExitedWithCode(0),
               "");
+  EXPECT_EXIT(
+      {
+        const bool is_made =
+            v_workspace_make_place_absolute("/W") && !v_workspace_make_place_absolute("W");
+        std::fprintf(stderr, "%s", v_error_get());
+        std::exit(is_made ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "Could not convert filename to unicode.");
+}
+
+TEST_F(WorkspaceLocationDeathTest, AHomeFolderThatIsTheRoot) {
+  const EnvironmentVariable home("VANTORELLE_TEST_HOME", "/");
+  EXPECT_EXIT(
+      {
+        std::fprintf(stderr, "%s", v_workspace_make_place_absolute("a/W").get());
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "^/a/W$");
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "workspace/assistant/new_workspace_assistant.h"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -164,6 +166,40 @@ TEST_F(NewWorkspaceAssistant, PlaceInAMissingFolderFails) {
   EXPECT_TRUE(list_folder(folder.path()).empty());
 }
 
+// Other tools of the suite are started in other folders.
+TEST_F(NewWorkspaceAssistant, RelativePlaceIsInTheHomeFolderAndSavedAsAnAbsolutePath) {
+  const std::pair<const char *, std::string> places[] = {{" work/shop/ ", "work/shop"},
+                                                         {"~/other shop", "other shop"}};
+  const std::string home = g_get_home_dir();
+  make_folder(home + "/work");
+  for (const auto &[typed, place] : places) {
+    enter(typed);
+    script.click("Apply");
+    await_page(2);
+    script.then([typed] { EXPECT_STREQ(gtk_entry_get_text(entry()), typed); });
+    script.click("Close");
+    EXPECT_TRUE(run());
+    OwnedText saved;
+    EXPECT_TRUE(v_workspace_get_saved_folder_path(saved));
+    EXPECT_EQ(saved.get(), home + "/" + place);
+    EXPECT_EQ(read_file(home + "/" + place + "/codesets/a.codeset"), "bytes");
+    std::filesystem::remove_all(home + "/" + place);
+  }
+  std::filesystem::remove_all(home + "/work");
+}
+
+TEST_F(NewWorkspaceAssistant, RelativePlaceThatIsTakenInTheHomeFolderIsLeftAlone) {
+  const std::string taken = std::string(g_get_home_dir()) + "/taken";
+  write_file(taken, "mine");
+  enter("taken");
+  script.click("Apply");
+  script.answer("Error", exists_message, "Close");
+  cancel_on_first_page("taken");
+  EXPECT_FALSE(run());
+  EXPECT_EQ(read_file(taken), "mine");
+  std::filesystem::remove(taken);
+}
+
 TEST_F(NewWorkspaceAssistant, EmptyPlaceFails) {
   for (const char *location : {"", "   ", "/", " // "}) {
     enter(location);
@@ -261,6 +297,17 @@ TEST_F(NewWorkspaceAssistant, BrowsingProposesAFolderInTheChosenOne) {
   script.click("Close");
   EXPECT_TRUE(run());
   EXPECT_THAT(list_folder(folder / "100% <caf\u00e9> & co"), ElementsAre("Vantorelle Workspace"));
+}
+
+TEST_F(NewWorkspaceAssistant, BrowsingTheRootFolderProposesAFolderInIt) {
+  await_page(0);
+  script.click("Next");
+  script.click("Browse...");
+  script.choose("/");
+  await_page(1);
+  script.then([] { EXPECT_STREQ(gtk_entry_get_text(entry()), "/Vantorelle Workspace"); });
+  script.click("Cancel");
+  EXPECT_FALSE(run());
 }
 
 TEST_F(NewWorkspaceAssistant, CancelledBrowsingLeavesTheEntry) {
