@@ -5,7 +5,7 @@
 
 namespace {
 
-enum class Rule { detabify, spacify, compact };
+enum class Rule { strip, detabify, spacify, compact };
 
 // The length in bytes of the whitespace character at the pointer, 0 when there is none. Of other
 // characters every byte counts as one for itself.
@@ -35,6 +35,16 @@ bool is_normal_latin1(const char *text) {
   return faults == 0 && text[0] != ' ' && text[length - 1] != ' ';
 }
 
+// Writes what the rule makes of a whitespace character inside a text; returns the end of that.
+char *write_space(char *out, const char *space, int length, Rule rule) {
+  if (rule == Rule::strip) {
+    std::memmove(out, space, static_cast<std::size_t>(length));
+    return out + length;
+  }
+  *out = rule == Rule::detabify && *space == '\n' ? '\n' : ' ';
+  return out + 1;
+}
+
 template <int (*space_length)(const char *)>
 char *normalise(char *text, Rule rule) {
   char *out = text;
@@ -49,7 +59,7 @@ char *normalise(char *text, Rule rule) {
     const bool is_leading = out == text;
     const bool continues_a_run = rule == Rule::compact && out != end;
     if (!is_leading && !continues_a_run) {
-      *out++ = rule == Rule::detabify && *in == '\n' ? '\n' : ' ';
+      out = write_space(out, in, length, rule);
     }
     in += length;
   }
@@ -71,6 +81,10 @@ OwnedText normalise_copy(const char *text, Rule rule) {
 }
 
 } // namespace
+
+OwnedText v_strip_surrounding_in_new_for_utf8(const char *utf8_text) {
+  return normalise_copy<normalise_utf8>(utf8_text, Rule::strip);
+}
 
 char *v_strip_surrounding_and_detabify_within_original_for_latin1(char *latin1_text) {
   return normalise_latin1(latin1_text, Rule::detabify);

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "base/fs_utils.h"
+#include "base/whitespace.h"
 #include "gui/accessibility.h"
 #include "gui/message_dialogs.h"
 #include "gui/widgets.h"
@@ -92,8 +93,7 @@ bool check_free(const NewFileWindow *state, const char *path) {
 
 // The path that the user has asked for; null, after an error message, when it cannot be had.
 OwnedText read_path(const NewFileWindow *state) {
-  const OwnedText name = copy_text(v_gui_get_entry_text(state->entry));
-  g_strstrip(name.get());
+  const OwnedText name = v_strip_surrounding_in_new_for_utf8(v_gui_get_entry_text(state->entry));
   if (!check_form(state, name.get())) {
     return nullptr;
   }

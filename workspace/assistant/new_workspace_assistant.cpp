@@ -2,6 +2,7 @@
 
 #include "base/error.h"
 #include "base/fs_utils.h"
+#include "base/whitespace.h"
 #include "gui/file_dialogs.h"
 #include "gui/message_dialogs.h"
 #include "gui/widgets.h"
@@ -121,8 +122,8 @@ void build_assistant(NewWorkspaceAssistant *state) {
 // As an absolute path: the other tools, which read it from the pointer file, run in other folders.
 // Null with a message when there is none.
 OwnedText read_location(const NewWorkspaceAssistant *state) {
-  const OwnedText location = copy_text(v_gui_get_entry_text(state->location_entry));
-  g_strstrip(location.get());
+  const OwnedText location =
+      v_strip_surrounding_in_new_for_utf8(v_gui_get_entry_text(state->location_entry));
   v_fs_utils_strip_ending_path_delimiters(location.get());
   return v_workspace_make_place_absolute(location.get());
 }

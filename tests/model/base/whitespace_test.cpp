@@ -96,6 +96,22 @@ TEST(Whitespace, CommonRules) {
   }
 }
 
+TEST(Whitespace, StrippingLeavesWhatIsInsideAsItIs) {
+  const std::pair<const char *, const char *> rows[] = {
+      {"", ""},
+      {"a", "a"},
+      {" \t\n\r\f", ""},
+      {"\u00a0\u2003\u3000", ""},
+      {" a \t\n b\u00a0\u00a0c ", "a \t\n b\u00a0\u00a0c"},
+      {"\u00a0a\u2003\u3000b\u00a0 ", "a\u2003\u3000b"},
+      {"\xA0 a \xA0", "\xA0 a \xA0"}, // not UTF-8
+      {"\va\v", "\va\v"},
+  };
+  for (const auto &[text, stripped] : rows) {
+    EXPECT_STREQ(v_strip_surrounding_in_new_for_utf8(text).get(), stripped) << text;
+  }
+}
+
 TEST(Whitespace, OnlySixAsciiCharactersAreWhitespace) {
   for (int byte = 0; byte < 256; byte++) {
     const bool expected =

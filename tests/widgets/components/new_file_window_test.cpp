@@ -83,6 +83,7 @@ TEST_F(NewFileWindow, EnterInTheEntryIsOk) {
 TEST_F(NewFileWindow, AcceptsAndCreatesNothing) {
   for (const auto &[typed, name] :
        {std::pair("abc.codeset", "abc.codeset"), std::pair(" \t abc.codeset  ", "abc.codeset"),
+        std::pair("\u00a0abc.codeset\u2003\u3000", "abc.codeset"),
         std::pair("abc.CODESET", "abc.CODESET"), std::pair("a_1.Codeset", "a_1.Codeset"),
         std::pair("0.codeset", "0.codeset"), std::pair("_.codeset", "_.codeset")}) {
     enter(typed);
@@ -93,7 +94,7 @@ TEST_F(NewFileWindow, AcceptsAndCreatesNothing) {
 
 TEST_F(NewFileWindow, RefusesWhatIsNotANameAndTheExtension) {
   for (const char *typed : {".codeset", ".CODESET", "", "   ", "abc", "abc.txt", "abc.codeset.txt",
-                            "abccodeset", "\u00e5codeset", " .codeset "}) {
+                            "abccodeset", "\u00e5codeset", " .codeset ", "\u00a0.codeset\u00a0"}) {
     enter(typed);
     script.answer("Error", form_message, "Close");
     script.then([typed = typed] { EXPECT_STREQ(gtk_entry_get_text(entry()), typed); });
@@ -106,9 +107,9 @@ TEST_F(NewFileWindow, RefusesTheFirstCharacterThatIsNotPermitted) {
   for (const auto &[typed, character] :
        {std::pair("Abc.codeset", "A"), std::pair("\u00e5bc.codeset", "\u00e5"),
         std::pair("abc-1.codeset", "-"), std::pair("a b.codeset", " "),
-        std::pair("a/b.codeset", "/"), std::pair("a.b.codeset", "."),
-        std::pair("a%s<&.codeset", "%"), std::pair("ab<.codeset", "<"),
-        std::pair("ab\u20ac\u00e5.codeset", "\u20ac"),
+        std::pair("a\u00a0b.codeset", "\u00a0"), std::pair("a/b.codeset", "/"),
+        std::pair("a.b.codeset", "."), std::pair("a%s<&.codeset", "%"),
+        std::pair("ab<.codeset", "<"), std::pair("ab\u20ac\u00e5.codeset", "\u20ac"),
         std::pair("a\U0001f600.codeset", "\U0001f600"), std::pair("..codeset", ".")}) {
     enter(typed);
     script.answer("Error", "The character \"" + std::string(character) + "\" is not permitted.",

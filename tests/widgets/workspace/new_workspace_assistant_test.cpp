@@ -149,12 +149,12 @@ TEST_F(NewWorkspaceAssistant, FileAtThePlaceIsLeftAlone) {
 }
 
 TEST_F(NewWorkspaceAssistant, BlanksAroundAndTrailingDelimitersAreDropped) {
-  enter(" \t " + (folder / "my workspace//") + "  ");
+  enter(" \t\u00a0\u2003" + (folder / "my \u00a0 workspace//") + " \u3000 ");
   script.click("Apply");
   await_page(2);
   script.click("Close");
   EXPECT_TRUE(run());
-  EXPECT_THAT(list_folder(folder.path()), ElementsAre("my workspace"));
+  EXPECT_THAT(list_folder(folder.path()), ElementsAre("my \u00a0 workspace"));
 }
 
 TEST_F(NewWorkspaceAssistant, PlaceInAMissingFolderFails) {
