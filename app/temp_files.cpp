@@ -32,13 +32,15 @@ Maker get_maker(const char *file_name) {
 // The executable's size with the top bit cleared: names carry 31 bits.
 std::int64_t get_fingerprint(const VFileInfo &executable) { return executable.size & 0x7fffffff; }
 
+// An executable that cannot be asked about, because of its name for one, says nothing of its
+// process.
 bool is_gone(const Maker &maker) {
-  const OwnedText path = v_platform_get_exe_path_for_process_id(maker.process_id);
-  if (!path) {
+  OwnedText path;
+  if (!v_platform_get_exe_path_for_process_id(path, maker.process_id)) {
     return true;
   }
   VFileInfo executable;
-  return v_fs_utils_get_info(path.get(), executable) && executable.exists &&
+  return path && v_fs_utils_get_info(path.get(), executable) && executable.exists &&
          get_fingerprint(executable) != maker.fingerprint;
 }
 

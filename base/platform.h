@@ -7,9 +7,9 @@
 
 // Path (UTF-8) of this program's executable. Null with "Error getting exe path from system.".
 OwnedText v_platform_get_exe_path();
-// Path (UTF-8) of the executable of a running process. Null when there is no such process or it may
-// not be asked for; no message of its own.
-OwnedText v_platform_get_exe_path_for_process_id(long process_id);
+// Gives the path (UTF-8) of the executable of a running process, null when it cannot be converted.
+// False with null when there is no such process or it may not be asked for; no message of its own.
+bool v_platform_get_exe_path_for_process_id(OwnedText &path, long process_id);
 // What the file name of an installed program ends in: ".app" where programs are bundles, else "".
 const char *v_platform_get_program_ending();
 // The command line (UTF-8) that starts the program at the quoted path; arguments are put in as they

@@ -5,24 +5,25 @@
 
 namespace {
 
-OwnedText read_exe_link(const char *link) {
+bool read_exe_link(OwnedText &path, const char *link) {
   const OwnedText name(g_file_read_link(link, nullptr));
-  return name ? v_fs_utils_convert_osfsenc_to_utf8(name.get()) : nullptr;
+  path = name ? v_fs_utils_convert_osfsenc_to_utf8(name.get()) : nullptr;
+  return name != nullptr;
 }
 
 } // namespace
 
 OwnedText v_platform_get_exe_path() {
-  OwnedText path = read_exe_link("/proc/self/exe");
-  if (!path) {
+  OwnedText path;
+  if (!read_exe_link(path, "/proc/self/exe") || !path) {
     v_error_set("Error getting exe path from system.");
   }
   return path;
 }
 
-OwnedText v_platform_get_exe_path_for_process_id(long process_id) {
+bool v_platform_get_exe_path_for_process_id(OwnedText &path, long process_id) {
   const OwnedText link(g_strdup_printf("/proc/%ld/exe", process_id));
-  return read_exe_link(link.get());
+  return read_exe_link(path, link.get());
 }
 
 const char *v_platform_get_program_ending() { return ""; }

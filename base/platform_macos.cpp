@@ -9,20 +9,25 @@
 #include "base/fs_utils.h"
 
 OwnedText v_platform_get_exe_path() {
-  OwnedText path = v_platform_get_exe_path_for_process_id(getpid());
-  if (!path) {
+  OwnedText path;
+  if (!v_platform_get_exe_path_for_process_id(path, getpid()) || !path) {
     v_error_set("Error getting exe path from system.");
   }
   return path;
 }
 
-OwnedText v_platform_get_exe_path_for_process_id(long process_id) {
+bool v_platform_get_exe_path_for_process_id(OwnedText &path, long process_id) {
+  path.reset();
   if (!std::in_range<int>(process_id)) {
-    return nullptr;
+    return false;
   }
   char name[PROC_PIDPATHINFO_MAXSIZE];
   const int length = proc_pidpath(static_cast<int>(process_id), name, sizeof name);
-  return length > 0 ? v_fs_utils_convert_osfsenc_to_utf8(name) : nullptr;
+  if (length <= 0) {
+    return false;
+  }
+  path = v_fs_utils_convert_osfsenc_to_utf8(name);
+  return true;
 }
 
 const char *v_platform_get_program_ending() { return ".app"; }

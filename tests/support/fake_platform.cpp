@@ -14,9 +14,11 @@ OwnedText v_platform_get_exe_path() {
   return v_fs_utils_create_path_in_folder(fake_platform.install_folder->c_str(), "program");
 }
 
-OwnedText v_platform_get_exe_path_for_process_id(long process_id) {
+bool v_platform_get_exe_path_for_process_id(OwnedText &path, long process_id) {
   const auto found = fake_platform.exe_paths.find(process_id);
-  return found == fake_platform.exe_paths.end() ? nullptr : copy_text(found->second.c_str());
+  const bool is_running = found != fake_platform.exe_paths.end();
+  path = is_running ? copy_text(found->second.c_str()) : nullptr;
+  return is_running;
 }
 
 const char *v_platform_get_program_ending() {

@@ -19,7 +19,8 @@ TEST_F(FakePlatformTest, KnowsNothingOfTheMachine) {
   EXPECT_EQ(v_platform_get_install_folder_path(), nullptr);
   EXPECT_STREQ(v_error_get(), "Error getting exe path from system.");
   EXPECT_EQ(v_platform_get_temp_files_folder_path(), nullptr);
-  EXPECT_EQ(v_platform_get_exe_path_for_process_id(1), nullptr);
+  OwnedText path;
+  EXPECT_FALSE(v_platform_get_exe_path_for_process_id(path, 1));
 }
 
 TEST_F(FakePlatformTest, AnswersWhatTheTestSays) {
@@ -29,7 +30,9 @@ TEST_F(FakePlatformTest, AnswersWhatTheTestSays) {
   EXPECT_STREQ(v_platform_get_exe_path().get(), "/opt/vantorelle/program");
   EXPECT_STREQ(v_platform_get_install_folder_path().get(), "/opt/vantorelle");
   EXPECT_STREQ(v_platform_get_temp_files_folder_path().get(), "/scratch");
-  EXPECT_STREQ(v_platform_get_exe_path_for_process_id(7).get(), "/bin/seven");
+  OwnedText path;
+  EXPECT_TRUE(v_platform_get_exe_path_for_process_id(path, 7));
+  EXPECT_STREQ(path.get(), "/bin/seven");
 }
 
 TEST_F(FakePlatformTest, RecordsWhatWasToBeStarted) {

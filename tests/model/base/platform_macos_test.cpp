@@ -56,17 +56,28 @@ TEST_F(PlatformMacosTest, ExePathThatIsNoTextHasTheSameMessage) {
 TEST_F(PlatformMacosTest, ExePathOfAnotherProcess) {
   exe_names[4711] = "/usr/bin/printer";
   v_error_set("before");
-  EXPECT_STREQ(v_platform_get_exe_path_for_process_id(4711).get(), "/usr/bin/printer");
-  EXPECT_EQ(v_platform_get_exe_path_for_process_id(4712), nullptr);
+  OwnedText path;
+  EXPECT_TRUE(v_platform_get_exe_path_for_process_id(path, 4711));
+  EXPECT_STREQ(path.get(), "/usr/bin/printer");
+  EXPECT_FALSE(v_platform_get_exe_path_for_process_id(path, 4712));
+  EXPECT_EQ(path, nullptr);
   EXPECT_STREQ(v_error_get(), "before");
+}
+
+TEST_F(PlatformMacosTest, AnotherProcessWhoseExePathIsNoTextIsRunning) {
+  exe_names[4711] = "/usr/bin/\xff";
+  OwnedText path = copy_text("old");
+  EXPECT_TRUE(v_platform_get_exe_path_for_process_id(path, 4711));
+  EXPECT_EQ(path, nullptr);
 }
 
 TEST_F(PlatformMacosTest, NumberTooLargeForAProcessIdIsNoProcess) {
   exe_names[1] = "/sbin/launchd";
   exe_names[0] = "/kernel";
-  EXPECT_EQ(v_platform_get_exe_path_for_process_id((1L << 32) + 1), nullptr);
-  EXPECT_EQ(v_platform_get_exe_path_for_process_id(1L << 32), nullptr);
-  EXPECT_EQ(v_platform_get_exe_path_for_process_id(-(1L << 32) + 1), nullptr);
+  OwnedText path;
+  for (const long process_id : {(1L << 32) + 1, 1L << 32, -(1L << 32) + 1}) {
+    EXPECT_FALSE(v_platform_get_exe_path_for_process_id(path, process_id)) << process_id;
+  }
 }
 
 TEST_F(PlatformMacosTest, ProgramsAreBundles) {

@@ -35,7 +35,9 @@ std::string quoted(const std::string &text) {
 
 TEST(Platform, ExePathIsThatOfTheTests) {
   EXPECT_EQ(v_platform_get_exe_path().get(), executable());
-  EXPECT_EQ(v_platform_get_exe_path_for_process_id(getpid()).get(), executable());
+  OwnedText path;
+  EXPECT_TRUE(v_platform_get_exe_path_for_process_id(path, getpid()));
+  EXPECT_EQ(path.get(), executable());
 }
 
 TEST(Platform, InstallFolderHoldsTheExecutable) {
@@ -46,7 +48,9 @@ TEST(Platform, InstallFolderHoldsTheExecutable) {
 TEST(Platform, WhatIsNoProcessHasNoExePathAndNoMessage) {
   for (const long process_id : {-1L, 0L, 4'194'305L, std::numeric_limits<long>::max()}) {
     v_error_set("before");
-    EXPECT_EQ(v_platform_get_exe_path_for_process_id(process_id), nullptr) << process_id;
+    OwnedText path = copy_text("old");
+    EXPECT_FALSE(v_platform_get_exe_path_for_process_id(path, process_id)) << process_id;
+    EXPECT_EQ(path, nullptr);
     EXPECT_STREQ(v_error_get(), "before");
   }
 }
@@ -55,7 +59,8 @@ TEST(Platform, ProcessOfAnotherUserHasNoExePathAndOneOfOurOwnHas) {
   const std::string answer = as_ordinary_user([] {
     struct stat first_process;
     const bool is_own = stat("/proc/1", &first_process) == 0 && first_process.st_uid == getuid();
-    const bool is_found = v_platform_get_exe_path_for_process_id(1) != nullptr;
+    OwnedText path;
+    const bool is_found = v_platform_get_exe_path_for_process_id(path, 1);
     return std::string(is_found == is_own ? "right" : "wrong");
   });
   EXPECT_EQ(answer, "right");
@@ -128,7 +133,8 @@ TEST(Platform, CommandLineThatIsNoTextFailsWithTheConversionsMessage) {
 TEST(Platform, NoDescriptorIsLeftOpen) {
   const int before = count_open_descriptors();
   v_platform_get_install_folder_path();
-  v_platform_get_exe_path_for_process_id(getpid());
+  OwnedText path;
+  v_platform_get_exe_path_for_process_id(path, getpid());
   v_platform_run_command_line("true");
   v_platform_run_command_line("/nowhere/at/all");
   EXPECT_EQ(count_open_descriptors(), before);

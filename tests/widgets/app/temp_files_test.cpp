@@ -128,6 +128,20 @@ TEST_F(TempFiles, FilesOfAProcessWithoutAnExecutableOnDiskAreKept) {
   EXPECT_THAT(clean_up(), ElementsAre(file_name(process.id, 1)));
 }
 
+// It runs, and that is all that can be said of it.
+TEST_F(TempFiles, FilesOfAProcessWhoseExecutableHasANameThatIsNoTextAreKept) {
+  const TemporaryFolder programs;
+  const std::string program = programs / "sl\xE5";
+  write_file(program, read_file("/bin/sleep"));
+  set_permissions(program, 0700);
+  const Process process(program);
+  const std::string own = file_name(process.id, get_size(program));
+  const std::string other = file_name(process.id, get_size(program) + 1);
+  add(own);
+  add(other);
+  EXPECT_THAT(clean_up(), ::testing::UnorderedElementsAre(own, other));
+}
+
 // Names carry 31 bits of the size.
 TEST_F(TempFiles, TheFingerprintOfALargeExecutableHasNoTopBit) {
   const TemporaryFolder programs;
