@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,6 +43,18 @@ bool may_never_answer(const char *name, const char *mode) {
 // A name in the encoding of the system, from its own allocator.
 using SystemName = Owned<char, std::free>;
 
+// Cannot fail the write: a file system without permissions has none to keep.
+void set_permissions(int descriptor, const VFilePermissions &permissions) {
+  mode_t mode = permissions.mode;
+  struct stat status;
+  if (fstat(descriptor, &status) != 0 || status.st_gid != permissions.group) {
+    mode &= 0707 | (mode & 07) << 3;
+  }
+  if (fchmod(descriptor, mode) != 0) {
+    last_error_number = errno;
+  }
+}
+
 } // namespace
 
 int v_fs_utils_get_last_error_number() { return last_error_number; }
@@ -75,6 +88,39 @@ OwnedFile v_fs_utils_open_file(const char *path, const char *mode) {
   }
   if (!file) {
     fail("Cannot open file.");
+  }
+  return file;
+}
+
+VFilePermissions v_fs_utils_get_permissions(const char *path) {
+  const OwnedText name(g_filename_from_utf8(path, -1, nullptr, nullptr, nullptr));
+  struct stat status;
+  if (!name || stat(name.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return {};
+  }
+  return {true, status.st_mode & 0777, status.st_gid};
+}
+
+OwnedFile v_fs_utils_create_file(const char *path, const VFilePermissions &permissions) {
+  if (!permissions.are_known) {
+    return v_fs_utils_open_file(path, "wb");
+  }
+  const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(path);
+  if (!name) {
+    return nullptr;
+  }
+  // For its owner alone until it has its own permissions.
+  const int descriptor = open(name.get(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  OwnedFile file;
+  if (descriptor != -1) {
+    set_permissions(descriptor, permissions);
+    file.reset(fdopen(descriptor, "wb"));
+  }
+  if (!file) {
+    fail("Cannot open file.");
+    if (descriptor != -1) {
+      close(descriptor);
+    }
   }
   return file;
 }

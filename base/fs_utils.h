@@ -32,6 +32,20 @@ OwnedText v_fs_utils_convert_utf8_to_osfsenc(const char *path);
 // Opens a buffered file with a standard mode ("rb", "wb"). Null with "Cannot open file.", also for
 // what could keep the program waiting for ever: a named pipe, and a character device to read from.
 OwnedFile v_fs_utils_open_file(const char *path, const char *mode);
+
+// Permissions of a file for the one that will take its place.
+struct VFilePermissions {
+  bool are_known = false;  // false: there is no such file
+  unsigned mode = 0;       // the bits 0777
+  unsigned long group = 0; // the system's number
+};
+// Those of the regular file at the path, following links.
+VFilePermissions v_fs_utils_get_permissions(const char *path);
+// Creates a file for writing where nothing is. Nobody can read it whom the permissions exclude,
+// from the beginning; they are set as far as the file system allows. Another group than that of the
+// old file gets no more than everybody does. Not known: the usual permissions, and a file that is
+// there is emptied. Null with "Cannot open file.".
+OwnedFile v_fs_utils_create_file(const char *path, const VFilePermissions &permissions);
 // Closes; null is success. False with "Cannot close file.": what was buffered may be lost.
 bool v_fs_utils_close_file(OwnedFile file);
 

@@ -214,11 +214,12 @@ OwnedCodeset v_codeset_io_read_from_file_in_workspace(const char *workspace_fold
 }
 
 bool v_codeset_io_write_to_file(const VCodeset *codeset, const char *path) {
+  const VFilePermissions permissions = v_fs_utils_get_permissions(path);
   if (!v_fs_utils_delete_file_if_exists(path)) {
     v_error_append("Cannot access file.");
     return false;
   }
-  OwnedFile file = v_fs_utils_open_file(path, "wb");
+  OwnedFile file = v_fs_utils_create_file(path, permissions);
   if (!file) {
     v_error_append("Cannot create file.");
     v_fs_utils_discard_file(path);

@@ -13,9 +13,9 @@ OwnedCodeset v_codeset_io_read_from_file(const char *path);
 OwnedCodeset v_codeset_io_read_from_file_in_workspace(const char *workspace_folder_path,
                                                       const char *file_name);
 
-// Replaces the file at the path (UTF-8). False with "Cannot access file." before the reason, and
-// what is at the path stays; or with "Cannot create file." before the reason, "File I/O error when
-// writing to file." or "Cannot close file." before the reason, and no file is left at the path. The
-// old file is gone before the new one is written: the codeset in memory is what is tried again
-// with.
+// Replaces the file at the path (UTF-8), which keeps its permissions. False with "Cannot access
+// file." before the reason, and what is at the path stays; or with "Cannot create file." before the
+// reason, "File I/O error when writing to file." or "Cannot close file." before the reason, and no
+// file is left at the path. The old file is gone before the new one is written: the codeset in
+// memory is what is tried again with.
 bool v_codeset_io_write_to_file(const VCodeset *codeset, const char *path);

@@ -120,16 +120,17 @@ int close_cookie(void *cookie) {
   return result;
 }
 
-std::FILE *open_buffered(const char *path, const char *mode, const std::string &watched_path) {
-  const int flags = *mode == 'r' ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
-  const int descriptor = open(path, flags, 0666);
-  if (descriptor < 0) {
-    return nullptr;
-  }
+std::FILE *make_buffered(int descriptor, const char *mode, const std::string &watched_path) {
   const cookie_io_functions_t calls = {read_cookie, write_cookie, seek_cookie, close_cookie};
   std::FILE *file = fopencookie(new int(descriptor), mode, calls);
   watch->files[file] = {descriptor, watched_path};
   return file;
+}
+
+std::FILE *open_buffered(const char *path, const char *mode, const std::string &watched_path) {
+  const int flags = *mode == 'r' ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
+  const int descriptor = open(path, flags, 0666);
+  return descriptor < 0 ? nullptr : make_buffered(descriptor, mode, watched_path);
 }
 
 bool allocation_must_fail() { return watch != nullptr && must_fail(Call::allocate, ""); }
@@ -230,6 +231,16 @@ std::FILE *fopen(const char *path, const char *mode) {
   }
   return must_fail(Call::fopen, *name) ? fail<std::FILE *>(nullptr)
                                        : open_buffered(path, mode, *name);
+}
+
+std::FILE *fdopen(int descriptor, const char *mode) noexcept {
+  static auto *const real = next<std::FILE *(int, const char *)>("fdopen");
+  const std::string *path = find(&Watch::descriptors, descriptor);
+  if (path == nullptr) {
+    return real(descriptor, mode);
+  }
+  return must_fail(Call::fopen, *path) ? fail<std::FILE *>(nullptr)
+                                       : make_buffered(descriptor, mode, *path);
 }
 
 // libxml2 reads from the descriptor.

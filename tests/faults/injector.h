@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-// fopen counts as a call of its own and as the open that it makes; in the same way there are read
-// and write under the buffered calls, and close under fclose. allocate is libxml2's allocator and
-// GLib's g_try_malloc, compile is g_regex_new.
+// fopen, and fdopen as well, counts as a call of its own and as the open that it makes; in the same
+// way there are read and write under the buffered calls, and close under fclose. allocate is
+// libxml2's allocator and GLib's g_try_malloc, compile is g_regex_new.
 enum class Call {
   open,
   fopen,

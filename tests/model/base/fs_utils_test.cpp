@@ -385,6 +385,48 @@ TEST(FsUtils, DiscardingTakesALinkAndLeavesWhatIsNoFile) {
   EXPECT_EQ(list_folder(folder.path()), std::vector<std::string>{"pipe"});
 }
 
+TEST(FsUtils, ACreatedFileHasItsPermissionsBeforeAnythingIsWritten) {
+  const TemporaryFolder folder;
+  write_file(folder / "old", "");
+  for (const unsigned mode : {0600U, 0444U, 0640U, 0666U}) {
+    set_permissions(folder / "old", mode);
+    const VFilePermissions permissions = v_fs_utils_get_permissions((folder / "old").c_str());
+    EXPECT_TRUE(permissions.are_known);
+    const std::string path = folder / std::to_string(mode);
+    const mode_t mask = umask(077);
+    const OwnedFile file = v_fs_utils_create_file(path.c_str(), permissions);
+    umask(mask);
+    ASSERT_TRUE(file) << v_error_get();
+    EXPECT_EQ(mode_of(path), mode);
+    EXPECT_EQ(std::fputs("text", file.get()), 1);
+  }
+  EXPECT_EQ(read_file(folder / std::to_string(0600U)), "text");
+}
+
+TEST(FsUtils, OnlyAFileHasPermissionsToKeep) {
+  const TemporaryFolder folder;
+  ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+  for (const std::string &path :
+       {std::string(folder.path()), folder / "pipe", folder / "none", folder / "\xff"}) {
+    EXPECT_FALSE(v_fs_utils_get_permissions(path.c_str()).are_known) << path;
+  }
+}
+
+TEST(FsUtils, AFileWithPermissionsIsCreatedOnlyWhereNothingIs) {
+  const TemporaryFolder folder;
+  write_file(folder / "file", "kept");
+  const VFilePermissions permissions = v_fs_utils_get_permissions((folder / "file").c_str());
+  const int before = count_open_descriptors();
+  EXPECT_FALSE(v_fs_utils_create_file((folder / "file").c_str(), permissions));
+  EXPECT_EQ(v_error_get(), message_of(EEXIST, "Cannot open file."));
+  EXPECT_FALSE(v_fs_utils_create_file((folder / "none/file").c_str(), permissions));
+  EXPECT_EQ(v_error_get(), message_of(ENOENT, "Cannot open file."));
+  EXPECT_FALSE(v_fs_utils_create_file("\xff", permissions));
+  EXPECT_THAT(v_error_get(), testing::StartsWith("Could not use filename."));
+  EXPECT_EQ(count_open_descriptors(), before);
+  EXPECT_EQ(read_file(folder / "file"), "kept");
+}
+
 // Folders
 
 TEST(FsUtils, DiscardingWhatIsNotThereIsNoFailure) {

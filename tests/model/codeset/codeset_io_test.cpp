@@ -1,8 +1,10 @@
 #include "codeset/codeset_io.h"
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
@@ -664,6 +666,63 @@ TEST_F(CodesetIo, ALinkIsReplacedAndItsTargetStays) {
   ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
   written(sizeable_codeset().get());
   EXPECT_EQ(read_file(target), "kept");
+}
+
+unsigned mode_of(const std::string &path) {
+  struct stat status;
+  EXPECT_EQ(stat(path.c_str(), &status), 0);
+  return status.st_mode & 07777U;
+}
+
+TEST_F(CodesetIo, ARewrittenFileKeepsItsPermissions) {
+  for (const unsigned mode : {0600U, 0640U, 0644U, 0660U, 0666U, 0400U, 0755U}) {
+    std::filesystem::remove(path);
+    write_file(path, "old");
+    set_permissions(path, mode);
+    written(sizeable_codeset().get());
+    EXPECT_EQ(mode_of(path), mode);
+  }
+}
+
+TEST_F(CodesetIo, ANewFileHasTheUsualPermissions) {
+  const mode_t mask = umask(0);
+  for (const unsigned taken : {022U, 077U, 002U}) {
+    umask(taken);
+    std::filesystem::remove(path);
+    written(sizeable_codeset().get());
+    EXPECT_EQ(mode_of(path), 0666U & ~taken);
+  }
+  umask(mask);
+}
+
+TEST_F(CodesetIo, ARewrittenFileRunsAsNobodyElse) {
+  write_file(path, "old");
+  set_permissions(path, 06755);
+  written(sizeable_codeset().get());
+  EXPECT_EQ(mode_of(path), 0755U);
+}
+
+TEST_F(CodesetIo, AFileInPlaceOfALinkIsAsPrivateAsWhatTheLinkLedTo) {
+  const std::string target = folder / "target";
+  write_file(target, "kept");
+  set_permissions(target, 0600);
+  ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
+  written(sizeable_codeset().get());
+  EXPECT_FALSE(std::filesystem::is_symlink(path));
+  EXPECT_EQ(mode_of(path), 0600U);
+}
+
+// Only the superuser can give a file to a group that he does not belong to.
+TEST_F(CodesetIo, AnotherGroupGetsNoMoreThanEverybody) {
+  constexpr gid_t another_group = 54'321;
+  for (const auto &[before, after] : {std::pair(0640U, 0600U), std::pair(0664U, 0644U),
+                                      std::pair(0666U, 0666U), std::pair(0604U, 0604U)}) {
+    write_file(path, "old");
+    const bool is_given = chown(path.c_str(), static_cast<uid_t>(-1), another_group) == 0;
+    set_permissions(path, before);
+    written(sizeable_codeset().get());
+    EXPECT_EQ(mode_of(path), is_given ? after : before);
+  }
 }
 
 TEST_F(CodesetIo, LeavesNoDescriptorOpen) {
