@@ -22,14 +22,7 @@ FileTypes list_types(const VFileType *file_types, int count) {
 }
 
 std::string make_key(FileTypes file_types) {
-  std::string key;
-  for (const VFileType file_type : file_types) {
-    if (&file_type != file_types.data()) {
-      key += '#';
-    }
-    key += v_file_type_get_name(file_type);
-  }
-  return key;
+  return v_file_dialog_make_key(file_types.data(), static_cast<int>(file_types.size()));
 }
 
 // ---- Setting up ---------------------------------------------------------------------------------
@@ -230,6 +223,15 @@ OwnedText v_file_dialog_get_file_path_for_writing(VWindowStack *window_stack,
 OwnedText v_file_dialog_get_folder_path(VWindowStack *window_stack, const char *title) {
   return get_first(run_file_dialog(window_stack, FileDialogAction::select_folder,
                                    SelectMultiple::no, title, nullptr, nullptr, nullptr, 0));
+}
+
+std::string v_file_dialog_make_key(const VFileType *file_types, int count) {
+  std::string key;
+  for (int i = 0; i < count; i++) {
+    key += i == 0 ? "" : "#";
+    key += v_file_type_get_name(file_types[i]);
+  }
+  return key;
 }
 
 void v_file_dialog_clean_up() { remembered_folders.clear(); }

@@ -4,6 +4,7 @@
 // v_file_dialog_clean_up, not beyond the run. Texts and paths are UTF-8; a path that has no UTF-8
 // form counts as not chosen.
 
+#include <string>
 #include <vector>
 
 #include <gtk/gtk.h>
@@ -55,5 +56,8 @@ std::vector<OwnedText> v_file_dialog_take_over_choice(GtkFileChooser *chooser,
                                                       SelectMultiple select_multiple,
                                                       const VFileType *file_types, int count);
 
+// The text under which the folder of a dialog with these types is remembered: their names in the
+// order given, joined by "#"; empty without types.
+std::string v_file_dialog_make_key(const VFileType *file_types, int count);
 // Forgets the remembered folders.
 void v_file_dialog_clean_up();

@@ -391,6 +391,20 @@ TEST_F(FileDialogs, RememberTheFolderForEachCombinationOfTypes) {
   EXPECT_EQ(see_start_folder(FileDialogAction::save, {VFileType::remark_codeset}), remembered);
 }
 
+TEST_F(FileDialogs, RememberAFolderUnderTheNamesOfTheTypes) {
+  const std::pair<Types, const char *> rows[] = {
+      {{}, ""},
+      {{VFileType::remark_codeset}, "Remark codeset"},
+      {{VFileType::jpeg, VFileType::png}, "JPEG#PNG"},
+      {{VFileType::png, VFileType::jpeg}, "PNG#JPEG"},
+      {{VFileType::jpeg, VFileType::jpeg, VFileType::csv}, "JPEG#JPEG#CSV"},
+      {{static_cast<VFileType>(99)}, "Unknown"},
+  };
+  for (const auto &[types, key] : rows) {
+    EXPECT_EQ(v_file_dialog_make_key(types.data(), static_cast<int>(types.size())), key);
+  }
+}
+
 TEST_F(FileDialogs, RememberTheLatestFolderUntilTheCleanUp) {
   make_folder(folder / "first");
   make_folder(folder / "second");
