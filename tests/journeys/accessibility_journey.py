@@ -406,6 +406,28 @@ class Accessibility(Journey):
         window.close()
         program.expect_exit(0)
 
+    def test_the_assistant_is_led_through_by_assistive_technologies(self):
+        """What Apply says can be read while it is shown."""
+        program = self.start()
+        assistant = program.window(ASSISTANT)
+        assistant.button("Next").act()
+        assistant.field("Workspace location").enter(str(self.home))
+        assistant.button("Apply").act()
+        refusal = program.dialog("Error")
+        self.assertEqual(
+            refusal.message, "There is already a folder or a file with that name.\n\nPlease choose a new location."
+        )
+        refusal.button("Close").act()
+        refusal.expect_closed()
+        assistant.button("Next").act()
+        assistant.field("Workspace location").expect_text(str(self.home))
+        assistant.field("Workspace location").enter(str(self.home / "Mine"))
+        assistant.button("Apply").act()
+        assistant.button("Close").act()
+        assistant.expect_closed()
+        program.window(MAIN_WINDOW).close()
+        program.expect_exit(0)
+
     def press_until_focus(self, window, name):
         """Presses Tab until the widget of that name has the focus."""
         window.expect_active()

@@ -1,5 +1,7 @@
 #include "workspace/assistant/new_workspace_assistant.h"
 
+#include <utility>
+
 #include "base/error.h"
 #include "base/fs_utils.h"
 #include "base/whitespace.h"
@@ -22,11 +24,14 @@ struct NewWorkspaceAssistant {
   int location_page = -1; // index
   GtkEntry *location_entry = nullptr;
   GtkButton *browse_button = nullptr;
+  OwnedText error;        // null when none is to be shown
+  guint error_source = 0; // 0 when none is under way
   int created = 0;
 };
 
 void browse_callback(GtkButton *button, NewWorkspaceAssistant *state);
 void apply_callback(GtkAssistant *assistant, NewWorkspaceAssistant *state);
+void destroy_callback(GtkWidget *assistant, NewWorkspaceAssistant *state);
 int forward_page_func(int current_page, void *data);
 
 // Build steps.
@@ -114,6 +119,7 @@ void build_assistant(NewWorkspaceAssistant *state) {
   g_signal_connect(state->assistant, "cancel", G_CALLBACK(gtk_widget_destroy), nullptr);
   g_signal_connect(state->assistant, "close", G_CALLBACK(gtk_widget_destroy), nullptr);
   g_signal_connect(state->assistant, "apply", G_CALLBACK(apply_callback), state);
+  g_signal_connect(state->assistant, "destroy", G_CALLBACK(destroy_callback), state);
   gtk_assistant_set_forward_page_func(state->assistant, forward_page_func, state, nullptr);
 }
 
@@ -138,23 +144,46 @@ void browse_callback(GtkButton *, NewWorkspaceAssistant *state) {
   }
 }
 
-// Creates the workspace. The toolkit emits "apply" once for a press of the button and only then
-// asks forward_page_func where to go, which it may also ask when nothing was pressed: creating
-// belongs here, and what is asked there has only the outcome to look at.
-void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
+// Null when the workspace was created, otherwise the text that says why not.
+OwnedText create_workspace(const NewWorkspaceAssistant *state) {
   const OwnedText location = read_location(state);
   VFileInfo info;
   if (!location || !v_fs_utils_get_info(location.get(), info)) {
     v_error_append("Cannot access the specified location.");
-    v_message_show_error(state->window_stack, v_error_get());
-  } else if (info.exists) {
-    v_message_show_error(state->window_stack, "There is already a folder or a file with that "
-                                              "name.\n\nPlease choose a new location.");
-  } else if (v_workspace_create(location.get())) {
-    state->created = 1;
-  } else {
-    v_message_show_error(state->window_stack,
-                         "Creating a workspace at the chosen location failed.");
+    return copy_text(v_error_get());
+  }
+  if (info.exists) {
+    return copy_text("There is already a folder or a file with that name.\n\n"
+                     "Please choose a new location.");
+  }
+  return v_workspace_create(location.get())
+             ? nullptr
+             : copy_text("Creating a workspace at the chosen location failed.");
+}
+
+gboolean show_error_callback(void *data) {
+  auto *state = static_cast<NewWorkspaceAssistant *>(data);
+  state->error_source = 0;
+  v_message_show_error(state->window_stack, std::exchange(state->error, nullptr).get());
+  return G_SOURCE_REMOVE;
+}
+
+// Creates the workspace. The toolkit emits "apply" once for a press of the button and only then
+// asks forward_page_func where to go, which it may also ask when nothing was pressed: creating
+// belongs here, and what is asked there has only the outcome to look at. The error waits until the
+// press is answered, as in gui/button.h: an assistive technology that has pressed the button could
+// not read it otherwise.
+void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
+  state->error = create_workspace(state);
+  state->created = state->error == nullptr;
+  if (state->error && state->error_source == 0) {
+    state->error_source = g_idle_add_full(G_PRIORITY_DEFAULT, show_error_callback, state, nullptr);
+  }
+}
+
+void destroy_callback(GtkWidget *, NewWorkspaceAssistant *state) {
+  if (state->error_source != 0) {
+    g_source_remove(std::exchange(state->error_source, 0));
   }
 }
 

@@ -264,6 +264,41 @@ TEST_F(NewWorkspaceAssistant, ClosingTheWindowOfTheLastPageKeepsTheWorkspace) {
   EXPECT_THAT(list_folder(folder.path()), ElementsAre("workspace"));
 }
 
+// Whoever presses the button gets an answer before the error is there.
+TEST_F(NewWorkspaceAssistant, ApplyIsAnsweredBeforeItsErrorIsShown) {
+  make_folder(folder / "taken");
+  bool is_answered = false;
+  enter(folder / "taken");
+  script.when(
+      "the button \"Apply\"",
+      [] { return find_button(GTK_WIDGET(assistant()), "Apply") != nullptr; },
+      [&is_answered] {
+        gtk_button_clicked(find_button(GTK_WIDGET(assistant()), "Apply"));
+        is_answered = true;
+      });
+  script.when(
+      "the error", [] { return top_window() != nullptr && assistant() == nullptr; },
+      [&is_answered] { EXPECT_TRUE(is_answered); });
+  script.dismiss("Error", exists_message);
+  cancel_on_first_page(folder / "taken");
+  EXPECT_FALSE(run());
+}
+
+TEST_F(NewWorkspaceAssistant, AnErrorGoesWithTheAssistant) {
+  make_folder(folder / "taken");
+  enter(folder / "taken");
+  script.when(
+      "the button \"Apply\"",
+      [] { return find_button(GTK_WIDGET(assistant()), "Apply") != nullptr; },
+      [] {
+        GtkAssistant *leaving = assistant();
+        gtk_button_clicked(find_button(GTK_WIDGET(leaving), "Apply"));
+        gtk_widget_destroy(GTK_WIDGET(leaving));
+      });
+  EXPECT_FALSE(run());
+  EXPECT_EQ(top_window(), nullptr);
+}
+
 TEST_F(NewWorkspaceAssistant, OnlyApplyCreates) {
   enter(folder / "workspace");
   script.then([] {
