@@ -1,11 +1,8 @@
-// The size with its fractions and without a viewport comes from the older of the library's two
-// interfaces.
-#define RSVG_DISABLE_DEPRECATION_WARNINGS
-
 #include "app/image.h"
 
 #include <utility>
 
+#include "app/svg_library.h"
 #include "base/error.h"
 
 namespace {
@@ -81,8 +78,12 @@ OwnedImage v_gfx_image_new_for_pixels(OwnedPixels pixels, int width, int height,
 }
 
 OwnedImage v_gfx_image_new_for_svg(OwnedSvg svg) {
+  const VSvgLibrary *library = v_svg_library_get();
+  if (library == nullptr) {
+    return nullptr;
+  }
   RsvgDimensionData size = {};
-  rsvg_handle_get_dimensions(svg.get(), &size);
+  library->rsvg_handle_get_dimensions(svg.get(), &size);
   OwnedImage image(new VImage);
   image->kind = VImageKind::svg;
   image->width = size.em;

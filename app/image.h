@@ -40,5 +40,6 @@ OwnedPixels v_gfx_pixels_new(std::int64_t width, std::int64_t height);
 // Null with the graphics library's message, or with "Error transferring pixel buffer ownership to
 // image surface."; the pixels are gone then too.
 OwnedImage v_gfx_image_new_for_pixels(OwnedPixels pixels, int width, int height, bool opaque);
-// The size is the one that the SVG states for itself, with its fractions. Never null.
+// The size is the one that the SVG states for itself, with its fractions. Null with the system's
+// reason when the library that made the handle cannot be loaded.
 OwnedImage v_gfx_image_new_for_svg(OwnedSvg svg);

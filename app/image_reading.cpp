@@ -4,6 +4,7 @@
 
 #include "app/jpeg_decoding.h"
 #include "app/png_decoding.h"
+#include "app/svg_library.h"
 #include "base/error.h"
 #include "base/streams.h"
 
@@ -82,9 +83,13 @@ OwnedImage read_svg(VInputStream *stream) {
   if (!data) {
     return nullptr;
   }
+  const VSvgLibrary *library = v_svg_library_get();
+  if (library == nullptr) {
+    return nullptr;
+  }
   OwnedError error;
-  OwnedSvg svg(rsvg_handle_new_from_data(reinterpret_cast<const guint8 *>(data.get()), length,
-                                         receive(error)));
+  OwnedSvg svg(library->rsvg_handle_new_from_data(reinterpret_cast<const guint8 *>(data.get()),
+                                                  length, receive(error)));
   if (!svg) {
     v_error_set_from_gerror_and_free(error.release());
     return nullptr;

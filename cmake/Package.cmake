@@ -23,7 +23,8 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://vantorelle.org/)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The toolkit draws its symbols from SVG, which is a recommendation to it and a need here.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-liberation, librsvg2-common")
+# The program loads the SVG library at run time itself, which no tool sees.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-liberation, librsvg2-2, librsvg2-common")
 string(JOIN ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS
   hunspell-en-gb hunspell-en-us hunspell-sv hunspell-de-de hunspell-fr hunspell-es hunspell-nl)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
