@@ -20,6 +20,11 @@ struct ElementReader {
   Reader read;
 };
 
+// Processing instructions and references to entities have names too.
+bool is_element(const xmlNode *node, const char *name) {
+  return node->type == XML_ELEMENT_NODE && v_xml_node_has_name(node, name);
+}
+
 void set_flag(bool &flag, const xmlNode *element, const char *attribute) {
   v_xml_get_required_attribute_value_as_boolean(flag, element, attribute);
 }
@@ -142,7 +147,7 @@ constexpr std::pair<const char *, void (*)(VPrintoutSettings &, const xmlNode *)
 bool read_default_printout(VSettings &settings, xmlDoc *, const xmlNode *element) {
   for (const xmlNode *child = element->children; child != nullptr; child = child->next) {
     for (const auto &[name, read] : printout_readers) {
-      if (v_xml_node_has_name(child, name)) {
+      if (is_element(child, name)) {
         read(settings.default_printout, child);
       }
     }
@@ -168,7 +173,7 @@ bool read_default_mark_id_style(VSettings &settings, xmlDoc *, const xmlNode *el
 
 bool read_export(VSettings &settings, xmlDoc *, const xmlNode *element) {
   for (const xmlNode *child = element->children; child != nullptr; child = child->next) {
-    if (v_xml_node_has_name(child, "folder")) {
+    if (is_element(child, "folder")) {
       set_text(settings.export_folder_path, child, "path");
     }
   }
@@ -197,7 +202,7 @@ bool read_preferred_languages(VSettings &settings, xmlDoc *, const xmlNode *elem
   bool all_are_ascii = true;
   settings.preferred_languages.clear();
   for (const xmlNode *child = element->children; child != nullptr; child = child->next) {
-    if (!v_xml_node_has_name(child, "language")) {
+    if (!is_element(child, "language")) {
       continue;
     }
     OwnedText tag;
@@ -214,7 +219,7 @@ bool read_recent_custom_remarks(VSettings &settings, xmlDoc *document, const xml
   bool all_are_readable = true;
   v_remark_list_destroy_remarks(settings.recent_custom_remarks.get());
   for (const xmlNode *child = element->children; child != nullptr; child = child->next) {
-    if (!v_xml_node_has_name(child, "remark")) {
+    if (!is_element(child, "remark")) {
       continue;
     }
     if (OwnedRemark remark = v_xml_parse_remark(document, child)) {
@@ -245,10 +250,10 @@ constexpr ElementReader element_readers[] = {
     {"remember-tool-choice", v_settings_remember_tool_choice, read_remember_tool_choice},
 };
 
-bool apply(VSettings &settings, unsigned which, xmlDoc *document, const xmlNode *element) {
+bool apply(VSettings &settings, unsigned which, xmlDoc *document, const xmlNode *child) {
   for (const ElementReader &reader : element_readers) {
-    if ((which & reader.bit) != 0 && v_xml_node_has_name(element, reader.name)) {
-      return reader.read(settings, document, element);
+    if ((which & reader.bit) != 0 && is_element(child, reader.name)) {
+      return reader.read(settings, document, child);
     }
   }
   return true;
@@ -300,8 +305,8 @@ bool v_settings_load(VSettings *settings, int which) {
     return false;
   }
   bool all_is_usable = true;
-  for (const xmlNode *element = root->children; element != nullptr; element = element->next) {
-    all_is_usable &= apply(*settings, static_cast<unsigned>(which), document.get(), element);
+  for (const xmlNode *child = root->children; child != nullptr; child = child->next) {
+    all_is_usable &= apply(*settings, static_cast<unsigned>(which), document.get(), child);
   }
   return all_is_usable;
 }

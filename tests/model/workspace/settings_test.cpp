@@ -351,6 +351,24 @@ TEST_F(Settings, WhatIsNotKnownIsIgnored) {
             defaults);
 }
 
+TEST_F(Settings, OnlyElementsAreAppliedWhateverElseHasTheirNames) {
+  const std::string remark =
+      "<remark><code>7</code><description lang='sv'>a</description></remark>";
+  const Fields expected = defaults_but(
+      {{"languages", "[fr]"}, {"remarks", testing::PrintToString(Remarks{{"7", {{"sv", "a"}}}})}});
+  const std::string elements = "<preferred-languages><?language?><language tag='fr'/>"
+                               "</preferred-languages><recent-custom-remarks><?remark?>" +
+                               remark + "</recent-custom-remarks>";
+  EXPECT_EQ(load(elements + "<?preferred-languages?><?recent-custom-remarks?>"), expected);
+  write("<!DOCTYPE settings [<!ENTITY preferred-languages ''><!ENTITY recent-custom-remarks ''>"
+        "<!ENTITY remark ''>]><settings>" +
+        elements + "&preferred-languages;&recent-custom-remarks;<recent-custom-remarks>&remark;" +
+        remark + "</recent-custom-remarks></settings>");
+  const OwnedSettings settings = v_settings_new(folder.path());
+  EXPECT_TRUE(v_settings_load(settings.get(), -1));
+  EXPECT_EQ(fields_of(settings.get()), expected);
+}
+
 struct MaskedElement {
   int bit;
   const char *xml;
