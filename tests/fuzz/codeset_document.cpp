@@ -1,0 +1,9 @@
+// Codeset documents, generated from the bytes: the program's reader and writer and the second ones
+// agree.
+#include "fuzz/fuzzing.h"
+#include "fuzz/oracle/comparison.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+  compare_readers(DocumentKind::codeset, generate_document(DocumentKind::codeset, data, size));
+  return 0;
+}
