@@ -272,22 +272,28 @@ bool read_nonempty_compact_text(std::string &text, xmlDoc *document, const xmlNo
   return true;
 }
 
-// The value in the element's own tag, or the declared default, null when there is neither. The
+// The value that the nodes of an attribute make; null when it cannot be read.
+OwnedXmlText attribute_value(xmlDoc *document, const xmlNode *nodes) {
+  if (!are_entities_declared(document, nodes)) {
+    return nullptr;
+  }
+  OwnedXmlText value(xmlNodeListGetString(document, nodes, 1));
+  return value ? std::move(value) : OwnedXmlText(xmlStrdup(BAD_CAST ""));
+}
+
+// The value in the element's own tag, or the declared default; null when it cannot be read. The
 // library gives a default as it is declared, with the references in it.
 OwnedXmlText attribute_value(const xmlNode *node, const xmlChar *name) {
   for (const xmlAttr *attribute = node->properties; attribute; attribute = attribute->next) {
     if (xmlStrEqual(attribute->name, name)) {
-      return OwnedXmlText(xmlGetProp(node, name));
+      return attribute_value(node->doc, attribute->children);
     }
   }
   const OwnedXmlText declared(xmlGetProp(node, name));
-  if (!declared || *declared == '\0') {
-    return OwnedXmlText(xmlStrdup(declared.get()));
-  }
   xmlNode *nodes = xmlStringGetNodeList(node->doc, declared.get());
-  OwnedXmlText value(xmlNodeListGetString(node->doc, nodes, 1));
+  OwnedXmlText value = attribute_value(node->doc, nodes);
   xmlFreeNodeList(nodes);
-  return value ? std::move(value) : OwnedXmlText(xmlStrdup(BAD_CAST ""));
+  return value;
 }
 
 // Null for an attribute that is absent.
