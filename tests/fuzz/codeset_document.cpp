@@ -4,6 +4,7 @@
 #include "fuzz/oracle/comparison.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-  compare_readers(DocumentKind::codeset, generate_document(DocumentKind::codeset, data, size));
+  constexpr DocumentKind kind = DocumentKind::codeset;
+  compare_readers(kind, generate_document(kind, LongTexts::kilobytes, data, size));
   return 0;
 }

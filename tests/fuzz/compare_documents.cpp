@@ -51,7 +51,7 @@ std::string document_of(std::uint64_t seed, std::uint64_t number) {
   for (std::size_t i = 0; i < length; ++i) {
     bytes[i] = static_cast<std::uint8_t>(next_random(state) >> 24);
   }
-  return generate_document(kind_of(number), bytes.data(), length);
+  return generate_document(kind_of(number), LongTexts::megabytes, bytes.data(), length);
 }
 
 struct Run {

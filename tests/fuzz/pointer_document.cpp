@@ -3,6 +3,7 @@
 #include "fuzz/oracle/comparison.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-  compare_readers(DocumentKind::pointer, generate_document(DocumentKind::pointer, data, size));
+  constexpr DocumentKind kind = DocumentKind::pointer;
+  compare_readers(kind, generate_document(kind, LongTexts::kilobytes, data, size));
   return 0;
 }

@@ -3,6 +3,7 @@
 #include "fuzz/oracle/comparison.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-  compare_readers(DocumentKind::settings, generate_document(DocumentKind::settings, data, size));
+  constexpr DocumentKind kind = DocumentKind::settings;
+  compare_readers(kind, generate_document(kind, LongTexts::kilobytes, data, size));
   return 0;
 }

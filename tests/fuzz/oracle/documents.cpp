@@ -179,8 +179,9 @@ const char *const unknown_names[] = {"other",   "b", "Name", "remarks", "x:code"
 
 class Generator {
 public:
-  Generator(DocumentKind document_kind, Choices &document_choices)
-      : choices(document_choices), rules(rules_of(document_kind)), root(rules.front().parent) {
+  Generator(DocumentKind document_kind, LongTexts length_of_texts, Choices &document_choices)
+      : long_texts(length_of_texts), choices(document_choices), rules(rules_of(document_kind)),
+        root(rules.front().parent) {
     const unsigned fault_rates[] = {0, 0, 0, 0, 64, 64, 16, 6};
     fault_rate = choices.of(fault_rates);
   }
@@ -317,9 +318,13 @@ private:
   // ------------------------------------------------ text
 
   std::string huge_text() {
+    static const unsigned kilobytes[] = {1'000, 4'000, 10'000, 300};
     static const unsigned lengths[] = {100'000, 40'000, 300'000, 9'999'990, 1'000'000, 11'000'000};
-    // Few are longer than the first: they take seconds.
-    const unsigned length = lengths[choices.one_in(64) ? choices.below(6) : choices.below(2)];
+    unsigned length = choices.of(kilobytes);
+    if (long_texts == LongTexts::megabytes) {
+      // Few are longer than the first: they take seconds.
+      length = lengths[choices.one_in(64) ? choices.below(6) : choices.below(2)];
+    }
     static const char *const fillings[] = {"a", " ", "b ", "å", "\n", "&#97;", "]", "-"};
     const std::string filling = choices.of(fillings);
     const std::size_t minimum = length + choices.below(32);
@@ -841,6 +846,7 @@ private:
     }
   }
 
+  LongTexts long_texts;
   Choices &choices;
   const Rules &rules;
   const char *root;
@@ -855,10 +861,11 @@ private:
 
 } // namespace
 
-std::string generate_document(DocumentKind kind, const std::uint8_t *bytes, std::size_t length) {
+std::string generate_document(DocumentKind kind, LongTexts long_texts, const std::uint8_t *bytes,
+                              std::size_t length) {
   Choices choices(bytes, length);
   if (choices.below(256) == 0) {
     return choices.rest();
   }
-  return Generator(kind, choices).document();
+  return Generator(kind, long_texts, choices).document();
 }

@@ -6,7 +6,11 @@
 #include <cstdint>
 #include <string>
 
+// A fuzzing engine is drawn to what takes long, so that its texts have to be short.
+enum class LongTexts { kilobytes, megabytes };
+
 enum class DocumentKind { codeset, settings, pointer };
 
 // The same bytes give the same document. When the first byte is 0, the others are the document.
-std::string generate_document(DocumentKind kind, const std::uint8_t *bytes, std::size_t length);
+std::string generate_document(DocumentKind kind, LongTexts long_texts, const std::uint8_t *bytes,
+                              std::size_t length);
