@@ -15,6 +15,10 @@ BUNDLED_QUESTION = (
 
 WOOD = codeset("Wood", "Vera", "2", [("W1", "Split")])
 GLASS = codeset({"en-uk": "Glass", "sv": "Glas"}, version="1.5", remarks=[("G1", "Chip")])
+# Texts of the root element before and after its elements, as other programs may write them.
+SURROUNDED = (
+    b"<codeset><name lang='sv'>N</name><![CDATA[a]]><remark><code>7</code><description lang='sv'>text</description></remark>"
+    b"<![CDATA[b]]></codeset>")
 METALS = re.compile(r"^Metals \(")
 
 
@@ -130,6 +134,27 @@ class ComponentManager(WorkspaceJourney):
             self.assertEqual(self.contents(), left)
         window.list().expect_texts(["Glass 1.5", "Wood (Vera) 2"])
         self.assertNotIn(NOTICE, window.labels())
+
+    def test_texts_around_elements_are_passed_over(self):
+        self.put("surrounded.codeset", SURROUNDED)
+        for _ in range(2):
+            program, window = self.open()
+            window.list().expect_texts(["N"])
+            self.end(program, window)
+
+        program, window = self.open()
+        self.put("another.codeset", SURROUNDED.replace(b">N<", b">A<"))
+        window.button("Refresh list").click()
+        window.list().expect_texts(["A", "N"])
+
+        source = self.folder / "added.codeset"
+        source.write_bytes(SURROUNDED.replace(b">N<", b">B<"))
+        window.button("Add from file").click()
+        program.file_chooser("Select a file to add").choose(source)
+        window.list().expect_texts(["A", "B", "N"])
+        self.assertEqual((self.codesets / "added.codeset").read_bytes(), source.read_bytes())
+        self.assertNotIn(NOTICE, window.labels())
+        self.end(program, window)
 
     # Adding
 
