@@ -113,6 +113,7 @@ struct EventReading {
   RecordedElement *grandchild = nullptr; // the last of the child's, while it is open
   bool is_child_recorded = false;        // the open child is one of those that are handed out
   std::size_t text_length = 0;           // of the text since the last other event, in bytes
+  bool has_root = false;
   bool needs_tree = false;
   bool has_id = false; // some element has the attribute xml:id
 };
@@ -179,6 +180,7 @@ void start_element(void *context, const xmlChar *local_name, const xmlChar *pref
   }
   set_name(reading.name, local_name, prefix, uri);
   if (reading.depth == root_depth) {
+    reading.has_root = true;
     reading.reader->begin(reading.name.c_str());
     return;
   }
@@ -266,10 +268,10 @@ xmlSAXHandler event_handlers() {
 
 enum class Outcome { read, failed, needs_tree };
 
-// The faults of identifiers are only reported while a tree is built: when the parse fails, the
-// report is left to it.
+// A parse that fails is left to the tree where the tree reports more: the faults of identifiers,
+// and what follows a fault in front of the document type, which is then not told.
 Outcome outcome_of(const EventReading &reading, const OwnedXmlDoc &document) {
-  if (reading.needs_tree || (!document && reading.has_id)) {
+  if (reading.needs_tree || (!document && (reading.has_id || !reading.has_root))) {
     return Outcome::needs_tree;
   }
   return document && !v_xml_has_lost_something() ? Outcome::read : Outcome::failed;

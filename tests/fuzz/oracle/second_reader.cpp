@@ -180,10 +180,14 @@ OwnedXmlDoc parse(const std::string &path, Message &message) {
   OwnedXmlDoc document;
   {
     const ParserSettings settings(collected);
+    xmlResetLastError();
     document.reset(xmlReadFd(descriptor, nullptr, nullptr, 0));
   }
   close(descriptor);
-  if (document) {
+  // The program refuses a file that cannot be read to its end, where the library is content with
+  // the root.
+  const xmlError *last = xmlGetLastError();
+  if (document && (last == nullptr || last->domain != XML_FROM_IO)) {
     return document;
   }
   if (collected.empty()) {

@@ -123,27 +123,29 @@ TEST_F(XmlEvents, TheRootComesFirstByItsName) {
 
 // The tree is the second opinion.
 TEST_F(XmlEvents, WhatIsNotWellFormedFailsWithTheMessageOfTheTree) {
-  for (const std::string bytes : {"",
-                                  " ",
-                                  "text",
-                                  "<a>",
-                                  "<a><b>1</b>",
-                                  "<a><b></c></a>",
-                                  "<a/><b/>",
-                                  "<a x=1/>",
-                                  "<a>&e;</a>",
-                                  "<a x='&e;'/>",
-                                  "<a>\x01</a>",
-                                  "<a x='1' x='2'/>",
-                                  "<!DOCTYPE a>",
-                                  "<?xml version='1.0' encoding='NO-SUCH'?><a/>",
-                                  "<a><b>\xE5</b></a>",
-                                  "<a><b xml:id='1'/><b xml:id='i'/><b xml:id='i'/></x>",
-                                  "<a>]]></a>",
-                                  "<p:a></p:b>",
-                                  "<a><b xmlns='relative'><c></b></a>",
-                                  "<a><?xml version='1.0'?></a>",
-                                  "<a>\n<b c=d>\n</a>"}) {
+  for (const std::string bytes :
+       {"",
+        " ",
+        "text",
+        "<a>",
+        "<a><b>1</b>",
+        "<a><b></c></a>",
+        "<a/><b/>",
+        "<a x=1/>",
+        "<a>&e;</a>",
+        "<a x='&e;'/>",
+        "<a>\x01</a>",
+        "<a x='1' x='2'/>",
+        "<!DOCTYPE a>",
+        "<?xml version='1.0' encoding='NO-SUCH'?><a/>",
+        "<a><b>\xE5</b></a>",
+        "<a><b xml:id='1'/><b xml:id='i'/><b xml:id='i'/></x>",
+        "<a>]]></a>",
+        "<p:a></p:b>",
+        "<?xml version='2.0'?><!DOCTYPE a [<!ENTITY e '<b/>'>]><a x='&e;'>&e;</a>",
+        "<a><b xmlns='relative'><c></b></a>",
+        "<a><?xml version='1.0'?></a>",
+        "<a>\n<b c=d>\n</a>"}) {
     write_file(path, bytes);
     EXPECT_EQ(v_xml_parse_file(path.c_str()), nullptr) << bytes;
     const std::string message = v_error_get();
