@@ -29,3 +29,46 @@ if(VANTORELLE_COVERAGE)
   target_compile_options(vantorelle_flags INTERFACE --coverage -O0)
   target_link_options(vantorelle_flags INTERFACE --coverage)
 endif()
+
+# What an attacker who has found a fault in the program would have to get past. Only in optimised
+# builds: the fortified functions need the optimiser. Checked builds have checks of their own.
+include(CheckCXXCompilerFlag)
+include(CheckCXXSourceCompiles)
+include(CheckLinkerFlag)
+set(hardened "$<CONFIG:Release,RelWithDebInfo,MinSizeRel>")
+function(vantorelle_harden_compiler name flag)
+  check_cxx_compiler_flag(${flag} ${name})
+  if(${name})
+    target_compile_options(vantorelle_flags INTERFACE $<${hardened}:${flag}>)
+  endif()
+endfunction()
+function(vantorelle_harden_linker name flag)
+  check_linker_flag(CXX ${flag} ${name})
+  if(${name})
+    target_link_options(vantorelle_flags INTERFACE
+      $<$<AND:${hardened},$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>>:${flag}>)
+  endif()
+endfunction()
+
+if(NOT VANTORELLE_SANITIZE AND NOT VANTORELLE_FUZZ AND NOT VANTORELLE_COVERAGE)
+  vantorelle_harden_compiler(VANTORELLE_HAS_STACK_PROTECTOR -fstack-protector-strong)
+  vantorelle_harden_compiler(VANTORELLE_HAS_CF_PROTECTION -fcf-protection)
+  vantorelle_harden_compiler(VANTORELLE_HAS_PIE_OBJECTS -fPIE)
+  vantorelle_harden_linker(VANTORELLE_HAS_PIE -pie)
+  vantorelle_harden_linker(VANTORELLE_HAS_RELRO -Wl,-z,relro)
+  vantorelle_harden_linker(VANTORELLE_HAS_NOW -Wl,-z,now)
+  # The third level measures objects whose size is known only at run time.
+  check_cxx_source_compiles([[
+    int main(int count, char **arguments) {
+      return static_cast<int>(__builtin_dynamic_object_size(arguments[count - 1], 0));
+    }]] VANTORELLE_HAS_DYNAMIC_OBJECT_SIZE)
+  if(VANTORELLE_HAS_DYNAMIC_OBJECT_SIZE)
+    set(fortification 3)
+  else()
+    set(fortification 2)
+  endif()
+  # Not as a definition: what the compiler or a packager has set comes before, and is replaced.
+  target_compile_options(vantorelle_flags INTERFACE
+    "$<${hardened}:SHELL:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=${fortification}>")
+  target_compile_definitions(vantorelle_flags INTERFACE $<${hardened}:_GLIBCXX_ASSERTIONS>)
+endif()

@@ -1,0 +1,69 @@
+"""The program of a release build: what an attacker who has found a fault in it would have to get past."""
+
+import os
+import pathlib
+import platform
+import re
+import subprocess
+import unittest
+
+from layout import PROGRAM, SOURCE
+
+BUILD = pathlib.Path(os.environ["VANTORELLE_RELEASE_BUILD"])
+
+
+def build_release():
+    """As scripts/run builds it."""
+    cmake = os.environ["VANTORELLE_CMAKE"]
+    for arguments in (("--preset", "release", "-S", SOURCE, "-B", BUILD), ("--build", BUILD)):
+        subprocess.run((cmake, *arguments), cwd=SOURCE, stdout=subprocess.DEVNULL, check=True)
+    return BUILD / "stage" / PROGRAM
+
+
+def read(*options, file=None):
+    command = ("readelf", "--wide", *options, file or program)
+    return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True, env={**os.environ, "LC_ALL": "C"}).stdout
+
+
+def setUpModule():
+    global program
+    program = build_release()
+
+
+class Hardening(unittest.TestCase):
+    def test_the_stack_cannot_be_executed(self):
+        flags = re.search(r"^ *GNU_STACK(?: +0x[0-9a-f]+){5} +([RWE ]+?) +0x", read("--program-headers"), re.MULTILINE)
+        self.assertEqual(flags.group(1).strip(), "RW")
+
+    def test_nothing_can_be_written_and_executed(self):
+        segments = re.findall(r"^ *LOAD(?: +0x[0-9a-f]+){5} ([RWE ]{3}) ", read("--program-headers"), re.MULTILINE)
+        self.assertGreater(len(segments), 1)
+        for flags in segments:
+            self.assertFalse("W" in flags and "E" in flags, flags)
+
+    def test_it_is_loaded_at_another_place_each_time(self):
+        self.assertRegex(read("--file-header"), r"Type: +DYN ")
+        self.assertRegex(read("--dynamic"), r"\(FLAGS_1\) .*\bPIE\b")
+
+    def test_the_addresses_of_library_functions_are_bound_at_once_and_cannot_be_overwritten(self):
+        self.assertIn("GNU_RELRO", read("--program-headers"))
+        self.assertRegex(read("--dynamic"), r"\(FLAGS\) .*\bBIND_NOW\b")
+        self.assertRegex(read("--dynamic"), r"\(FLAGS_1\) .*\bNOW\b")
+
+    def test_the_stack_is_guarded(self):
+        self.assertTrue(re.search(r" __stack_chk_fail\b", read("--dyn-syms")))
+
+    def test_functions_of_the_c_library_know_the_size_of_what_they_write_to(self):
+        self.assertTrue(re.search(r" __\w+_chk\b", read("--dyn-syms")))
+
+    @unittest.skipUnless(platform.machine() == "x86_64", "other processors have other means")
+    def test_jumps_and_returns_lead_only_where_they_should(self):
+        """The program as a whole says so only where the C library's own start files do, which they do not on Debian 12."""
+        objects = list(BUILD.rglob("*.o"))
+        self.assertGreater(len(objects), 50)
+        for path in objects:
+            self.assertRegex(read("--notes", file=path), r"x86 feature: IBT, SHSTK", path)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
