@@ -1,7 +1,10 @@
 #include "app/jpeg_decoding.h"
 
+#include <algorithm>
 #include <csetjmp>
+#include <cstdint>
 #include <cstdio>
+#include <span>
 
 #include <jpeglib.h>
 
@@ -21,7 +24,6 @@ struct Decoding {
   jpeg_error_mgr errors = {};
   jpeg_source_mgr source = {};
   std::jmp_buf unwinding;
-  VInputStream *stream = nullptr;
   JSAMPLE *row = nullptr;
   std::uint32_t *pixels = nullptr;
 
@@ -62,40 +64,32 @@ void begin_source(j_decompress_ptr) {}
 
 void end_source(j_decompress_ptr) {}
 
+// All the data is there from the beginning.
 boolean fill_source(j_decompress_ptr library) {
-  Decoding *decoding = decoding_of(library);
-  const std::byte *data = nullptr;
-  std::size_t length = 0;
-  if (!v_input_stream_get_some(decoding->stream, data, length)) {
-    std::longjmp(decoding->unwinding, 1);
-  }
-  if (length == 0) {
-    ERREXIT(library, JERR_INPUT_EOF);
-  }
-  library->src->next_input_byte = reinterpret_cast<const JOCTET *>(data);
-  library->src->bytes_in_buffer = length;
-  return TRUE;
+  ERREXIT(library, JERR_INPUT_EOF);
+  return FALSE;
 }
 
 void skip_source(j_decompress_ptr library, long count) {
+  jpeg_source_mgr *source = library->src;
   if (count <= 0) {
     return;
   }
-  jpeg_source_mgr *source = library->src;
-  auto left = static_cast<std::size_t>(count);
-  while (left > source->bytes_in_buffer) {
-    left -= source->bytes_in_buffer;
-    fill_source(library);
+  const auto skipped = static_cast<std::size_t>(count);
+  if (skipped > source->bytes_in_buffer) {
+    ERREXIT(library, JERR_INPUT_EOF);
   }
-  source->next_input_byte += left;
-  source->bytes_in_buffer -= left;
+  source->next_input_byte += skipped;
+  source->bytes_in_buffer -= skipped;
 }
 
-void set_handlers(Decoding *decoding) {
+void set_handlers(Decoding *decoding, const char *data, std::size_t length) {
   decoding->library.err = jpeg_std_error(&decoding->errors);
   decoding->errors.error_exit = unwind_with_message;
   decoding->errors.output_message = ignore_message;
   decoding->library.client_data = decoding;
+  decoding->source.next_input_byte = reinterpret_cast<const JOCTET *>(data);
+  decoding->source.bytes_in_buffer = length;
   decoding->source.init_source = begin_source;
   decoding->source.fill_input_buffer = fill_source;
   decoding->source.skip_input_data = skip_source;
@@ -103,13 +97,43 @@ void set_handlers(Decoding *decoding) {
   decoding->source.term_source = end_source;
 }
 
-void start(Decoding *decoding) {
+void read_header(Decoding *decoding) {
   j_decompress_ptr library = &decoding->library;
   jpeg_create_decompress(library);
   library->src = &decoding->source;
   jpeg_read_header(library, TRUE);
-  library->out_color_space = JCS_RGB;
-  jpeg_start_decompress(library);
+}
+
+void start(Decoding *decoding) {
+  decoding->library.out_color_space = JCS_RGB;
+  jpeg_start_decompress(&decoding->library);
+}
+
+using Count = std::uint64_t;
+
+Count divide_rounding_up(Count dividend, Count divisor) {
+  return (dividend + divisor - 1) / divisor;
+}
+
+// The blocks of 8x8 samples that the components of the picture consist of.
+Count count_blocks(const jpeg_decompress_struct &library) {
+  const std::span components(library.comp_info, static_cast<std::size_t>(library.num_components));
+  int widest = 1;
+  int highest = 1;
+  for (const jpeg_component_info &component : components) {
+    widest = std::max(widest, component.h_samp_factor);
+    highest = std::max(highest, component.v_samp_factor);
+  }
+  const auto count_along = [](JDIMENSION pixels, int factor, int largest_factor) {
+    return divide_rounding_up(Count{pixels} * static_cast<Count>(factor),
+                              8 * static_cast<Count>(largest_factor));
+  };
+  Count count = 0;
+  for (const jpeg_component_info &component : components) {
+    count += count_along(library.image_width, component.h_samp_factor, widest) *
+             count_along(library.image_height, component.v_samp_factor, highest);
+  }
+  return count;
 }
 
 void read_rows(Decoding *decoding) {
@@ -124,6 +148,19 @@ void read_rows(Decoding *decoding) {
   }
 }
 
+// The most blocks that the data can stand for. A Huffman code has at least one bit. Every block has
+// one for its first coefficient and, unless scans follow that may leave it out, one for the end of
+// the others. With arithmetic coding one bit can stand for thousands of blocks that are all the
+// same, so that plain pictures of a moderate size are let through.
+Count limit_blocks(const jpeg_decompress_struct &library, std::size_t length) {
+  constexpr Count moderate_block_count = 1 << 18; // 16 million grey pixels
+  const Count bits = Count{length} * 8;
+  if (library.arith_code) {
+    return std::max(bits, moderate_block_count);
+  }
+  return library.progressive_mode ? bits : bits / 2;
+}
+
 OwnedRow create_row(const Decoding &decoding) {
   OwnedRow row(static_cast<JSAMPLE *>(g_try_malloc_n(decoding.library.output_width, 3)));
   if (!row) {
@@ -132,8 +169,16 @@ OwnedRow create_row(const Decoding &decoding) {
   return row;
 }
 
-OwnedPixels decompress(Decoding &decoding) {
-  set_handlers(&decoding);
+OwnedPixels decompress(Decoding &decoding, const char *data, std::size_t length) {
+  set_handlers(&decoding, data, length);
+  if (!run_guarded(&decoding, read_header)) {
+    return nullptr;
+  }
+  // What is missing of a picture the library makes up, and takes the memory for it.
+  if (count_blocks(decoding.library) > limit_blocks(decoding.library, length)) {
+    v_error_set("Pixel buffer dimension out of range.");
+    return nullptr;
+  }
   if (!run_guarded(&decoding, start)) {
     return nullptr;
   }
@@ -155,9 +200,10 @@ OwnedPixels decompress(Decoding &decoding) {
 } // namespace
 
 OwnedPixels v_jpeg_decompress(VInputStream *stream, int &width, int &height) {
+  std::size_t length = 0;
+  const OwnedText data = v_stream_copy_to_memory(stream, length);
   Decoding decoding;
-  decoding.stream = stream;
-  OwnedPixels pixels = decompress(decoding);
+  OwnedPixels pixels = data ? decompress(decoding, data.get(), length) : nullptr;
   if (!pixels) {
     v_error_append("Failed decompressing JPEG image.");
     return nullptr;

@@ -7,8 +7,7 @@
 
 namespace {
 
-// A few bytes can promise a picture that takes all memory and, scan after scan, hours; that is no
-// fault.
+// A few kilobytes can hold a picture that takes, scan after scan, hours; that is no fault.
 constexpr std::uint64_t maximum_pixel_count = 1 << 14;
 
 bool is_frame_marker(std::uint8_t byte) {

@@ -37,6 +37,37 @@ JpegColours colours_of(JpegKind kind) {
   std::abort();
 }
 
+// A scan of the means of all blocks, and none for the rest.
+jpeg_scan_info create_first_scan(int component_count) {
+  jpeg_scan_info scan = {};
+  scan.comps_in_scan = component_count;
+  for (int i = 0; i < component_count; i++) {
+    scan.component_index[i] = i;
+  }
+  return scan;
+}
+
+// The library reads the scan until the picture is finished.
+void set_coding(j_compress_ptr library, JpegCoding coding, const jpeg_scan_info &first_scan) {
+  switch (coding) {
+  case JpegCoding::baseline:
+    break;
+  case JpegCoding::baseline_optimised:
+    library->optimize_coding = TRUE;
+    break;
+  case JpegCoding::progressive:
+    jpeg_simple_progression(library);
+    break;
+  case JpegCoding::progressive_first_scan:
+    library->scan_info = &first_scan;
+    library->num_scans = 1;
+    break;
+  case JpegCoding::arithmetic:
+    library->arith_code = TRUE;
+    break;
+  }
+}
+
 void write_comments(j_compress_ptr library, int length) {
   constexpr int maximum_piece = 60000;
   const std::string piece(maximum_piece, 'c');
@@ -128,9 +159,8 @@ std::string encode_jpeg(JpegKind kind, int width, int height, const std::string 
   for (int i = 0; i < library.num_components; i++) {
     library.comp_info[i].h_samp_factor = library.comp_info[i].v_samp_factor = 1;
   }
-  if (coding == JpegCoding::progressive) {
-    jpeg_simple_progression(&library);
-  }
+  const jpeg_scan_info first_scan = create_first_scan(library.num_components);
+  set_coding(&library, coding, first_scan);
   jpeg_start_compress(&library, TRUE);
   write_comments(&library, comment_length);
   write_rows(&library, samples, component_count);
@@ -138,6 +168,24 @@ std::string encode_jpeg(JpegKind kind, int width, int height, const std::string 
   jpeg_destroy_compress(&library);
   std::string file(reinterpret_cast<char *>(bytes), length);
   std::free(bytes);
+  return file;
+}
+
+std::string with_jpeg_size(std::string file, int width, int height) {
+  // Marker, length of two bytes, precision, then the size.
+  const auto is_frame = [](unsigned char code) {
+    return code >= 0xc0 && code <= 0xcf && code != 0xc4 && code != 0xc8 && code != 0xcc;
+  };
+  std::size_t at = 2;
+  while (!is_frame(static_cast<unsigned char>(file[at + 1]))) {
+    at += 2 + static_cast<unsigned char>(file[at + 2]) * 256U +
+          static_cast<unsigned char>(file[at + 3]);
+  }
+  for (const int number : {height, width}) {
+    file[at + 5] = static_cast<char>(number >> 8);
+    file[at + 6] = static_cast<char>(number & 0xff);
+    at += 2;
+  }
   return file;
 }
 

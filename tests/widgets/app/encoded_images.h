@@ -29,10 +29,20 @@ std::string encode_png(const PngPicture &picture);
 std::string with_png_size(std::string file, unsigned width, unsigned height);
 
 enum class JpegKind { rgb, grey, cmyk };
-enum class JpegCoding { baseline, progressive };
+// Two write as little as the format allows: baseline_optimised two bits for a block that is like
+// the one before, progressive_first_scan, which leaves all but the mean of a block out, one bit.
+enum class JpegCoding {
+  baseline,
+  baseline_optimised,
+  progressive,
+  progressive_first_scan,
+  arithmetic,
+};
 // Best quality, no subsampling; comment_length bytes stand in comments before the picture.
 std::string encode_jpeg(JpegKind kind, int width, int height, const std::string &samples,
                         JpegCoding coding = JpegCoding::baseline, int comment_length = 0);
+// The same file with width and height in the header of its frame replaced.
+std::string with_jpeg_size(std::string file, int width, int height);
 
 // An archive in memory, open for reading.
 struct CloseArchive {

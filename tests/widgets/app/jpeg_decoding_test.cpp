@@ -161,6 +161,38 @@ TEST(JpegDecoding, FilesCutShortFail) {
   }
 }
 
+constexpr JpegCoding all_codings[] = {JpegCoding::baseline, JpegCoding::baseline_optimised,
+                                      JpegCoding::progressive, JpegCoding::progressive_first_scan,
+                                      JpegCoding::arithmetic};
+
+// The library would make such pictures up: 600 bytes and gigabytes of grey.
+TEST(JpegDecoding, PicturesThatTheDataCannotHoldFail) {
+  for (const JpegCoding coding : all_codings) {
+    const std::string file = encode_jpeg(JpegKind::rgb, 24, 8, create_flat_rows(3), coding);
+    for (const auto &[width, height] : {std::pair(6000, 5000), std::pair(5000, 6000),
+                                        std::pair(65500, 512), std::pair(65500, 65500)}) {
+      expect_failure(with_jpeg_size(file, width, height),
+                     "Failed decompressing JPEG image.\n\nPixel buffer dimension out of range.");
+    }
+  }
+}
+
+// A plain picture takes the least data that there can be.
+TEST(JpegDecoding, LargePlainPicturesAreDecoded) {
+  constexpr int side = 2048;
+  for (const JpegKind kind : {JpegKind::grey, JpegKind::rgb}) {
+    const std::size_t sample_count = side * side * (kind == JpegKind::grey ? 1 : 3);
+    const std::string white(sample_count, '\xff');
+    for (const JpegCoding coding : all_codings) {
+      const Decoded decoded = decode(encode_jpeg(kind, side, side, white, coding));
+      ASSERT_TRUE(decoded.is_decoded) << static_cast<int>(coding) << " " << decoded.message;
+      EXPECT_EQ(decoded.width, side);
+      EXPECT_EQ(decoded.height, side);
+      EXPECT_EQ(decoded.pixels, Pixels(side * side, 0x00ffffff));
+    }
+  }
+}
+
 TEST(JpegDecoding, DamagedFilesDoNoHarm) {
   for (const JpegCoding coding : {JpegCoding::baseline, JpegCoding::progressive}) {
     const std::string file = encode_jpeg(JpegKind::rgb, 24, 8, create_flat_rows(3), coding);
