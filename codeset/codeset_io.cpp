@@ -121,9 +121,9 @@ bool finish_codeset(CodesetReading &reading) {
   return finish_remarks(reading);
 }
 
-void append_head(std::string &xml, const VCodeset *codeset) {
+void append_head(std::string &xml, const VCodeset *codeset, const VLangstr *name) {
   xml += "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n\n<codeset>\n\n";
-  v_xml_append_langstr(xml, codeset->name.get(), "name", 1);
+  v_xml_append_langstr(xml, name, "name", 1);
   v_xml_append_langstr(xml, codeset->author.get(), "author", 1);
   if (codeset->version) {
     xml += "\t<version>";
@@ -132,25 +132,32 @@ void append_head(std::string &xml, const VCodeset *codeset) {
   }
 }
 
-// The code goes out unescaped. This is meant: other tools of the suite write and compare it so.
-void append_remark(std::string &xml, const VRemark *remark) {
-  xml.append("\n\t<remark>\n\t\t<code>").append(remark->code.get()).append("</code>\n");
+enum class Codes { as_they_are, escaped };
+
+void append_remark(std::string &xml, const VRemark *remark, Codes codes) {
+  xml += "\n\t<remark>\n\t\t<code>";
+  if (codes == Codes::escaped) {
+    v_xml_append_string(xml, remark->code.get());
+  } else {
+    xml += remark->code.get();
+  }
+  xml += "</code>\n";
   v_xml_append_langstr(xml, remark->description.get(), "description", 2);
   xml += "\t</remark>\n";
 }
 
-bool write_head(std::FILE *file, const VCodeset *codeset) {
+bool write_head(std::FILE *file, const VCodeset *codeset, const VLangstr *name) {
   std::string xml;
-  append_head(xml, codeset);
+  append_head(xml, codeset, name);
   return v_xml_write_xml(file, xml);
 }
 
 // One remark at a time in the same memory.
-bool write_remarks(std::FILE *file, const VRemarkList *list) {
+bool write_remarks(std::FILE *file, const VRemarkList *list, Codes codes) {
   std::string xml;
   for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
     xml.clear();
-    append_remark(xml, remark);
+    append_remark(xml, remark, codes);
     if (!v_xml_write_xml(file, xml)) {
       return false;
     }
@@ -167,9 +174,14 @@ bool flush(std::FILE *file) {
   return true;
 }
 
-bool write_codeset(std::FILE *file, const VCodeset *codeset) {
-  return write_head(file, codeset) && write_remarks(file, codeset->remarks.get()) &&
+bool write_codeset(std::FILE *file, const VCodeset *codeset, const VLangstr *name, Codes codes) {
+  return write_head(file, codeset, name) && write_remarks(file, codeset->remarks.get(), codes) &&
          v_util_fprintf(file, "\n</codeset>\n") && flush(file);
+}
+
+// Codes are written unescaped. This is meant: other tools of the suite write and compare them so.
+bool write_codeset_as_it_is(std::FILE *file, const VCodeset *codeset) {
+  return write_codeset(file, codeset, codeset->name.get(), Codes::as_they_are);
 }
 
 } // namespace
@@ -225,10 +237,20 @@ bool v_codeset_io_write_to_file(const VCodeset *codeset, const char *path) {
     v_fs_utils_discard_file(path);
     return false;
   }
-  if (!write_codeset(file.get(), codeset) || !v_fs_utils_close_file(std::move(file))) {
+  if (!write_codeset_as_it_is(file.get(), codeset) || !v_fs_utils_close_file(std::move(file))) {
     file.reset();
     v_fs_utils_discard_file(path);
     return false;
   }
   return true;
+}
+
+bool v_codeset_io_write_readably(std::FILE *file, const VCodeset *codeset,
+                                 const char *substitute_name) {
+  OwnedLangstr substitute;
+  if (!codeset->name) {
+    v_langstr_set_translation(substitute, "", substitute_name);
+  }
+  const VLangstr *name = codeset->name ? codeset->name.get() : substitute.get();
+  return write_codeset(file, codeset, name, Codes::escaped);
 }

@@ -3,6 +3,8 @@
 // window can produce reads back equal, codes with "&", "<" or "]]>" excepted: codes are written as
 // they are.
 
+#include <cstdio>
+
 #include "codeset/codeset.h"
 
 // Reads a file (path in UTF-8); the remarks come in remark code order. Null with "Error loading
@@ -19,3 +21,10 @@ OwnedCodeset v_codeset_io_read_from_file_in_workspace(const char *workspace_fold
 // file is left at the path. The old file is gone before the new one is written: the codeset in
 // memory is what is tried again with.
 bool v_codeset_io_write_to_file(const VCodeset *codeset, const char *path);
+
+// Writes a codeset to an open file, and flushes it, in a form that can always be read again as long
+// as there is a remark: codes are escaped, and a codeset without name gets the substitute
+// (ISO-8859-1, not only white space) as an untagged one. False with "File I/O error when writing to
+// file.".
+bool v_codeset_io_write_readably(std::FILE *file, const VCodeset *codeset,
+                                 const char *substitute_name);

@@ -725,6 +725,34 @@ TEST_F(CodesetIo, AnotherGroupGetsNoMoreThanEverybody) {
   }
 }
 
+TEST_F(CodesetIo, WrittenReadablyEveryCodeComesBack) {
+  const OwnedCodeset codeset = codeset_of(
+      {{"sv", "N & <n>"}}, {{"", "A"}}, "1 & 2",
+      {{"&amp;", {{"sv", "1"}}}, {"<b>]]>", {{"sv", "2"}}}, {"A&B \"'", {{"sv", "3"}, {"", "4"}}}});
+  const auto write = [&](const char *substitute) {
+    OwnedFile file(std::fopen(path.c_str(), "wb"));
+    EXPECT_TRUE(v_codeset_io_write_readably(file.get(), codeset.get(), substitute));
+    // Flushed, though not closed.
+    return v_codeset_io_read_from_file(path.c_str());
+  };
+  const OwnedCodeset read = write("another");
+  v_remark_list_sort(codeset->remarks.get());
+  expect_equal(read, codeset);
+  codeset->name.reset();
+  const OwnedCodeset without_name = write("n\xE4me <&>");
+  ASSERT_TRUE(without_name) << v_error_get();
+  EXPECT_EQ(translations_of(without_name->name), (Translations{{"", "n\xE4me <&>"}}));
+  EXPECT_EQ(codeset->name, nullptr);
+}
+
+TEST_F(CodesetIo, WritingReadablyToAFullDiskFails) {
+  const OwnedCodeset codeset =
+      codeset_of({{"sv", "N"}}, {}, nullptr, {{"1", {{"sv", std::string(10'000, 'x')}}}});
+  OwnedFile file(std::fopen("/dev/full", "wb"));
+  EXPECT_FALSE(v_codeset_io_write_readably(file.get(), codeset.get(), "name"));
+  EXPECT_STREQ(v_error_get(), "File I/O error when writing to file.");
+}
+
 TEST_F(CodesetIo, LeavesNoDescriptorOpen) {
   const int before = count_open_descriptors();
   const OwnedCodeset codeset = sizeable_codeset();
