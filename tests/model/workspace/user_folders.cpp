@@ -18,10 +18,12 @@ public:
   UserFolders() {
     set_folder("HOME", "VANTORELLE_TEST_HOME", home());
     set_folder("XDG_CONFIG_HOME", "VANTORELLE_TEST_CONFIG_HOME", config());
+    set_folder("XDG_STATE_HOME", "VANTORELLE_TEST_STATE_HOME", state());
     make();
   }
   std::string home() const { return folder / "home"; }
   std::string config() const { return folder / "home/.config"; }
+  std::string state() const { return folder / "home/.local/state"; }
   void make() const {
     std::filesystem::remove_all(home());
     make_folder(home());
@@ -39,6 +41,8 @@ const UserFolders user_folders;
 std::string home_folder() { return user_folders.home(); }
 
 std::string config_folder() { return user_folders.config(); }
+
+std::string state_folder() { return user_folders.state(); }
 
 FreshUserFolders::FreshUserFolders() { user_folders.make(); }
 

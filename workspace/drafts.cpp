@@ -1,0 +1,200 @@
+#include "workspace/drafts.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "base/fs_utils.h"
+#include "base/text_encoding.h"
+#include "codeset/codeset_io.h"
+
+namespace {
+
+// Endings of names. A draft is written under the first and then renamed.
+constexpr const char *unfinished = ".new";
+constexpr const char *unreadable = ".unreadable";
+
+// Bytes of the codeset file's name that the draft's name repeats, for people who look into the
+// folder.
+constexpr std::size_t longest_repeated_name = 60;
+
+// Null when there is no place for drafts.
+OwnedText find_folder() {
+  const OwnedText state_folder = v_fs_utils_convert_glibfsenc_to_utf8(g_get_user_state_dir());
+  return state_folder ? v_fs_utils_create_path_in_folder(state_folder.get(), "vantorelle", "drafts")
+                      : nullptr;
+}
+
+// What the names of all drafts of a codeset file begin with, and of no other's: paths may be longer
+// than a name can be.
+std::string find_prefix(const char *codeset_path) {
+  const OwnedText absolute(g_canonicalize_filename(codeset_path, nullptr));
+  const OwnedText digest(g_compute_checksum_for_string(G_CHECKSUM_SHA256, absolute.get(), -1));
+  return std::string(digest.get()) + ".";
+}
+
+// The end of the name, which has its ending.
+const char *shorten(const char *name) {
+  const std::size_t length = std::char_traits<char>::length(name);
+  const char *rest = name + length - std::min(length, longest_repeated_name);
+  return g_utf8_validate(rest, -1, nullptr) ? rest : g_utf8_find_next_char(rest, nullptr);
+}
+
+// Each call makes another path: every editing of the file has a draft of its own.
+OwnedText make_path(const char *folder, const char *codeset_path) {
+  const OwnedText name(g_strdup_printf("%s%08x%08x.%s", find_prefix(codeset_path).c_str(),
+                                       g_random_int(), g_random_int(),
+                                       shorten(v_fs_utils_find_entry_name_in_path(codeset_path))));
+  return v_fs_utils_create_path_in_folder(folder, name.get());
+}
+
+// The file's name in ISO-8859-1, with "?" for what that cannot write or a codeset cannot hold.
+std::string find_substitute_name(const char *codeset_path) {
+  std::string name;
+  const char *entry = v_fs_utils_find_entry_name_in_path(codeset_path);
+  for (const char *at = entry; *at != '\0'; at = g_utf8_next_char(at)) {
+    const gunichar character = g_utf8_get_char(at);
+    const bool fits = g_unichar_isprint(character) && character < 0x100;
+    name += fits ? static_cast<char>(character) : '?';
+  }
+  return name;
+}
+
+bool make_folder_if_missing(const char *folder) {
+  VFileInfo info;
+  return v_fs_utils_get_info(folder, info) &&
+         (info.exists || v_fs_utils_create_folder_recursively(folder));
+}
+
+bool write_content(const char *path, const VCodeset *codeset, const char *substitute_name) {
+  OwnedFile file = v_fs_utils_open_file(path, "wb");
+  return file && v_codeset_io_write_readably(file.get(), codeset, substitute_name) &&
+         v_fs_utils_close_file(std::move(file));
+}
+
+// Nobody sees a draft that is not whole, or that is not held.
+bool write_draft(VDraft *draft, const VCodeset *codeset) {
+  const OwnedText folder = find_folder();
+  if (v_remark_list_is_empty(codeset->remarks.get()) || !folder ||
+      !make_folder_if_missing(folder.get())) {
+    return false;
+  }
+  OwnedText path = draft->path ? copy_text(draft->path.get())
+                               : make_path(folder.get(), draft->codeset_path.get());
+  const OwnedText new_path(g_strconcat(path.get(), unfinished, nullptr));
+  OwnedHeldFile held = v_private_files_create(new_path.get());
+  if (!held) {
+    return false;
+  }
+  const std::string name = find_substitute_name(draft->codeset_path.get());
+  if (!write_content(new_path.get(), codeset, name.c_str()) ||
+      !v_private_files_rename(new_path.get(), path.get())) {
+    v_fs_utils_discard_file(new_path.get());
+    return false;
+  }
+  draft->path = std::move(path);
+  draft->held = std::move(held);
+  return true;
+}
+
+// The file's content and its name in its folder.
+bool sync_file(const char *path) {
+  const OwnedText folder(g_path_get_dirname(path));
+  return v_private_files_sync(path) && v_private_files_sync(folder.get());
+}
+
+void discard_unless_held(const char *path) {
+  if (const OwnedHeldFile held = v_private_files_hold(path)) {
+    v_fs_utils_discard_file(path);
+  }
+}
+
+struct Candidate {
+  OwnedText path;
+  std::int64_t time = 0;
+};
+
+// The drafts of the codeset file, newest first, whoever holds them. Removes what a program has left
+// behind that ended while it wrote.
+std::vector<Candidate> list_candidates(const char *folder, const char *codeset_path) {
+  std::vector<Candidate> candidates;
+  const std::string prefix = find_prefix(codeset_path);
+  const OwnedFolder listing = v_fs_utils_open_folder(folder);
+  while (const OwnedText name =
+             listing ? v_fs_utils_next_convertible_folder_entry(listing.get()) : nullptr) {
+    OwnedText path = v_fs_utils_create_path_in_folder(folder, name.get());
+    VFileInfo info;
+    if (!g_str_has_prefix(name.get(), prefix.c_str()) || g_str_has_suffix(name.get(), unreadable) ||
+        !v_fs_utils_get_info(path.get(), info) || !v_fs_utils_is_regular_file(info)) {
+      continue;
+    }
+    if (g_str_has_suffix(name.get(), unfinished)) {
+      discard_unless_held(path.get());
+    } else {
+      candidates.push_back({std::move(path), info.modification_time});
+    }
+  }
+  std::stable_sort(candidates.begin(), candidates.end(),
+                   [](const Candidate &a, const Candidate &b) { return a.time > b.time; });
+  return candidates;
+}
+
+// False when a running program has the draft, or when it cannot be read.
+bool take_over(VDraft *draft, Candidate &candidate) {
+  OwnedHeldFile held = v_private_files_hold(candidate.path.get());
+  if (!held) {
+    return false;
+  }
+  draft->left_behind = v_codeset_io_read_from_file(candidate.path.get());
+  if (!draft->left_behind) {
+    const OwnedText aside(g_strconcat(candidate.path.get(), unreadable, nullptr));
+    v_private_files_rename(candidate.path.get(), aside.get());
+    return false;
+  }
+  draft->left_behind_time = candidate.time;
+  draft->path = std::move(candidate.path);
+  draft->held = std::move(held);
+  return true;
+}
+
+} // namespace
+
+void v_draft_close(VDraft *draft) { delete draft; }
+
+OwnedDraft v_draft_open(const char *codeset_path) {
+  OwnedDraft draft(new VDraft);
+  draft->codeset_path = copy_text(codeset_path);
+  if (const OwnedText folder = find_folder()) {
+    for (Candidate &candidate : list_candidates(folder.get(), codeset_path)) {
+      if (take_over(draft.get(), candidate)) {
+        break;
+      }
+    }
+  }
+  return draft;
+}
+
+void v_draft_write(VDraft *draft, const VCodeset *codeset) { write_draft(draft, codeset); }
+
+bool v_draft_save_codeset(VDraft *draft, const VCodeset *codeset) {
+  if (write_draft(draft, codeset)) {
+    sync_file(draft->path.get());
+  }
+  if (!v_codeset_io_write_to_file(codeset, draft->codeset_path.get())) {
+    return false;
+  }
+  if (sync_file(draft->codeset_path.get())) {
+    v_draft_remove(draft);
+  }
+  return true;
+}
+
+void v_draft_remove(VDraft *draft) {
+  draft->left_behind.reset();
+  if (draft->path) {
+    v_fs_utils_discard_file(draft->path.get());
+  }
+  // Held until it is gone, so that no other program takes it over.
+  draft->path.reset();
+  draft->held.reset();
+}
