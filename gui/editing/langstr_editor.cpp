@@ -34,6 +34,8 @@ struct FieldKind {
   OwnedText (*get_text)(GtkWidget *field);
   void (*set_checker)(GtkWidget *field, GspellChecker *checker);
   void (*set_inline_checking)(GtkWidget *field, bool is_on);
+  // The object that emits "changed" when the text does.
+  gpointer (*get_text_object)(GtkWidget *field);
 };
 
 // A row holds a reference to each of its widgets, so that they outlive the tables they stand in.
@@ -52,6 +54,7 @@ struct LangstrEditorRow {
   gulong clicked_handler = 0;
   gulong changed_handler = 0;
   gulong popup_handler = 0;
+  gulong text_handler = 0;
 };
 
 struct LangstrEditorState {
@@ -79,11 +82,13 @@ G_DEFINE_TYPE(VLangstrEditor, v_langstr_editor, GTK_TYPE_BOX)
 
 namespace {
 
+guint changed_signal = 0;
 guint shrunk_signal = 0;
 
 void add_row_callback(GtkButton *button, VLangstrEditor *editor);
 void delete_row_callback(GtkButton *button, LangstrEditorRow *row);
 void lang_combo_box_text_changed_callback(GtkComboBox *combo, LangstrEditorRow *row);
+void text_changed_callback(GObject *text_object, LangstrEditorRow *row);
 gboolean combo_scroll_event_callback(GtkWidget *combo, GdkEvent *event, void *);
 
 // ---- The two kinds of text field ----------------------------------------------------------------
@@ -102,6 +107,7 @@ constexpr FieldKind entry_kind = {
       gspell_entry_set_inline_spell_checking(gspell_entry_get_from_gtk_entry(GTK_ENTRY(field)),
                                              is_on);
     },
+    [](GtkWidget *field) -> gpointer { return field; },
 };
 
 constexpr FieldKind text_view_kind = {
@@ -119,6 +125,7 @@ constexpr FieldKind text_view_kind = {
       gspell_text_view_set_inline_spell_checking(view, is_on);
       gspell_text_view_set_enable_language_menu(view, FALSE);
     },
+    [](GtkWidget *field) -> gpointer { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(field)); },
 };
 
 bool is_multi_line(const LangstrEditorState *state) {
@@ -303,6 +310,7 @@ void detach_row(LangstrEditorRow *row) {
     g_clear_signal_handler(&row->changed_handler, row->language_combo.get());
   }
   g_clear_signal_handler(&row->popup_handler, row->text_field.get());
+  g_clear_signal_handler(&row->text_handler, kind_of(row).get_text_object(row->text_field.get()));
   // A text view that goes while it is checked marks the words of a buffer that is half gone (seen
   // with gspell 1.12 and GTK 3.24.38, which then ends the program).
   kind_of(row).set_inline_checking(row->text_field.get(), false);
@@ -333,6 +341,8 @@ LangstrEditorRow *append_row(VLangstrEditor *editor, const VLangstr *translation
   if (translation != nullptr) {
     kind_of(row.get()).set_text(row->text_field.get(), translation->text.get());
   }
+  row->text_handler = g_signal_connect(kind_of(row.get()).get_text_object(row->text_field.get()),
+                                       "changed", G_CALLBACK(text_changed_callback), row.get());
   state->rows.push_back(std::move(row));
   return state->rows.back().get();
 }
@@ -599,6 +609,9 @@ void delete_row(VLangstrEditor *editor, LangstrEditorRow *row) {
   state->rows.erase(state->rows.begin() + static_cast<std::ptrdiff_t>(place));
   create_table(editor);
   restore_focus(editor, focus_widget.get(), place);
+  // A handler may destroy the editor.
+  const OwnedObject<VLangstrEditor> held = share(editor);
+  g_signal_emit(editor, changed_signal, 0);
   g_signal_emit(editor, shrunk_signal, 0);
 }
 
@@ -654,6 +667,12 @@ void delete_row_callback(GtkButton *, LangstrEditorRow *row) {
 // "changed" of a row's combo.
 void lang_combo_box_text_changed_callback(GtkComboBox *, LangstrEditorRow *row) {
   apply_language(row);
+  g_signal_emit(row->editor, changed_signal, 0);
+}
+
+// "changed" of a row's text.
+void text_changed_callback(GObject *, LangstrEditorRow *row) {
+  g_signal_emit(row->editor, changed_signal, 0);
 }
 
 // "scroll-event" of a row's combo, which would choose another language for whoever scrolls the
@@ -741,6 +760,8 @@ static void v_langstr_editor_class_init(VLangstrEditorClass *klass) {
   GTK_WIDGET_CLASS(klass)->key_press_event = key_press_event_callback;
   GTK_WIDGET_CLASS(klass)->show_all = show_all_callback;
   G_OBJECT_CLASS(klass)->finalize = finalize_callback;
+  changed_signal = g_signal_new("changed", V_TYPE_LANGSTR_EDITOR, G_SIGNAL_RUN_FIRST, 0, nullptr,
+                                nullptr, nullptr, G_TYPE_NONE, 0);
   shrunk_signal = g_signal_new("shrunk", V_TYPE_LANGSTR_EDITOR, G_SIGNAL_RUN_FIRST, 0, nullptr,
                                nullptr, nullptr, G_TYPE_NONE, 0);
 }

@@ -2,7 +2,9 @@
 // Edits a multilingual text: one row per translation with a field, checked for spelling in the
 // row's language, a choice of the language, and buttons to delete the row and to add one.
 //
-// Signal "shrunk" (no arguments): a row has gone, the window may shrink.
+// Signals, both without arguments:
+//   "changed": the user has changed what the rows hold, a text or a language, or deleted a row.
+//   "shrunk": a row has gone, the window may shrink.
 
 #include <gtk/gtk.h>
 

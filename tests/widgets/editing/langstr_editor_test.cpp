@@ -381,6 +381,39 @@ TEST_F(LangstrEditorTest, MayBeDestroyedWhenItTells) {
   EXPECT_EQ(result(), "absent");
 }
 
+TEST_F(LangstrEditorTest, TellsOfEachChangeWhenItIsMade) {
+  for (const auto mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
+    make({{"sv", "a"}}, mode);
+    std::string seen;
+    const auto look = +[](VLangstrEditor *changed_editor, std::string *text) {
+      OwnedLangstr langstr;
+      v_langstr_editor_get_text(changed_editor, langstr);
+      *text = describe(langstr.get());
+    };
+    g_signal_connect(widget, "changed", G_CALLBACK(look), &seen);
+    enter(0, "c");
+    EXPECT_EQ(seen, "sv=c\n");
+    click(plus_button());
+    enter(1, "d");
+    EXPECT_EQ(seen, "sv=c\nen-uk=d\n");
+    gtk_combo_box_set_active(combo(1), 2);
+    EXPECT_EQ(seen, "sv=c\nde-de=d\n");
+    click(delete_button(0));
+    EXPECT_EQ(seen, "de-de=d\n");
+    seen = "nothing";
+    gtk_widget_destroy(widget);
+    EXPECT_EQ(seen, "nothing");
+    g_object_unref(std::exchange(widget, nullptr));
+  }
+}
+
+TEST_F(LangstrEditorTest, MayBeDestroyedWhenItTellsOfAChange) {
+  make({{"sv", "a"}, {"en-uk", "b"}});
+  g_signal_connect(widget, "changed", G_CALLBACK(gtk_widget_destroy), nullptr);
+  click(delete_button(0));
+  EXPECT_EQ(result(), "absent");
+}
+
 TEST_F(LangstrEditorTest, LetsADeletedRowsWidgetsGo) {
   for (const auto mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
     make({{"sv", "a"}, {"en-uk", "b"}}, mode);
