@@ -14,7 +14,8 @@ int main(int argc, char **argv) {
   // Neither this process nor the programs that it starts may touch the user's own workspace; and
   // both programs wear the theme that ours asks for.
   const ScratchFolder home;
-  for (const char *variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
+  for (const char *variable :
+       {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"}) {
     g_setenv(variable, home.path_of("").c_str(), TRUE);
   }
   g_setenv("GTK_THEME", "Adwaita", TRUE);

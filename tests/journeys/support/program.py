@@ -157,5 +157,5 @@ def home_environment(home):
     """A home of its own means XDG folders of its own."""
     return {
         "HOME": str(home), "XDG_CONFIG_HOME": str(home / ".config"), "XDG_DATA_HOME": str(home / ".local/share"),
-        "XDG_CACHE_HOME": str(home / ".cache"),
+        "XDG_CACHE_HOME": str(home / ".cache"), "XDG_STATE_HOME": str(home / ".local/state"),
     }
