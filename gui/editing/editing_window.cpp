@@ -1,5 +1,8 @@
 #include "gui/editing/editing_window.h"
 
+#include <cstdint>
+#include <utility>
+
 #include "base/error.h"
 #include "base/fs_utils.h"
 #include "base/text_buffer.h"
@@ -11,8 +14,13 @@
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
 #include "workspace/display_text.h"
+#include "workspace/drafts.h"
 
 namespace {
+
+// From the first change that the draft lacks until it is written. With the time for that, and for
+// what the main loop does before, no change stays out of the draft for two seconds.
+constexpr guint draft_delay = 1000; // milliseconds
 
 enum CodesColumn { display_text_column, remark_column };
 
@@ -20,6 +28,8 @@ struct EditingWindow {
   const RunContext *context = nullptr;
   const char *path = nullptr; // UTF-8
   OwnedCodeset codeset;
+  OwnedDraft draft;
+  guint draft_timer = 0; // id of the source; 0 while the draft is up to date
   // One row per remark, in list order: what it reads (UTF-8), and the remark, which the codeset
   // owns.
   OwnedObject<GtkListStore> codes_store;
@@ -35,6 +45,8 @@ struct EditingWindow {
   int saved = 0;
 };
 
+void text_changed_callback(GtkWidget *field, EditingWindow *editing);
+gboolean draft_timer_callback(void *editing_window);
 void shrunk_callback(VLangstrEditor *editor, EditingWindow *editing);
 void selection_change_callback(GtkTreeSelection *selection, EditingWindow *editing);
 void add_callback(GtkButton *button, EditingWindow *editing);
@@ -43,6 +55,7 @@ void delete_callback(GtkButton *button, EditingWindow *editing);
 void save_button_clicked_callback(GtkButton *button, EditingWindow *editing);
 void close_button_clicked_callback(GtkButton *button, EditingWindow *editing);
 gboolean window_delete_event_callback(GtkWidget *window, GdkEvent *event, EditingWindow *editing);
+void window_destroy_callback(GtkWidget *window, EditingWindow *editing);
 
 const VSettings *settings_of(const EditingWindow *editing) {
   return editing->context->workspace->settings.get();
@@ -58,6 +71,7 @@ VLangstrEditor *pack_langstr(EditingWindow *editing, GtkBox *box, const char *la
       frame_box, editing->context->window_stack, settings_of(editing),
       VLangstrEditorMode::single_line, value, nullptr, ActivatesDefault::no);
   v_gui_set_accessible_name(GTK_WIDGET(editor), label);
+  g_signal_connect(editor, "changed", G_CALLBACK(text_changed_callback), editing);
   g_signal_connect(editor, "shrunk", G_CALLBACK(shrunk_callback), editing);
   return editor;
 }
@@ -68,6 +82,7 @@ void pack_version(EditingWindow *editing, GtkBox *box) {
   editing->version_entry = v_gui_pack_spacifying_entry(
       frame_box, Expand::no, Compact::yes, editing->codeset->version.get(), ActivatesDefault::no);
   v_gui_set_accessible_name(GTK_WIDGET(editing->version_entry), "Version");
+  g_signal_connect(editing->version_entry, "changed", G_CALLBACK(text_changed_callback), editing);
 }
 
 // One fixed-height column: with rows of their own heights a long list would be measured row by row.
@@ -141,6 +156,7 @@ void build_window(EditingWindow *editing) {
   pack_window_buttons(editing, box);
   g_signal_connect(editing->window, "delete-event", G_CALLBACK(window_delete_event_callback),
                    editing);
+  g_signal_connect(editing->window, "destroy", G_CALLBACK(window_destroy_callback), editing);
 }
 
 // Update: model to widgets.
@@ -221,12 +237,21 @@ bool check_remarks(const EditingWindow *editing) {
   return true;
 }
 
-bool read_name(EditingWindow *editing) {
-  OwnedLangstr &name = editing->codeset->name;
-  if (v_langstr_editor_get_text(editing->name_editor, name) == 0) {
+// An editor that refuses leaves the value as it was.
+bool read_langstr(VLangstrEditor *editor, OwnedLangstr &value) {
+  OwnedLangstr text;
+  if (v_langstr_editor_get_text(editor, text) == 0) {
     return false;
   }
-  if (!name) {
+  value = std::move(text);
+  return true;
+}
+
+bool read_name(EditingWindow *editing) {
+  if (!read_langstr(editing->name_editor, editing->codeset->name)) {
+    return false;
+  }
+  if (!editing->codeset->name) {
     v_error_set("The codeset must have a name.");
     return false;
   }
@@ -234,23 +259,53 @@ bool read_name(EditingWindow *editing) {
 }
 
 bool read_author(EditingWindow *editing) {
-  return v_langstr_editor_get_text(editing->author_editor, editing->codeset->author) != 0;
+  return read_langstr(editing->author_editor, editing->codeset->author);
 }
 
 bool read_version(EditingWindow *editing) {
-  OwnedText &version = editing->codeset->version;
-  version = v_spacifying_entry_get_text(editing->version_entry);
+  OwnedText version = v_spacifying_entry_get_text(editing->version_entry);
   if (!version) {
     v_error_set_unknown();
     return false;
   }
-  if (*version == '\0') {
-    version.reset();
-  }
+  editing->codeset->version = *version == '\0' ? nullptr : std::move(version);
   return true;
 }
 
+// The draft.
+
+void draft_is_due(EditingWindow *editing) {
+  if (editing->draft_timer == 0) {
+    // Keys and drawing have precedence.
+    editing->draft_timer = g_timeout_add_full(G_PRIORITY_DEFAULT_IDLE, draft_delay,
+                                              draft_timer_callback, editing, nullptr);
+  }
+}
+
+void draft_is_not_due(EditingWindow *editing) {
+  g_clear_handle_id(&editing->draft_timer, g_source_remove);
+}
+
+void write_draft(EditingWindow *editing) {
+  draft_is_not_due(editing);
+  // A field that is refused, as while two rows have the same language, is in the draft with the
+  // last value that was not.
+  read_name(editing);
+  read_author(editing);
+  read_version(editing);
+  v_draft_write(editing->draft.get(), editing->codeset.get());
+}
+
 // Handlers.
+
+// "changed" of the name, the author and the version.
+void text_changed_callback(GtkWidget *, EditingWindow *editing) { draft_is_due(editing); }
+
+gboolean draft_timer_callback(void *editing_window) {
+  auto *editing = static_cast<EditingWindow *>(editing_window);
+  write_draft(editing);
+  return G_SOURCE_REMOVE;
+}
 
 // "shrunk" of the two editors: a row has gone.
 void shrunk_callback(VLangstrEditor *, EditingWindow *editing) {
@@ -277,6 +332,7 @@ void add_callback(GtkButton *, EditingWindow *editing) {
   OwnedRemark remark = v_remark_new();
   if (edit_remark(editing, remark.get()) != 0) {
     change_codes_store(editing, [&] { insert_remark(editing, std::move(remark)); });
+    draft_is_due(editing);
   }
 }
 
@@ -290,6 +346,7 @@ void edit_callback(GtkButton *, EditingWindow *editing) {
       v_remark_remove(remark);
       insert_remark(editing, OwnedRemark(remark));
     });
+    draft_is_due(editing);
   }
 }
 
@@ -299,12 +356,14 @@ void delete_callback(GtkButton *, EditingWindow *editing) {
     // Row first: while it goes, the selection may still tell of its remark.
     gtk_list_store_remove(editing->codes_store.get(), &iter);
     v_remark_destroy(remark);
+    draft_is_due(editing);
   }
 }
 
 void save_button_clicked_callback(GtkButton *, EditingWindow *editing) {
   if (check_remarks(editing) && read_name(editing) && read_author(editing) &&
-      read_version(editing) && v_codeset_io_write_to_file(editing->codeset.get(), editing->path)) {
+      read_version(editing) && v_draft_save_codeset(editing->draft.get(), editing->codeset.get())) {
+    draft_is_not_due(editing);
     editing->saved = 1;
     gtk_widget_destroy(GTK_WIDGET(editing->window));
   } else {
@@ -312,14 +371,19 @@ void save_button_clicked_callback(GtkButton *, EditingWindow *editing) {
   }
 }
 
-// Asked every time, whether or not anything was changed.
-bool may_close(const EditingWindow *editing) {
+// Asked every time, whether or not anything was changed. The draft is gone when it may.
+bool may_close(EditingWindow *editing) {
   GtkDialog *dialog = v_message_create_question_dialog(
       "Really close?", "Are you sure you want to close the codeset without saving?");
   gtk_dialog_add_buttons(dialog, "gtk-close", GTK_RESPONSE_CLOSE, "gtk-cancel", GTK_RESPONSE_CANCEL,
                          nullptr);
-  return v_message_run_and_destroy_dialog(editing->context->window_stack, dialog) ==
-         GTK_RESPONSE_CLOSE;
+  if (v_message_run_and_destroy_dialog(editing->context->window_stack, dialog) !=
+      GTK_RESPONSE_CLOSE) {
+    return false;
+  }
+  draft_is_not_due(editing);
+  v_draft_remove(editing->draft.get());
+  return true;
 }
 
 void close_button_clicked_callback(GtkButton *, EditingWindow *editing) {
@@ -333,13 +397,47 @@ gboolean window_delete_event_callback(GtkWidget *, GdkEvent *, EditingWindow *ed
   return !may_close(editing);
 }
 
-// The codeset at the path, a new one when there is no file. Null after having told why.
-OwnedCodeset open_codeset(const RunContext *context, const char *path) {
+// However the window ends, nothing that was changed is missing in a draft that stays.
+void window_destroy_callback(GtkWidget *, EditingWindow *editing) {
+  if (editing->draft_timer != 0) {
+    write_draft(editing);
+  }
+}
+
+// Opening.
+
+// In UTF-8, as the locale writes them; seconds: since the epoch.
+OwnedText format_date_and_time(std::int64_t seconds) {
+  const Owned<GDateTime, g_date_time_unref> time(g_date_time_new_from_unix_local(seconds));
+  return OwnedText(g_date_time_format(time.get(), "%c"));
+}
+
+// Null when no changes were left behind, or when the user does without them.
+OwnedCodeset restore_draft(const RunContext *context, VDraft *draft) {
+  if (!draft->left_behind) {
+    return nullptr;
+  }
+  const OwnedText time = format_date_and_time(draft->left_behind_time);
+  if (v_message_ask_yes_no_question_utf8_printf(
+          context->window_stack, 1, WarningIcon::no,
+          "Unsaved changes to this codeset were found, from %s. Restore them?", time.get()) == 0) {
+    v_draft_remove(draft);
+  }
+  return std::move(draft->left_behind);
+}
+
+// The codeset at the path, or the draft of it that the user wants back, or a new one when there is
+// neither. A draft needs no file that can be read: the program may have ended while it was written.
+// Null after having told why.
+OwnedCodeset open_codeset(const RunContext *context, const char *path, VDraft *draft) {
   VFileInfo info;
   if (!v_fs_utils_get_info(path, info)) {
     v_message_show_error_utf8_printf(
         context->window_stack, "Something went wrong when accessing the codeset file:\n\n%s", path);
     return nullptr;
+  }
+  if (OwnedCodeset restored = restore_draft(context, draft)) {
+    return restored;
   }
   if (!info.exists) {
     return v_codeset_new();
@@ -358,7 +456,8 @@ int run_editing_window(const RunContext *context, const char *path) {
   EditingWindow editing;
   editing.context = context;
   editing.path = path;
-  editing.codeset = open_codeset(context, path);
+  editing.draft = v_draft_open(path);
+  editing.codeset = open_codeset(context, path, editing.draft.get());
   if (!editing.codeset) {
     return 0;
   }

@@ -12,5 +12,6 @@ struct RunContext {
 
 // Edits the file at the path (UTF-8), or a new codeset when there is none, and returns when the
 // window has been closed: 1 when the codeset was written, else 0. A file that cannot be read is
-// told of, and no window opens.
+// told of, and no window opens. While the window is open, changes are kept in a draft; a draft that
+// an earlier program has left behind is offered first.
 int run_editing_window(const RunContext *context, const char *path);

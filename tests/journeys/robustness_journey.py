@@ -8,7 +8,7 @@ import shutil
 import signal
 import socket
 
-from support import MAIN_WINDOW, Journey, WorkspaceJourney, codeset, main
+from support import MAIN_WINDOW, RESTORE, Journey, WorkspaceJourney, codeset, main
 
 UK = "English/United Kingdom [en-uk]"
 ASSISTANT = "Vantorelle Workspace Setup"
@@ -253,8 +253,9 @@ class Robustness(WorkspaceJourney):
 
     # A sudden end
 
-    def expect_untouched_by_killing(self, lead_to):
-        """`lead_to` brings a program to where it is killed. The workspace is as before, and the next start is as the first."""
+    def expect_untouched_by_killing(self, lead_to, leaves_draft=True):
+        """`lead_to` brings a program to where it is killed. The workspace is as before, and the next start is as the first, but
+        for the question about a draft of wood.codeset."""
         self.put("wood.codeset", WOOD)
         program, window = self.open()
         before = tree(self.workspace)
@@ -264,15 +265,20 @@ class Robustness(WorkspaceJourney):
         program, window = self.open()
         window.list().expect_texts([WOOD_TEXT])
         self.expect_nothing_selected(window)
-        editing = self.edit(program, window, WOOD_TEXT, "wood.codeset")
+        self.push(window, "Edit", WOOD_TEXT)
+        if leaves_draft:
+            self.expect_message(program, "Question", RESTORE, "No")
+        editing = program.window("Edit remark codeset - wood.codeset")
         editing.list("Remark codes").expect_texts(["W1. Split", "W2. Worm"])
         self.save(editing)
         self.assertEqual(self.contents(), {"wood.codeset": WOOD})
+        self.assertEqual(self.drafts(), [])
         self.end(program, window)
 
     def change(self, program, window):
         editing = self.edit(program, window, WOOD_TEXT, "wood.codeset")
         editing.field(UK).enter("Changed")
+        program.wait(self.drafts, "a draft")
         editing.button(" + ").click()
         editing.list("Remark codes").row("W2. Worm").select()
         editing.button("Delete").click()
@@ -307,7 +313,7 @@ class Robustness(WorkspaceJourney):
             self.name_new(program, window, "Add new", "mine.codeset").press("Return")
             program.window("Edit remark codeset - mine.codeset").field(UK).type("Mine")
 
-        self.expect_untouched_by_killing(lead_to)
+        self.expect_untouched_by_killing(lead_to, leaves_draft=False)
 
     # Ways out
 

@@ -4,9 +4,9 @@ from .journey import Journey, main
 from .program import Program
 from .waiting import JourneyTimeout, wait_until
 from .widgets import Dialog, FileChooser, Row, Widget, Window
-from .workspace import MAIN_WINDOW, WorkspaceJourney, codeset
+from .workspace import MAIN_WINDOW, RESTORE, WorkspaceJourney, codeset
 
 __all__ = [
-    "Dialog", "FileChooser", "Journey", "JourneyTimeout", "MAIN_WINDOW", "Program", "Row", "Widget", "Window",
-    "WorkspaceJourney", "codeset", "main", "wait_until",
+    "Dialog", "FileChooser", "Journey", "JourneyTimeout", "MAIN_WINDOW", "Program", "RESTORE", "Row", "Widget",
+    "Window", "WorkspaceJourney", "codeset", "main", "wait_until",
 ]

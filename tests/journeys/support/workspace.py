@@ -9,6 +9,8 @@ from .journey import Journey
 QUOTES = {'"': "&quot;", "'": "&apos;"}
 
 MAIN_WINDOW = "Vantorelle Remark Codesets Manager 3.2.3"
+# What is asked when changes were left behind.
+RESTORE = re.compile(r"^Unsaved changes to this codeset were found, from .+\. Restore them\?$")
 SUB_FOLDERS = ("codesets", "layouts", "documents", "templates")
 
 
@@ -59,6 +61,11 @@ class WorkspaceJourney(Journey):
     def contents(self, folder=None):
         """The bytes of every file in the folder of codesets (or another), by name."""
         return {path.name: path.read_bytes() for path in (folder or self.codesets).iterdir() if path.is_file()}
+
+    def drafts(self):
+        """The bytes of every draft."""
+        folder = self.home / ".local" / "state" / "vantorelle" / "drafts"
+        return [path.read_bytes() for path in sorted(folder.glob("*.codeset"))]
 
     def open(self, **options):
         """The program and its main window."""

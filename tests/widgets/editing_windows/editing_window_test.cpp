@@ -2,13 +2,19 @@
 
 #include <cstdio>
 #include <ctime>
+#include <memory>
 #include <optional>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 #include <gmock/gmock.h>
 
 #include "base/error.h"
+#include "codeset/codeset_io.h"
 #include "faults.h"
 #include "window_fixture.h"
+#include "workspace/drafts.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -708,6 +714,418 @@ TEST_F(EditingWindow, GoesWithWhatStandsOverIt) {
     on(over, destroy_below);
     EXPECT_EQ(run(), 0);
   }
+}
+
+// ---- Drafts -------------------------------------------------------------------------------------
+
+namespace {
+
+const std::vector<std::pair<std::string, std::string>> paper_codes = {
+    {"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}};
+
+class EditingWindowDrafts : public EditingWindow {
+protected:
+  EditingWindowDrafts() { write_paper(); }
+
+  static std::string drafts_folder() {
+    return std::string(g_get_user_state_dir()) + "/vantorelle/drafts";
+  }
+  // The paths of the drafts of the codeset; other tests leave theirs in the same folder.
+  std::vector<std::string> drafts() const {
+    std::vector<std::string> paths;
+    const OwnedText digest(g_compute_checksum_for_string(G_CHECKSUM_SHA256, path().c_str(), -1));
+    if (path_exists(drafts_folder())) {
+      for (const std::string &entry : list_folder(drafts_folder())) {
+        if (entry.starts_with(digest.get())) {
+          paths.push_back(drafts_folder() + "/" + entry);
+        }
+      }
+    }
+    return paths;
+  }
+  // "" when there is none.
+  std::string draft() const {
+    const std::vector<std::string> all = drafts();
+    EXPECT_LE(all.size(), 1U);
+    return all.empty() ? "" : read_file(all.front());
+  }
+  // Waits for a draft with this content, which must be there two seconds after the step before.
+  void expect_draft(const std::string &content) {
+    auto started = std::make_shared<gint64>(0);
+    script.then([started] { *started = g_get_monotonic_time(); });
+    script.when(
+        "the draft", [this, content] { return draft() == content; },
+        [started] { EXPECT_LT(g_get_monotonic_time() - *started, 2 * G_USEC_PER_SEC); });
+  }
+  // As a program that ended does, at this time.
+  void leave_draft(const std::string &content, std::time_t seconds = 1'700'000'000) const {
+    const TemporaryFolder elsewhere;
+    write_file(elsewhere / "codeset", content);
+    const OwnedCodeset codeset = v_codeset_io_read_from_file((elsewhere / "codeset").c_str());
+    const OwnedDraft left = v_draft_open(path().c_str());
+    v_draft_write(left.get(), codeset.get());
+    const timespec times[] = {{seconds, 0}, {seconds, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, left->path.get(), times, 0), 0);
+  }
+  static std::string restore_question(std::time_t seconds = 1'700'000'000) {
+    char time[100];
+    std::tm local;
+    EXPECT_GT(std::strftime(time, sizeof time, "%c", localtime_r(&seconds, &local)), 0U);
+    return std::string("Unsaved changes to this codeset were found, from ") + time +
+           ". Restore them?";
+  }
+
+  const std::string newer = codeset_file({"<name lang=\"sv\">Nyare</name>"}, {{"7", "Fold"}});
+};
+
+void delete_first_name() {
+  for (GtkWidget *button : find_widgets(name_editor(), GTK_TYPE_BUTTON)) {
+    GtkWidget *table = gtk_widget_get_parent(button);
+    guint top = 0;
+    if (GTK_IS_TABLE(table)) {
+      gtk_container_child_get(GTK_CONTAINER(table), button, "top-attach", &top, nullptr);
+      if (top == 0) {
+        gtk_button_clicked(GTK_BUTTON(button));
+        return;
+      }
+    }
+  }
+}
+
+struct Change {
+  const char *what;
+  std::function<void()> act;
+  std::vector<std::string> head;
+};
+
+} // namespace
+
+TEST_F(EditingWindowDrafts, WithoutAChangeThereIsNone) {
+  select(1);
+  script.click("Edit");
+  on(dialog_title, [] { gtk_window_close(top_window()); });
+  auto waited = std::make_shared<bool>(false);
+  check([waited] { after(2500, [waited] { *waited = true; }); });
+  script.when(
+      "the time of a draft", [waited] { return *waited; },
+      [this] { EXPECT_THAT(drafts(), IsEmpty()); });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindowDrafts, HaveEachChangeOfAFieldWithinTwoSeconds) {
+  const std::string name_sv = "<name lang=\"sv\">Papper</name>";
+  const std::string name_en = "<name lang=\"en-uk\">Paper</name>";
+  const std::string author = "<author lang=\"sv\">\xc5sa</author>";
+  const std::string version = "<version>1.2</version>";
+  const Change changes[] = {
+      {"a name",
+       [] { enter(name_editor(), 0, "Card"); },
+       {"<name lang=\"en-uk\">Card</name>", name_sv, author, version}},
+      {"a deleted name", [] { delete_first_name(); }, {name_sv, author, version}},
+      {"a language",
+       [] { gtk_combo_box_set_active(languages_of(author_editor())[0], 0); },
+       {name_en, name_sv, "<author lang=\"en-uk\">\xc5sa</author>", version}},
+      {"an added author",
+       [] {
+         add_row(author_editor());
+         enter(author_editor(), 1, "Anna");
+       },
+       {name_en, name_sv, author, "<author lang=\"en-uk\">Anna</author>", version}},
+      {"a version",
+       [] { gtk_entry_set_text(version_entry(), "2"); },
+       {name_en, name_sv, author, "<version>2</version>"}},
+      {"no version", [] { gtk_entry_set_text(version_entry(), ""); }, {name_en, name_sv, author}},
+      {"no name",
+       [] {
+         enter(name_editor(), 0, "");
+         enter(name_editor(), 1, " ");
+       },
+       {"<name lang=\"\">paper.codeset</name>", author, version}},
+  };
+  for (const Change &change : changes) {
+    SCOPED_TRACE(change.what);
+    check(change.act);
+    expect_draft(codeset_file(change.head, paper_codes));
+    close_without_saving();
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(drafts(), IsEmpty());
+    EXPECT_EQ(read_file(path()), codeset_file(paper_head, paper_codes));
+  }
+}
+
+TEST_F(EditingWindowDrafts, HaveEachChangeOfTheCodes) {
+  add_code("3", "Fold");
+  check([] {});
+  expect_draft(
+      codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"3", "Fold"}, {"10", "Stain"}}));
+  select(0);
+  script.click("Edit");
+  enter_remark("4", "Torn");
+  check([] {});
+  expect_draft(
+      codeset_file(paper_head, {{"2", "Loss"}, {"3", "Fold"}, {"4", "Torn"}, {"10", "Stain"}}));
+  delete_code(0);
+  check([] {});
+  expect_draft(codeset_file(paper_head, {{"3", "Fold"}, {"4", "Torn"}, {"10", "Stain"}}));
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  EXPECT_THAT(drafts(), IsEmpty());
+}
+
+TEST_F(EditingWindowDrafts, AreWrittenWhileTypingGoesOnAndUnderOtherWindows) {
+  // A key every 100 milliseconds for three seconds.
+  auto keys = std::make_shared<int>(0);
+  auto drafts_seen = std::make_shared<std::vector<std::string>>();
+  check([this, keys, drafts_seen] {
+    for (unsigned i = 1; i <= 30; i++) {
+      after(100 * i, [this, keys, drafts_seen] {
+        ++*keys;
+        gtk_entry_set_text(version_entry(), std::to_string(*keys).c_str());
+        if (const std::string seen = draft(); drafts_seen->empty() || drafts_seen->back() != seen) {
+          drafts_seen->push_back(seen);
+        }
+      });
+    }
+  });
+  script.when(
+      "the last key", [keys] { return *keys == 30; },
+      [drafts_seen] { EXPECT_GE(drafts_seen->size(), 3U); });
+  script.click("Add new");
+  std::vector<std::string> head(paper_head.begin(), paper_head.end() - 1);
+  head.push_back("<version>30</version>");
+  on(dialog_title, [] {});
+  expect_draft(codeset_file(head, paper_codes));
+  script.click("Cancel");
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindowDrafts, KeepTheLastValueOfAFieldThatIsRefused) {
+  std::vector<std::string> head = paper_head;
+  check([] { enter(name_editor(), 0, "Card"); });
+  head[0] = "<name lang=\"en-uk\">Card</name>";
+  expect_draft(codeset_file(head, paper_codes));
+  // Both in Swedish.
+  check([] { gtk_combo_box_set_active(languages_of(name_editor())[0], 1); });
+  expect_refused_save("Each language may only appear once. Language \"sv\" appears several times.");
+  check([] { gtk_entry_set_text(version_entry(), "3"); });
+  head[3] = "<version>3</version>";
+  expect_draft(codeset_file(head, paper_codes));
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindowDrafts, StayWithTheLastCodesWhenAllAreDeleted) {
+  for (int i = 0; i < 2; i++) {
+    delete_code(0);
+    check([] {});
+  }
+  const std::string last = codeset_file(paper_head, {{"10", "Stain"}});
+  expect_draft(last);
+  delete_code(0);
+  auto waited = std::make_shared<bool>(false);
+  check([waited] { after(1500, [waited] { *waited = true; }); });
+  script.when(
+      "the time of a draft", [waited] { return *waited; },
+      [this, last] { EXPECT_EQ(draft(), last); });
+  close_without_saving();
+  run();
+  EXPECT_THAT(drafts(), IsEmpty());
+}
+
+TEST_F(EditingWindowDrafts, StayUntilClosingIsConfirmed) {
+  check([] { gtk_entry_set_text(version_entry(), "2"); });
+  script.when(
+      "the draft", [this] { return !drafts().empty(); }, [] {});
+  script.click("Close");
+  answer_question("gtk-cancel");
+  check([this] { EXPECT_THAT(drafts(), testing::SizeIs(1)); });
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+  EXPECT_THAT(drafts(), IsEmpty());
+}
+
+// Changed a moment before.
+TEST_F(EditingWindowDrafts, LeaveNothingBehindAClosedOrSavedWindow) {
+  for (const bool is_saved : {false, true}) {
+    check([] { gtk_entry_set_text(version_entry(), "2"); });
+    if (is_saved) {
+      script.click("Save codeset");
+    } else {
+      close_without_saving();
+    }
+    EXPECT_EQ(run(), is_saved ? 1 : 0);
+    bool is_over = false;
+    after(1500, [&is_over] { is_over = true; });
+    EXPECT_TRUE(wait_until([&is_over] { return is_over; }));
+    EXPECT_THAT(drafts(), IsEmpty());
+  }
+}
+
+TEST_F(EditingWindowDrafts, HaveTheLastChangeOfAWindowThatGoesFromOutside) {
+  check([] {
+    enter(name_editor(), 0, "Card");
+    gtk_widget_destroy(window());
+  });
+  EXPECT_EQ(run(), 0);
+  std::vector<std::string> head = paper_head;
+  head[0] = "<name lang=\"en-uk\">Card</name>";
+  EXPECT_EQ(draft(), codeset_file(head, paper_codes));
+}
+
+TEST_F(EditingWindowDrafts, StayWhenASaveFails) {
+  check([this] {
+    gtk_entry_set_text(version_entry(), "2");
+    std::remove(path().c_str());
+    make_folder(path());
+  });
+  expect_refused_save("Cannot access file.\n\nCannot unlink file.\n\nError 21: Is a directory");
+  std::vector<std::string> head = paper_head;
+  head[3] = "<version>2</version>";
+  check([this, head] {
+    EXPECT_EQ(draft(), codeset_file(head, paper_codes));
+    std::remove(path().c_str());
+  });
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(read_file(path()), codeset_file(head, paper_codes));
+  EXPECT_THAT(drafts(), IsEmpty());
+}
+
+TEST_F(EditingWindowDrafts, ShowNothingWhenThereIsNoPlaceForThem) {
+  const std::string state = g_get_user_state_dir();
+  std::rename(state.c_str(), (state + "-away").c_str());
+  write_file(state, "a file");
+  check([] { gtk_entry_set_text(version_entry(), "2"); });
+  auto waited = std::make_shared<bool>(false);
+  check([waited] { after(1500, [waited] { *waited = true; }); });
+  script.when(
+      "the time of a draft", [waited] { return *waited; },
+      [this] { EXPECT_TRUE(is_on_top(title())); });
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  std::remove(state.c_str());
+  std::rename((state + "-away").c_str(), state.c_str());
+}
+
+TEST_F(EditingWindowDrafts, AreRestoredAndSaved) {
+  leave_draft(newer);
+  script.answer("Question", restore_question(), "Yes");
+  check([] {
+    EXPECT_EQ(shown_rows(name_editor()), "Swedish [sv]=Nyare\n");
+    EXPECT_EQ(shown_rows(author_editor()), "English/United Kingdom [en-uk]=\n");
+    EXPECT_STREQ(gtk_entry_get_text(version_entry()), "");
+    EXPECT_THAT(code_rows(), ElementsAre("7. Fold"));
+  });
+  check([this] {
+    EXPECT_EQ(read_file(path()), codeset_file(paper_head, paper_codes));
+    EXPECT_EQ(draft(), newer);
+  });
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(read_file(path()), newer);
+  EXPECT_THAT(drafts(), IsEmpty());
+}
+
+TEST_F(EditingWindowDrafts, AreRestoredByDefault) {
+  leave_draft(newer);
+  script.dismiss("Question", restore_question());
+  check([] { EXPECT_THAT(code_rows(), ElementsAre("7. Fold")); });
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+  EXPECT_THAT(drafts(), IsEmpty());
+}
+
+TEST_F(EditingWindowDrafts, AreRemovedWhenTheyAreNotWanted) {
+  leave_draft(newer);
+  script.answer("Question", restore_question(), "No");
+  check([this] {
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
+    EXPECT_THAT(drafts(), IsEmpty());
+  });
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+}
+
+TEST_F(EditingWindowDrafts, AreStillThereWhenWhatWasRestoredEndsAgain) {
+  leave_draft(newer);
+  script.answer("Question", restore_question(), "Yes");
+  check([] { gtk_widget_destroy(window()); });
+  EXPECT_EQ(run(), 0);
+  EXPECT_EQ(draft(), newer);
+  script.answer("Question", restore_question(), "Yes");
+  check([] { gtk_entry_set_text(version_entry(), "9"); });
+  const std::string newest =
+      codeset_file({"<name lang=\"sv\">Nyare</name>", "<version>9</version>"}, {{"7", "Fold"}});
+  expect_draft(newest);
+  check([] { gtk_widget_destroy(window()); });
+  run();
+  EXPECT_EQ(draft(), newest);
+}
+
+TEST_F(EditingWindowDrafts, AreOfferedForAFileThatIsGoneOrBroken) {
+  for (const char *content : {"", "<codeset><name lang='sv'>Cut o"}) {
+    std::remove(path().c_str());
+    if (*content != '\0') {
+      write_file(path(), content);
+    }
+    leave_draft(newer);
+    script.answer("Question", restore_question(), "Yes");
+    check([] { EXPECT_THAT(code_rows(), ElementsAre("7. Fold")); });
+    script.click("Save codeset");
+    EXPECT_EQ(run(), 1);
+    EXPECT_EQ(read_file(path()), newer);
+  }
+}
+
+TEST_F(EditingWindowDrafts, ThatAreNotWantedLeaveABrokenFileToItsMessage) {
+  write_file(path(), "<codesets/>");
+  leave_draft(newer);
+  script.answer("Question", restore_question(), "No");
+  script.answer("Error",
+                "Error when loading the codeset file:\n\n" + path() + "\n\nNot a codeset file.",
+                "Close");
+  EXPECT_EQ(run(), 0);
+  EXPECT_THAT(drafts(), IsEmpty());
+}
+
+TEST_F(EditingWindowDrafts, ThatCannotBeReadAreSetAsideWithoutAQuestion) {
+  leave_draft(newer);
+  write_file(drafts().at(0), "broken");
+  check([] { EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain")); });
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+  EXPECT_THAT(drafts(), ElementsAre(testing::EndsWith(".unreadable")));
+  EXPECT_EQ(draft(), "broken");
+}
+
+TEST_F(EditingWindowDrafts, StayWhenTheFileCannotBeAskedAbout) {
+  std::remove(path().c_str());
+  const std::string blocked = folder / "file";
+  write_file(blocked, "");
+  name = "file/paper.codeset";
+  leave_draft(newer);
+  script.answer("Error", "Something went wrong when accessing the codeset file:\n\n" + path(),
+                "Close");
+  EXPECT_EQ(run(), 0);
+  EXPECT_EQ(draft(), newer);
+}
+
+TEST_F(EditingWindowDrafts, OfARunningProgramAreNotOffered) {
+  const OwnedDraft running = v_draft_open(path().c_str());
+  const OwnedCodeset codeset = v_codeset_io_read_from_file(path().c_str());
+  v_draft_write(running.get(), codeset.get());
+  check([this] {
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
+    gtk_entry_set_text(version_entry(), "2");
+  });
+  script.when(
+      "a draft of its own", [this] { return drafts().size() == 2; }, [] {});
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+  EXPECT_THAT(drafts(), ElementsAre(running->path.get()));
+  v_draft_remove(running.get());
 }
 
 // ---- Size ---------------------------------------------------------------------------------------

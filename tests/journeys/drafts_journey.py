@@ -1,0 +1,304 @@
+"""Unsaved work, whatever ends the program. VANTORELLE_KILLS sets how often the program is killed at a random moment,
+VANTORELLE_SEED repeats the moments of an earlier run."""
+
+import os
+import pathlib
+import random
+import signal
+import stat
+import subprocess
+import time
+from xml.etree import ElementTree
+
+from support import MAIN_WINDOW, RESTORE, WorkspaceJourney, codeset, main, wait_until
+from support import display
+
+UK = "English/United Kingdom [en-uk]"
+TITLE = "Edit remark codeset - wood.codeset"
+QUESTION = "Are you sure you want to close the codeset without saving?"
+REMARKS = [("W1", "Split"), ("W2", "Worm")]
+WOOD = codeset("Wood", "Vera", "2", REMARKS)
+WOOD_TEXT = "Wood (Vera) 2"
+CHANGED = codeset("Changed", "Vera", "2", REMARKS)
+
+# The longest that a change may stay out of the draft.
+DRAFT_SECONDS = 2
+
+REMARK_COUNT = 100_000
+# About twice what a save of that many takes.
+SAVE_SECONDS = 0.4
+
+
+def permissions(path):
+    return stat.S_IMODE(path.stat().st_mode)
+
+
+class Drafts(WorkspaceJourney):
+    def setUp(self):
+        super().setUp()
+        self.state = self.home / ".local" / "state"
+        self.wood = self.put("wood.codeset", WOOD)
+
+    def open_wood(self, **options):
+        return self.open_editing("wood.codeset", WOOD_TEXT, **options)
+
+    def change(self, program, editing):
+        """Makes the one change of CHANGED and waits until it must be in the draft."""
+        editing.field(UK).enter("Changed")
+        time.sleep(DRAFT_SECONDS)
+        self.assertEqual(self.drafts(), [CHANGED])
+
+    def reopen(self, answer, row=WOOD_TEXT):
+        """A new program, in which the question about the changes is answered."""
+        program, window = self.open()
+        window.list().row(row).select()
+        window.button("Edit").click()
+        self.expect_message(program, "Question", RESTORE, answer)
+        return program, program.window(TITLE)
+
+    def restore_and_save(self, row=WOOD_TEXT):
+        program, editing = self.reopen("Yes", row)
+        editing.field(UK).expect_text("Changed")
+        editing.list("Remark codes").expect_texts(["W1. Split", "W2. Worm"])
+        editing.button("Save codeset").click()
+        window = program.window(MAIN_WINDOW)
+        window.list().expect_texts(["Changed (Vera) 2"])
+        self.assertEqual(self.contents(), {"wood.codeset": CHANGED})
+        self.assertEqual(self.drafts(), [])
+        self.end(program, window)
+
+    # The end of the program
+
+    def expect_restored_after(self, number):
+        program, editing = self.open_wood()
+        self.change(program, editing)
+        program.kill(number)
+        self.assertEqual(program.process.returncode, -number)
+        self.assertEqual(self.contents(), {"wood.codeset": WOOD})
+        self.assertEqual(self.drafts(), [CHANGED])
+        self.restore_and_save()
+
+    def test_killed(self):
+        self.expect_restored_after(signal.SIGKILL)
+
+    def test_terminated(self):
+        self.expect_restored_after(signal.SIGTERM)
+
+    def test_hung_up(self):
+        self.expect_restored_after(signal.SIGHUP)
+
+    def test_interrupted(self):
+        self.expect_restored_after(signal.SIGINT)
+
+    def start_x_server(self):
+        """The server and the number of its display; ended after the test."""
+        reading, writing = os.pipe()
+        with open(self.folder / "server.log", "ab") as log:
+            server = subprocess.Popen(
+                ("Xvfb", "-screen", "0", "1400x1100x24", "-nolisten", "tcp", "-noreset", "-displayfd", str(writing)),
+                stdin=subprocess.DEVNULL, stdout=log, stderr=log, pass_fds=(writing,))
+        os.close(writing)
+        self.addCleanup(server.wait)
+        self.addCleanup(server.kill)
+        with open(reading, "rb") as pipe:
+            return server, pipe.readline().decode().strip()
+
+    def test_the_x_server_dies(self):
+        server, number = self.start_x_server()
+        settings = pathlib.Path(__file__).parents[1] / "support" / "openbox.xml"
+        own_display = os.environ["DISPLAY"]
+        self.addCleanup(os.environ.__setitem__, "DISPLAY", own_display)
+        os.environ["DISPLAY"] = f":{number}"
+        manager = subprocess.Popen(("openbox", "--sm-disable", "--config-file", settings), stderr=subprocess.DEVNULL)
+        self.addCleanup(manager.wait)
+        self.addCleanup(manager.kill)
+        wait_until(lambda: b"window id" in subprocess.run(
+            ("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), capture_output=True, check=False).stdout, "the window manager")
+        program, editing = self.open_wood()
+        self.change(program, editing)
+        server.kill()
+        program.expect_exit(1)
+        os.environ["DISPLAY"] = own_display
+        self.restore_and_save()
+
+    def test_the_wayland_compositor_dies(self):
+        name = f"wayland-{os.getpid()}"
+        with open(self.folder / "weston.log", "wb") as log:
+            compositor = subprocess.Popen(
+                ("weston", "--backend=x11-backend.so", "--use-pixman", "--width=1200", "--height=900", "--no-config",
+                 "--idle-time=0", f"--socket={name}"), stdin=subprocess.DEVNULL, stdout=log, stderr=log)
+        self.addCleanup(compositor.wait)
+        self.addCleanup(compositor.kill)
+        socket = pathlib.Path(os.environ["XDG_RUNTIME_DIR"]) / name
+        wait_until(socket.exists, "the compositor")
+        program, window = self.open(GDK_BACKEND="wayland", WAYLAND_DISPLAY=name, DISPLAY=None)
+        # There is no telling where its windows are on the screen: by keys alone.
+        window.list().expect_texts([WOOD_TEXT])
+        window.list().expect_focus()
+        display.press("Home", "space")
+        window.list().expect_selected([WOOD_TEXT])
+        window.button("Edit").act()
+        editing = program.window(TITLE)
+        editing.field(UK).expect_focus()
+        display.press("ctrl+a")
+        display.type_text("Changed")
+        editing.field(UK).expect_text("Changed")
+        time.sleep(DRAFT_SECONDS)
+        self.assertEqual(self.drafts(), [CHANGED])
+        compositor.kill()
+        program.expect_exit(1)
+        self.restore_and_save()
+
+    # Answers
+
+    def test_unwanted_changes_are_gone_for_good(self):
+        program, editing = self.open_wood()
+        self.change(program, editing)
+        program.kill()
+        program, editing = self.reopen("No")
+        editing.field(UK).expect_text("Wood")
+        self.assertEqual(self.drafts(), [])
+        program.kill()
+        program, editing = self.open_wood()
+        editing.field(UK).expect_text("Wood")
+
+    def test_what_was_restored_survives_another_end(self):
+        program, editing = self.open_wood()
+        self.change(program, editing)
+        for answer in ("Yes", "Escape"):
+            program.kill()
+            program, editing = self.reopen(answer)
+            editing.field(UK).expect_text("Changed")
+            self.assertEqual(self.drafts(), [CHANGED])
+        program.kill()
+        self.restore_and_save()
+
+    def test_closing_without_saving_leaves_nothing(self):
+        program, editing = self.open_wood()
+        self.change(program, editing)
+        editing.button("Close").click()
+        self.expect_message(program, "Really close?", QUESTION, "Cancel")
+        self.assertEqual(self.drafts(), [CHANGED])
+        editing.button("Close").click()
+        self.expect_message(program, "Really close?", QUESTION, "Close")
+        self.assertEqual(self.drafts(), [])
+        self.end(program, program.window(MAIN_WINDOW))
+        self.assertEqual(self.contents(), {"wood.codeset": WOOD})
+        program, editing = self.open_wood()
+        editing.field(UK).expect_text("Wood")
+
+    def test_the_file_is_gone_or_broken(self):
+        program, editing = self.open_wood()
+        self.change(program, editing)
+        program.kill()
+        self.wood.unlink()
+        program, window = self.open()
+        window.button("Add new").click()
+        naming = program.window("Add new")
+        naming.field().enter("wood.codeset")
+        naming.press("Return")
+        self.expect_message(program, "Question", RESTORE, "Yes")
+        program.window(TITLE).field(UK).expect_text("Changed")
+        program.kill()
+        self.put("wood.codeset", WOOD[:200])
+        self.restore_and_save("wood.codeset")
+
+    # The drafts' place
+
+    def test_only_the_user_can_read_them(self):
+        program, editing = self.open_wood()
+        self.change(program, editing)
+        for folder in (self.state, self.state / "vantorelle", self.state / "vantorelle" / "drafts"):
+            self.assertEqual(permissions(folder), 0o700, folder)
+            self.assertEqual(len(list(folder.iterdir())), 1)
+        draft, = (self.state / "vantorelle" / "drafts").iterdir()
+        self.assertEqual(permissions(draft), 0o600)
+        self.assertTrue(draft.name.endswith(".wood.codeset"))
+
+    def test_without_a_place_everything_else_works(self):
+        self.state.parent.mkdir()
+        self.state.write_text("a file")
+        program, editing = self.open_wood()
+        editing.field(UK).enter("Changed")
+        time.sleep(DRAFT_SECONDS)
+        self.assertEqual([window.title for window in program.windows() if window.is_active], [TITLE])
+        editing.button("Save codeset").click()
+        window = program.window(MAIN_WINDOW)
+        self.assertEqual(self.contents(), {"wood.codeset": CHANGED})
+        self.assertEqual(self.state.read_text(), "a file")
+        self.end(program, window)
+
+    def test_two_programs_on_one_file(self):
+        program, editing = self.open_wood()
+        self.change(program, editing)
+        other, other_editing = self.open_wood()
+        other_editing.field("Version").enter("3")
+        other_draft = codeset("Wood", "Vera", "3", REMARKS)
+        other.wait(lambda: sorted(self.drafts()) == sorted([CHANGED, other_draft]), "two drafts")
+        program.kill()
+        # The one that still runs keeps its own.
+        third, third_editing = self.reopen("Yes")
+        third_editing.field(UK).expect_text("Changed")
+        third_editing.button("Save codeset").click()
+        third.window(MAIN_WINDOW)
+        self.assertEqual(self.drafts(), [other_draft])
+        other_editing.activate()
+        other_editing.button("Save codeset").click()
+        other.window(MAIN_WINDOW)
+        self.assertEqual(self.contents(), {"wood.codeset": other_draft})
+        self.assertEqual(self.drafts(), [])
+
+    # Any moment
+
+    def many(self, version):
+        return codeset("Many", version=version, remarks=[(str(i), f"Remark {i}") for i in range(REMARK_COUNT)])
+
+    @staticmethod
+    def version_of(data):
+        """The version of a whole codeset; None for anything else, read by another parser than the program's."""
+        try:
+            root = ElementTree.fromstring(data)
+        except ElementTree.ParseError:
+            return None
+        return root.findtext("version") if len(root.findall("remark")) == REMARK_COUNT else None
+
+    def versions_left(self):
+        """Those of the file and of the drafts."""
+        files = [self.wood.read_bytes()] if self.wood.exists() else []
+        return {self.version_of(data) for data in files}, {self.version_of(data) for data in self.drafts()}
+
+    def test_killed_at_any_moment(self):
+        kills = int(os.environ.get("VANTORELLE_KILLS", 12))
+        seed = int(os.environ.get("VANTORELLE_SEED", random.SystemRandom().getrandbits(32)))
+        moments = random.Random(seed)
+        old = self.many("1")
+        for number in range(kills):
+            is_saving = number % 2 == 0
+            wait = moments.uniform(0, SAVE_SECONDS if is_saving else DRAFT_SECONDS + 1)
+            with self.subTest(f"VANTORELLE_SEED={seed}", number=number, is_saving=is_saving, wait=wait):
+                self.wood.write_bytes(old)
+                for draft in (self.state / "vantorelle" / "drafts").glob("*"):
+                    draft.unlink()
+                program, editing = self.open_editing("wood.codeset", "Many 1")
+                editing.field("Version").enter("2")
+                started = time.monotonic()
+                if is_saving:
+                    editing.button("Save codeset").act()
+                time.sleep(max(0, started + wait - time.monotonic()))
+                waited = time.monotonic() - started
+                program.kill()
+                in_file, in_drafts = self.versions_left()
+                self.assertNotIn(None, in_drafts, "a draft is not whole")
+                if is_saving:
+                    self.assertTrue({"1", "2"} & in_file or "2" in in_drafts, (in_file, in_drafts))
+                else:
+                    self.assertEqual(in_file, {"1"})
+                    if waited >= DRAFT_SECONDS:
+                        self.assertEqual(in_drafts, {"2"})
+                if in_file != {"1"}:
+                    # The old file was touched: by then the work is safe.
+                    self.assertIn("2", in_file | in_drafts)
+
+
+if __name__ == "__main__":
+    main()
