@@ -1,6 +1,8 @@
 #include "codeset/codeset_io.h"
 
+#include <cstddef>
 #include <cstring>
+#include <string>
 #include <utility>
 
 #include "base/error.h"
@@ -146,23 +148,24 @@ void append_remark(std::string &xml, const VRemark *remark, Codes codes) {
   xml += "\t</remark>\n";
 }
 
-bool write_head(std::FILE *file, const VCodeset *codeset, const VLangstr *name) {
+// Fewer and larger writes cost a fraction of what one for each remark does.
+constexpr std::size_t write_size = 64 * 1024; // bytes
+
+bool write_head_and_remarks(std::FILE *file, const VCodeset *codeset, const VLangstr *name,
+                            Codes codes) {
   std::string xml;
   append_head(xml, codeset, name);
-  return v_xml_write_xml(file, xml);
-}
-
-// One remark at a time in the same memory.
-bool write_remarks(std::FILE *file, const VRemarkList *list, Codes codes) {
-  std::string xml;
+  const VRemarkList *list = codeset->remarks.get();
   for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-    xml.clear();
     append_remark(xml, remark, codes);
-    if (!v_xml_write_xml(file, xml)) {
-      return false;
+    if (xml.size() >= write_size) {
+      if (!v_xml_write_xml(file, xml)) {
+        return false;
+      }
+      xml.clear();
     }
   }
-  return true;
+  return v_xml_write_xml(file, xml);
 }
 
 // The last write is the flush: a full disk may show up only here.
@@ -175,7 +178,7 @@ bool flush(std::FILE *file) {
 }
 
 bool write_codeset(std::FILE *file, const VCodeset *codeset, const VLangstr *name, Codes codes) {
-  return write_head(file, codeset, name) && write_remarks(file, codeset->remarks.get(), codes) &&
+  return write_head_and_remarks(file, codeset, name, codes) &&
          v_util_fprintf(file, "\n</codeset>\n") && flush(file);
 }
 

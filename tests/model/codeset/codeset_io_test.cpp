@@ -581,9 +581,10 @@ TEST_F(CodesetIo, DeepNestingIsSurvived) {
 }
 
 // Three languages and more than one buffer of the file.
+// More than is written at once.
 OwnedCodeset sizeable_codeset() {
   Remarks remarks;
-  for (int i = 0; i < 60; i++) {
+  for (int i = 0; i < 1500; i++) {
     remarks.push_back({std::to_string(i), {{"en-uk", "Loss"}, {"sv", "Bortfall"}, {"de", "Fehl"}}});
   }
   return codeset_of({{"sv", "Namn"}}, {{"sv", "Anna"}}, "1.0", remarks);
@@ -592,8 +593,9 @@ OwnedCodeset sizeable_codeset() {
 TEST_F(CodesetIo, AFullDiskLeavesNoFile) {
   const OwnedCodeset codeset = sizeable_codeset();
   const unsigned long size = written(codeset.get()).size();
-  ASSERT_GT(size, 8192U);
-  for (const unsigned long limit : {0UL, 1UL, 100UL, 4095UL, 4096UL, 4097UL, 8192UL, size - 1}) {
+  ASSERT_GT(size, 200'000U);
+  for (const unsigned long limit :
+       {0UL, 1UL, 100UL, 4095UL, 4096UL, 4097UL, 65'535UL, 100'000UL, 200'000UL, size - 1}) {
     write_file(path, "old");
     EXPECT_EQ(with_file_size_limit(limit,
                                    [&] {
