@@ -11,7 +11,8 @@
 #include "model/workspace/workspace_parts.h"
 
 // The folder that everything happens in, the same for the whole program. The user's home folder is
-// "home" in it, the configuration folder "home/.config", the installation "install".
+// "home" in it, the configuration folder "home/.config", the state folder "home/.local/state", the
+// installation "install".
 std::string ground_folder();
 // The full path of what lies there.
 std::string on_ground(const std::string &name);

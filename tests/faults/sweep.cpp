@@ -35,12 +35,13 @@ constexpr SystemError disk_errors[] = {
 constexpr SystemError disk_is_gone = {EIO, "EIO"};
 constexpr SystemError out_of_memory = {ENOMEM, "ENOMEM"};
 
-// GLib asks for both folders once and keeps them, so they stay what they are at first.
+// GLib asks for these folders once and keeps them, so they stay what they are at first.
 class Ground {
 public:
   Ground() {
     setenv("HOME", (folder / "home").c_str(), 1);
     setenv("XDG_CONFIG_HOME", (folder / "home/.config").c_str(), 1);
+    setenv("XDG_STATE_HOME", (folder / "home/.local/state").c_str(), 1);
   }
   std::string path() const { return folder.path(); }
 
