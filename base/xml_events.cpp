@@ -266,13 +266,16 @@ xmlSAXHandler event_handlers() {
 // ---- The two ways
 // --------------------------------------------------------------------------------
 
-enum class Outcome { read, failed, needs_tree };
+enum class Outcome { read, failed, failed_with_report_of_tree, needs_tree };
 
-// A parse that fails is left to the tree where the tree reports more: the faults of identifiers,
-// and what follows a fault in front of the document type, which is then not told.
+// A tree reports more where a parse fails: the faults of identifiers, and what follows a fault in
+// front of the document type, which the events then pass over.
 Outcome outcome_of(const EventReading &reading, const OwnedXmlDoc &document) {
-  if (reading.needs_tree || (!document && (reading.has_id || !reading.has_root))) {
+  if (reading.needs_tree) {
     return Outcome::needs_tree;
+  }
+  if (!document && (reading.has_id || !reading.has_root)) {
+    return Outcome::failed_with_report_of_tree;
   }
   return document && !v_xml_has_lost_something() ? Outcome::read : Outcome::failed;
 }
@@ -292,18 +295,22 @@ Outcome read_by_events(int descriptor, const XmlRootReader &reader) {
     document.reset(xmlCtxtReadFd(parser.get(), descriptor, nullptr, nullptr, XML_PARSE_NOENT));
   }
   const Outcome outcome = outcome_of(reading, document);
-  if (outcome == Outcome::failed) {
+  if (outcome != Outcome::read) {
     v_xml_set_error_from_report(nullptr);
   }
   return outcome;
 }
 
-bool read_by_tree(int descriptor, const XmlRootReader &reader) {
+OwnedXmlDoc parse_again(int descriptor) {
   if (lseek(descriptor, 0, SEEK_SET) != 0) {
     v_error_set_from_errno();
-    return false;
+    return nullptr;
   }
-  const OwnedXmlDoc document = v_xml_parse_descriptor(descriptor);
+  return v_xml_parse_descriptor(descriptor);
+}
+
+bool read_by_tree(int descriptor, const XmlRootReader &reader) {
+  const OwnedXmlDoc document = parse_again(descriptor);
   if (!document) {
     return false;
   }
@@ -320,6 +327,14 @@ bool read_by_tree(int descriptor, const XmlRootReader &reader) {
   return true;
 }
 
+// Replaces the message by the tree's. The file stays refused should it be readable meanwhile.
+void report_by_tree(int descriptor) {
+  const OwnedText message = copy_text(v_error_get());
+  if (parse_again(descriptor)) {
+    v_error_set(message.get());
+  }
+}
+
 } // namespace
 
 bool v_xml_read_root_children(const char *path, const XmlRootReader &reader) {
@@ -328,7 +343,16 @@ bool v_xml_read_root_children(const char *path, const XmlRootReader &reader) {
     return false;
   }
   const int descriptor = fileno(file.get());
-  const Outcome outcome = read_by_events(descriptor, reader);
-  return outcome == Outcome::read ||
-         (outcome == Outcome::needs_tree && read_by_tree(descriptor, reader));
+  switch (read_by_events(descriptor, reader)) {
+  case Outcome::read:
+    return true;
+  case Outcome::failed:
+    return false;
+  case Outcome::failed_with_report_of_tree:
+    report_by_tree(descriptor);
+    return false;
+  case Outcome::needs_tree:
+    return read_by_tree(descriptor, reader);
+  }
+  return false;
 }
