@@ -82,6 +82,11 @@ VRemark *v_remark_remove(VRemark *remark) {
   return predecessor;
 }
 
+OwnedRemark v_remark_take(VRemark *remark) {
+  v_remark_remove(remark);
+  return OwnedRemark(remark);
+}
+
 int v_remark_get_index(const VRemark *remark) {
   int index = -1; // the head sentinel does not count
   while ((remark = remark->prev) != nullptr) {

@@ -79,6 +79,26 @@ TEST(Remark, RemovingGivesTheFormerPredecessor) {
   expect_sound(list);
 }
 
+TEST(Remark, TakingOneGivesItsOwner) {
+  const OwnedRemarkList list = list_of_codes({"a", "b", "c"});
+  VRemark *second = list->head.next->next;
+  const OwnedRemark taken = v_remark_take(second);
+  EXPECT_EQ(taken.get(), second);
+  EXPECT_EQ(taken->prev, nullptr);
+  EXPECT_EQ(taken->next, nullptr);
+  EXPECT_STREQ(taken->code.get(), "b");
+  EXPECT_EQ(codes_of(list), (Codes{"a", "c"}));
+  expect_sound(list);
+}
+
+TEST(Remark, ATakenOneOutlivesItsList) {
+  OwnedRemarkList list = list_of({{"a", {{"sv", "x"}}}});
+  const OwnedRemark taken = v_remark_take(list->head.next);
+  list.reset();
+  EXPECT_STREQ(taken->code.get(), "a");
+  EXPECT_EQ(translations_of(taken->description), (Translations{{"sv", "x"}}));
+}
+
 TEST(Remark, DestroyingUnlinks) {
   v_remark_destroy(nullptr);
   v_remark_destroy(v_remark_new().release());
