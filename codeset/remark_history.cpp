@@ -1,0 +1,101 @@
+#include "codeset/remark_history.h"
+
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// Two remarks, each of which may be none. A step is done and taken back by the same exchange, which
+// leaves it ready for the opposite one.
+struct Step {
+  VRemark *listed = nullptr;
+  OwnedRemark unlisted;
+};
+
+VRemarkExchange exchange(VRemarkList *list, Step &step) {
+  VRemarkExchange result;
+  OwnedRemark removed;
+  if (step.listed != nullptr) {
+    result.removed = step.listed;
+    result.removed_index = v_remark_get_index(step.listed);
+    removed = v_remark_take(step.listed);
+  }
+  step.listed = step.unlisted.get();
+  if (step.listed != nullptr) {
+    v_remark_list_add_remark_sorted(list, std::move(step.unlisted));
+    result.inserted = step.listed;
+    result.inserted_index = v_remark_get_index(step.listed);
+  }
+  step.unlisted = std::move(removed);
+  return result;
+}
+
+bool is_identical(const VRemark *a, const VRemark *b) {
+  return std::strcmp(a->code.get(), b->code.get()) == 0 &&
+         v_langstr_is_identical(a->description.get(), b->description.get());
+}
+
+} // namespace
+
+struct VRemarkHistory {
+  VRemarkList *list = nullptr;
+  std::vector<Step> steps;
+  std::size_t done = 0; // how many of them, from the first on; the others are taken back
+};
+
+namespace {
+
+VRemarkExchange do_next_step(VRemarkHistory *history) {
+  return exchange(history->list, history->steps[history->done++]);
+}
+
+VRemarkExchange do_new_step(VRemarkHistory *history, VRemark *listed, OwnedRemark unlisted) {
+  history->steps.resize(history->done);
+  history->steps.push_back({listed, std::move(unlisted)});
+  return do_next_step(history);
+}
+
+} // namespace
+
+OwnedRemarkHistory v_remark_history_new(VRemarkList *list) {
+  return OwnedRemarkHistory(new VRemarkHistory{list, {}, 0});
+}
+
+void v_remark_history_destroy(VRemarkHistory *history) { delete history; }
+
+VRemarkExchange v_remark_history_add_remark(VRemarkHistory *history, OwnedRemark remark) {
+  return do_new_step(history, nullptr, std::move(remark));
+}
+
+std::optional<VRemarkExchange>
+v_remark_history_replace_remark(VRemarkHistory *history, VRemark *remark, OwnedRemark edited) {
+  if (is_identical(remark, edited.get())) {
+    return std::nullopt;
+  }
+  return do_new_step(history, remark, std::move(edited));
+}
+
+VRemarkExchange v_remark_history_remove_remark(VRemarkHistory *history, VRemark *remark) {
+  return do_new_step(history, remark, nullptr);
+}
+
+std::optional<VRemarkExchange> v_remark_history_take_back(VRemarkHistory *history) {
+  if (!v_remark_history_can_take_back(history)) {
+    return std::nullopt;
+  }
+  return exchange(history->list, history->steps[--history->done]);
+}
+
+std::optional<VRemarkExchange> v_remark_history_do_again(VRemarkHistory *history) {
+  if (!v_remark_history_can_do_again(history)) {
+    return std::nullopt;
+  }
+  return do_next_step(history);
+}
+
+bool v_remark_history_can_take_back(const VRemarkHistory *history) { return history->done > 0; }
+
+bool v_remark_history_can_do_again(const VRemarkHistory *history) {
+  return history->done < history->steps.size();
+}
