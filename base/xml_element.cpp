@@ -21,9 +21,8 @@ const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar 
 
 XmlText unreadable_text() { return {XmlTextState::unreadable, nullptr, nullptr}; }
 
-XmlText owned_text(OwnedText utf8_text) {
-  const char *text = utf8_text.get();
-  return {XmlTextState::readable, text, std::move(utf8_text)};
+XmlText joined_text(OwnedText utf8_text) {
+  return {XmlTextState::readable, nullptr, std::move(utf8_text)};
 }
 
 // Takes from what the document's entities may still expand to. The sum so far is kept with the
@@ -71,7 +70,7 @@ XmlText text_of(xmlDoc *document, const xmlNode *children) {
   if (!append_text(text.get(), document, children)) {
     return unreadable_text();
   }
-  return owned_text(v_utf8_string_free(std::move(text), false));
+  return joined_text(v_utf8_string_free(std::move(text), false));
 }
 
 // The value that the document type declares for an attribute that is not written. It is as much an
@@ -84,7 +83,7 @@ XmlText declared_default(const xmlNode *node, const char *name) {
   const Owned<xmlNode, xmlFreeNodeList> pieces(xmlStringGetNodeList(node->doc, value.get()));
   const XmlText text = text_of(node->doc, pieces.get());
   // `pieces` is freed on return, so copy.
-  return text.text == nullptr ? unreadable_text() : owned_text(copy_text(text.text));
+  return text.get() == nullptr ? unreadable_text() : joined_text(copy_text(text.get()));
 }
 
 // The text in another encoding; null with the sentence before the reason when it does not fit.
@@ -164,21 +163,21 @@ bool v_xml_get_attribute(OwnedText &value, const XmlElement &element, const char
   case XmlTextState::readable:
     break;
   }
-  if (content == XmlContent::nonempty && *text.text == '\0') {
+  if (content == XmlContent::nonempty && *text.get() == '\0') {
     return fail_for_attribute("Empty XML attribute", name);
   }
-  value = encode(text.text, encoding, "Invalid XML attribute content.");
+  value = encode(text.get(), encoding, "Invalid XML attribute content.");
   return value != nullptr;
 }
 
 OwnedText v_xml_get_text(const XmlElement &element, XmlEncoding encoding, XmlSpacing spacing,
                          XmlContent content) {
   const XmlText utf8_text = element.get_text();
-  if (utf8_text.text == nullptr) {
+  if (utf8_text.get() == nullptr) {
     v_error_set("Error reading text content from XML node.");
     return nullptr;
   }
-  OwnedText text = encode(utf8_text.text, encoding, "Invalid XML node content.");
+  OwnedText text = encode(utf8_text.get(), encoding, "Invalid XML node content.");
   if (!text) {
     return nullptr;
   }

@@ -16,12 +16,14 @@
 
 enum class XmlTextState { absent, unreadable, readable };
 
-// A text of a document in UTF-8. Borrowed from the element, or held here when it had to be put
-// together.
+// A text of a document in UTF-8.
 struct XmlText {
+  // Null unless readable; valid as long as this and the element are.
+  const char *get() const { return joined ? joined.get() : borrowed; }
+
   XmlTextState state = XmlTextState::absent;
-  const char *text = nullptr; // null unless readable
-  OwnedText storage;
+  const char *borrowed = nullptr; // of the element
+  OwnedText joined;               // where the text had to be put together
 };
 
 XmlText v_xml_borrowed_text(const char *utf8_text);

@@ -26,11 +26,12 @@ std::string described(const XmlElement &element, const std::vector<std::string> 
   }
   for (const char *name : {"x", "p:x", "lang"}) {
     if (const XmlText value = element.get_attribute(name); value.state != XmlTextState::absent) {
-      text += std::string(name) + "=" + (value.text == nullptr ? "(unreadable)" : value.text) + ";";
+      text +=
+          std::string(name) + "=" + (value.get() == nullptr ? "(unreadable)" : value.get()) + ";";
     }
   }
   const XmlText content = element.get_text();
-  return text + (content.text == nullptr ? "(unreadable)" : content.text);
+  return text + (content.get() == nullptr ? "(unreadable)" : content.get());
 }
 
 class XmlEvents : public XmlFixture {
