@@ -1,9 +1,14 @@
 #pragma once
-// The program's button: the toolkit's, except for how an assistive technology presses it. The
-// toolkit runs the handlers before it has answered the technology's request. What a handler opens
-// runs a main loop of its own, and until that ends nothing could be asked of the program any more:
-// a screen reader would be left without the window that it has opened. Here the request is answered
-// first. Message dialogs and the assistant have buttons of the toolkit's besides.
+// The program's button: the toolkit's, except for how a key and an assistive technology press it.
+//
+// A key, be it Return in a text field of the window, acts at once. The toolkit waits for a quarter
+// of a second, in which all that is typed still changes the field that is being confirmed.
+//
+// An assistive technology's request is answered first. The toolkit runs the handlers before. What a
+// handler opens runs a main loop of its own, and until that ends nothing could be asked of the
+// program any more: a screen reader would be left without the window that it has opened.
+//
+// The assistant and the file chooser have buttons of the toolkit's besides.
 
 #include <gtk/gtk.h>
 

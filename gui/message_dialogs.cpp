@@ -4,6 +4,7 @@
 
 #include "base/error.h"
 #include "gui/accessibility.h"
+#include "gui/key_guard.h"
 #include "gui/owned_objects.h"
 
 namespace {
@@ -131,6 +132,7 @@ int v_message_run_and_destroy_dialog(VWindowStack *window_stack, GtkDialog *dial
   if (window_stack != nullptr) {
     v_window_stack_push_window(window_stack, GTK_WINDOW(dialog));
   }
+  v_key_guard_shield(GTK_WINDOW(dialog));
   const int response = gtk_dialog_run(dialog);
   gtk_widget_destroy(GTK_WIDGET(dialog));
   if (window_stack != nullptr) {

@@ -114,13 +114,14 @@ GtkDialog *v_gui_create_dialog(const char *title, ButtonSet button_set) {
   case ButtonSet::none:
     break;
   case ButtonSet::ok:
-    gtk_dialog_add_button(dialog, "OK", GTK_RESPONSE_OK);
+    v_gui_add_dialog_button(dialog, "OK", GTK_RESPONSE_OK);
     break;
   case ButtonSet::close:
-    gtk_dialog_add_button(dialog, "Close", GTK_RESPONSE_CLOSE);
+    v_gui_add_dialog_button(dialog, "Close", GTK_RESPONSE_CLOSE);
     break;
   case ButtonSet::yes_no:
-    gtk_dialog_add_buttons(dialog, "No", GTK_RESPONSE_NO, "Yes", GTK_RESPONSE_YES, nullptr);
+    v_gui_add_dialog_button(dialog, "No", GTK_RESPONSE_NO);
+    v_gui_add_dialog_button(dialog, "Yes", GTK_RESPONSE_YES);
     gtk_dialog_set_alternative_button_order(dialog, GTK_RESPONSE_YES, GTK_RESPONSE_NO, -1);
     break;
   }
@@ -129,6 +130,15 @@ GtkDialog *v_gui_create_dialog(const char *title, ButtonSet button_set) {
   v_css_style_widget(GTK_WIDGET(dialog), dialog_css);
   g_signal_connect(dialog, "close", G_CALLBACK(dialog_close_callback), nullptr);
   return dialog;
+}
+
+GtkButton *v_gui_add_dialog_button(GtkDialog *dialog, const char *label, int response) {
+  GtkButton *button = v_gui_create_button(label);
+  gtk_button_set_use_underline(button, TRUE);
+  gtk_button_set_use_stock(button, TRUE);
+  gtk_widget_set_can_default(GTK_WIDGET(button), TRUE);
+  gtk_dialog_add_action_widget(dialog, GTK_WIDGET(button), response);
+  return button;
 }
 
 GtkBox *v_gui_create_vbox(Spacing spacing) { return create_box(GTK_ORIENTATION_VERTICAL, spacing); }

@@ -3,6 +3,7 @@
 #include <cstdarg>
 
 #include "gui/css.h"
+#include "gui/key_guard.h"
 #include "gui/owned_objects.h"
 #include "gui/widgets.h"
 
@@ -399,6 +400,7 @@ void shrink_to_fit(GtkWindow *window) { gtk_window_resize(window, 1, 1); }
 } // namespace
 
 OwnedWindowStack v_window_stack_new() {
+  v_key_guard_install();
   OwnedWindowStack stack(new VWindowStack);
   stack->bottom = std::make_unique<WindowStackNode>();
   stack->bottom->next = std::make_unique<WindowStackNode>();

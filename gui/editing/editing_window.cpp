@@ -375,8 +375,8 @@ void save_button_clicked_callback(GtkButton *, EditingWindow *editing) {
 bool may_close(EditingWindow *editing) {
   GtkDialog *dialog = v_message_create_question_dialog(
       "Really close?", "Are you sure you want to close the codeset without saving?");
-  gtk_dialog_add_buttons(dialog, "gtk-close", GTK_RESPONSE_CLOSE, "gtk-cancel", GTK_RESPONSE_CANCEL,
-                         nullptr);
+  v_gui_add_dialog_button(dialog, "gtk-close", GTK_RESPONSE_CLOSE);
+  v_gui_add_dialog_button(dialog, "gtk-cancel", GTK_RESPONSE_CANCEL);
   if (v_message_run_and_destroy_dialog(editing->context->window_stack, dialog) !=
       GTK_RESPONSE_CLOSE) {
     return false;

@@ -4,11 +4,19 @@ import contextlib
 import ctypes
 import re
 import subprocess
+import time
+
+from .waiting import settle
 
 # A pause between keystrokes, in milliseconds. Characters outside the keyboard's layout are typed by remapping a key, which
 # the program has to notice before the key arrives.
 KEY_DELAY = 8
 REMAPPED_KEY_DELAY = 100
+
+# Seconds without a key before a message takes keys; see read_message.
+READING_PAUSE = 0.45
+
+last_key_time = 0
 
 CONTROL_KEYS = {"\n": "Return", "\t": "Tab"}
 
@@ -24,6 +32,16 @@ def move(x, y):
 def press(*keys):
     """Presses keys one after the other, each named as X names it: "Tab", "Return", "ctrl+a", "alt+F4"."""
     xdotool("key", "--delay", KEY_DELAY, *keys)
+
+
+def press_at_pace(milliseconds, *keys):
+    """Presses keys one after the other; each goes down that long after the one before it."""
+    xdotool("key", "--delay", milliseconds, *keys)
+
+
+def hold(key, seconds):
+    """Holds a key down, which repeats meanwhile."""
+    xdotool("keydown", key, "sleep", seconds, "keyup", key)
 
 
 def type_text(text):
@@ -138,5 +156,12 @@ def screenshot(path):
     subprocess.run(("import", "-window", "root", str(path)), check=True, timeout=20)
 
 
+def read_message():
+    """Waits as long after the last key as a user needs to read. A message that opens while the user types takes no keys."""
+    settle(max(0, last_key_time + READING_PAUSE - time.monotonic()))
+
+
 def xdotool(*arguments):
+    global last_key_time
     subprocess.run(("xdotool", *map(str, arguments)), check=True, timeout=60)
+    last_key_time = time.monotonic()

@@ -6,7 +6,7 @@ import re
 import signal
 import subprocess
 
-from . import accessibility, widgets
+from . import accessibility, display, widgets
 from .waiting import DEFAULT_SECONDS, wait_until
 
 EXECUTABLE = "vantorelle-remark-codesets-manager"
@@ -104,7 +104,10 @@ class Program:
         return window.expect_active()
 
     def dialog(self, title=None):
-        return self.window(title, widgets.Dialog, DEFAULT_SECONDS)
+        """A message, which is read before the next key."""
+        dialog = self.window(title, widgets.Dialog, DEFAULT_SECONDS)
+        display.read_message()
+        return dialog
 
     def file_chooser(self, title=None):
         return self.window(title, widgets.FileChooser, DEFAULT_SECONDS)

@@ -38,6 +38,22 @@ TEST_F(Button, IsTheToolkitsOtherwise) {
   EXPECT_EQ(gtk_button_get_label(GTK_BUTTON(unlabelled.get())), nullptr);
 }
 
+TEST_F(Button, IsPressedAtOnceByActivation) {
+  EXPECT_TRUE(gtk_widget_activate(button));
+  EXPECT_EQ(clicks, 1);
+  gtk_widget_set_can_default(button, TRUE);
+  gtk_widget_grab_default(button);
+  EXPECT_TRUE(gtk_window_activate_default(GTK_WINDOW(window)));
+  EXPECT_EQ(clicks, 2);
+  EXPECT_TRUE(gtk_widget_mnemonic_activate(button, FALSE));
+  EXPECT_EQ(clicks, 3);
+  // Nothing is left to be done later, as it is with the toolkit's own.
+  EXPECT_FALSE(gtk_widget_has_grab(button));
+  gtk_widget_hide(button);
+  gtk_widget_activate(button);
+  EXPECT_EQ(clicks, 3);
+}
+
 TEST_F(Button, AnActionIsAnsweredBeforeItIsDone) {
   EXPECT_TRUE(act());
   EXPECT_EQ(clicks, 0);
