@@ -39,14 +39,16 @@ GtkDialog *create_dialog(const char *title, const char *icon_name, const char *t
   return dialog;
 }
 
-int run_dialog(VWindowStack *window_stack, const char *title, const char *icon_name,
-               const char *text, ButtonSet button_set) {
-  return v_message_run_and_destroy_dialog(window_stack,
-                                          create_dialog(title, icon_name, text, button_set));
+int run_dialog_of_kind(VWindowStack *window_stack, const MessageKind *kind, const char *text) {
+  return v_message_run_and_destroy_dialog(
+      window_stack, create_dialog(kind->title, kind->icon_name, text, kind->button_set));
 }
 
-int run_dialog_of_kind(VWindowStack *window_stack, const MessageKind *kind, const char *text) {
-  return run_dialog(window_stack, kind->title, kind->icon_name, text, kind->button_set);
+// The toolkit would give the focus to the first button, whatever that does.
+void focus_default_button(GtkDialog *dialog) {
+  if (GtkWidget *button = gtk_window_get_default_widget(GTK_WINDOW(dialog))) {
+    gtk_widget_grab_focus(button);
+  }
 }
 
 } // namespace
@@ -98,8 +100,10 @@ int v_message_ask_yes_no_question(VWindowStack *window_stack, int default_answer
                                   WarningIcon warning_icon, const char *text) {
   const MessageKind *icon_kind =
       warning_icon == WarningIcon::yes ? warning_message : question_message;
-  switch (run_dialog(window_stack, question_message->title, icon_kind->icon_name, text,
-                     ButtonSet::yes_no)) {
+  GtkDialog *dialog =
+      create_dialog(question_message->title, icon_kind->icon_name, text, ButtonSet::yes_no);
+  gtk_dialog_set_default_response(dialog, default_answer != 0 ? GTK_RESPONSE_YES : GTK_RESPONSE_NO);
+  switch (v_message_run_and_destroy_dialog(window_stack, dialog)) {
   case GTK_RESPONSE_YES:
     return 1;
   case GTK_RESPONSE_NO:
@@ -132,6 +136,7 @@ int v_message_run_and_destroy_dialog(VWindowStack *window_stack, GtkDialog *dial
   if (window_stack != nullptr) {
     v_window_stack_push_window(window_stack, GTK_WINDOW(dialog));
   }
+  focus_default_button(dialog);
   v_key_guard_shield(GTK_WINDOW(dialog));
   const int response = gtk_dialog_run(dialog);
   gtk_widget_destroy(GTK_WIDGET(dialog));

@@ -34,18 +34,21 @@ int v_message_show_warning(VWindowStack *window_stack, const char *text);
 void v_message_show_warning_utf8_printf(VWindowStack *window_stack, const char *format, ...)
     G_GNUC_PRINTF(2, 3);
 
-// 1 for yes, 0 for no; the default answer when the dialog is closed in any other way. A question
-// that puts data at risk has the warning icon and the default answer 0.
+// 1 for yes, 0 for no; the default answer when the dialog is closed in any other way. The focus is
+// on the default answer's button at first. A question that puts data at risk has the warning icon
+// and the default answer 0.
 int v_message_ask_yes_no_question(VWindowStack *window_stack, int default_answer,
                                   WarningIcon warning_icon, const char *text);
 int v_message_ask_yes_no_question_utf8_printf(VWindowStack *window_stack, int default_answer,
                                               WarningIcon warning_icon, const char *format, ...)
     G_GNUC_PRINTF(4, 5);
 
-// A question without buttons, not run: add them with v_gui_add_dialog_button, then call
-// v_message_run_and_destroy_dialog and compare the response. title: null gives "Question".
+// A question without buttons, not run: add them with v_gui_add_dialog_button, name the safe one with
+// gtk_dialog_set_default_response, then call v_message_run_and_destroy_dialog and compare the
+// response. title: null gives "Question".
 GtkDialog *v_message_create_question_dialog(const char *title, const char *text);
 GtkDialog *v_message_create_question_dialog_utf8_printf(const char *title, const char *format, ...)
     G_GNUC_PRINTF(2, 3);
-// Runs any dialog modally, destroys it and returns the response.
+// Runs any dialog modally, destroys it and returns the response. A default button has the focus at
+// first.
 int v_message_run_and_destroy_dialog(VWindowStack *window_stack, GtkDialog *dialog);

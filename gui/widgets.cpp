@@ -115,9 +115,11 @@ GtkDialog *v_gui_create_dialog(const char *title, ButtonSet button_set) {
     break;
   case ButtonSet::ok:
     v_gui_add_dialog_button(dialog, "OK", GTK_RESPONSE_OK);
+    gtk_dialog_set_default_response(dialog, GTK_RESPONSE_OK);
     break;
   case ButtonSet::close:
     v_gui_add_dialog_button(dialog, "Close", GTK_RESPONSE_CLOSE);
+    gtk_dialog_set_default_response(dialog, GTK_RESPONSE_CLOSE);
     break;
   case ButtonSet::yes_no:
     v_gui_add_dialog_button(dialog, "No", GTK_RESPONSE_NO);

@@ -377,6 +377,7 @@ bool may_close(EditingWindow *editing) {
       "Really close?", "Are you sure you want to close the codeset without saving?");
   v_gui_add_dialog_button(dialog, "gtk-close", GTK_RESPONSE_CLOSE);
   v_gui_add_dialog_button(dialog, "gtk-cancel", GTK_RESPONSE_CANCEL);
+  gtk_dialog_set_default_response(dialog, GTK_RESPONSE_CANCEL);
   if (v_message_run_and_destroy_dialog(editing->context->window_stack, dialog) !=
       GTK_RESPONSE_CLOSE) {
     return false;

@@ -151,6 +151,18 @@ class Pace(WorkspaceJourney):
         settle(0.3)
         self.assertLess(len(version.text), 25)
 
+    def test_escape_then_return_keeps_the_work(self):
+        _, editing = self.open_own()
+        for pace in PACES:
+            with self.subTest(pace=pace):
+                editing.field("Version").enter(f"2{pace}")
+                display.press_at_pace(pace, "Escape", "Return")
+                settle(0.5)
+                display.press("Return")
+                settle(0.3)
+                editing.expect_active()
+                editing.field("Version").expect_text(f"2{pace}")
+
 
 if __name__ == "__main__":
     main()

@@ -683,6 +683,16 @@ TEST_F(EditingWindow, AsksBeforeItClosesWhateverTheWay) {
   }
 }
 
+TEST_F(EditingWindow, TheQuestionOpensOnTheAnswerThatKeepsTheWork) {
+  write_paper();
+  check([] { enter(name_editor(), 0, "Changed"); });
+  check([] { press_key(GDK_KEY_Escape); });
+  on("Really close?", [] { gtk_window_activate_focus(top_window()); });
+  check([] { EXPECT_EQ(gtk_entry_get_text(rows_of(name_editor())[0]), std::string("Changed")); });
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+}
+
 // The rows go while one of them is selected.
 TEST_F(EditingWindow, ClosesWithASelectedRow) {
   write_paper();

@@ -309,14 +309,65 @@ TEST(MessageDialogs, AnOverlongLineWrapsAndAShortOneDoesNot) {
   }
 }
 
-TEST(MessageDialogs, TheFocusIsOnAButton) {
-  for (const std::size_t length : {10U, 30'000U}) {
-    when_dialog_shows([](GtkDialog *dialog) {
-      GtkWidget *focus = gtk_window_get_focus(GTK_WINDOW(dialog));
-      EXPECT_TRUE(GTK_IS_BUTTON(focus));
-      gtk_dialog_response(dialog, GTK_RESPONSE_CLOSE);
-    });
-    v_message_show_error(nullptr, std::string(length, 'x').c_str());
+struct DefaultRow {
+  const char *name;
+  std::function<void(const char *)> show;
+  int response;
+};
+
+void ask_own_question(const char *text) {
+  GtkDialog *dialog = v_message_create_question_dialog(nullptr, text);
+  v_gui_add_dialog_button(dialog, "gtk-close", GTK_RESPONSE_CLOSE);
+  v_gui_add_dialog_button(dialog, "gtk-cancel", GTK_RESPONSE_CANCEL);
+  gtk_dialog_set_default_response(dialog, GTK_RESPONSE_CANCEL);
+  v_message_run_and_destroy_dialog(nullptr, dialog);
+}
+
+const DefaultRow defaults[] = {
+    {"message", [](const char *text) { v_message_show(nullptr, text); }, GTK_RESPONSE_OK},
+    {"error", [](const char *text) { v_message_show_error(nullptr, text); }, GTK_RESPONSE_CLOSE},
+    {"no",
+     [](const char *text) { v_message_ask_yes_no_question(nullptr, 0, WarningIcon::yes, text); },
+     GTK_RESPONSE_NO},
+    {"yes",
+     [](const char *text) { v_message_ask_yes_no_question(nullptr, 1, WarningIcon::no, text); },
+     GTK_RESPONSE_YES},
+    {"own", ask_own_question, GTK_RESPONSE_CANCEL},
+};
+
+void see_default(const DefaultRow &row, const std::string &text) {
+  when_dialog_shows([&row](GtkDialog *dialog) {
+    GtkWidget *button = gtk_dialog_get_widget_for_response(dialog, row.response);
+    EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), button) << row.name;
+    EXPECT_EQ(gtk_window_get_default_widget(GTK_WINDOW(dialog)), button) << row.name;
+    gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
+  });
+  row.show(text.c_str());
+}
+
+TEST(MessageDialogs, TheFocusIsOnTheButtonOfTheDefaultAnswer) {
+  for (const DefaultRow &row : defaults) {
+    for (const std::size_t length : {10U, 30'000U}) {
+      see_default(row, std::string(length, 'x'));
+    }
+  }
+}
+
+// In the order that some desktops want the default answer may be the last button.
+TEST(MessageDialogs, TheFocusIsOnTheButtonOfTheDefaultAnswerInTheAlternativeOrder) {
+  GtkSettings *settings = gtk_settings_get_default();
+  g_object_set(settings, "gtk-alternative-button-order", TRUE, nullptr);
+  for (const DefaultRow &row : defaults) {
+    see_default(row, "Sure?");
+  }
+  g_object_set(settings, "gtk-alternative-button-order", FALSE, nullptr);
+}
+
+TEST(MessageDialogs, ReturnGivesTheDefaultAnswer) {
+  for (const int default_answer : {0, 1}) {
+    when_dialog_shows([](GtkDialog *dialog) { press_key(GTK_WIDGET(dialog), GDK_KEY_Return); });
+    EXPECT_EQ(v_message_ask_yes_no_question(nullptr, default_answer, WarningIcon::no, "Sure?"),
+              default_answer);
   }
 }
 
