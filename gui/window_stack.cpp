@@ -434,6 +434,7 @@ void v_window_stack_push_window(VWindowStack *window_stack, GtkWindow *window) {
     gtk_window_set_skip_taskbar_hint(window, FALSE);
     return;
   }
+  gtk_window_set_position(window, GTK_WIN_POS_CENTER_ON_PARENT);
   cover_window(window, covered);
   set_cursors(window_stack, Cursor::standard, LeaveOutTop::yes, ClearTop::no);
 }

@@ -11,6 +11,7 @@ from support.waiting import settle
 UK = "English/United Kingdom [en-uk]"
 ASSISTANT = "Vantorelle Workspace Setup"
 QUESTION = "Are you sure you want to close the codeset without saving?"
+TITLE_BAR = 30
 PARTS = (*accessibility.BUTTONS, *accessibility.TEXTS, *accessibility.LISTS, "combo box", "label", "icon")
 
 # 300 characters, of which no two stretches are the same.
@@ -111,6 +112,44 @@ class SmallScreen(Fitting, WorkspaceJourney):
         self.assertEqual(dialog.message, message)
         self.expect_fitting(dialog)
         dialog.answer(answer)
+
+    def expect_centred(self, window, parent):
+        """The window is on the screen, and in the middle of its parent as far as the screen allows."""
+        screen = display.screen_size()
+        place, around = window.resting_extents(), parent.resting_extents()
+        self.expect_inside(window, place, (0, 0, *screen))
+        for axis in (0, 1):
+            size = place[axis + 2]
+            wanted = around[axis] + (around[axis + 2] - size) / 2
+            wanted = min(max(wanted, 0), screen[axis] - size)
+            self.assertAlmostEqual(place[axis], wanted, delta=TITLE_BAR, msg=f"{window!r} at {place}, its parent at {around}")
+
+    def test_windows_open_over_their_parent(self):
+        self.put("plain.codeset", codeset("Plain", remarks=[("1", "One")]))
+        program, window = self.open()
+        _, _, width, height = window.resting_extents()
+        right, bottom = display.screen_size()
+        for x, y in ((10, 30), (right - width - 10, bottom - height - 10), (60 - width, 60), (right - 80, bottom - 60)):
+            with self.subTest(x=x, y=y):
+                display.move_window(window.window_id, x, y)
+                program.wait(lambda x=x: abs(window.resting_extents()[0] - x) < TITLE_BAR, "the main window to move")
+                for button, title in (("Add new", "Add new"), ("Add bundled", "Select one to add")):
+                    window.press("Home")
+                    window.button(button).act()
+                    opened = program.window(title)
+                    self.expect_centred(opened, window)
+                    opened.press("Escape")
+                    opened.expect_closed()
+        display.move_window(window.window_id, 10, 30)
+        editing = self.edit(program, window, "Plain", "plain.codeset")
+        self.expect_fitting(editing)
+        editing.button("Add new").click()
+        dialog = program.window("Edit remark code")
+        self.expect_centred(dialog, editing)
+        dialog.press("Return")
+        error = program.dialog("Error")
+        self.expect_centred(error, dialog)
+        error.answer("Close")
 
     def go_back_to(self, window, label, index=0):
         """Presses Shift+Tab until the text field of that label has the focus, wherever it is scrolled to."""

@@ -140,6 +140,11 @@ def send_message(x11, display, receiver, window, kind, data, mask):
         raise AssertionError(f"The message {kind} was not sent.")
 
 
+def move_window(window, x, y):
+    """Asks the window manager for a place on the screen, as dragging the title bar does."""
+    xdotool("windowmove", window, x, y)
+
+
 def resize(window, width, height):
     """Asks the window manager for a size, as dragging a corner does. The program may insist on more."""
     xdotool("windowsize", window, width, height)
