@@ -9,6 +9,8 @@ constexpr const char *shield_key = "vantorelle-key-guard-shield";
 constexpr guint32 longest_repeat_delay = 1000;
 // Slow typing has shorter pauses from key to key, and reading a message takes longer.
 constexpr guint32 typing_pause = 400;
+// A second press of the same key, meant as an answer, takes longer.
+constexpr guint32 shortest_answer = 100;
 
 // The last press of a key that is no modifier.
 struct LastPress {
@@ -55,21 +57,32 @@ bool acts_once(const GdkEventKey *event, GtkWidget *focus) {
          (is_space(event) && GTK_IS_BUTTON(focus));
 }
 
-bool is_shielded(GtkWidget *window) {
-  return window != nullptr && g_object_get_data(G_OBJECT(window), shield_key) != nullptr;
+enum Shield { not_shielded, shielded, typed_into };
+
+Shield get_shield(GtkWidget *window) {
+  void *data = window == nullptr ? nullptr : g_object_get_data(G_OBJECT(window), shield_key);
+  return static_cast<Shield>(GPOINTER_TO_INT(data));
 }
 
-void set_shielded(GtkWidget *window, bool is_shielded) {
-  g_object_set_data(G_OBJECT(window), shield_key, GINT_TO_POINTER(is_shielded ? 1 : 0));
+void set_shield(GtkWidget *window, Shield shield) {
+  g_object_set_data(G_OBJECT(window), shield_key, GINT_TO_POINTER(shield));
 }
 
-// Ends the shield at the first key after a pause.
+// Return and Escape answer a message, unless they are a part of what is typed on.
+bool is_answer(const GdkEventKey *event, Shield shield) {
+  const guint32 pause = event->time - last_press.time;
+  const bool can_answer = is_enter(event) || event->keyval == GDK_KEY_Escape;
+  return pause >= typing_pause || (shield == shielded && can_answer && pause >= shortest_answer);
+}
+
+// Ends the shield at the first key that is an answer.
 bool is_typed_into_shield(const GdkEventKey *event, GtkWidget *window) {
-  if (!is_shielded(window)) {
+  const Shield shield = get_shield(window);
+  if (shield == not_shielded) {
     return false;
   }
-  set_shielded(window, event->time - last_press.time < typing_pause);
-  return is_shielded(window);
+  set_shield(window, is_answer(event, shield) ? not_shielded : typed_into);
+  return get_shield(window) != not_shielded;
 }
 
 void remember(const GdkEventKey *event, GtkWidget *window) {
@@ -116,5 +129,5 @@ void event_callback(GdkEvent *event, void *) {
 void v_key_guard_install() { gdk_event_handler_set(event_callback, nullptr, nullptr); }
 
 void v_key_guard_shield(GtkWindow *window) {
-  set_shielded(GTK_WIDGET(window), last_press.confirms_text);
+  set_shield(GTK_WIDGET(window), last_press.confirms_text ? shielded : not_shielded);
 }

@@ -14,5 +14,6 @@ void v_key_guard_install();
 
 // For a message that is about to open. When it answers Return or Enter in a text field, it gets no
 // key until the user pauses: what is typed on was meant for the field, and must neither answer a
-// message that is not read yet nor, once it is answered, end up in the window below.
+// message that is not read yet nor, once it is answered, end up in the window below. Return and
+// Escape that follow at once, with nothing typed between, are an answer.
 void v_key_guard_shield(GtkWindow *window);

@@ -43,8 +43,8 @@ int v_message_ask_yes_no_question_utf8_printf(VWindowStack *window_stack, int de
                                               WarningIcon warning_icon, const char *format, ...)
     G_GNUC_PRINTF(4, 5);
 
-// A question without buttons, not run: add them with v_gui_add_dialog_button, name the safe one with
-// gtk_dialog_set_default_response, then call v_message_run_and_destroy_dialog and compare the
+// A question without buttons, not run: add them with v_gui_add_dialog_button, name the safe one
+// with gtk_dialog_set_default_response, then call v_message_run_and_destroy_dialog and compare the
 // response. title: null gives "Question".
 GtkDialog *v_message_create_question_dialog(const char *title, const char *text);
 GtkDialog *v_message_create_question_dialog_utf8_printf(const char *title, const char *format, ...)

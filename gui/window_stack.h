@@ -83,8 +83,8 @@ OwnedWindowStack v_window_stack_new();
 
 // Pushes a window, not yet shown. The first one becomes a plain top-level window; any other becomes
 // modal over and transient for the nearest window below, which is made insensitive, and opens in
-// the middle of it. Busy windows directly below are hidden. The window gets no "delete-event" while another entry is above its
-// own.
+// the middle of it. Busy windows directly below are hidden. The window gets no "delete-event" while
+// another entry is above its own.
 void v_window_stack_push_window(VWindowStack *window_stack, GtkWindow *window);
 // Pushes the place of a native dialog and returns the window to parent it to (borrowed), null when
 // there is none.

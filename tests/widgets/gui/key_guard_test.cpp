@@ -187,6 +187,17 @@ TEST_F(Shield, TheFirstKeyAfterAPauseAnswersTheMessage) {
   EXPECT_EQ(show_message(field, GDK_KEY_Return, {GDK_KEY_Escape}, 450), GTK_RESPONSE_DELETE_EVENT);
 }
 
+TEST_F(Shield, ReturnOrEscapeWithNothingTypedBetweenAnswersTheMessage) {
+  for (const guint32 pace : {100, 150, 260}) {
+    EXPECT_EQ(show_message(field, GDK_KEY_Return, {GDK_KEY_Return}, pace), GTK_RESPONSE_CLOSE);
+    EXPECT_EQ(show_message(field, GDK_KEY_Return, {GDK_KEY_Escape}, pace),
+              GTK_RESPONSE_DELETE_EVENT);
+    EXPECT_EQ(show_message(field, GDK_KEY_Return, {GDK_KEY_space}, pace), 0);
+    EXPECT_EQ(show_message(field, GDK_KEY_Return, {GDK_KEY_x, GDK_KEY_Return}, pace), 0);
+  }
+  EXPECT_EQ(show_message(field, GDK_KEY_Return, {GDK_KEY_Return}, 30), 0) << "pressed twice";
+}
+
 TEST_F(Shield, AMessageThatNobodyTypedIntoIsAnsweredAtOnce) {
   EXPECT_EQ(show_message(button, GDK_KEY_space, {GDK_KEY_space}, 10), GTK_RESPONSE_CLOSE);
   EXPECT_EQ(show_message(button, GDK_KEY_Return, {GDK_KEY_Return}, 10), GTK_RESPONSE_CLOSE);
