@@ -1,5 +1,6 @@
 #include "base/text_encoding.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -43,7 +44,7 @@ const char *copy_ascii(char *&out, const char *text, const char *end) {
     if (!is_ascii(word)) {
       break;
     }
-    std::memcpy(out, &word, sizeof word);
+    std::copy_n(text, sizeof word, out);
     text += sizeof word;
     out += sizeof word;
   }

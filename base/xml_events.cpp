@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <libxml/SAX2.h>
@@ -22,18 +23,19 @@ const char *as_text(const xmlChar *text) { return reinterpret_cast<const char *>
 
 bool is_equal(const xmlChar *a, const char *b) { return std::strcmp(as_text(a), b) == 0; }
 
-// As the library's tree has it: a prefix that is not declared is part of the name.
-void set_name(std::string &name, const xmlChar *local_name, const xmlChar *prefix,
-              const xmlChar *uri) {
-  name.clear();
-  if (prefix != nullptr && uri == nullptr) {
-    name.append(as_text(prefix)).append(":");
+// As the library's tree has it: a prefix that is not declared is part of the name. Room: for a name
+// that has to be put together.
+std::string_view get_name(std::string &room, const xmlChar *local_name, const xmlChar *prefix,
+                          const xmlChar *uri) {
+  if (prefix == nullptr || uri != nullptr) {
+    return as_text(local_name);
   }
-  name.append(as_text(local_name));
+  room.assign(as_text(prefix)).append(":").append(as_text(local_name));
+  return room;
 }
 
 // The entry of the list that is equal; null when there is none.
-const std::string *find(const std::vector<std::string> &names, const std::string &name) {
+const std::string *find(const std::vector<std::string> &names, std::string_view name) {
   const auto found = std::find(names.begin(), names.end(), name);
   return found == names.end() ? nullptr : &*found;
 }
@@ -57,8 +59,7 @@ private:
   std::size_t count = 0;
 };
 
-// ---- One child of the root, or a child of it
-// -----------------------------------------------------
+// ---- One child of the root, or a child of it ----------------------------------------------------
 
 struct RecordedAttribute {
   std::string name;
@@ -97,8 +98,7 @@ public:
   ReusedList<RecordedElement> children;
 };
 
-// ---- The parser's events
-// -------------------------------------------------------------------------
+// ---- The parser's events ------------------------------------------------------------------------
 
 constexpr int root_depth = 1;
 constexpr int child_depth = 2;
@@ -107,8 +107,8 @@ constexpr int grandchild_depth = 3;
 // Kept in the parser context's private field, which belongs to the application.
 struct EventReading {
   const XmlRootReader *reader = nullptr;
-  int depth = 0; // of open elements
-  std::string name;
+  int depth = 0;    // of open elements
+  std::string room; // for names, used again
   RecordedElement child;
   RecordedElement *grandchild = nullptr; // the last of the child's, while it is open
   bool is_child_recorded = false;        // the open child is one of those that are handed out
@@ -133,10 +133,11 @@ void document_type(void *context, const xmlChar *, const xmlChar *, const xmlCha
 }
 
 // The library hands out five pointers for each attribute.
-void record_attributes(RecordedElement &element, int count, const xmlChar **attributes) {
+void record_attributes(RecordedElement &element, std::string &room, int count,
+                       const xmlChar **attributes) {
   for (const xmlChar **place = attributes; count > 0; count--, place += 5) {
     RecordedAttribute &attribute = element.attributes.add();
-    set_name(attribute.name, place[0], place[1], place[2]);
+    attribute.name = get_name(room, place[0], place[1], place[2]);
     attribute.value.assign(as_text(place[3]), static_cast<std::size_t>(place[4] - place[3]));
   }
 }
@@ -151,15 +152,16 @@ bool has_id(int count, const xmlChar **attributes) {
   return false;
 }
 
-// The record for the item that begins, named reading.name, or null when it is left out.
-RecordedElement *begin_record(EventReading &reading, int depth, bool is_instruction) {
+// The record for the item that begins, or null when it is left out.
+RecordedElement *begin_record(EventReading &reading, std::string_view item_name, int depth,
+                              bool is_instruction) {
   const bool is_child = depth == child_depth;
   if (!is_child && (depth != grandchild_depth || !reading.is_child_recorded)) {
     return nullptr;
   }
   const XmlRootReader &reader = *reading.reader;
   const std::string *name =
-      find(is_child ? reader.child_names : reader.grandchild_names, reading.name);
+      find(is_child ? reader.child_names : reader.grandchild_names, item_name);
   if (name == nullptr) {
     return nullptr;
   }
@@ -178,15 +180,15 @@ void start_element(void *context, const xmlChar *local_name, const xmlChar *pref
   if (reading.depth > grandchild_depth) {
     return;
   }
-  set_name(reading.name, local_name, prefix, uri);
+  const std::string_view name = get_name(reading.room, local_name, prefix, uri);
   if (reading.depth == root_depth) {
     reading.has_root = true;
-    reading.reader->begin(reading.name.c_str());
+    reading.reader->begin(std::string(name).c_str());
     return;
   }
-  RecordedElement *element = begin_record(reading, reading.depth, false);
+  RecordedElement *element = begin_record(reading, name, reading.depth, false);
   if (element != nullptr) {
-    record_attributes(*element, attribute_count, attributes);
+    record_attributes(*element, reading.room, attribute_count, attributes);
   }
   if (reading.depth == child_depth) {
     reading.is_child_recorded = element != nullptr;
@@ -235,9 +237,8 @@ void cdata_block(void *context, const xmlChar *text, int length) noexcept {
 void processing_instruction(void *context, const xmlChar *target, const xmlChar *) noexcept {
   EventReading &reading = reading_of(context);
   reading.text_length = 0;
-  reading.name = as_text(target);
   const int depth = reading.depth + 1;
-  const RecordedElement *element = begin_record(reading, depth, true);
+  const RecordedElement *element = begin_record(reading, as_text(target), depth, true);
   if (depth == child_depth && element != nullptr) {
     reading.reader->read_child(*element);
   }
@@ -263,8 +264,7 @@ xmlSAXHandler event_handlers() {
   return handlers;
 }
 
-// ---- The two ways
-// --------------------------------------------------------------------------------
+// ---- The two ways -------------------------------------------------------------------------------
 
 enum class Outcome { read, failed, failed_with_report_of_tree, needs_tree };
 
