@@ -20,6 +20,52 @@ constexpr int widest_line = 120; // characters
 // What stands beside the message: icon, margins and the window's own border, in pixels.
 constexpr int width_beside_message = 140;
 
+struct ScrollKey {
+  guint key;
+  guint keypad_key;
+  GtkScrollType scroll;
+};
+
+const ScrollKey scroll_keys[] = {
+    {GDK_KEY_Up, GDK_KEY_KP_Up, GTK_SCROLL_STEP_UP},
+    {GDK_KEY_Down, GDK_KEY_KP_Down, GTK_SCROLL_STEP_DOWN},
+    {GDK_KEY_Page_Up, GDK_KEY_KP_Page_Up, GTK_SCROLL_PAGE_UP},
+    {GDK_KEY_Page_Down, GDK_KEY_KP_Page_Down, GTK_SCROLL_PAGE_DOWN},
+    {GDK_KEY_Home, GDK_KEY_KP_Home, GTK_SCROLL_START},
+    {GDK_KEY_End, GDK_KEY_KP_End, GTK_SCROLL_END},
+};
+
+bool can_scroll(GtkScrolledWindow *scroller) {
+  GtkAdjustment *adjustment = gtk_scrolled_window_get_vadjustment(scroller);
+  return gtk_adjustment_get_upper(adjustment) > gtk_adjustment_get_page_size(adjustment);
+}
+
+// Whatever has the focus in the dialog. Keys with Shift or Control are for the text.
+gboolean scroll_key_callback(GtkWidget *, GdkEventKey *event, GtkScrolledWindow *scroller) {
+  if ((event->state & gtk_accelerator_get_default_mod_mask()) != 0 || !can_scroll(scroller)) {
+    return GDK_EVENT_PROPAGATE;
+  }
+  for (const ScrollKey &row : scroll_keys) {
+    if (event->keyval == row.key || event->keyval == row.keypad_key) {
+      gboolean is_scrolled = FALSE;
+      g_signal_emit_by_name(scroller, "scroll-child", row.scroll, FALSE, &is_scrolled);
+      return GDK_EVENT_STOP;
+    }
+  }
+  return GDK_EVENT_PROPAGATE;
+}
+
+// A text from a file may be higher than the screen; the buttons stay in reach.
+void pack_message(GtkDialog *dialog, GtkBox *box, const char *text) {
+  GtkBox *text_box = v_gui_pack_scrolling_vbox(box, Expand::yes, Spacing::standard);
+  GtkLabel *label = v_gui_pack_label(text_box, text, 0.0f, 0.0f);
+  v_gui_wrap_overlong_label(label, widest_line, 0, width_beside_message);
+  gtk_label_set_selectable(label, TRUE); // to be copied
+  GtkWidget *scroller = gtk_widget_get_ancestor(GTK_WIDGET(text_box), GTK_TYPE_SCROLLED_WINDOW);
+  g_signal_connect_object(dialog, "key-press-event", G_CALLBACK(scroll_key_callback), scroller,
+                          GConnectFlags{});
+}
+
 GtkDialog *create_dialog(const char *title, const char *icon_name, const char *text,
                          ButtonSet button_set) {
   GtkDialog *dialog = v_gui_create_dialog(title, button_set);
@@ -31,10 +77,7 @@ GtkDialog *create_dialog(const char *title, const char *icon_name, const char *t
   }
   v_gui_set_box_spacing(box, icon_name != nullptr ? 20 : 25);
   v_gui_set_margins(GTK_WIDGET(box), 20, 25, 20, icon_name != nullptr ? 20 : 25);
-  // A text from a file may be higher than the screen; the buttons stay in reach.
-  GtkBox *text_box = v_gui_pack_scrolling_vbox(box, Expand::yes, Spacing::standard);
-  v_gui_wrap_overlong_label(v_gui_pack_label(text_box, text, 0.0f, 0.0f), widest_line, 0,
-                            width_beside_message);
+  pack_message(dialog, box, text);
   v_gui_set_accessible_message(GTK_WIDGET(dialog), text);
   return dialog;
 }

@@ -264,7 +264,7 @@ class Keyboard(Keys, WorkspaceJourney):
         chooser.enter_path(self.home / "wood.codeset")
         display.press("Return")
         question = program.dialog("Question")
-        self.expect_order(question, ["No", "Yes"])
+        self.expect_order(question, ["No", "Yes", question.message])
         display.press("Escape")
         question.expect_closed()
         window.expect_active()
@@ -325,7 +325,7 @@ class Keyboard(Keys, WorkspaceJourney):
         editing.field(UK).expect_focus()
         display.press("Escape")
         question = program.dialog("Really close?")
-        self.expect_order(question, ["Close", "Cancel"])
+        self.expect_order(question, ["Cancel", question.message, "Close"])
         self.push(question, "Close")
         editing.expect_closed()
         window.expect_active()
@@ -379,7 +379,7 @@ class Keyboard(Keys, WorkspaceJourney):
         program.wait(lambda: window.list().selected_texts(), "the row to be selected")
         self.push(window, "Edit")
         question = program.dialog("Question")
-        self.expect_order(question, ["No", "Yes"])
+        self.expect_order(question, ["No", "Yes", question.message])
         display.press("Escape")
         question.expect_closed()
         window.expect_active()
@@ -535,6 +535,21 @@ class Keyboard(Keys, WorkspaceJourney):
             return display.clipboard()
         except subprocess.CalledProcessError:
             return None
+
+    def test_copying_a_message(self):
+        program, window = self.open()
+        self.push(window, "Add new")
+        naming = program.window("Add new")
+        display.type_text("a-\n")
+        error = program.dialog("Error")
+        error.button("Close").expect_focus()
+        self.go(error, error.message)
+        display.press("ctrl+c")
+        program.wait(lambda: self.copied() == 'The character "-" is not permitted.', "the message on the clipboard")
+        # Return is the button's, wherever the focus is.
+        display.press("Return")
+        error.expect_closed()
+        naming.field().expect_focus()
 
     def test_a_language_is_chosen_from_the_open_list(self):
         self.put("wood.codeset", WOOD)

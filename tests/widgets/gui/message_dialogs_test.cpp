@@ -371,6 +371,78 @@ TEST(MessageDialogs, ReturnGivesTheDefaultAnswer) {
   }
 }
 
+GtkLabel *find_text(GtkDialog *dialog) {
+  return find<GtkLabel>(GTK_WIDGET(find_message_box(dialog)), GTK_TYPE_LABEL);
+}
+
+// Where the text is scrolled to, 0 for its start and 1 for its end.
+double get_scrolled(GtkDialog *dialog) {
+  GtkAdjustment *adjustment = gtk_scrolled_window_get_vadjustment(
+      find<GtkScrolledWindow>(GTK_WIDGET(dialog), GTK_TYPE_SCROLLED_WINDOW));
+  return gtk_adjustment_get_value(adjustment) /
+         (gtk_adjustment_get_upper(adjustment) - gtk_adjustment_get_page_size(adjustment));
+}
+
+TEST(MessageDialogs, ALongTextIsScrolledByKeysWhateverHasTheFocus) {
+  std::string lines;
+  for (int i = 0; i < 120; ++i) {
+    lines += "line\n";
+  }
+  when_dialog_shows([](GtkDialog *dialog) {
+    GtkWidget *button = gtk_dialog_get_widget_for_response(dialog, GTK_RESPONSE_CLOSE);
+    for (GtkWidget *focus : {button, GTK_WIDGET(find_text(dialog))}) {
+      gtk_widget_grab_focus(focus);
+      const auto scroll = [&](guint key) {
+        press_key(GTK_WIDGET(dialog), key);
+        run_for(300); // it glides there
+        EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), focus);
+        return get_scrolled(dialog);
+      };
+      EXPECT_EQ(scroll(GDK_KEY_Home), 0.0);
+      const double step = scroll(GDK_KEY_Down);
+      EXPECT_GT(step, 0.0);
+      const double page = scroll(GDK_KEY_Page_Down) - step;
+      EXPECT_GT(page, step);
+      EXPECT_NEAR(scroll(GDK_KEY_Up), page, 0.001);
+      EXPECT_NEAR(scroll(GDK_KEY_Page_Up), 0.0, 0.001);
+      EXPECT_NEAR(scroll(GDK_KEY_End), 1.0, 0.001);
+      EXPECT_EQ(scroll(GDK_KEY_KP_Home), 0.0);
+      EXPECT_NEAR(scroll(GDK_KEY_KP_Page_Down), page, 0.001);
+    }
+    gtk_dialog_response(dialog, GTK_RESPONSE_CLOSE);
+  });
+  v_message_show_error(nullptr, lines.c_str());
+}
+
+TEST(MessageDialogs, TheTextIsSelectedByTabAndCopied) {
+  const OwnedWindowStack stack = v_window_stack_new();
+  when_dialog_shows([](GtkDialog *dialog) {
+    GtkLabel *label = find_text(dialog);
+    EXPECT_FALSE(gtk_label_get_selection_bounds(label, nullptr, nullptr));
+    press_key(GTK_WIDGET(dialog), GDK_KEY_Tab);
+    EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), GTK_WIDGET(label));
+    g_signal_emit_by_name(label, "copy-clipboard"); // Ctrl+C
+    press_key(GTK_WIDGET(dialog), GDK_KEY_Tab);
+    EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)),
+              gtk_dialog_get_widget_for_response(dialog, GTK_RESPONSE_CLOSE));
+    gtk_dialog_response(dialog, GTK_RESPONSE_CLOSE);
+  });
+  v_message_show_error(stack.get(), literal_text);
+  const OwnedText copied(gtk_clipboard_wait_for_text(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD)));
+  EXPECT_STREQ(copied.get(), literal_text);
+}
+
+TEST(MessageDialogs, ReturnGivesTheDefaultAnswerAlsoFromTheText) {
+  for (const int default_answer : {0, 1}) {
+    when_dialog_shows([](GtkDialog *dialog) {
+      gtk_widget_grab_focus(GTK_WIDGET(find_text(dialog)));
+      press_key(GTK_WIDGET(dialog), GDK_KEY_Return);
+    });
+    EXPECT_EQ(v_message_ask_yes_no_question(nullptr, default_answer, WarningIcon::no, "Sure?"),
+              default_answer);
+  }
+}
+
 TEST(MessageDialogs, AnEndlessTextLeavesTheButtonsOnTheScreen) {
   std::string words;
   for (int i = 0; i < 5000; ++i) {
