@@ -1,6 +1,6 @@
 """Keys at the pace of real hands: confirming a field and typing on, keys that are held down, and reading a message."""
 
-from support import MAIN_WINDOW, WorkspaceJourney, codeset, main
+from support import MAIN_WINDOW, Journey, WorkspaceJourney, codeset, main
 from support import display
 from support.waiting import settle
 
@@ -162,6 +162,57 @@ class Pace(WorkspaceJourney):
                 settle(0.3)
                 editing.expect_active()
                 editing.field("Version").expect_text(f"2{pace}")
+
+
+class FirstStart(Journey):
+    def on_the_location_page(self, home=None):
+        program = self.start_program(home, VANTORELLE_USER_LANGUAGE="en-uk")
+        assistant = program.window("Vantorelle Workspace Setup")
+        assistant.button("Next").click()
+        location = assistant.field("Workspace location")
+        location.focus()
+        return program, assistant, location
+
+    def test_return_in_the_location_goes_on(self):
+        program, assistant, location = self.on_the_location_page()
+        place = self.home / "mine"
+        location.enter(str(place))
+        display.press("Return")
+        assistant.button("Close").click()
+        self.assertTrue((place / "codesets").is_dir())
+        program.window(MAIN_WINDOW)
+
+    def test_what_is_typed_after_return_is_not_in_the_location(self):
+        for pace in PACES:
+            with self.subTest(pace=pace):
+                home = self.folder / f"home {pace}"
+                home.mkdir()
+                program, assistant, location = self.on_the_location_page(home)
+                location.enter(str(home / "mine"))
+                display.press_at_pace(pace, "Return", "space", "Q", "7")
+                settle(0.5)
+                self.assertTrue((home / "mine" / "codesets").is_dir())
+                self.assertEqual([path.name for path in home.glob("mine*")], ["mine"])
+                if assistant.is_open:
+                    assistant.button("Close").click()
+                program.window(MAIN_WINDOW).close()
+                program.expect_exit(0)
+
+    def test_a_held_return_applies_once(self):
+        program, assistant, location = self.on_the_location_page()
+        location.enter(str(self.home / "missing" / "place"))
+        display.hold("Return", HOLD_SECONDS)
+        error = program.dialog("Error")
+        settle(0.5)
+        self.assertEqual(error.message, "Creating a workspace at the chosen location failed.")
+        display.press("Return")
+        error.expect_closed()
+        settle(0.5)
+        # Back on the first page, with nothing over it.
+        assistant.expect_active()
+        self.assertEqual(len(program.windows()), 1)
+        assistant.button("Next").click()
+        location.expect_text(str(self.home / "missing" / "place"))
 
 
 if __name__ == "__main__":

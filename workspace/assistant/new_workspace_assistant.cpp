@@ -29,6 +29,7 @@ struct NewWorkspaceAssistant {
   int created = 0;
 };
 
+void location_activate_callback(GtkEntry *entry, NewWorkspaceAssistant *state);
 void browse_callback(GtkButton *button, NewWorkspaceAssistant *state);
 void apply_callback(GtkAssistant *assistant, NewWorkspaceAssistant *state);
 void destroy_callback(GtkWidget *assistant, NewWorkspaceAssistant *state);
@@ -79,6 +80,8 @@ void pack_location_row(GtkBox *page, NewWorkspaceAssistant *state) {
   GtkBox *row = v_gui_pack_hbox(page, Expand::no, Spacing::standard);
   state->location_entry = v_gui_pack_entry(
       row, Expand::yes, v_workspace_get_default_folder_path().get(), ActivatesDefault::no);
+  g_signal_connect(state->location_entry, "activate", G_CALLBACK(location_activate_callback),
+                   state);
   gtk_label_set_mnemonic_widget(label, GTK_WIDGET(state->location_entry));
   state->browse_button = v_gui_pack_button(row, "Browse...", MakeDefault::no);
   g_signal_connect(state->browse_button, "clicked", G_CALLBACK(browse_callback), state);
@@ -135,6 +138,16 @@ OwnedText read_location(const NewWorkspaceAssistant *state) {
 }
 
 // Handlers.
+
+// Return presses the button that goes on, which the assistant makes its default on every page. At
+// once: activating the toolkit's button would leave the location to be changed by what is typed
+// meanwhile.
+void location_activate_callback(GtkEntry *, NewWorkspaceAssistant *state) {
+  GtkWidget *button = gtk_window_get_default_widget(GTK_WINDOW(state->assistant));
+  if (GTK_IS_BUTTON(button) && gtk_widget_is_sensitive(button)) {
+    gtk_button_clicked(GTK_BUTTON(button));
+  }
+}
 
 void browse_callback(GtkButton *, NewWorkspaceAssistant *state) {
   if (const OwnedText folder = v_file_dialog_get_folder_path(

@@ -138,6 +138,24 @@ TEST_F(NewWorkspaceAssistant, ProposedPlaceThatIsTakenLeadsBackToTheFirstPage) {
   EXPECT_EQ(remove(proposed.c_str()), 0);
 }
 
+TEST_F(NewWorkspaceAssistant, ReturnInTheLocationApplies) {
+  enter(folder / "workspace");
+  script.then([] { gtk_widget_activate(GTK_WIDGET(entry())); });
+  await_page(2);
+  script.click("Close");
+  EXPECT_TRUE(run());
+  EXPECT_THAT(list_folder(folder.path()), ElementsAre("workspace"));
+}
+
+TEST_F(NewWorkspaceAssistant, ReturnInALocationThatIsTakenShowsOneError) {
+  make_folder(folder / "taken");
+  enter(folder / "taken");
+  script.then([] { gtk_widget_activate(GTK_WIDGET(entry())); });
+  script.answer("Error", exists_message, "Close");
+  cancel_on_first_page(folder / "taken");
+  EXPECT_FALSE(run());
+}
+
 TEST_F(NewWorkspaceAssistant, FileAtThePlaceIsLeftAlone) {
   write_file(folder / "file", "mine");
   enter(folder / "file");
