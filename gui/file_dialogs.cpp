@@ -80,9 +80,17 @@ void add_filters(GtkFileChooser *chooser, const char *filter_name, FileTypes fil
   gtk_file_chooser_set_filter(chooser, first);
 }
 
-void start_in_remembered_folder(GtkFileChooser *chooser, FileTypes file_types) {
+// The chooser itself would start with the files that were used last, of which there may be none.
+void start_in_documents_folder(GtkFileChooser *chooser) {
+  const char *documents = g_get_user_special_dir(G_USER_DIRECTORY_DOCUMENTS);
+  const bool exists = documents != nullptr && g_file_test(documents, G_FILE_TEST_IS_DIR);
+  gtk_file_chooser_set_current_folder(chooser, exists ? documents : g_get_home_dir());
+}
+
+void start_in_folder(GtkFileChooser *chooser, FileTypes file_types) {
   const auto remembered = remembered_folders.find(make_key(file_types));
   if (remembered == remembered_folders.end()) {
+    start_in_documents_folder(chooser);
     return;
   }
   // A file directly in the root has the empty folder.
@@ -164,7 +172,7 @@ void v_file_dialog_set_up_chooser(GtkFileChooser *chooser, FileDialogAction acti
   }
   const FileTypes types = list_types(file_types, count);
   add_filters(chooser, filter_name, types);
-  start_in_remembered_folder(chooser, types);
+  start_in_folder(chooser, types);
   if (action == FileDialogAction::save) {
     propose_name(chooser, proposed_name, types);
   } else {

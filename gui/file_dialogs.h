@@ -1,8 +1,9 @@
 #pragma once
 // The platform's file chooser, run modally on the window stack (null: without one), with filters
 // made from file types. The folder last used is remembered for each combination of file types until
-// v_file_dialog_clean_up, not beyond the run. Texts and paths are UTF-8; a path that has no UTF-8
-// form counts as not chosen.
+// v_file_dialog_clean_up, not beyond the run; where there is none, opening and saving start in the
+// user's documents folder, or else in the home folder. Texts and paths are UTF-8; a path that has
+// no UTF-8 form counts as not chosen.
 
 #include <string>
 #include <vector>

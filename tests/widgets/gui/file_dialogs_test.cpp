@@ -405,6 +405,40 @@ TEST_F(FileDialogs, RememberAFolderUnderTheNamesOfTheTypes) {
   }
 }
 
+// The user's folders as the desktop writes them down; null for a desktop that does not.
+void set_documents_folder(const char *path) {
+  const std::string file = std::string(g_get_user_config_dir()) + "/user-dirs.dirs";
+  std::filesystem::remove(file);
+  if (path != nullptr) {
+    write_file(file, std::string("XDG_DOCUMENTS_DIR=\"") + path + "\"\n");
+  }
+  g_reload_user_special_dirs_cache();
+}
+
+TEST_F(FileDialogs, StartInTheDocumentsFolderUntilThereIsOneToRemember) {
+  make_folder(folder / "Dokument é");
+  make_folder(folder / "used");
+  set_documents_folder((folder / "Dokument é").c_str());
+  const Types types = {VFileType::remark_codeset};
+  EXPECT_EQ(see_start_folder(FileDialogAction::open, types), folder / "Dokument é");
+  EXPECT_EQ(see_start_folder(FileDialogAction::save, types), folder / "Dokument é");
+  ASSERT_TRUE(save(folder / "used", "c.codeset", VFileType::remark_codeset));
+  EXPECT_EQ(see_start_folder(FileDialogAction::open, types), folder / "used");
+  EXPECT_EQ(see_start_folder(FileDialogAction::open, {VFileType::png}), folder / "Dokument é");
+  set_documents_folder(nullptr);
+}
+
+TEST_F(FileDialogs, StartInTheHomeFolderWhereThereAreNoDocuments) {
+  const std::string missing = folder / "missing";
+  for (const char *documents : {static_cast<const char *>(nullptr), missing.c_str()}) {
+    set_documents_folder(documents);
+    for (const FileDialogAction action : {FileDialogAction::open, FileDialogAction::save}) {
+      EXPECT_EQ(see_start_folder(action, {VFileType::remark_codeset}), g_get_home_dir());
+    }
+  }
+  set_documents_folder(nullptr);
+}
+
 TEST_F(FileDialogs, RememberTheLatestFolderUntilTheCleanUp) {
   make_folder(folder / "first");
   make_folder(folder / "second");
