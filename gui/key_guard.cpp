@@ -1,12 +1,19 @@
 #include "gui/key_guard.h"
 
+#include <utility>
+
+#include "base/owned.h"
+
 namespace {
+
+using OwnedEvent = Owned<GdkEvent, gdk_event_free>;
 
 constexpr const char *shield_key = "vantorelle-key-guard-shield";
 
-// Milliseconds. A key whose release is lost, because no window of the program had the focus, passes
-// for held down no longer than a keyboard waits before its first repeat.
+// Milliseconds. A keyboard waits that long at most before its first repeat, and then from repeat to
+// repeat.
 constexpr guint32 longest_repeat_delay = 1000;
+constexpr guint longest_repeat_interval = 150;
 // Slow typing has shorter pauses from key to key, and reading a message takes longer.
 constexpr guint32 typing_pause = 400;
 // A second press of the same key, meant as an answer, takes longer.
@@ -17,12 +24,22 @@ struct LastPress {
   guint16 keycode = 0;
   guint32 time = 0; // of the event, in milliseconds
   bool is_down = false;
+  bool is_repeating = false;
   bool acts_once = false;
   bool confirms_text = false;
   GtkWidget *window = nullptr; // weak
 };
 
 LastPress last_press;
+
+// A press that is either the first repeat of a key pressed in another window, or a new press after
+// the release was lost with that window. What follows tells: only a held key repeats again at once.
+struct DoubtfulPress {
+  OwnedEvent event; // null for none
+  guint source = 0;
+};
+
+DoubtfulPress doubtful_press;
 
 bool is_enter(const GdkEventKey *event) {
   return event->keyval == GDK_KEY_Return || event->keyval == GDK_KEY_KP_Enter ||
@@ -90,32 +107,95 @@ void remember(const GdkEventKey *event, GtkWidget *window) {
   last_press.keycode = event->hardware_keycode;
   last_press.time = event->time;
   last_press.is_down = true;
+  last_press.is_repeating = false;
   last_press.acts_once = acts_once(event, focus);
   last_press.confirms_text = is_enter(event) && GTK_IS_EDITABLE(focus);
   g_set_weak_pointer(&last_press.window, window);
 }
 
+OwnedEvent take_doubtful_press() {
+  if (doubtful_press.source != 0) {
+    g_source_remove(std::exchange(doubtful_press.source, 0));
+  }
+  return std::exchange(doubtful_press.event, nullptr);
+}
+
+void deliver_doubtful_press() {
+  if (const OwnedEvent event = take_doubtful_press()) {
+    remember(&event->key, find_receiver(event.get()));
+    gtk_main_do_event(event.get());
+  }
+}
+
+gboolean doubt_timeout_callback(void *) {
+  doubtful_press.source = 0;
+  deliver_doubtful_press();
+  return G_SOURCE_REMOVE;
+}
+
+void doubt(GdkEvent *event) {
+  doubtful_press.event.reset(gdk_event_copy(event));
+  doubtful_press.source = g_timeout_add(longest_repeat_interval, doubt_timeout_callback, nullptr);
+}
+
+// The same key again means that it is held; any other key, or the release, that it was pressed.
+// True when the event is back in the queue, behind the press, which may run a main loop of its own.
+bool settle_doubt(GdkEvent *event) {
+  if (!doubtful_press.event) {
+    return false;
+  }
+  if (event->type == GDK_KEY_PRESS && event->key.hardware_keycode == last_press.keycode) {
+    take_doubtful_press();
+    last_press.is_repeating = true;
+    return false;
+  }
+  gdk_event_put(event);
+  deliver_doubtful_press();
+  return true;
+}
+
+bool let_repeat_through(GdkEvent *event, GtkWidget *window) {
+  last_press.time = event->key.time;
+  if (window != last_press.window) {
+    if (!last_press.is_repeating) {
+      doubt(event);
+    }
+    return false;
+  }
+  last_press.is_repeating = true;
+  return !last_press.acts_once && !acts_once(&event->key, get_focus(window));
+}
+
 bool let_press_through(GdkEvent *event) {
   const GdkEventKey *key = &event->key;
-  if (key->is_modifier) {
-    return true;
-  }
   GtkWidget *window = find_receiver(event);
-  const bool is_typing = is_typed_into_shield(key, window);
-  if (is_repeat(key)) {
-    last_press.time = key->time;
-    return !is_typing && window == last_press.window && !last_press.acts_once &&
-           !acts_once(key, get_focus(window));
+  const bool repeats = is_repeat(key);
+  if (is_typed_into_shield(key, window)) {
+    remember(key, window);
+    return false;
+  }
+  if (repeats) {
+    return let_repeat_through(event, window);
   }
   remember(key, window);
-  return !is_typing;
+  return true;
 }
 
 bool let_through(GdkEvent *event) {
-  if (event->type == GDK_KEY_RELEASE && event->key.hardware_keycode == last_press.keycode) {
+  const bool is_key = event->type == GDK_KEY_PRESS || event->type == GDK_KEY_RELEASE;
+  if (!is_key || event->key.is_modifier) {
+    return true;
+  }
+  if (settle_doubt(event)) {
+    return false;
+  }
+  if (event->type == GDK_KEY_PRESS) {
+    return let_press_through(event);
+  }
+  if (event->key.hardware_keycode == last_press.keycode) {
     last_press.is_down = false;
   }
-  return event->type != GDK_KEY_PRESS || let_press_through(event);
+  return true;
 }
 
 void event_callback(GdkEvent *event, void *) {

@@ -128,6 +128,18 @@ class Pace(WorkspaceJourney):
         settle(0.5)
         editing.expect_active()
 
+    def test_the_same_key_in_window_after_window_counts_each_time(self):
+        program, editing = self.open_own()
+        for _ in range(10):
+            editing.button("Add new").click()
+            dialog = program.window("Edit remark code")
+            display.press("Escape")
+            dialog.expect_closed()
+            display.press("Escape")
+            question = program.dialog("Really close?")
+            display.press("Escape")
+            question.expect_closed()
+
     def test_a_held_space_presses_a_button_once(self):
         _, editing = self.open_own()
         fields = len(editing.fields())

@@ -144,6 +144,33 @@ TEST_F(KeyGuard, AnotherKeyOrALongTimeEndsTheRepeating) {
   EXPECT_EQ(other_presses, 3);
 }
 
+// A window that is destroyed by a press may take the release with it.
+TEST_F(KeyGuard, APressAfterALostReleaseIsNotLost) {
+  other.show_active();
+  press(window.widget(), GDK_KEY_Escape);
+  press(other.widget(), GDK_KEY_Escape, 200);
+  release(other.widget(), GDK_KEY_Escape);
+  EXPECT_EQ(other_presses, 1);
+  press(window.widget(), GDK_KEY_Escape, 200);
+  press(other.widget(), GDK_KEY_Escape, 200);
+  press(other.widget(), GDK_KEY_a, 40);
+  EXPECT_EQ(other_presses, 3);
+  press(window.widget(), GDK_KEY_Escape, 200);
+  press(other.widget(), GDK_KEY_Escape, 200);
+  EXPECT_TRUE(wait_until([this] { return other_presses == 4; })); // it stays down
+  press(other.widget(), GDK_KEY_Escape, 660);
+  EXPECT_EQ(other_presses, 4);
+}
+
+TEST_F(KeyGuard, ADestroyedWindowGetsNoPressLater) {
+  other.show_active();
+  press(window.widget(), GDK_KEY_Escape);
+  press(other.widget(), GDK_KEY_Escape, 200);
+  other.destroy();
+  run_for(200);
+  EXPECT_EQ(other_presses, 0);
+}
+
 class Shield : public KeyGuard {
 protected:
   static void response_callback(GtkDialog *, int response, int *answer) { *answer = response; }
