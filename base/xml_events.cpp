@@ -10,6 +10,7 @@
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h> // XML_MAX_TEXT_LENGTH
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "base/error.h"
@@ -20,8 +21,6 @@
 namespace {
 
 const char *as_text(const xmlChar *text) { return reinterpret_cast<const char *>(text); }
-
-bool is_equal(const xmlChar *a, const char *b) { return std::strcmp(as_text(a), b) == 0; }
 
 // As the library's tree has it: a prefix that is not declared is part of the name. Room: for a name
 // that has to be put together.
@@ -113,9 +112,7 @@ struct EventReading {
   RecordedElement *grandchild = nullptr; // the last of the child's, while it is open
   bool is_child_recorded = false;        // the open child is one of those that are handed out
   std::size_t text_length = 0;           // of the text since the last other event, in bytes
-  bool has_root = false;
   bool needs_tree = false;
-  bool has_id = false; // some element has the attribute xml:id
 };
 
 EventReading &reading_of(void *context) {
@@ -142,16 +139,6 @@ void record_attributes(RecordedElement &element, std::string &room, int count,
   }
 }
 
-// While a tree is built, the library also reports what is wrong with the identifiers in it.
-bool has_id(int count, const xmlChar **attributes) {
-  for (const xmlChar **place = attributes; count > 0; count--, place += 5) {
-    if (is_equal(place[0], "id") && place[1] != nullptr && is_equal(place[1], "xml")) {
-      return true;
-    }
-  }
-  return false;
-}
-
 // The record for the item that begins, or null when it is left out.
 RecordedElement *begin_record(EventReading &reading, std::string_view item_name, int depth,
                               bool is_instruction) {
@@ -175,14 +162,12 @@ void start_element(void *context, const xmlChar *local_name, const xmlChar *pref
                    const xmlChar **attributes) noexcept {
   EventReading &reading = reading_of(context);
   reading.text_length = 0;
-  reading.has_id = reading.has_id || has_id(attribute_count, attributes);
   reading.depth++;
   if (reading.depth > grandchild_depth) {
     return;
   }
   const std::string_view name = get_name(reading.room, local_name, prefix, uri);
   if (reading.depth == root_depth) {
-    reading.has_root = true;
     reading.reader->begin(std::string(name).c_str());
     return;
   }
@@ -266,16 +251,11 @@ xmlSAXHandler event_handlers() {
 
 // ---- The two ways -------------------------------------------------------------------------------
 
-enum class Outcome { read, failed, failed_with_report_of_tree, needs_tree };
+enum class Outcome { read, failed, needs_tree };
 
-// A tree reports more where a parse fails: the faults of identifiers, and what follows a fault in
-// front of the document type, which the events then pass over.
 Outcome outcome_of(const EventReading &reading, const OwnedXmlDoc &document) {
   if (reading.needs_tree) {
     return Outcome::needs_tree;
-  }
-  if (!document && (reading.has_id || !reading.has_root)) {
-    return Outcome::failed_with_report_of_tree;
   }
   return document && !v_xml_has_lost_something() ? Outcome::read : Outcome::failed;
 }
@@ -327,8 +307,17 @@ bool read_by_tree(int descriptor, const XmlRootReader &reader) {
   return true;
 }
 
-// Replaces the message by the tree's. The file stays refused should it be readable meanwhile.
+// Bytes. The tree of a larger file takes too much memory to be made for its report alone.
+constexpr off_t largest_file_reported_by_tree = 16 * 1024 * 1024;
+
+// A tree reports more where a parse fails: the faults of identifiers, for one, and what follows a
+// fault in front of the document type. So the message is replaced by the tree's. The file stays
+// refused should it be readable meanwhile.
 void report_by_tree(int descriptor) {
+  struct stat status;
+  if (fstat(descriptor, &status) != 0 || status.st_size > largest_file_reported_by_tree) {
+    return;
+  }
   const OwnedText message = copy_text(v_error_get());
   if (parse_again(descriptor)) {
     v_error_set(message.get());
@@ -347,8 +336,6 @@ bool v_xml_read_root_children(const char *path, const XmlRootReader &reader) {
   case Outcome::read:
     return true;
   case Outcome::failed:
-    return false;
-  case Outcome::failed_with_report_of_tree:
     report_by_tree(descriptor);
     return false;
   case Outcome::needs_tree:

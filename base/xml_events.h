@@ -26,7 +26,8 @@ struct XmlRootReader {
   std::function<void(const XmlElement &child)> read_child;
 };
 
-// Reads the file (path in UTF-8). False with the message of v_xml_parse_file. The functions of the
+// Reads the file (path in UTF-8). False with the message of v_xml_parse_file; for a malformed file
+// above 16 MiB the report may lack what only a tree tells. The functions of the
 // reader must not parse another document, nor throw. True without a call of `begin`, and with
 // "Missing root element in XML tree.", for a document that has no root.
 bool v_xml_read_root_children(const char *path, const XmlRootReader &reader);

@@ -144,6 +144,8 @@ TEST_F(XmlEvents, WhatIsNotWellFormedFailsWithTheMessageOfTheTree) {
         "<a>]]></a>",
         "<p:a></p:b>",
         "<?xml version='2.0'?><!DOCTYPE a [<!ENTITY e '<b/>'>]><a x='&e;'>&e;</a>",
+        "<a><b xml:space='x&amp;</b></a>",
+        "<a><b xml:lang='x&amp;</b></a>",
         "<a><b xmlns='relative'><c></b></a>",
         "<a><?xml version='1.0'?></a>",
         "<a>\n<b c=d>\n</a>"}) {
