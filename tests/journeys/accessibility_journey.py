@@ -11,7 +11,10 @@ ASSISTANT = "Vantorelle Workspace Setup"
 LANGUAGES = ("English/United Kingdom [en-uk]", "Swedish [sv]", "German [de]")
 
 # What a user operates. A combo box takes the keys through a button inside it that is no object of its own.
-CONTROLS = (*accessibility.BUTTONS, *accessibility.TEXTS, *accessibility.LISTS, "check box", "radio button", "slider", "link")
+# A label that can have the focus is a text that can be copied.
+CONTROLS = (
+    *accessibility.BUTTONS, *accessibility.TEXTS, *accessibility.LISTS, "check box", "radio button", "slider", "link", "label",
+)
 NAMED = (*CONTROLS, "combo box", "menu item", "alert", "dialog", "frame", "icon")
 
 # Tab goes from text to text in the language editor; what stands beside a text is reached with Ctrl+Tab.
