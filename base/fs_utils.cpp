@@ -92,6 +92,13 @@ OwnedFile v_fs_utils_open_file(const char *path, const char *mode) {
   return file;
 }
 
+OwnedText v_fs_utils_resolve_links(const char *path) {
+  const OwnedText name(g_filename_from_utf8(path, -1, nullptr, nullptr, nullptr));
+  const SystemName resolved(name ? realpath(name.get(), nullptr) : nullptr);
+  return OwnedText(resolved ? g_filename_to_utf8(resolved.get(), -1, nullptr, nullptr, nullptr)
+                            : nullptr);
+}
+
 VFilePermissions v_fs_utils_get_permissions(const char *path) {
   const OwnedText name(g_filename_from_utf8(path, -1, nullptr, nullptr, nullptr));
   struct stat status;

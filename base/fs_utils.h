@@ -33,6 +33,10 @@ OwnedText v_fs_utils_convert_utf8_to_osfsenc(const char *path);
 // what could keep the program waiting for ever: a named pipe, and a character device to read from.
 OwnedFile v_fs_utils_open_file(const char *path, const char *mode);
 
+// The absolute path without links. Null when there is nothing at the path, or the path cannot be
+// used.
+OwnedText v_fs_utils_resolve_links(const char *path);
+
 // Permissions of a file for the one that will take its place.
 struct VFilePermissions {
   bool are_known = false;  // false: there is no such file

@@ -25,10 +25,20 @@ OwnedText find_folder() {
                       : nullptr;
 }
 
+// The absolute path of the file, the same by whichever links its folder is reached. A link in the
+// file's own place counts as the file: saving replaces it.
+OwnedText find_location(const char *path) {
+  const OwnedText folder(g_path_get_dirname(path));
+  const OwnedText real_folder = v_fs_utils_resolve_links(folder.get());
+  return real_folder ? v_fs_utils_create_path_in_folder(real_folder.get(),
+                                                        v_fs_utils_find_entry_name_in_path(path))
+                     : OwnedText(g_canonicalize_filename(path, nullptr));
+}
+
 // What the names of all drafts of a codeset file begin with, and of no other's: paths may be longer
 // than a name can be.
 std::string find_prefix(const char *codeset_path) {
-  const OwnedText absolute(g_canonicalize_filename(codeset_path, nullptr));
+  const OwnedText absolute = find_location(codeset_path);
   const OwnedText digest(g_compute_checksum_for_string(G_CHECKSUM_SHA256, absolute.get(), -1));
   return std::string(digest.get()) + ".";
 }

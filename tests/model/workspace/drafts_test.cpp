@@ -243,6 +243,20 @@ TEST_F(Drafts, BelongsToOneFileWhateverItsPathIsCalled) {
   }
 }
 
+TEST_F(Drafts, BelongsToTheSameFileThroughALinkedFolder) {
+  make_folder(folder / "codesets");
+  make_folder(folder / "others");
+  std::filesystem::create_directory_symlink(folder / "codesets", folder / "link");
+  path = folder / "codesets/paper.codeset";
+  leave_behind(paper().get());
+  EXPECT_EQ(left_name(v_draft_open((folder / "link/paper.codeset").c_str())), "Paper");
+  EXPECT_EQ(left_name(v_draft_open((folder / "others/paper.codeset").c_str())), "none");
+  EXPECT_EQ(left_name(v_draft_open((folder / "gone/paper.codeset").c_str())), "none");
+  // A save puts a file in the place of a link.
+  std::filesystem::create_symlink(path, folder / "others/paper.codeset");
+  EXPECT_EQ(left_name(v_draft_open((folder / "others/paper.codeset").c_str())), "none");
+}
+
 TEST_F(Drafts, ARunningProgramKeepsItsOwn) {
   const OwnedDraft running = open();
   v_draft_write(running.get(), paper("Running").get());
