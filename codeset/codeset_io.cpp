@@ -229,7 +229,12 @@ OwnedCodeset v_codeset_io_read_from_file_in_workspace(const char *workspace_fold
 }
 
 bool v_codeset_io_write_to_file(const VCodeset *codeset, const char *path) {
-  const VFilePermissions permissions = v_fs_utils_get_permissions(path);
+  return v_codeset_io_write_to_file_with_permissions(codeset, path,
+                                                     v_fs_utils_get_permissions(path));
+}
+
+bool v_codeset_io_write_to_file_with_permissions(const VCodeset *codeset, const char *path,
+                                                 const VFilePermissions &permissions) {
   if (!v_fs_utils_delete_file_if_exists(path)) {
     v_error_append("Cannot access file.");
     return false;
@@ -244,6 +249,17 @@ bool v_codeset_io_write_to_file(const VCodeset *codeset, const char *path) {
     file.reset();
     v_fs_utils_discard_file(path);
     return false;
+  }
+  return true;
+}
+
+bool v_codeset_io_can_be_read_back(const VCodeset *codeset) {
+  const VRemarkList *list = codeset->remarks.get();
+  for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+    const char *code = remark->code.get();
+    if (std::strpbrk(code, "&<") != nullptr || std::strstr(code, "]]>") != nullptr) {
+      return false;
+    }
   }
   return true;
 }

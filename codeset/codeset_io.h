@@ -5,6 +5,7 @@
 
 #include <cstdio>
 
+#include "base/fs_utils.h"
 #include "codeset/codeset.h"
 
 // Reads a file (path in UTF-8); the remarks come in remark code order. Null with "Error loading
@@ -21,6 +22,12 @@ OwnedCodeset v_codeset_io_read_from_file_in_workspace(const char *workspace_fold
 // file is left at the path. The old file is gone before the new one is written: the codeset in
 // memory is what is tried again with.
 bool v_codeset_io_write_to_file(const VCodeset *codeset, const char *path);
+// The same with permissions for the new file, which outlast an attempt that failed: then the old
+// file has none any more.
+bool v_codeset_io_write_to_file_with_permissions(const VCodeset *codeset, const char *path,
+                                                 const VFilePermissions &permissions);
+// Whether the file that these two write reads back equal. False when a code has "&", "<" or "]]>".
+bool v_codeset_io_can_be_read_back(const VCodeset *codeset);
 
 // Writes a codeset to an open file, and flushes it, in a form that can always be read again as long
 // as there is a remark: codes are escaped, and a codeset without name gets the substitute

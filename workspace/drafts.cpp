@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/error.h"
 #include "base/fs_utils.h"
 #include "base/text_encoding.h"
 #include "codeset/codeset_io.h"
@@ -113,6 +114,24 @@ bool sync_file(const char *path) {
   return v_private_files_sync(path) && v_private_files_sync(folder.get());
 }
 
+bool write_and_sync_draft(VDraft *draft, const VCodeset *codeset) {
+  return write_draft(draft, codeset) && sync_file(draft->path.get());
+}
+
+void remember_permissions(VDraft *draft) {
+  const VFilePermissions permissions = v_fs_utils_get_permissions(draft->codeset_path.get());
+  if (permissions.are_known) {
+    draft->codeset_permissions = permissions;
+  }
+}
+
+// The file was there when it was saved, and is not now.
+bool has_lost_its_file(const VDraft *draft) {
+  VFileInfo info;
+  return draft->codeset_permissions.are_known &&
+         (!v_fs_utils_get_info(draft->codeset_path.get(), info) || !info.exists);
+}
+
 void discard_unless_held(const char *path) {
   if (const OwnedHeldFile held = v_private_files_hold(path)) {
     v_fs_utils_discard_file(path);
@@ -187,13 +206,19 @@ OwnedDraft v_draft_open(const char *codeset_path) {
 void v_draft_write(VDraft *draft, const VCodeset *codeset) { write_draft(draft, codeset); }
 
 bool v_draft_save_codeset(VDraft *draft, const VCodeset *codeset) {
-  if (write_draft(draft, codeset)) {
-    sync_file(draft->path.get());
-  }
-  if (!v_codeset_io_write_to_file(codeset, draft->codeset_path.get())) {
+  const bool is_drafted = write_and_sync_draft(draft, codeset);
+  remember_permissions(draft);
+  if (!v_codeset_io_write_to_file_with_permissions(codeset, draft->codeset_path.get(),
+                                                   draft->codeset_permissions)) {
+    // The old file may have made room on a full disk.
+    if (!is_drafted) {
+      const OwnedText message = copy_text(v_error_get());
+      write_and_sync_draft(draft, codeset);
+      v_error_set(message.get());
+    }
     return false;
   }
-  if (sync_file(draft->codeset_path.get())) {
+  if (sync_file(draft->codeset_path.get()) && v_codeset_io_can_be_read_back(codeset)) {
     v_draft_remove(draft);
   }
   return true;
@@ -201,7 +226,7 @@ bool v_draft_save_codeset(VDraft *draft, const VCodeset *codeset) {
 
 void v_draft_remove(VDraft *draft) {
   draft->left_behind.reset();
-  if (draft->path) {
+  if (draft->path && !has_lost_its_file(draft)) {
     v_fs_utils_discard_file(draft->path.get());
   }
   // Held until it is gone, so that no other program takes it over.

@@ -10,11 +10,14 @@
 
 #include <cstdint>
 
+#include "base/fs_utils.h"
 #include "base/private_files.h"
 #include "codeset/codeset.h"
 
 struct VDraft {
   OwnedText codeset_path;
+  // Of the codeset's file when it was saved or tried to be; not known while there was none.
+  VFilePermissions codeset_permissions;
   OwnedText path;     // of the draft; null while there is none
   OwnedHeldFile held; // the draft, null likewise
   // What a program that no longer runs had left behind, until it is taken or the draft is removed;
@@ -38,8 +41,12 @@ void v_draft_write(VDraft *draft, const VCodeset *codeset);
 
 // Saves the codeset to its file as v_codeset_io_write_to_file does, and returns what that returns.
 // Before that the draft is brought up to date and forced onto the disk; it is removed once the file
-// is on the disk. A failure of the draft does not stop the saving.
+// is on the disk. It stays beside a file that cannot be read back (v_codeset_io_can_be_read_back):
+// then the draft alone holds the work. A failure of the draft does not stop the saving. A save that
+// is tried again gives the file the permissions that it had before it was lost.
 bool v_draft_save_codeset(VDraft *draft, const VCodeset *codeset);
 
-// Removes the draft. The next one that is written is a new one.
+// Removes the draft. The next one that is written is a new one. What is on the disk stays there,
+// and counts as left behind, when a failed save has taken the codeset's file away: then there is
+// nothing else.
 void v_draft_remove(VDraft *draft);

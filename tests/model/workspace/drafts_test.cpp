@@ -367,7 +367,7 @@ TEST_F(Drafts, SavingWritesTheFileAndLeavesNoDraft) {
   const OwnedDraft draft = open();
   v_draft_write(draft.get(), paper("Draft").get());
   EXPECT_TRUE(v_draft_save_codeset(draft.get(),
-                                   codeset_with({{"sv", "P"}}, {{"A&B", {{"sv", "1"}}}}).get()));
+                                   codeset_with({{"sv", "P"}}, {{"A>B", {{"sv", "1"}}}}).get()));
   // As the format wants it, codes unescaped.
   EXPECT_EQ(read_file(path), "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n"
                              "\n"
@@ -376,7 +376,7 @@ TEST_F(Drafts, SavingWritesTheFileAndLeavesNoDraft) {
                              "\t<name lang=\"sv\">P</name>\n"
                              "\n"
                              "\t<remark>\n"
-                             "\t\t<code>A&B</code>\n"
+                             "\t\t<code>A>B</code>\n"
                              "\t\t<description lang=\"sv\">1</description>\n"
                              "\t</remark>\n"
                              "\n"
@@ -468,6 +468,127 @@ TEST_F(Drafts, AFailedWriteKeepsTheOlderOneAndLeavesNothingElse) {
   EXPECT_EQ(left_name(open()), "none");
   draft.reset();
   EXPECT_EQ(left_name(open()), "Old");
+}
+
+// ---- When the file is no substitute for the draft ----------------------------------------------
+
+TEST_F(Drafts, AFileThatCannotGiveTheCodesBackLeavesTheDraft) {
+  for (const char *code : {"A&B", "a<b", "x&amp;", "y]]>"}) {
+    const Remarks odd = {{"1", {{"sv", "a"}}}, {code, {{"sv", "b"}}}};
+    OwnedDraft draft = open();
+    EXPECT_TRUE(v_draft_save_codeset(draft.get(), codeset_with({{"sv", "P"}}, odd).get()));
+    draft.reset();
+    draft = open();
+    ASSERT_TRUE(draft->left_behind) << code;
+    EXPECT_EQ(remarks_of(draft->left_behind->remarks), odd);
+    // Once the codes are others, the file is enough.
+    EXPECT_TRUE(v_draft_save_codeset(draft.get(), paper().get()));
+    EXPECT_THAT(names(), IsEmpty()) << code;
+  }
+}
+
+TEST_F(Drafts, AFileThatGivesUnusualCodesBackLeavesNoDraft) {
+  const OwnedDraft draft = open();
+  const Remarks odd = {{"\"1'", {{"sv", "a & <b> ]]>"}}}, {"a>b]]", {{"sv", "b"}}}};
+  EXPECT_TRUE(v_draft_save_codeset(draft.get(), codeset_with({{"sv", "P&"}}, odd).get()));
+  EXPECT_THAT(names(), IsEmpty());
+  const OwnedCodeset saved = v_codeset_io_read_from_file(path.c_str());
+  ASSERT_TRUE(saved);
+  EXPECT_THAT(remarks_of(saved->remarks), testing::UnorderedElementsAreArray(odd));
+}
+
+namespace {
+
+// Fails once the old file is gone, as on a disk that is full or no longer there.
+void fail_to_save_after_the_old_file_is_gone(VDraft *draft, const std::string &path,
+                                             const VCodeset *codeset) {
+  const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+  {
+    const WatchedDiskCalls watched([&](const std::string &call, const std::string &at) {
+      if (call == "unlink" && at == path) {
+        std::filesystem::remove_all(folder);
+      }
+      return true;
+    });
+    EXPECT_FALSE(v_draft_save_codeset(draft, codeset));
+  }
+  make_folder(folder);
+  EXPECT_FALSE(path_exists(path));
+}
+
+} // namespace
+
+TEST_F(Drafts, RemovingLeavesTheOneThatIsAllThatAFailedSaveHasLeft) {
+  path = folder / "codesets/paper.codeset";
+  make_folder(folder / "codesets");
+  ASSERT_TRUE(v_codeset_io_write_to_file(paper("Old").get(), path.c_str()));
+  OwnedDraft draft = open();
+  fail_to_save_after_the_old_file_is_gone(draft.get(), path, paper("New").get());
+  v_draft_remove(draft.get());
+  draft.reset();
+  draft = open();
+  EXPECT_EQ(left_name(draft), "New");
+  // The user does without it.
+  v_draft_remove(draft.get());
+  EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(Drafts, RemovingAfterAFailedFirstSaveLeavesNothing) {
+  path = folder / "codesets/paper.codeset";
+  make_folder(folder / "codesets");
+  const OwnedDraft draft = open();
+  fail_to_save_after_the_old_file_is_gone(draft.get(), path, paper("New").get());
+  EXPECT_THAT(names(), SizeIs(1));
+  v_draft_remove(draft.get());
+  EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(Drafts, RemovingAfterALaterSaveLeavesNothing) {
+  path = folder / "codesets/paper.codeset";
+  make_folder(folder / "codesets");
+  ASSERT_TRUE(v_codeset_io_write_to_file(paper("Old").get(), path.c_str()));
+  const OwnedDraft draft = open();
+  fail_to_save_after_the_old_file_is_gone(draft.get(), path, paper("New").get());
+  EXPECT_TRUE(v_draft_save_codeset(draft.get(), paper("New").get()));
+  EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(Drafts, ASaveThatIsTriedAgainKeepsTheOldFilesPermissions) {
+  path = folder / "codesets/paper.codeset";
+  make_folder(folder / "codesets");
+  ASSERT_TRUE(v_codeset_io_write_to_file(paper("Old").get(), path.c_str()));
+  set_permissions(path, 0600);
+  const OwnedDraft draft = open();
+  fail_to_save_after_the_old_file_is_gone(draft.get(), path, paper("New").get());
+  EXPECT_TRUE(v_draft_save_codeset(draft.get(), paper("New").get()));
+  EXPECT_EQ(permissions_of(path), 0600U);
+  // Those of the day: somebody has opened it to others since.
+  set_permissions(path, 0640);
+  EXPECT_TRUE(v_draft_save_codeset(draft.get(), paper("Newer").get()));
+  EXPECT_EQ(permissions_of(path), 0640U);
+}
+
+TEST_F(Drafts, ADraftThatFailedIsWrittenOnceTheSaveHasFailedToo) {
+  path = folder / "codesets/paper.codeset";
+  make_folder(folder / "codesets");
+  ASSERT_TRUE(v_codeset_io_write_to_file(paper("Old").get(), path.c_str()));
+  OwnedDraft draft = open();
+  // As on a full disk, where the old file makes room.
+  bool has_room = false;
+  {
+    const WatchedDiskCalls watched([&](const std::string &call, const std::string &at) {
+      if (call == "unlink" && at == path) {
+        has_room = true;
+        std::filesystem::remove_all(folder / "codesets");
+      }
+      return has_room || call != "rename";
+    });
+    EXPECT_FALSE(v_draft_save_codeset(draft.get(), paper("New").get()));
+    EXPECT_THAT(v_error_get(), testing::StartsWith("Cannot create file."));
+  }
+  make_folder(folder / "codesets");
+  draft.reset();
+  EXPECT_EQ(left_name(open()), "New");
 }
 
 // ---- No place for drafts ------------------------------------------------------------------------
