@@ -203,7 +203,9 @@ OwnedDraft v_draft_open(const char *codeset_path) {
   return draft;
 }
 
-void v_draft_write(VDraft *draft, const VCodeset *codeset) { write_draft(draft, codeset); }
+bool v_draft_write(VDraft *draft, const VCodeset *codeset) {
+  return v_remark_list_is_empty(codeset->remarks.get()) || write_draft(draft, codeset);
+}
 
 bool v_draft_save_codeset(VDraft *draft, const VCodeset *codeset) {
   const bool is_drafted = write_and_sync_draft(draft, codeset);

@@ -36,8 +36,9 @@ using OwnedDraft = Owned<VDraft, v_draft_close>;
 OwnedDraft v_draft_open(const char *codeset_path);
 
 // Brings the draft up to date, in place of the older one. A codeset without name is given its
-// file's name. A codeset without remarks could not be read again: the older draft stays.
-void v_draft_write(VDraft *draft, const VCodeset *codeset);
+// file's name. A codeset without remarks could not be read again: the older draft stays. False when
+// the draft could not be written, so that it may be tried again later.
+bool v_draft_write(VDraft *draft, const VCodeset *codeset);
 
 // Saves the codeset to its file as v_codeset_io_write_to_file does, and returns what that returns.
 // Before that the draft is brought up to date and forced onto the disk; it is removed once the file

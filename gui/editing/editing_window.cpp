@@ -286,14 +286,14 @@ void draft_is_not_due(EditingWindow *editing) {
   g_clear_handle_id(&editing->draft_timer, g_source_remove);
 }
 
-void write_draft(EditingWindow *editing) {
+bool write_draft(EditingWindow *editing) {
   draft_is_not_due(editing);
   // A field that is refused, as while two rows have the same language, is in the draft with the
   // last value that was not.
   read_name(editing);
   read_author(editing);
   read_version(editing);
-  v_draft_write(editing->draft.get(), editing->codeset.get());
+  return v_draft_write(editing->draft.get(), editing->codeset.get());
 }
 
 // Handlers.
@@ -303,7 +303,9 @@ void text_changed_callback(GtkWidget *, EditingWindow *editing) { draft_is_due(e
 
 gboolean draft_timer_callback(void *editing_window) {
   auto *editing = static_cast<EditingWindow *>(editing_window);
-  write_draft(editing);
+  if (!write_draft(editing)) {
+    draft_is_due(editing); // a full disk may have room by then
+  }
   return G_SOURCE_REMOVE;
 }
 

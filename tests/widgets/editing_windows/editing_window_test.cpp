@@ -1019,6 +1019,27 @@ TEST_F(EditingWindowDrafts, ShowNothingWhenThereIsNoPlaceForThem) {
   std::rename((state + "-away").c_str(), state.c_str());
 }
 
+TEST_F(EditingWindowDrafts, AreWrittenOnceThereIsAPlaceForThem) {
+  const std::string state = g_get_user_state_dir();
+  std::rename(state.c_str(), (state + "-away").c_str());
+  write_file(state, "a file");
+  check([] { gtk_entry_set_text(version_entry(), "2"); });
+  auto waited = std::make_shared<bool>(false);
+  check([waited] { after(1500, [waited] { *waited = true; }); });
+  script.when(
+      "the time of a draft", [waited] { return *waited; },
+      [state] {
+        std::remove(state.c_str());
+        std::rename((state + "-away").c_str(), state.c_str());
+      });
+  std::vector<std::string> head = paper_head;
+  head[3] = "<version>2</version>";
+  script.when(
+      "the draft", [this, head] { return draft() == codeset_file(head, paper_codes); }, [] {});
+  close_without_saving();
+  EXPECT_EQ(run(), 0);
+}
+
 TEST_F(EditingWindowDrafts, AreRestoredAndSaved) {
   leave_draft(newer);
   script.answer("Question", restore_question(), "Yes");
