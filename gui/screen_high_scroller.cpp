@@ -1,9 +1,16 @@
 #include "gui/screen_high_scroller.h"
 
+#include <algorithm>
+
 #include "gui/screen_area.h"
 
 struct _VScreenHighScroller {
   GtkScrolledWindow parent_instance;
+
+  int least_height; // pixels; 0 for as high as the content or the screen
+  // Both in pixels, as they were when the scroller was laid out last.
+  double content_height;
+  double shown_height;
 };
 
 G_DEFINE_TYPE(VScreenHighScroller, v_screen_high_scroller, GTK_TYPE_SCROLLED_WINDOW)
@@ -15,16 +22,21 @@ namespace {
 int get_usable_height(GtkWidget *widget) { return v_screen_area_get(widget).height * 8 / 10; }
 
 // The scrolled window itself would be content with next to no height.
+int limit_minimum(GtkWidget *widget, int natural) {
+  const int least_height = V_SCREEN_HIGH_SCROLLER(widget)->least_height;
+  return least_height == 0 ? natural : std::min(natural, least_height);
+}
+
 void get_preferred_height(GtkWidget *widget, int *minimum, int *natural) {
   GTK_WIDGET_CLASS(v_screen_high_scroller_parent_class)
       ->get_preferred_height(widget, minimum, natural);
-  *minimum = *natural;
+  *minimum = limit_minimum(widget, *natural);
 }
 
 void get_preferred_height_for_width(GtkWidget *widget, int width, int *minimum, int *natural) {
   GTK_WIDGET_CLASS(v_screen_high_scroller_parent_class)
       ->get_preferred_height_for_width(widget, width, minimum, natural);
-  *minimum = *natural;
+  *minimum = limit_minimum(widget, *natural);
 }
 
 // The scrolled window itself would keep room for the scroll bar that is not there.
@@ -41,12 +53,46 @@ void get_preferred_width(GtkWidget *widget, int *minimum, int *natural) {
   }
 }
 
+// Null when the focus is not inside.
+GtkWidget *find_focus_inside(GtkWidget *scroller) {
+  GtkWidget *window = gtk_widget_get_toplevel(scroller);
+  GtkWidget *focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+  return focus != nullptr && gtk_widget_is_ancestor(focus, scroller) ? focus : nullptr;
+}
+
+void scroll_to(GtkWidget *widget, GtkWidget *content, GtkAdjustment *place) {
+  int top = 0;
+  if (gtk_widget_translate_coordinates(widget, content, 0, 0, nullptr, &top)) {
+    gtk_adjustment_clamp_page(place, top, top + gtk_widget_get_allocated_height(widget));
+  }
+}
+
+// The toolkit scrolls to a widget when it gets the focus, but a new one has no place until it is
+// laid out here. Otherwise the user may have scrolled elsewhere on purpose.
+void size_allocate(GtkWidget *widget, GtkAllocation *allocation) {
+  VScreenHighScroller *scroller = V_SCREEN_HIGH_SCROLLER(widget);
+  GTK_WIDGET_CLASS(v_screen_high_scroller_parent_class)->size_allocate(widget, allocation);
+  GtkAdjustment *place = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller));
+  const double content_height = gtk_adjustment_get_upper(place);
+  const double shown_height = gtk_adjustment_get_page_size(place);
+  if (content_height == scroller->content_height && shown_height == scroller->shown_height) {
+    return;
+  }
+  scroller->content_height = content_height;
+  scroller->shown_height = shown_height;
+  GtkWidget *viewport = gtk_bin_get_child(GTK_BIN(scroller));
+  if (GtkWidget *focus = find_focus_inside(widget)) {
+    scroll_to(focus, gtk_bin_get_child(GTK_BIN(viewport)), place);
+  }
+}
+
 } // namespace
 
 static void v_screen_high_scroller_class_init(VScreenHighScrollerClass *scroller_class) {
   GTK_WIDGET_CLASS(scroller_class)->get_preferred_width = get_preferred_width;
   GTK_WIDGET_CLASS(scroller_class)->get_preferred_height = get_preferred_height;
   GTK_WIDGET_CLASS(scroller_class)->get_preferred_height_for_width = get_preferred_height_for_width;
+  GTK_WIDGET_CLASS(scroller_class)->size_allocate = size_allocate;
 }
 
 static void v_screen_high_scroller_init(VScreenHighScroller *scroller) {
@@ -62,4 +108,9 @@ static void v_screen_high_scroller_init(VScreenHighScroller *scroller) {
 
 GtkWidget *v_screen_high_scroller_new() {
   return GTK_WIDGET(g_object_new(V_TYPE_SCREEN_HIGH_SCROLLER, nullptr));
+}
+
+void v_screen_high_scroller_set_least_height(VScreenHighScroller *scroller, int height) {
+  scroller->least_height = height;
+  gtk_widget_queue_resize(GTK_WIDGET(scroller));
 }

@@ -1,6 +1,7 @@
 #pragma once
 // A scrolled window as high as its content, as long as that fits the screen: it grows and shrinks
-// with the content, and scrolls only where the screen ends.
+// with the content, and scrolls only where the screen ends. The widget that has the focus stays in
+// view when the content or the room for it changes.
 
 #include <gtk/gtk.h>
 
@@ -10,3 +11,6 @@ G_DECLARE_FINAL_TYPE(VScreenHighScroller, v_screen_high_scroller, V, SCREEN_HIGH
 
 // Floating, like every new widget.
 GtkWidget *v_screen_high_scroller_new();
+// Lets the scroller become as low as that (pixels) where the other rows of the window need the
+// room. Without it the scroller is always as high as its content or the screen allow.
+void v_screen_high_scroller_set_least_height(VScreenHighScroller *scroller, int height);

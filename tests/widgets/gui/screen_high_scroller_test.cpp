@@ -32,6 +32,28 @@ struct Tower {
       v_gui_pack_entry(rows, Expand::no, "Row", ActivatesDefault::no);
     }
   }
+  GtkWidget *row(int number) {
+    const Owned<GList, g_list_free> children(gtk_container_get_children(GTK_CONTAINER(rows)));
+    return GTK_WIDGET(g_list_nth_data(children.get(), static_cast<guint>(number)));
+  }
+  GtkWidget *last_row() {
+    const Owned<GList, g_list_free> children(gtk_container_get_children(GTK_CONTAINER(rows)));
+    return GTK_WIDGET(g_list_last(children.get())->data);
+  }
+  VScreenHighScroller *scroller() {
+    return V_SCREEN_HIGH_SCROLLER(
+        gtk_widget_get_ancestor(GTK_WIDGET(rows), V_TYPE_SCREEN_HIGH_SCROLLER));
+  }
+  GtkAdjustment *place() {
+    return gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller()));
+  }
+  bool shows_whole(GtkWidget *widget) {
+    int top = 0;
+    gtk_widget_translate_coordinates(widget, GTK_WIDGET(rows), 0, 0, nullptr, &top);
+    const double shown_top = gtk_adjustment_get_value(place());
+    const double shown_bottom = shown_top + gtk_adjustment_get_page_size(place());
+    return top >= shown_top && top + gtk_widget_get_allocated_height(widget) <= shown_bottom;
+  }
   int height() {
     int width = 0;
     int height = 0;
@@ -99,14 +121,75 @@ TEST(ScreenHighScroller, WhatHasTheFocusScrollsIntoView) {
   tower.add_rows(100);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
   settle();
-  auto *scroller = GTK_SCROLLED_WINDOW(
-      gtk_widget_get_ancestor(GTK_WIDGET(tower.rows), V_TYPE_SCREEN_HIGH_SCROLLER));
-  GtkAdjustment *place = gtk_scrolled_window_get_vadjustment(scroller);
-  EXPECT_EQ(gtk_adjustment_get_value(place), 0);
-  GList *children = gtk_container_get_children(GTK_CONTAINER(tower.rows));
-  gtk_widget_grab_focus(GTK_WIDGET(g_list_last(children)->data));
-  g_list_free(children);
-  EXPECT_TRUE(wait_until([place] { return gtk_adjustment_get_value(place) > 1000; }));
+  EXPECT_EQ(gtk_adjustment_get_value(tower.place()), 0);
+  gtk_widget_grab_focus(tower.last_row());
+  EXPECT_TRUE(wait_until([&] { return gtk_adjustment_get_value(tower.place()) > 1000; }));
+}
+
+TEST(ScreenHighScroller, ANewRowThatTakesTheFocusScrollsIntoView) {
+  Tower tower;
+  tower.add_rows(2);
+  gtk_widget_show(GTK_WIDGET(tower.window.get()));
+  settle();
+  for (int row = 2; row < 60; row++) {
+    tower.add_rows(1);
+    gtk_widget_grab_focus(tower.last_row());
+    settle();
+    ASSERT_TRUE(tower.shows_whole(tower.last_row())) << "row " << row;
+  }
+}
+
+TEST(ScreenHighScroller, WhatHasTheFocusStaysInViewWhenTheWindowShrinks) {
+  Tower tower;
+  tower.add_rows(100);
+  gtk_window_maximize(tower.window.get());
+  v_screen_high_scroller_set_least_height(tower.scroller(), 100);
+  gtk_widget_show(GTK_WIDGET(tower.window.get()));
+  settle();
+  const int before = tower.height();
+  GtkWidget *row = tower.row(12);
+  gtk_widget_grab_focus(row);
+  settle();
+  gtk_window_unmaximize(tower.window.get());
+  gtk_window_resize(tower.window.get(), 200, 200);
+  ASSERT_TRUE(wait_until([&] { return tower.height() < before / 2; }));
+  settle();
+  EXPECT_TRUE(tower.shows_whole(row));
+}
+
+TEST(ScreenHighScroller, StaysWhereTheUserHasScrolledIt) {
+  Tower tower;
+  tower.add_rows(100);
+  gtk_widget_show(GTK_WIDGET(tower.window.get()));
+  settle();
+  gtk_widget_grab_focus(tower.row(0));
+  settle();
+  gtk_adjustment_set_value(tower.place(), 1000);
+  gtk_widget_queue_resize(tower.row(50));
+  settle();
+  EXPECT_EQ(gtk_adjustment_get_value(tower.place()), 1000);
+}
+
+TEST(ScreenHighScroller, MakesDoWithItsLeastHeight) {
+  Tower tower;
+  tower.add_rows(100);
+  v_screen_high_scroller_set_least_height(tower.scroller(), 120);
+  gtk_widget_show(GTK_WIDGET(tower.window.get()));
+  settle();
+  int least = 0;
+  int natural = 0;
+  gtk_widget_get_preferred_height(GTK_WIDGET(tower.scroller()), &least, &natural);
+  EXPECT_EQ(least, 120);
+  EXPECT_GT(natural, screen_height() / 2);
+}
+
+TEST(ScreenHighScroller, IsNoHigherThanItsContentWhateverItsLeastHeight) {
+  Tower tower;
+  tower.add_rows(1);
+  v_screen_high_scroller_set_least_height(tower.scroller(), 500);
+  gtk_widget_show(GTK_WIDGET(tower.window.get()));
+  settle();
+  EXPECT_LT(tower.height(), 200);
 }
 
 } // namespace
