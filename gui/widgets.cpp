@@ -5,6 +5,7 @@
 
 #include "gui/button.h"
 #include "gui/css.h"
+#include "gui/list_scroller.h"
 #include "gui/owned_objects.h"
 #include "gui/placing.h"
 #include "gui/screen_area.h"
@@ -77,6 +78,11 @@ glong count_characters_of_longest_line(const char *text) {
     line = end == nullptr ? nullptr : end + 1;
   }
   return longest;
+}
+
+void set_up_scrolled_window(GtkScrolledWindow *scrolled_window, int width, int height) {
+  gtk_scrolled_window_set_overlay_scrolling(scrolled_window, FALSE);
+  gtk_widget_set_size_request(GTK_WIDGET(scrolled_window), width, height);
 }
 
 // A hyphen at the end of a line would read as a part of a path.
@@ -163,6 +169,14 @@ GtkBox *v_gui_pack_scrolling_vbox(GtkBox *box, Expand expand, Spacing spacing) {
   // What has the focus scrolls into view.
   gtk_container_set_focus_vadjustment(
       GTK_CONTAINER(inner_box), gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller)));
+  return inner_box;
+}
+
+GtkBox *v_gui_pack_yielding_vbox(GtkBox *box, Spacing spacing) {
+  GtkBox *inner_box = v_gui_pack_scrolling_vbox(box, Expand::no, spacing);
+  GtkWidget *scroller = gtk_widget_get_ancestor(GTK_WIDGET(inner_box), V_TYPE_SCREEN_HIGH_SCROLLER);
+  v_screen_high_scroller_set_least_height(V_SCREEN_HIGH_SCROLLER(scroller),
+                                          v_screen_area_get(scroller).height * 3 / 10);
   return inner_box;
 }
 
@@ -315,11 +329,18 @@ GtkScrolledWindow *v_gui_create_scrolled_window(int width, int height,
                                                 GtkShadowType shadow) {
   GtkScrolledWindow *scrolled_window =
       GTK_SCROLLED_WINDOW(shown(gtk_scrolled_window_new(nullptr, nullptr)));
-  gtk_scrolled_window_set_overlay_scrolling(scrolled_window, FALSE);
+  set_up_scrolled_window(scrolled_window, width, height);
   gtk_scrolled_window_set_policy(scrolled_window, horizontal_policy, vertical_policy);
   gtk_scrolled_window_set_shadow_type(scrolled_window, shadow);
-  gtk_widget_set_size_request(GTK_WIDGET(scrolled_window), width, height);
   return scrolled_window;
+}
+
+GtkScrolledWindow *v_gui_pack_list_scrolled_window(GtkBox *box, int width, int height) {
+  auto *scrolled_window = GTK_SCROLLED_WINDOW(shown(v_list_scroller_new()));
+  set_up_scrolled_window(scrolled_window, width, height);
+  gtk_scrolled_window_set_policy(scrolled_window, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+  gtk_scrolled_window_set_shadow_type(scrolled_window, GTK_SHADOW_IN);
+  return packed(box, Expand::yes, scrolled_window);
 }
 
 GtkScrolledWindow *v_gui_pack_scrolled_window(GtkBox *box, int width, int height,

@@ -56,6 +56,9 @@ GtkBox *v_gui_pack_vbox(GtkBox *box, Expand expand, Spacing spacing);
 GtkBox *v_gui_pack_hbox(GtkBox *box, Expand expand, Spacing spacing);
 // A vertical box that scrolls where the screen is not as high as its content.
 GtkBox *v_gui_pack_scrolling_vbox(GtkBox *box, Expand expand, Spacing spacing);
+// The same, not expanding, for a window in which a list asks for room as well: what one of them
+// does not need the other one gets, and neither is squeezed out.
+GtkBox *v_gui_pack_yielding_vbox(GtkBox *box, Spacing spacing);
 // Packs an alignment and returns the box inside it.
 GtkBox *v_gui_pack_hbox_in_alignment(GtkBox *box, Expand expand, Spacing spacing, float x_align,
                                      float y_align, float x_scale, float y_scale);
@@ -128,6 +131,8 @@ GtkScrolledWindow *v_gui_create_scrolled_window(int width, int height,
 GtkScrolledWindow *v_gui_pack_scrolled_window(GtkBox *box, int width, int height,
                                               GtkPolicyType horizontal_policy,
                                               GtkPolicyType vertical_policy, GtkShadowType shadow);
+// For a list: scrolls downwards, expands, and asks for more rows than the height (pixels) holds.
+GtkScrolledWindow *v_gui_pack_list_scrolled_window(GtkBox *box, int width, int height);
 // FixedHeight::yes makes long lists fast. It demands that every column is of fixed sizing
 // (gtk_tree_view_column_set_sizing with GTK_TREE_VIEW_COLUMN_FIXED) before the column is added,
 // and that no cell wraps.

@@ -97,8 +97,7 @@ void add_codes_column(GtkTreeView *view) {
 }
 
 void pack_codes_view(EditingWindow *editing, GtkBox *box) {
-  GtkScrolledWindow *scroller = v_gui_pack_scrolled_window(box, 200, 150, GTK_POLICY_NEVER,
-                                                           GTK_POLICY_AUTOMATIC, GTK_SHADOW_IN);
+  GtkScrolledWindow *scroller = v_gui_pack_list_scrolled_window(box, 200, 150);
   editing->codes_view = v_gui_add_tree_view(GTK_CONTAINER(scroller), HeadersVisible::no,
                                             FixedHeight::yes, SelectionMode::single);
   add_codes_column(editing->codes_view);
@@ -144,15 +143,15 @@ void build_window(EditingWindow *editing) {
   editing->window = v_gui_create_window(title.get());
   v_gui_close_on_escape(editing->window);
   GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(editing->window), Spacing::standard);
-  // Many translations may be higher than the screen; the buttons below them stay in reach.
-  GtkBox *fields = v_gui_pack_scrolling_vbox(box, Expand::yes, Spacing::standard);
+  // However many translations there are, the codes and all buttons stay in view.
+  GtkBox *fields = v_gui_pack_yielding_vbox(box, Spacing::standard);
   const VCodeset *codeset = editing->codeset.get();
   editing->name_editor =
       pack_langstr(editing, fields, "Codeset name", Required::yes, codeset->name.get());
   editing->author_editor =
       pack_langstr(editing, fields, "Author", Required::no, codeset->author.get());
   pack_version(editing, fields);
-  pack_codes(editing, fields);
+  pack_codes(editing, box);
   pack_window_buttons(editing, box);
   g_signal_connect(editing->window, "delete-event", G_CALLBACK(window_delete_event_callback),
                    editing);

@@ -23,6 +23,11 @@ TAGS = (
 LONG_NAMED = codeset(LONG, "Vera", "2", [("W1", "Split"), ("W2", {tag: LONG for tag in TAGS[:3]})])
 MANY = codeset(
     {tag: f"Name {tag}" for tag in TAGS}, "Vera", "2", [("W1", {tag: f"Split {tag}" for tag in TAGS}), ("W2", "Worm")])
+SIX = ("en-uk", "sv", "de", "fr", "es", "da")
+SIX_LANGUAGES = codeset(
+    {tag: f"Name {tag}" for tag in SIX}, {tag: f"Author {tag}" for tag in SIX}, "2",
+    [(f"W{number:02}", {tag: f"Damage {number} {tag}" for tag in SIX}) for number in range(60)])
+FEW_LANGUAGES = codeset("Wood", "Vera", "2", [(f"W{number:02}", f"Damage {number}") for number in range(60)])
 LONG_FILE_NAME = "a" * 247 + ".codeset"
 
 
@@ -250,10 +255,7 @@ class SmallScreen(Fitting, WorkspaceJourney):
         viewport = self.scroller(editing).extents
         self.expect_inside(version, version.resting_extents(), viewport)
         self.expect_fitting(editing)
-        version.press("Tab")
-        settle()
-        for button in ("Add new", "Edit", "Delete"):
-            self.expect_inside(button, editing.button(button).resting_extents(), viewport)
+        self.expect_buttons_in_view(editing)
         editing.button("Edit").click()
         dialog = program.window("Edit remark code")
         self.expect_fitting(dialog)
@@ -272,6 +274,72 @@ class SmallScreen(Fitting, WorkspaceJourney):
         editing.button("Save codeset").click()
         editing.expect_closed()
         self.assertEqual(path.read_bytes(), MANY.replace(b"Split fr-fr", b"Split fr-fr!"))
+
+    def expect_buttons_in_view(self, editing):
+        for button in ("Add new", "Edit", "Delete", "Save codeset", "Close"):
+            self.expect_inside(button, editing.button(button).resting_extents(), (0, 0, *display.screen_size()))
+
+    def count_codes_in_view(self, editing):
+        codes = editing.list("Remark codes")
+        x, y, width, height = codes.resting_extents()
+        tops = [row.extents for row in codes.rows()]
+        return sum(place is not None and place[1] >= y and place[1] + place[3] <= y + height for place in tops)
+
+    def fields_in_view(self, editing):
+        """Those of the name, the author and the version that are shown whole, from top to bottom."""
+        x, y, width, height = self.scroller(editing).resting_extents()
+        places = [(field, field.extents) for field in editing.find_all(accessibility.TEXTS) if field.is_editable]
+        return [field for field, place in places if place[1] >= y and place[1] + place[3] <= y + height]
+
+    def test_many_codes_in_six_languages(self):
+        self.prefer(*SIX)
+        self.put("six.codeset", SIX_LANGUAGES)
+        program, window = self.open()
+        editing = self.edit(program, window, "Name en-uk (Author en-uk) 2", "six.codeset")
+        self.expect_fitting(editing)
+        self.expect_buttons_in_view(editing)
+        height = display.screen_size()[1]
+        self.assertGreaterEqual(self.count_codes_in_view(editing), 12 if height >= 900 and self.scale == 1 else 8)
+        if height >= 1440:
+            self.assertEqual(len(self.fields_in_view(editing)), 13)
+        self.assertGreaterEqual(len(self.fields_in_view(editing)), 3)
+        self.leave(program, editing)
+
+    def test_new_rows_are_in_view(self):
+        self.prefer(*TAGS)
+        self.put("six.codeset", SIX_LANGUAGES)
+        program, window = self.open()
+        editing = self.edit(program, window, "Name en-uk (Author en-uk) 2", "six.codeset")
+        author = editing.find_all("panel", re.compile("^Author"), showing=False)[0]
+        for _ in range(3):
+            plus = author.find_all("push button", " + ", showing=False)[0]
+            plus.act()
+            settle()
+            new = program.focused()
+            new.expect_text("")
+            self.expect_inside(new, new.resting_extents(), self.scroller(editing).extents)
+        editing.button("Add new").click()
+        dialog = program.window("Edit remark code")
+        for _ in range(20):
+            dialog.find_all("push button", " + ", showing=False)[0].act()
+            settle()
+            new = program.focused()
+            new.expect_text("")
+            self.expect_inside(new, new.resting_extents(), self.scroller(dialog).extents)
+        self.expect_fitting(dialog)
+        dialog.press("Escape")
+        dialog.expect_closed()
+        self.leave(program, editing)
+
+    def test_many_codes_in_one_language(self):
+        self.put("few.codeset", FEW_LANGUAGES)
+        program, window = self.open()
+        editing = self.edit(program, window, "Wood (Vera) 2", "few.codeset")
+        self.expect_fitting(editing)
+        self.expect_buttons_in_view(editing)
+        self.assertEqual(len(self.fields_in_view(editing)), 3)
+        self.assertGreaterEqual(self.count_codes_in_view(editing), 8)
+        self.leave(program, editing)
 
     def test_long_texts_are_edited(self):
         self.put("long.codeset", LONG_NAMED)

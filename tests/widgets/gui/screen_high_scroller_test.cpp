@@ -134,8 +134,7 @@ TEST(ScreenHighScroller, ANewRowThatTakesTheFocusScrollsIntoView) {
   for (int row = 2; row < 60; row++) {
     tower.add_rows(1);
     gtk_widget_grab_focus(tower.last_row());
-    settle();
-    ASSERT_TRUE(tower.shows_whole(tower.last_row())) << "row " << row;
+    ASSERT_TRUE(wait_until([&] { return tower.shows_whole(tower.last_row()); })) << "row " << row;
   }
 }
 
