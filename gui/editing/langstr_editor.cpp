@@ -14,6 +14,7 @@
 #include "gui/editing/shared_checkers.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
+#include "gui/window_commands.h"
 #include "langstr/spelling_dictionaries.h"
 #include "langstr/supported_languages.h"
 
@@ -55,6 +56,7 @@ struct LangstrEditorRow {
   gulong changed_handler = 0;
   gulong popup_handler = 0;
   gulong text_handler = 0;
+  gulong key_handler = 0;
 };
 
 struct LangstrEditorState {
@@ -89,6 +91,8 @@ void add_row_callback(GtkButton *button, VLangstrEditor *editor);
 void delete_row_callback(GtkButton *button, LangstrEditorRow *row);
 void lang_combo_box_text_changed_callback(GtkComboBox *combo, LangstrEditorRow *row);
 void text_changed_callback(GObject *text_object, LangstrEditorRow *row);
+gboolean field_key_press_event_callback(GtkWidget *field, GdkEventKey *event,
+                                        LangstrEditorRow *row);
 gboolean combo_scroll_event_callback(GtkWidget *combo, GdkEvent *event, void *);
 
 // ---- The two kinds of text field ----------------------------------------------------------------
@@ -310,6 +314,7 @@ void detach_row(LangstrEditorRow *row) {
     g_clear_signal_handler(&row->changed_handler, row->language_combo.get());
   }
   g_clear_signal_handler(&row->popup_handler, row->text_field.get());
+  g_clear_signal_handler(&row->key_handler, row->text_field.get());
   g_clear_signal_handler(&row->text_handler, kind_of(row).get_text_object(row->text_field.get()));
   // A text view that goes while it is checked marks the words of a buffer that is half gone (seen
   // with gspell 1.12 and GTK 3.24.38, which then ends the program).
@@ -330,6 +335,8 @@ LangstrEditorRow *append_row(VLangstrEditor *editor, const VLangstr *translation
   }
   row->popup_handler = g_signal_connect(row->text_field.get(), "populate-popup",
                                         G_CALLBACK(populate_popup_callback), row.get());
+  row->key_handler = g_signal_connect(row->text_field.get(), "key-press-event",
+                                      G_CALLBACK(field_key_press_event_callback), row.get());
   if (!add_language_combo(row.get(), translation)) {
     detach_row(row.get());
     return nullptr;
@@ -559,6 +566,7 @@ void restore_focus(VLangstrEditor *editor, GtkWidget *focus_widget, std::size_t 
 void add_plus_button(VLangstrEditor *editor) {
   LangstrEditorState *state = editor->state;
   state->plus_button = sink(create_sign_button(" + ", "Add a translation"));
+  v_window_commands_announce(state->plus_button.get(), "Ctrl+Return");
   state->clicked_handler =
       g_signal_connect(state->plus_button.get(), "clicked", G_CALLBACK(add_row_callback), editor);
   if (is_multi_line(state)) {
@@ -654,6 +662,21 @@ void add_row_callback(GtkButton *, VLangstrEditor *editor) {
   focus_field(row);
 }
 
+bool is_ctrl_return(const GdkEventKey *event) {
+  return (event->keyval == GDK_KEY_Return || event->keyval == GDK_KEY_KP_Enter ||
+          event->keyval == GDK_KEY_ISO_Enter) &&
+         (event->state & gtk_accelerator_get_default_mod_mask()) == GDK_CONTROL_MASK;
+}
+
+// "key-press-event" of a row's text field. A text of several lines would take the key for itself.
+gboolean field_key_press_event_callback(GtkWidget *, GdkEventKey *event, LangstrEditorRow *row) {
+  if (!is_ctrl_return(event)) {
+    return GDK_EVENT_PROPAGATE;
+  }
+  gtk_button_clicked(row->editor->state->plus_button.get());
+  return GDK_EVENT_STOP;
+}
+
 // "clicked" of a row's delete button, which the emission keeps alive.
 void delete_row_callback(GtkButton *, LangstrEditorRow *row) {
   VLangstrEditor *editor = row->editor;
@@ -715,6 +738,10 @@ gboolean focus_callback(GtkWidget *widget, GtkDirectionType direction) {
 // text. From either end they lead out of the editor, as Tab would.
 gboolean key_press_event_callback(GtkWidget *widget, GdkEventKey *event) {
   VLangstrEditor *editor = V_LANGSTR_EDITOR(widget);
+  if (is_ctrl_return(event)) {
+    gtk_button_clicked(editor->state->plus_button.get());
+    return GDK_EVENT_STOP;
+  }
   const bool is_tab = event->keyval == GDK_KEY_Tab || event->keyval == GDK_KEY_KP_Tab ||
                       event->keyval == GDK_KEY_ISO_Left_Tab;
   if (!is_tab || (event->state & GDK_CONTROL_MASK) == 0) {
@@ -807,4 +834,19 @@ int v_langstr_editor_get_text(VLangstrEditor *editor, OwnedLangstr &langstr) {
   }
   langstr = std::move(collected);
   return 1;
+}
+
+OwnedText v_langstr_editor_get_focused_language(VLangstrEditor *editor) {
+  const Focus focus = find_focus(editor->state, get_focus_widget(editor));
+  return focus.place == FocusPlace::field ? get_shown_language(editor->state->rows[focus.row].get())
+                                          : nullptr;
+}
+
+GtkWidget *v_langstr_editor_find_field(VLangstrEditor *editor, const char *language) {
+  for (const auto &row : editor->state->rows) {
+    if (shows_language(row.get(), language)) {
+      return row->text_field.get();
+    }
+  }
+  return nullptr;
 }

@@ -1,6 +1,7 @@
 #pragma once
 // Edits a multilingual text: one row per translation with a field, checked for spelling in the
 // row's language, a choice of the language, and buttons to delete the row and to add one.
+// Ctrl+Return anywhere in it adds one as well.
 //
 // Signals, both without arguments:
 //   "changed": the user has changed what the rows hold, a text or a language, or deleted a row.
@@ -28,3 +29,8 @@ GtkWidget *v_langstr_editor_new(VWindowStack *window_stack, const VSettings *set
 // Returns 1 with the rows that have a text, in row order (null when all are empty), or 0 with null
 // and a message: two texts in one language, or a field or language that cannot be read.
 int v_langstr_editor_get_text(VLangstrEditor *editor, OwnedLangstr &langstr);
+// The language of the row whose text field has the focus, as the user reads it (UTF-8); null when
+// none has it.
+OwnedText v_langstr_editor_get_focused_language(VLangstrEditor *editor);
+// The text field of the first row with that language; null when there is none.
+GtkWidget *v_langstr_editor_find_field(VLangstrEditor *editor, const char *language);

@@ -6,6 +6,7 @@
 #include "gui/accessibility.h"
 #include "gui/editing/editing_widgets.h"
 #include "gui/message_dialogs.h"
+#include "gui/window_commands.h"
 
 namespace {
 
@@ -15,6 +16,7 @@ struct RemarkDialog {
   VRemark *remark = nullptr;
   const VCodeset *codeset = nullptr; // null: no code is taken
   const char *title = nullptr;
+  VRemarkPass *pass = nullptr; // null: no key for going on
   GtkWindow *window = nullptr;
   VSpacifyingEntry *code_entry = nullptr;
   VLangstrEditor *description_editor = nullptr;
@@ -23,6 +25,8 @@ struct RemarkDialog {
 
 void ok_callback(GtkButton *button, RemarkDialog *dialog);
 void shrunk_callback(VLangstrEditor *editor, RemarkDialog *dialog);
+void go_to_next(void *dialog);
+void go_to_previous(void *dialog);
 
 // Build steps.
 
@@ -48,6 +52,38 @@ void pack_buttons(RemarkDialog *dialog, GtkBox *box) {
   v_gui_pack_ok_and_cancel(row, dialog->window, G_CALLBACK(ok_callback), dialog);
 }
 
+void add_keys_of_pass(RemarkDialog *dialog) {
+  v_window_commands_add(dialog->window, GDK_KEY_Down, GDK_CONTROL_MASK, go_to_next, dialog);
+  v_window_commands_add(dialog->window, GDK_KEY_KP_Down, GDK_CONTROL_MASK, go_to_next, dialog);
+  v_window_commands_add(dialog->window, GDK_KEY_Up, GDK_CONTROL_MASK, go_to_previous, dialog);
+  v_window_commands_add(dialog->window, GDK_KEY_KP_Up, GDK_CONTROL_MASK, go_to_previous, dialog);
+  GtkButton *ok = GTK_BUTTON(gtk_window_get_default_widget(dialog->window));
+  gtk_widget_set_tooltip_text(
+      GTK_WIDGET(ok),
+      "Keys: Return. Ctrl+Down and Ctrl+Up also open the next code or the one before.");
+}
+
+void build_window(RemarkDialog *dialog) {
+  dialog->window = v_gui_create_window(dialog->title);
+  v_gui_close_on_escape(dialog->window);
+  GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(dialog->window), Spacing::standard);
+  GtkBox *fields = v_gui_pack_scrolling_vbox(box, Expand::no, Spacing::standard);
+  pack_code(dialog, fields);
+  pack_description(dialog, fields);
+  pack_buttons(dialog, box);
+  if (dialog->pass != nullptr) {
+    add_keys_of_pass(dialog);
+  }
+}
+
+GtkWidget *find_first_focus(const RemarkDialog *dialog) {
+  GtkWidget *field = nullptr;
+  if (dialog->pass != nullptr && dialog->pass->language) {
+    field = v_langstr_editor_find_field(dialog->description_editor, dialog->pass->language.get());
+  }
+  return field == nullptr ? GTK_WIDGET(dialog->code_entry) : field;
+}
+
 // Reading.
 
 bool code_is_taken(const RemarkDialog *dialog, const char *code) {
@@ -70,8 +106,8 @@ OwnedLangstr read_description(RemarkDialog *dialog) {
 
 // Handlers.
 
-// "clicked" of OK: takes valid input over and closes; anything else is told of and stays as it is.
-void ok_callback(GtkButton *, RemarkDialog *dialog) {
+// Takes valid input over and closes; anything else is told of and stays as it is.
+void confirm(RemarkDialog *dialog) {
   OwnedText code = v_spacifying_entry_get_text(dialog->code_entry);
   if (!code) {
     return;
@@ -94,8 +130,30 @@ void ok_callback(GtkButton *, RemarkDialog *dialog) {
   gtk_widget_destroy(GTK_WIDGET(dialog->window));
 }
 
+// "clicked" of OK.
+void ok_callback(GtkButton *, RemarkDialog *dialog) { confirm(dialog); }
+
+void go_on(RemarkDialog *dialog, int step) {
+  OwnedText language = v_langstr_editor_get_focused_language(dialog->description_editor);
+  confirm(dialog);
+  if (dialog->result == 1) {
+    *dialog->pass = {step, std::move(language)};
+  }
+}
+
+void go_to_next(void *dialog) { go_on(static_cast<RemarkDialog *>(dialog), 1); }
+
+void go_to_previous(void *dialog) { go_on(static_cast<RemarkDialog *>(dialog), -1); }
+
 void shrunk_callback(VLangstrEditor *, RemarkDialog *dialog) {
   v_gui_resize_window_to_minimum_unless_maximized(dialog->window);
+}
+
+int run(RemarkDialog &dialog) {
+  build_window(&dialog);
+  v_window_stack_run_window(dialog.window_stack, dialog.window, Maximize::no,
+                            find_first_focus(&dialog));
+  return dialog.result;
 }
 
 } // namespace
@@ -103,14 +161,13 @@ void shrunk_callback(VLangstrEditor *, RemarkDialog *dialog) {
 int v_remark_gui_edit_remark(VWindowStack *window_stack, const VSettings *settings, VRemark *remark,
                              const VCodeset *codeset, const char *title) {
   RemarkDialog dialog = {window_stack, settings, remark, codeset, title};
-  dialog.window = v_gui_create_window(title);
-  v_gui_close_on_escape(dialog.window);
-  GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(dialog.window), Spacing::standard);
-  GtkBox *fields = v_gui_pack_scrolling_vbox(box, Expand::no, Spacing::standard);
-  pack_code(&dialog, fields);
-  pack_description(&dialog, fields);
-  pack_buttons(&dialog, box);
-  v_window_stack_run_window(window_stack, dialog.window, Maximize::no,
-                            GTK_WIDGET(dialog.code_entry));
-  return dialog.result;
+  return run(dialog);
+}
+
+int v_remark_gui_edit_remark_in_pass(VWindowStack *window_stack, const VSettings *settings,
+                                     VRemark *remark, const VCodeset *codeset, const char *title,
+                                     VRemarkPass &pass) {
+  pass.step = 0;
+  RemarkDialog dialog = {window_stack, settings, remark, codeset, title, &pass};
+  return run(dialog);
 }

@@ -1,0 +1,59 @@
+#include "gui/window_commands.h"
+
+#include <memory>
+
+#include "base/owned.h"
+#include "gui/owned_objects.h"
+
+namespace {
+
+// One key of one window, which owns it.
+struct Command {
+  GtkWindow *window = nullptr;
+  VWindowCommand function = nullptr;
+  void *data = nullptr;
+};
+
+gboolean key_callback(GtkAccelGroup *, GObject *, guint, GdkModifierType, Command *command) {
+  if (gtk_widget_is_sensitive(GTK_WIDGET(command->window))) {
+    command->function(command->data);
+  }
+  return TRUE;
+}
+
+void press_button(void *button) {
+  if (gtk_widget_is_sensitive(GTK_WIDGET(button))) {
+    gtk_button_clicked(GTK_BUTTON(button));
+  }
+}
+
+GtkAccelGroup *keys_of_window(GtkWindow *window) {
+  if (GSList *groups = gtk_accel_groups_from_object(G_OBJECT(window))) {
+    return GTK_ACCEL_GROUP(groups->data);
+  }
+  const OwnedObject<GtkAccelGroup> group = take(gtk_accel_group_new());
+  gtk_window_add_accel_group(window, group.get());
+  return group.get();
+}
+
+} // namespace
+
+void v_window_commands_add(GtkWindow *window, guint key, GdkModifierType modifiers,
+                           VWindowCommand command, void *data) {
+  auto owned_command = std::make_unique<Command>(Command{window, command, data});
+  GClosure *closure =
+      g_cclosure_new(G_CALLBACK(key_callback), owned_command.release(),
+                     [](void *closed, GClosure *) { delete static_cast<Command *>(closed); });
+  gtk_accel_group_connect(keys_of_window(window), key, modifiers, GtkAccelFlags{}, closure);
+}
+
+void v_window_commands_add_button(GtkWindow *window, guint key, GdkModifierType modifiers,
+                                  GtkButton *button) {
+  v_window_commands_add(window, key, modifiers, press_button, button);
+  v_window_commands_announce(button, OwnedText(gtk_accelerator_get_label(key, modifiers)).get());
+}
+
+void v_window_commands_announce(GtkButton *button, const char *key) {
+  const OwnedText text(g_strdup_printf("Key: %s", key));
+  gtk_widget_set_tooltip_text(GTK_WIDGET(button), text.get());
+}
