@@ -1,6 +1,8 @@
 #include "gui/editing/editing_window.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <utility>
 
 #include "base/error.h"
@@ -8,11 +10,13 @@
 #include "base/text_buffer.h"
 #include "base/text_encoding.h"
 #include "codeset/codeset_io.h"
+#include "codeset/remark_history.h"
 #include "gui/accessibility.h"
 #include "gui/editing/editing_widgets.h"
 #include "gui/editing/remark_dialog.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
+#include "gui/window_commands.h"
 #include "workspace/display_text.h"
 #include "workspace/drafts.h"
 
@@ -28,6 +32,7 @@ struct EditingWindow {
   const RunContext *context = nullptr;
   const char *path = nullptr; // UTF-8
   OwnedCodeset codeset;
+  OwnedRemarkHistory history; // of the codeset's remarks, since the window was opened
   OwnedDraft draft;
   guint draft_timer = 0; // id of the source; 0 while the draft is up to date
   // One row per remark, in list order: what it reads (UTF-8), and the remark, which the codeset
@@ -52,6 +57,8 @@ void selection_change_callback(GtkTreeSelection *selection, EditingWindow *editi
 void add_callback(GtkButton *button, EditingWindow *editing);
 void edit_callback(GtkButton *button, EditingWindow *editing);
 void delete_callback(GtkButton *button, EditingWindow *editing);
+void take_back(void *editing_window);
+void do_again(void *editing_window);
 void save_button_clicked_callback(GtkButton *button, EditingWindow *editing);
 void close_button_clicked_callback(GtkButton *button, EditingWindow *editing);
 gboolean window_delete_event_callback(GtkWidget *window, GdkEvent *event, EditingWindow *editing);
@@ -122,7 +129,9 @@ void pack_codes(EditingWindow *editing, GtkBox *box) {
   v_gui_set_accessible_name(gtk_bin_get_child(GTK_BIN(editing->description_display)),
                             "Description of the selected remark code");
   GtkBox *button_row = v_gui_pack_hbox(frame_box, Expand::no, Spacing::standard);
-  pack_code_button(editing, button_row, "Add new", G_CALLBACK(add_callback));
+  GtkButton *add_button =
+      pack_code_button(editing, button_row, "Add new", G_CALLBACK(add_callback));
+  v_window_commands_add_button(editing->window, GDK_KEY_n, GDK_CONTROL_MASK, add_button);
   editing->edit_button = pack_code_button(editing, button_row, "Edit", G_CALLBACK(edit_callback));
   editing->delete_button =
       pack_code_button(editing, button_row, "Delete", G_CALLBACK(delete_callback));
@@ -132,9 +141,17 @@ void pack_window_buttons(EditingWindow *editing, GtkBox *box) {
   GtkBox *row = v_gui_pack_hbox(box, Expand::no, Spacing::standard);
   GtkButton *save = v_gui_pack_button(row, "Save codeset", MakeDefault::yes);
   g_signal_connect(save, "clicked", G_CALLBACK(save_button_clicked_callback), editing);
+  v_window_commands_add_button(editing->window, GDK_KEY_s, GDK_CONTROL_MASK, save);
   GtkButton *close = v_gui_pack_button_in_alignment(row, Expand::yes, "Close", MakeDefault::no,
                                                     1.0F, 0.0F, 0.0F, 0.0F);
   g_signal_connect(close, "clicked", G_CALLBACK(close_button_clicked_callback), editing);
+}
+
+void add_keys_of_history(EditingWindow *editing) {
+  v_window_commands_add(editing->window, GDK_KEY_z, GDK_CONTROL_MASK, take_back, editing);
+  v_window_commands_add(editing->window, GDK_KEY_z,
+                        static_cast<GdkModifierType>(GDK_CONTROL_MASK | GDK_SHIFT_MASK), do_again,
+                        editing);
 }
 
 void build_window(EditingWindow *editing) {
@@ -153,6 +170,7 @@ void build_window(EditingWindow *editing) {
   pack_version(editing, fields);
   pack_codes(editing, box);
   pack_window_buttons(editing, box);
+  add_keys_of_history(editing);
   g_signal_connect(editing->window, "delete-event", G_CALLBACK(window_delete_event_callback),
                    editing);
   g_signal_connect(editing->window, "destroy", G_CALLBACK(window_destroy_callback), editing);
@@ -215,14 +233,60 @@ void update_gui(EditingWindow *editing) {
                              remark == nullptr ? nullptr : remark->description.get());
 }
 
-// Lets the rows be changed while they are off the view, which would otherwise follow each of them.
-// No row is selected afterwards.
-template <typename Change>
-void change_codes_store(EditingWindow *editing, Change change) {
-  gtk_tree_view_set_model(editing->codes_view, nullptr);
-  change();
+// The view gets the rows when they are all there: it would follow each of them.
+void show_codes(EditingWindow *editing) {
+  fill_codes_store(editing);
   gtk_tree_view_set_model(editing->codes_view, GTK_TREE_MODEL(editing->codes_store.get()));
   update_gui(editing);
+}
+
+int count_codes(const EditingWindow *editing) {
+  return gtk_tree_model_iter_n_children(GTK_TREE_MODEL(editing->codes_store.get()), nullptr);
+}
+
+// Puts the cursor on the row (from 0), or on the last one when there are fewer, and scrolls it into
+// view. The view would select the row if it could.
+void put_cursor(const EditingWindow *editing, int row) {
+  const int codes = count_codes(editing);
+  if (codes > 0) {
+    const Owned<GtkTreePath, gtk_tree_path_free> path(
+        gtk_tree_path_new_from_indices(std::clamp(row, 0, codes - 1), -1));
+    gtk_tree_view_set_cursor(editing->codes_view, path.get(), nullptr, FALSE);
+  }
+}
+
+// Changes rows and returns the one (from 0) on which the cursor is to be. No row is selected
+// afterwards.
+template <typename Change>
+void change_codes_store(EditingWindow *editing, Change change) {
+  GtkTreeSelection *selection = gtk_tree_view_get_selection(editing->codes_view);
+  gtk_tree_selection_unselect_all(selection);
+  gtk_tree_selection_set_mode(selection, GTK_SELECTION_NONE);
+  put_cursor(editing, change());
+  gtk_tree_selection_set_mode(selection, GTK_SELECTION_SINGLE);
+  update_gui(editing);
+}
+
+void remove_row(const EditingWindow *editing, int place) {
+  GtkTreeIter row;
+  if (gtk_tree_model_iter_nth_child(GTK_TREE_MODEL(editing->codes_store.get()), &row, nullptr,
+                                    place)) {
+    gtk_list_store_remove(editing->codes_store.get(), &row);
+  }
+}
+
+// The rows follow the list of remarks. Returns the row concerned, or the one that is now where it
+// was.
+int follow_exchange(const EditingWindow *editing, const VRemarkExchange &exchange) {
+  if (exchange.removed != nullptr) {
+    remove_row(editing, exchange.removed_index);
+  }
+  if (exchange.inserted == nullptr) {
+    return exchange.removed_index;
+  }
+  const OwnedUtf8String text = v_utf8_string_new(nullptr);
+  insert_row(editing, exchange.inserted, text.get(), exchange.inserted_index);
+  return exchange.inserted_index;
 }
 
 // Read: widgets to model. Each false leaves its reason in the error state; what has been taken over
@@ -316,48 +380,80 @@ void shrunk_callback(VLangstrEditor *, EditingWindow *editing) {
 // "changed" of the list's selection; several times while rows go.
 void selection_change_callback(GtkTreeSelection *, EditingWindow *editing) { update_gui(editing); }
 
-int edit_remark(EditingWindow *editing, VRemark *remark) {
-  return v_remark_gui_edit_remark(editing->context->window_stack, settings_of(editing), remark,
-                                  editing->codeset.get(), "Edit remark code");
-}
-
-// The remark, which is the list's from here on, gets its row.
-void insert_remark(const EditingWindow *editing, OwnedRemark owned_remark) {
-  VRemark *remark = owned_remark.get();
-  v_remark_list_add_remark_sorted(editing->codeset->remarks.get(), std::move(owned_remark));
-  const OwnedUtf8String text = v_utf8_string_new(nullptr);
-  insert_row(editing, remark, text.get(), v_remark_get_index(remark));
+void show_exchange(EditingWindow *editing, const VRemarkExchange &exchange) {
+  change_codes_store(editing, [&] { return follow_exchange(editing, exchange); });
+  draft_is_due(editing);
 }
 
 void add_callback(GtkButton *, EditingWindow *editing) {
   OwnedRemark remark = v_remark_new();
-  if (edit_remark(editing, remark.get()) != 0) {
-    change_codes_store(editing, [&] { insert_remark(editing, std::move(remark)); });
-    draft_is_due(editing);
+  if (v_remark_gui_edit_remark(editing->context->window_stack, settings_of(editing), remark.get(),
+                               editing->codeset.get(), "Edit remark code") != 0) {
+    show_exchange(editing, v_remark_history_add_remark(editing->history.get(), std::move(remark)));
   }
+}
+
+// An edit that changes nothing is none to take back.
+void replace_remark(EditingWindow *editing, VRemark *remark, OwnedRemark edited) {
+  const int place = v_remark_get_index(remark);
+  if (const std::optional<VRemarkExchange> exchange =
+          v_remark_history_replace_remark(editing->history.get(), remark, std::move(edited))) {
+    show_exchange(editing, *exchange);
+  } else {
+    change_codes_store(editing, [place] { return place; });
+  }
+}
+
+// The remark that many steps further in the list; null beyond either end.
+VRemark *find_neighbour(const VRemarkList *list, const VRemark *remark, int step) {
+  VRemark *neighbour = step > 0 ? remark->next : remark->prev;
+  return step == 0 || neighbour == &list->head || neighbour == &list->tail ? nullptr : neighbour;
+}
+
+// Returns the remark to go on with; null when the user goes on with none.
+VRemark *edit_remark(EditingWindow *editing, VRemark *remark, VRemarkPass &pass) {
+  OwnedRemark edited = v_remark_clone(remark);
+  if (v_remark_gui_edit_remark_in_pass(editing->context->window_stack, settings_of(editing),
+                                       edited.get(), editing->codeset.get(), "Edit remark code",
+                                       pass) == 0) {
+    return nullptr;
+  }
+  // Before its own code leads it to another place.
+  VRemark *neighbour = find_neighbour(editing->codeset->remarks.get(), remark, pass.step);
+  replace_remark(editing, remark, std::move(edited));
+  return neighbour;
 }
 
 void edit_callback(GtkButton *, EditingWindow *editing) {
   GtkTreeIter iter;
-  VRemark *remark = get_selected_remark(editing, &iter);
-  if (remark != nullptr && edit_remark(editing, remark) != 0) {
-    // Its code, and so its place, may be another now.
-    change_codes_store(editing, [&] {
-      gtk_list_store_remove(editing->codes_store.get(), &iter);
-      v_remark_remove(remark);
-      insert_remark(editing, OwnedRemark(remark));
-    });
-    draft_is_due(editing);
+  VRemarkPass pass;
+  for (VRemark *remark = get_selected_remark(editing, &iter); remark != nullptr;) {
+    remark = edit_remark(editing, remark, pass);
   }
 }
 
 void delete_callback(GtkButton *, EditingWindow *editing) {
   GtkTreeIter iter;
   if (VRemark *remark = get_selected_remark(editing, &iter)) {
-    // Row first: while it goes, the selection may still tell of its remark.
-    gtk_list_store_remove(editing->codes_store.get(), &iter);
-    v_remark_destroy(remark);
-    draft_is_due(editing);
+    show_exchange(editing, v_remark_history_remove_remark(editing->history.get(), remark));
+  }
+}
+
+// Ctrl+Z.
+void take_back(void *editing_window) {
+  auto *editing = static_cast<EditingWindow *>(editing_window);
+  if (const std::optional<VRemarkExchange> exchange =
+          v_remark_history_take_back(editing->history.get())) {
+    show_exchange(editing, *exchange);
+  }
+}
+
+// Ctrl+Shift+Z.
+void do_again(void *editing_window) {
+  auto *editing = static_cast<EditingWindow *>(editing_window);
+  if (const std::optional<VRemarkExchange> exchange =
+          v_remark_history_do_again(editing->history.get())) {
+    show_exchange(editing, *exchange);
   }
 }
 
@@ -463,9 +559,10 @@ int run_editing_window(const RunContext *context, const char *path) {
   if (!editing.codeset) {
     return 0;
   }
+  editing.history = v_remark_history_new(editing.codeset->remarks.get());
   editing.codes_store = take(gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_POINTER));
   build_window(&editing);
-  change_codes_store(&editing, [&] { fill_codes_store(&editing); });
+  show_codes(&editing);
   v_window_stack_run_window(context->window_stack, editing.window, Maximize::yes,
                             GTK_WIDGET(editing.name_editor));
   return editing.saved;

@@ -515,6 +515,177 @@ TEST_F(EditingWindow, DeletingKeepsButtonsAndDisplayTrue) {
   run();
 }
 
+// ---- Taking back --------------------------------------------------------------------------------
+
+constexpr int ctrl_shift = GDK_CONTROL_MASK | GDK_SHIFT_MASK;
+
+// The row with the keyboard cursor, from 0.
+int cursor_row() {
+  Owned<GtkTreePath, gtk_tree_path_free> path;
+  gtk_tree_view_get_cursor(codes(), receive(path), nullptr);
+  return path ? gtk_tree_path_get_indices(path.get())[0] : -1;
+}
+
+TEST_F(EditingWindow, TakesBackEachChangeOfTheCodesAndDoesItAgain) {
+  write_paper();
+  add_code("3", "Fold");
+  select(0);
+  script.click("Edit");
+  enter_remark("7", "Torn");
+  delete_code(0);
+  check([] {
+    const auto after = ElementsAre("3. Fold", "7. Torn", "10. Stain");
+    EXPECT_THAT(code_rows(), after);
+    press_key(GDK_KEY_z, GDK_CONTROL_MASK);
+    EXPECT_THAT(code_rows(), ElementsAre("2. Loss", "3. Fold", "7. Torn", "10. Stain"));
+    EXPECT_EQ(cursor_row(), 0);
+    expect_no_selection();
+    press_key(GDK_KEY_z, GDK_CONTROL_MASK);
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "3. Fold", "10. Stain"));
+    EXPECT_EQ(cursor_row(), 0);
+    press_key(GDK_KEY_z, GDK_CONTROL_MASK);
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
+    EXPECT_EQ(cursor_row(), 2);
+    // As far as the opening of the window.
+    press_key(GDK_KEY_z, GDK_CONTROL_MASK);
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
+    for (int i = 0; i < 4; i++) {
+      press_key(GDK_KEY_Z, ctrl_shift);
+    }
+    EXPECT_THAT(code_rows(), after);
+    expect_no_selection();
+  });
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(read_file(path()),
+            codeset_file(paper_head, {{"3", "Fold"}, {"7", "Torn"}, {"10", "Stain"}}));
+}
+
+TEST_F(EditingWindow, SavesWhatIsShownAfterTakingBack) {
+  write_paper();
+  delete_code(1);
+  check([] { press_key(GDK_KEY_z, GDK_CONTROL_MASK); });
+  script.click("Save codeset");
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(read_file(path()),
+            codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}}));
+}
+
+TEST_F(EditingWindow, AnEditThatChangesNothingIsNotTakenBack) {
+  write_paper();
+  delete_code(1);
+  select(0);
+  script.click("Edit");
+  on(dialog_title, [] {});
+  script.click("OK");
+  check([] {
+    EXPECT_EQ(cursor_row(), 0);
+    expect_no_selection();
+    press_key(GDK_KEY_z, GDK_CONTROL_MASK);
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
+  });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, ACoveredWindowTakesNothingBack) {
+  write_paper();
+  delete_code(1);
+  check([] {});
+  script.click("Add new");
+  on(dialog_title, [] {
+    press_key(GDK_KEY_z, GDK_CONTROL_MASK);
+    press_key(GDK_KEY_s, GDK_CONTROL_MASK);
+    press_key(GDK_KEY_n, GDK_CONTROL_MASK);
+    EXPECT_EQ(shown_windows().size(), 2U);
+  });
+  script.click("Cancel");
+  check([] { EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "10. Stain")); });
+  close_without_saving();
+  run();
+}
+
+// ---- Keys ---------------------------------------------------------------------------------------
+
+TEST_F(EditingWindow, GoesThroughTheCodesWithoutLeavingTheirWindow) {
+  write_paper();
+  select(1);
+  script.click("Edit");
+  on(dialog_title, [] {
+    gtk_widget_grab_focus(GTK_WIDGET(rows_of(window()).at(0)));
+    enter(window(), 0, "Lost");
+    press_key(GDK_KEY_Down, GDK_CONTROL_MASK);
+  });
+  on(dialog_title, [] {
+    EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Stain\n");
+    EXPECT_TRUE(gtk_widget_is_focus(GTK_WIDGET(rows_of(window()).at(0))));
+    press_key(GDK_KEY_Up, GDK_CONTROL_MASK);
+  });
+  on(dialog_title, [] {
+    EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Lost\n");
+    press_key(GDK_KEY_Up, GDK_CONTROL_MASK);
+  });
+  on(dialog_title, [] {
+    EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Tear\n");
+    press_key(GDK_KEY_Up, GDK_CONTROL_MASK);
+  });
+  // Before the first one there is none.
+  check([] {
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Lost", "10. Stain"));
+    EXPECT_EQ(cursor_row(), 0);
+    expect_no_selection();
+  });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, ARefusedCodeKeepsItsWindowWhenGoingOn) {
+  write_paper();
+  select(0);
+  script.click("Edit");
+  on(dialog_title, [] {
+    enter(window(), 0, "");
+    press_key(GDK_KEY_Down, GDK_CONTROL_MASK);
+  });
+  script.answer("Error", "Missing a description.", "Close");
+  on(dialog_title, [] {});
+  script.click("Cancel");
+  check([] { EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain")); });
+  close_without_saving();
+  run();
+}
+
+TEST_F(EditingWindow, KeysAddACodeAndSave) {
+  write_paper();
+  check([] {
+    EXPECT_STREQ(gtk_widget_get_tooltip_text(GTK_WIDGET(find_button(window(), "Add new"))),
+                 "Key: Ctrl+N");
+    EXPECT_STREQ(gtk_widget_get_tooltip_text(GTK_WIDGET(find_button(window(), "Save codeset"))),
+                 "Key: Ctrl+S");
+    press_key(GDK_KEY_n, GDK_CONTROL_MASK);
+  });
+  enter_remark("3", "Fold");
+  check([] { press_key(GDK_KEY_s, GDK_CONTROL_MASK); });
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(
+      read_file(path()),
+      codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"3", "Fold"}, {"10", "Stain"}}));
+}
+
+TEST_F(EditingWindow, CtrlReturnAddsATranslationAndGivesItTheFocus) {
+  write_paper();
+  check([] {
+    GtkWidget *editor = author_editor();
+    gtk_widget_grab_focus(GTK_WIDGET(rows_of(editor).at(0)));
+    press_key(GDK_KEY_Return, GDK_CONTROL_MASK);
+    ASSERT_EQ(rows_of(editor).size(), 2U);
+    EXPECT_TRUE(gtk_widget_is_focus(GTK_WIDGET(rows_of(editor).at(1))));
+    EXPECT_EQ(rows_of(name_editor()).size(), 2U);
+  });
+  close_without_saving();
+  run();
+}
+
 // ---- Saving -------------------------------------------------------------------------------------
 
 TEST_F(EditingWindow, AnUnchangedCodesetIsSavedAsItWas) {
