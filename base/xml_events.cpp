@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <deque>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,21 +41,21 @@ const std::string *find(const std::vector<std::string> &names, std::string_view 
 }
 
 // A list whose items keep their memory when the list is emptied.
-template <typename T>
+template <typename Items>
 class ReusedList {
 public:
-  T &add() {
+  typename Items::value_type &add() {
     if (count == items.size()) {
       items.emplace_back();
     }
     return items[count++];
   }
   void clear() { count = 0; }
-  const T *begin() const { return items.data(); }
-  const T *end() const { return items.data() + count; }
+  auto begin() const { return items.begin(); }
+  auto end() const { return items.begin() + static_cast<typename Items::difference_type>(count); }
 
 private:
-  std::vector<T> items;
+  Items items;
   std::size_t count = 0;
 };
 
@@ -64,7 +66,7 @@ struct RecordedAttribute {
   std::string value;
 };
 
-class RecordedElement final : public XmlElement {
+class RecordedElement : public XmlElement {
 public:
   bool has_name(std::string_view other) const override { return *name == other; }
   bool is_element() const override { return !is_instruction; }
@@ -77,23 +79,29 @@ public:
     return {};
   }
   XmlText get_text() const override { return v_xml_borrowed_text(text.c_str()); }
-  bool visit_children(const XmlChildVisitor &visit) const override {
-    return std::all_of(children.begin(), children.end(), std::cref(visit));
-  }
+  bool visit_children(const XmlChildVisitor &) const override { return true; }
 
   void restart(const std::string *new_name, bool as_instruction) {
     name = new_name;
     is_instruction = as_instruction;
     attributes.clear();
     text.clear();
-    children.clear();
   }
 
   const std::string *name = nullptr; // borrowed from the reader's list
   bool is_instruction = false;
-  ReusedList<RecordedAttribute> attributes;
+  ReusedList<std::vector<RecordedAttribute>> attributes;
   std::string text;
-  ReusedList<RecordedElement> children;
+};
+
+class RecordedParent final : public RecordedElement {
+public:
+  bool visit_children(const XmlChildVisitor &visit) const override {
+    return std::all_of(children.begin(), children.end(), std::cref(visit));
+  }
+
+  // A hostile file has millions of them: none is moved, and there is no room for twice as many.
+  ReusedList<std::deque<RecordedElement>> children;
 };
 
 // ---- The parser's events ------------------------------------------------------------------------
@@ -107,7 +115,7 @@ struct EventReading {
   const XmlRootReader *reader = nullptr;
   int depth = 0;    // of open elements
   std::string room; // for names, used again
-  RecordedElement child;
+  RecordedParent child;
   RecordedElement *grandchild = nullptr; // the last of the child's, while it is open
   bool is_child_recorded = false;        // the open child is one of those that are handed out
   std::size_t text_length = 0;           // of the text since the last other event, in bytes
@@ -150,6 +158,9 @@ RecordedElement *begin_record(EventReading &reading, std::string_view item_name,
       find(is_child ? reader.child_names : reader.grandchild_names, item_name);
   if (name == nullptr) {
     return nullptr;
+  }
+  if (is_child) {
+    reading.child.children.clear();
   }
   RecordedElement &element = is_child ? reading.child : reading.child.children.add();
   element.restart(name, is_instruction);

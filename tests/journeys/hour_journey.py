@@ -105,7 +105,7 @@ class Hour(WorkspaceJourney):
         display.press("Tab", "Tab")
         for number in range(1, 61):
             program.wait(lambda: program.focused() and program.focused().text == f"Maskskada {number}", "the next code")
-            keyboard.type(f"Trämask {number}" if number % 20 == 0 else f"Maskar {number}")
+            keyboard.type(f"Tramask {number}" if number % 20 == 0 else f"Maskar {number}")
             keyboard.press("ctrl+Down")
         dialog.expect_closed()
         editing.expect_active()
@@ -114,7 +114,7 @@ class Hour(WorkspaceJourney):
         display.press("ctrl+s")
         editing.expect_closed()
         changed = [
-            (code, {**texts, "sv": f"Trämask {number}" if number % 20 == 0 else f"Maskar {number}"})
+            (code, {**texts, "sv": f"Tramask {number}" if number % 20 == 0 else f"Maskar {number}"})
             for number, (code, texts) in enumerate(CODES, 1)
         ]
         self.assertEqual(self.contents(), {"worm.codeset": codeset("Worms", remarks=changed)})

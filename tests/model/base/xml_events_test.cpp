@@ -236,4 +236,29 @@ TEST_F(XmlEvents, OnlyOneChildIsInMemory) {
   }
 }
 
+// However many children the one child has.
+TEST_F(XmlEvents, AChildWithManyChildrenTakesLessMemoryThanTheTreeOfIt) {
+  constexpr std::size_t count = 200'000;
+  std::string bytes = "<a><b>";
+  for (std::size_t i = 0; i < count; i++) {
+    bytes += "<d/>";
+  }
+  write_file(path, bytes + "</b></a>");
+  const auto memory_in_use = [] {
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+  };
+  const std::size_t before = memory_in_use();
+  std::size_t used = 0;
+  const XmlRootReader reader = {
+      .child_names = {"b"},
+      .grandchild_names = {"d"},
+      .begin = [](const char *) {},
+      .read_child = [&](const XmlElement &) { used = memory_in_use() - before; },
+  };
+  EXPECT_TRUE(v_xml_read_root_children(path.c_str(), reader));
+  EXPECT_GT(used, 0u);
+  EXPECT_LT(used, count * sizeof(xmlNode));
+}
+
 } // namespace
