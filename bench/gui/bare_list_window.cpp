@@ -53,6 +53,14 @@ void BareListWindow::refill(const std::vector<std::string> &rows) {
   g_object_unref(model);
 }
 
+void BareListWindow::replace_row(int place, const std::string &row) {
+  GtkTreeModel *model = gtk_tree_view_get_model(tree_view);
+  GtkTreeIter iter;
+  gtk_tree_model_iter_nth_child(model, &iter, nullptr, place);
+  gtk_list_store_remove(GTK_LIST_STORE(model), &iter);
+  gtk_list_store_insert_with_values(GTK_LIST_STORE(model), nullptr, place, 0, row.c_str(), -1);
+}
+
 void BareListWindow::show_descriptions(const std::vector<std::string> &texts) {
   descriptions = &texts;
   GtkTextView *view = GTK_TEXT_VIEW(gtk_text_view_new());

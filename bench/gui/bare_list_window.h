@@ -17,6 +17,8 @@ public:
 
   // Makes all rows anew while the store is off the view.
   void refill(const std::vector<std::string> &rows);
+  // Removes the row (from 0) and makes a new one in its place, while the store is on the view.
+  void replace_row(int place, const std::string &row);
   GtkTreeView *view() { return tree_view; }
 
   // From now on a text view beside the list shows the selected row's own of these texts (UTF-8, one

@@ -5,12 +5,14 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bare_list_window.h"
 #include "base/text_encoding.h"
 #include "codeset/codeset_io.h"
 #include "gui/editing/editing_window.h"
+#include "gui/editing/langstr_editor.h"
 #include "gui_rows.h"
 #include "idle.h"
 #include "langstr/supported_languages.h"
@@ -19,19 +21,20 @@
 #include "support/require.h"
 #include "support/scratch_folder.h"
 #include "workspace/display_text.h"
+#include "workspace/drafts.h"
 
 namespace {
 
-constexpr int remark_count = 100'000;
+constexpr int many_remarks = 100'000;
 // All in sight in both windows: the smaller list would scroll where the larger need not.
 constexpr int selection_count = 15;
 constexpr int repetitions = 7;
-constexpr char size_text[] = "100,000 remarks";
+constexpr char many_remarks_text[] = "100,000 remarks";
 
 // ---- What both windows show ---------------------------------------------------------------------
 
 struct Vocabulary {
-  Vocabulary() {
+  explicit Vocabulary(int remarks) : remark_count(remarks) {
     workspace.folder_path = copy_text(folder.path_of("").c_str());
     workspace.settings = v_settings_new(workspace.folder_path.get());
     workspace.settings->preferred_languages = {"en-uk", "sv"};
@@ -66,6 +69,7 @@ struct Vocabulary {
     return text;
   }
 
+  int remark_count;
   ScratchFolder folder;
   std::string path =
       folder.put("bench.codeset", v_bench_generate_codeset(remark_count, CodeOrder::ascending));
@@ -124,6 +128,14 @@ GtkTreeView *find_list() {
       find_in_top_window([](GtkWidget *widget) -> bool { return GTK_IS_TREE_VIEW(widget); }));
 }
 
+// An edit that changes nothing changes no row either.
+void change_description() {
+  GtkWidget *editor =
+      find_in_top_window([](GtkWidget *widget) -> bool { return V_IS_LANGSTR_EDITOR(widget); });
+  GtkWidget *field = find(editor, [](GtkWidget *widget) -> bool { return GTK_IS_ENTRY(widget); });
+  gtk_entry_set_text(GTK_ENTRY(field), "Changed");
+}
+
 void close_editing_window() {
   gtk_widget_destroy(gtk_widget_get_toplevel(GTK_WIDGET(find_list())));
 }
@@ -139,6 +151,8 @@ void select_row(GtkTreeView *view, int row) {
 void edit(const Vocabulary &vocabulary, const std::function<void(double seconds)> &act) {
   v_bench_when_idle(Stopwatch(), act);
   run_editing_window(&vocabulary.context, vocabulary.path.c_str());
+  // The next one shall not ask what to do with it.
+  v_draft_remove(v_draft_open(vocabulary.path.c_str()).get());
 }
 
 // ---- Opening ------------------------------------------------------------------------------------
@@ -169,22 +183,43 @@ double measure_refilling_list(const Vocabulary &vocabulary) {
   return v_bench_run_until_idle(stopwatch);
 }
 
-double measure_edit(const Vocabulary &vocabulary) {
+// Seconds from the button until idle; "Cancel" leaves the rows as they are.
+double measure_leaving(const Vocabulary &vocabulary, const char *button) {
   double result = 0;
   const auto finish = [&result](double seconds) {
     result = seconds;
     close_editing_window();
   };
-  const auto confirm = [&finish](double) {
+  const auto leave = [&finish, button](double) {
+    change_description();
     v_bench_when_idle(Stopwatch(), finish);
-    click("OK");
+    click(button);
   };
-  edit(vocabulary, [&confirm](double) {
-    select_row(find_list(), remark_count / 2);
-    v_bench_when_idle(Stopwatch(), confirm);
+  edit(vocabulary, [&leave, &vocabulary](double) {
+    select_row(find_list(), vocabulary.remark_count / 2);
+    v_bench_when_idle(Stopwatch(), leave);
     click("Edit");
   });
   return result;
+}
+
+double measure_edit(const Vocabulary &vocabulary) { return measure_leaving(vocabulary, "OK"); }
+
+double measure_replacing_row(const Vocabulary &vocabulary) {
+  BareListWindow window(vocabulary.rows);
+  v_bench_run_until_idle(Stopwatch());
+  const int place = vocabulary.remark_count / 2;
+  select_row(window.view(), place);
+  v_bench_run_until_idle(Stopwatch());
+  const Stopwatch stopwatch;
+  window.replace_row(place, vocabulary.rows[static_cast<std::size_t>(place)]);
+  select_row(window.view(), place);
+  return v_bench_run_until_idle(stopwatch);
+}
+
+// Closing the window over the list and making it operable again costs the same for any answer.
+double measure_cancelled_edit_and_replacing_row(const Vocabulary &vocabulary) {
+  return measure_leaving(vocabulary, "Cancel") + measure_replacing_row(vocabulary);
 }
 
 // ---- Selecting ----------------------------------------------------------------------------------
@@ -250,14 +285,20 @@ double measure_selecting(const Vocabulary &vocabulary) {
 
 using Measure = double (*)(const Vocabulary &vocabulary);
 
-void add_row(const char *what, const char *baseline, std::optional<double> target,
-             Measure measure_list, Measure measure_window) {
-  v_bench_add_row({.what = what, .size = size_text, .baseline = baseline, .target = target},
-                  repetitions, [=] {
-                    const auto vocabulary = std::make_shared<Vocabulary>();
+void add_row_of_size(const char *what, int remarks, const char *size, const char *baseline,
+                     std::optional<double> target, Measure measure_list, Measure measure_window) {
+  v_bench_add_row({.what = what, .size = size, .baseline = baseline, .target = target}, repetitions,
+                  [=] {
+                    const auto vocabulary = std::make_shared<Vocabulary>(remarks);
                     return Comparison{[=] { return measure_list(*vocabulary); },
                                       [=] { return measure_window(*vocabulary); }};
                   });
+}
+
+void add_row(const char *what, const char *baseline, std::optional<double> target,
+             Measure measure_list, Measure measure_window) {
+  add_row_of_size(what, many_remarks, many_remarks_text, baseline, target, measure_list,
+                  measure_window);
 }
 
 } // namespace
@@ -268,6 +309,11 @@ void v_bench_add_editing_rows() {
           measure_opening_list, measure_opening);
   add_row("One edit, from OK until idle", "a bare list store is refilled, off its view", 1.3,
           measure_refilling_list, measure_edit);
+  for (const auto &[remarks, size] : {std::pair{60, "60 remarks"}, {20'000, "20,000 remarks"}}) {
+    add_row_of_size("One edit, from OK until the list answers", remarks, size,
+                    "the same window is cancelled, and a bare list gets one row anew", 1.3,
+                    measure_cancelled_edit_and_replacing_row, measure_edit);
+  }
   // A list alone shows no description: the row informs, the next one judges.
   add_row("Select another remark until repainted", "the same in the bare list", std::nullopt,
           measure_selecting_in_list, measure_selecting);
