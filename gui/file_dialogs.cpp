@@ -172,7 +172,6 @@ void v_file_dialog_set_up_chooser(GtkFileChooser *chooser, FileDialogAction acti
   }
   const FileTypes types = list_types(file_types, count);
   add_filters(chooser, filter_name, types);
-  start_in_folder(chooser, types);
   if (action == FileDialogAction::save) {
     propose_name(chooser, proposed_name, types);
   } else {
@@ -204,6 +203,9 @@ std::vector<OwnedText> run_file_dialog(VWindowStack *window_stack, FileDialogAct
   GtkFileChooser *chooser = GTK_FILE_CHOOSER(dialog.get());
   v_file_dialog_set_up_chooser(chooser, action, select_multiple, proposed_name, filter_name,
                                file_types, count);
+  if (action != FileDialogAction::select_folder) {
+    start_in_folder(chooser, list_types(file_types, count));
+  }
   std::vector<OwnedText> paths;
   if (gtk_native_dialog_run(GTK_NATIVE_DIALOG(dialog.get())) == GTK_RESPONSE_ACCEPT) {
     paths = v_file_dialog_take_over_choice(chooser, action, select_multiple, file_types, count);

@@ -23,32 +23,41 @@ constexpr int width_beside_message = 140;
 struct ScrollKey {
   guint key;
   guint keypad_key;
-  GtkScrollType scroll;
+  // How far it scrolls.
+  int steps, pages, texts;
 };
 
 const ScrollKey scroll_keys[] = {
-    {GDK_KEY_Up, GDK_KEY_KP_Up, GTK_SCROLL_STEP_UP},
-    {GDK_KEY_Down, GDK_KEY_KP_Down, GTK_SCROLL_STEP_DOWN},
-    {GDK_KEY_Page_Up, GDK_KEY_KP_Page_Up, GTK_SCROLL_PAGE_UP},
-    {GDK_KEY_Page_Down, GDK_KEY_KP_Page_Down, GTK_SCROLL_PAGE_DOWN},
-    {GDK_KEY_Home, GDK_KEY_KP_Home, GTK_SCROLL_START},
-    {GDK_KEY_End, GDK_KEY_KP_End, GTK_SCROLL_END},
+    {GDK_KEY_Up, GDK_KEY_KP_Up, -1, 0, 0},
+    {GDK_KEY_Down, GDK_KEY_KP_Down, 1, 0, 0},
+    {GDK_KEY_Page_Up, GDK_KEY_KP_Page_Up, 0, -1, 0},
+    {GDK_KEY_Page_Down, GDK_KEY_KP_Page_Down, 0, 1, 0},
+    {GDK_KEY_Home, GDK_KEY_KP_Home, 0, 0, -1},
+    {GDK_KEY_End, GDK_KEY_KP_End, 0, 0, 1},
 };
 
-bool can_scroll(GtkScrolledWindow *scroller) {
-  GtkAdjustment *adjustment = gtk_scrolled_window_get_vadjustment(scroller);
+bool can_scroll(GtkAdjustment *adjustment) {
   return gtk_adjustment_get_upper(adjustment) > gtk_adjustment_get_page_size(adjustment);
+}
+
+// The adjustment keeps within the text.
+void scroll(GtkAdjustment *adjustment, const ScrollKey &row) {
+  gtk_adjustment_set_value(adjustment,
+                           gtk_adjustment_get_value(adjustment) +
+                               row.steps * gtk_adjustment_get_step_increment(adjustment) +
+                               row.pages * gtk_adjustment_get_page_increment(adjustment) +
+                               row.texts * gtk_adjustment_get_upper(adjustment));
 }
 
 // Whatever has the focus in the dialog. Keys with Shift or Control are for the text.
 gboolean scroll_key_callback(GtkWidget *, GdkEventKey *event, GtkScrolledWindow *scroller) {
-  if ((event->state & gtk_accelerator_get_default_mod_mask()) != 0 || !can_scroll(scroller)) {
+  GtkAdjustment *adjustment = gtk_scrolled_window_get_vadjustment(scroller);
+  if ((event->state & gtk_accelerator_get_default_mod_mask()) != 0 || !can_scroll(adjustment)) {
     return GDK_EVENT_PROPAGATE;
   }
   for (const ScrollKey &row : scroll_keys) {
     if (event->keyval == row.key || event->keyval == row.keypad_key) {
-      gboolean is_scrolled = FALSE;
-      g_signal_emit_by_name(scroller, "scroll-child", row.scroll, FALSE, &is_scrolled);
+      scroll(adjustment, row);
       return GDK_EVENT_STOP;
     }
   }
