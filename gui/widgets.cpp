@@ -5,6 +5,7 @@
 
 #include "gui/button.h"
 #include "gui/css.h"
+#include "gui/list_place.h"
 #include "gui/list_scroller.h"
 #include "gui/owned_objects.h"
 #include "gui/placing.h"
@@ -17,6 +18,9 @@ constexpr int default_margin = 8;
 constexpr int default_spacing = 8;
 constexpr const char *dialog_css =
     "dialog { -GtkDialog-action-area-border: 0px; -GtkDialog-content-area-border: 0px }";
+// Themes draw the row with the focus so faintly that it is overlooked where no row is selected.
+constexpr const char *list_css =
+    "treeview { outline-style: solid; outline-color: alpha(currentColor, 0.6); }";
 constexpr const char *required_suffix = " <span style=\"italic\" alpha=\"50%\">(Required)</span>";
 
 GtkBox *create_box(GtkOrientation orientation, Spacing spacing) {
@@ -90,6 +94,16 @@ void forbid_hyphens(GtkLabel *label) {
   const Owned<PangoAttrList, pango_attr_list_unref> attributes(pango_attr_list_new());
   pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
   gtk_label_set_attributes(label, attributes.get());
+}
+
+// A list without a cursor would select its first row.
+void grab_focus_of_list(GtkTreeView *view) {
+  if (gtk_tree_selection_count_selected_rows(gtk_tree_view_get_selection(view)) > 0) {
+    gtk_widget_grab_focus(GTK_WIDGET(view));
+  } else {
+    const VListWithoutSelection without_selection(view);
+    gtk_widget_grab_focus(GTK_WIDGET(view));
+  }
 }
 
 GtkInputHints without_emojis(GtkInputHints hints) {
@@ -269,13 +283,14 @@ GtkButton *v_gui_pack_button_in_alignment(GtkBox *box, Expand expand, const char
   return button;
 }
 
-void v_gui_pack_ok_and_cancel(GtkBox *row, GtkWindow *window, GCallback ok_callback,
-                              void *user_data) {
+GtkButton *v_gui_pack_ok_and_cancel(GtkBox *row, GtkWindow *window, GCallback ok_callback,
+                                    void *user_data) {
   GtkButton *ok = v_gui_pack_button(row, "OK", MakeDefault::yes);
   g_signal_connect(ok, "clicked", ok_callback, user_data);
   GtkButton *cancel = v_gui_pack_button_in_alignment(row, Expand::yes, "Cancel", MakeDefault::no,
                                                      1.0f, 0.0f, 0.0f, 0.0f);
   g_signal_connect_swapped(cancel, "clicked", G_CALLBACK(gtk_widget_destroy), window);
+  return ok;
 }
 
 GtkAlignment *v_gui_create_alignment_for_widget(float x_align, float y_align, float x_scale,
@@ -354,6 +369,7 @@ GtkScrolledWindow *v_gui_pack_scrolled_window(GtkBox *box, int width, int height
 GtkTreeView *v_gui_create_tree_view(HeadersVisible headers_visible, FixedHeight fixed_height,
                                     SelectionMode selection_mode) {
   GtkTreeView *tree_view = GTK_TREE_VIEW(shown(gtk_tree_view_new()));
+  v_css_style_widget(GTK_WIDGET(tree_view), list_css);
   gtk_tree_view_set_headers_visible(tree_view, headers_visible == HeadersVisible::yes);
   gtk_tree_view_set_fixed_height_mode(tree_view, fixed_height == FixedHeight::yes);
   if (selection_mode == SelectionMode::multiple) {
@@ -421,6 +437,8 @@ void v_gui_set_sensitivity(GtkWidget *widget, int state) {
 void v_gui_grab_focus_without_selecting(GtkWidget *widget) {
   if (GTK_IS_ENTRY(widget)) {
     gtk_entry_grab_focus_without_selecting(GTK_ENTRY(widget));
+  } else if (GTK_IS_TREE_VIEW(widget)) {
+    grab_focus_of_list(GTK_TREE_VIEW(widget));
   } else {
     gtk_widget_grab_focus(widget);
   }

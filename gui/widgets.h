@@ -101,9 +101,9 @@ GtkButton *v_gui_pack_button_in_alignment(GtkBox *box, Expand expand, const char
                                           MakeDefault make_default, float x_align, float y_align,
                                           float x_scale, float y_scale);
 // Packs "OK", the window's default button, connected to the callback, and at the right end of the
-// row "Cancel", which destroys the window.
-void v_gui_pack_ok_and_cancel(GtkBox *row, GtkWindow *window, GCallback ok_callback,
-                              void *user_data);
+// row "Cancel", which destroys the window. Returns "OK".
+GtkButton *v_gui_pack_ok_and_cancel(GtkBox *row, GtkWindow *window, GCallback ok_callback,
+                                    void *user_data);
 GtkAlignment *v_gui_create_alignment_for_widget(float x_align, float y_align, float x_scale,
                                                 float y_scale, GtkWidget *child);
 
@@ -162,7 +162,8 @@ void v_gui_set_margins(GtkWidget *widget, int top, int right, int bottom, int le
 void v_gui_set_box_spacing(GtkBox *box, int spacing);
 // State 0 is sensitive, any other is not.
 void v_gui_set_sensitivity(GtkWidget *widget, int state);
-// The cursor of a text stays where it was, and nothing is marked.
+// The cursor of a text stays where it was, and nothing is marked. In a list no row becomes selected
+// that was not.
 void v_gui_grab_focus_without_selecting(GtkWidget *widget);
 // Lets the window shrink to its natural least size; does nothing to one that is maximised, full
 // screen or not yet realised.

@@ -1,0 +1,43 @@
+#pragma once
+// The keyboard cursor of a flat list, apart from its selection: after an action nothing is
+// selected, but the cursor marks the row that the action was about, and the arrow keys go on from
+// there.
+//
+// Rows are counted from 0. The toolkit gives a list that gets the focus a cursor on its first row;
+// only a cursor that was set here counts as placed.
+
+#include <gtk/gtk.h>
+
+// Unselects all rows. Until it is destroyed no row of the list can be selected, neither by a call
+// nor by the toolkit, which would otherwise select the row that gets the cursor. The view has to
+// outlive it.
+class VListWithoutSelection {
+public:
+  explicit VListWithoutSelection(GtkTreeView *view);
+  ~VListWithoutSelection();
+  VListWithoutSelection(const VListWithoutSelection &) = delete;
+  VListWithoutSelection &operator=(const VListWithoutSelection &) = delete;
+
+private:
+  GtkTreeSelection *selection;
+  GtkSelectionMode mode;
+};
+
+// The row with the cursor; -1 when there is none.
+int v_list_place_get(GtkTreeView *view);
+// Whether the cursor was placed and has not moved since.
+bool v_list_place_is_placed(GtkTreeView *view);
+// Puts the cursor on the row, or on the last one when there are fewer, scrolls it into view and
+// unselects all rows. Down then selects the next row and Up the one before. Does nothing in an
+// empty list. The focus stays where it is.
+void v_list_place_set(GtkTreeView *view, int row);
+// Shows what has the focus in the list's window, in a list the row with the cursor. The toolkit
+// waits for the first key with that.
+void v_list_place_reveal_focus(GtkTreeView *view);
+// Scrolls the row into view, as little as possible. Does nothing when there is no such row.
+void v_list_place_show(GtkTreeView *view, int row);
+// Selects the row with a placed cursor, if no row is selected.
+void v_list_place_select(GtkTreeView *view);
+// Gives the list the focus if no widget of its window has it, because the one that had it has
+// become insensitive for instance.
+void v_list_place_take_free_focus(GtkTreeView *view);
