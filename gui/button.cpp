@@ -20,6 +20,8 @@ struct VButtonAccessibleClass {
   GtkButtonAccessibleClass parent_class;
 };
 
+constexpr char keybinding_key[] = "vantorelle_keybinding"; // on a button
+
 bool can_be_pressed(GtkWidget *button) {
   return gtk_widget_is_sensitive(button) && gtk_widget_is_visible(button);
 }
@@ -49,8 +51,18 @@ gboolean do_action(AtkAction *accessible, int action) {
   return TRUE;
 }
 
+// Null for none. The string is the button's until its next key.
+const char *get_keybinding(AtkAction *accessible, int action) {
+  GtkWidget *button = gtk_accessible_get_widget(GTK_ACCESSIBLE(accessible));
+  return action != 0 || button == nullptr
+             ? nullptr
+             : static_cast<const char *>(g_object_get_data(G_OBJECT(button), keybinding_key));
+}
+
 void implement_action(void *interface, void *) {
-  static_cast<AtkActionIface *>(interface)->do_action = do_action;
+  auto *action = static_cast<AtkActionIface *>(interface);
+  action->do_action = do_action;
+  action->get_keybinding = get_keybinding;
 }
 
 } // namespace
@@ -71,4 +83,9 @@ static void v_button_init(VButton *) {}
 
 GtkWidget *v_button_new(const char *label) {
   return GTK_WIDGET(g_object_new(V_TYPE_BUTTON, "label", label, nullptr));
+}
+
+void v_button_set_key(VButton *button, const char *key) {
+  // No mnemonic, no sequence of keys, and a shortcut.
+  g_object_set_data_full(G_OBJECT(button), keybinding_key, g_strconcat(";;", key, nullptr), g_free);
 }

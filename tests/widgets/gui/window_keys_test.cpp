@@ -1,0 +1,183 @@
+#include "gui/window_keys.h"
+
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "gui/list_place.h"
+#include "gui/owned_objects.h"
+#include "gui/widgets.h"
+#include "widgets/gui/toolkit.h"
+
+namespace {
+
+class WindowKeys : public testing::Test {
+protected:
+  WindowKeys() {
+    for (int row = 0; row < 5; row++) {
+      gtk_list_store_insert_with_values(store.get(), nullptr, -1, 0, "text", -1);
+    }
+    GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(window.widget()), Spacing::none);
+    list = v_gui_add_tree_view(GTK_CONTAINER(box), HeadersVisible::no, FixedHeight::no,
+                               SelectionMode::single);
+    gtk_tree_view_insert_column_with_attributes(list, -1, "Text", gtk_cell_renderer_text_new(),
+                                                "text", 0, nullptr);
+    gtk_tree_view_set_model(list, GTK_TREE_MODEL(store.get()));
+    gtk_tree_view_set_search_column(list, 0);
+    entry = v_gui_pack_entry(box, Expand::no, "abc", ActivatesDefault::no);
+    button = v_gui_pack_button(box, "Button", MakeDefault::no);
+    g_signal_connect_swapped(button, "clicked", G_CALLBACK(+[](int *count) { ++*count; }), &clicks);
+    window.show_active();
+    v_gui_grab_focus_without_selecting(GTK_WIDGET(list));
+    settle();
+  }
+
+  void send(GdkEventType type, guint key, int state = 0) {
+    GdkDisplay *display = gtk_widget_get_display(window.widget());
+    GdkKeymapKey *keys = nullptr;
+    int count = 0;
+    gdk_keymap_get_entries_for_keyval(gdk_keymap_get_for_display(display), key, &keys, &count);
+    const Owned<GdkEvent, gdk_event_free> event(gdk_event_new(type));
+    event->key.window = share(gtk_widget_get_window(window.widget())).release();
+    event->key.time = GDK_CURRENT_TIME;
+    event->key.keyval = key;
+    event->key.state = static_cast<guint>(state);
+    event->key.hardware_keycode = count > 0 ? static_cast<guint16>(keys[0].keycode) : guint16{0};
+    g_free(keys);
+    gdk_event_set_device(event.get(), gdk_seat_get_keyboard(gdk_display_get_default_seat(display)));
+    gtk_main_do_event(event.get());
+    settle();
+  }
+
+  void press(guint key, int state = 0) {
+    send(GDK_KEY_PRESS, key, state);
+    send(GDK_KEY_RELEASE, key, state);
+  }
+
+  // How often the button was pressed since the last time.
+  int take_clicks() { return std::exchange(clicks, 0); }
+
+  int count_selected() {
+    return gtk_tree_selection_count_selected_rows(gtk_tree_view_get_selection(list));
+  }
+
+  TestWindow window;
+  OwnedObject<GtkListStore> store = take(gtk_list_store_new(1, G_TYPE_STRING));
+  GtkTreeView *list = nullptr;
+  GtkEntry *entry = nullptr;
+  GtkButton *button = nullptr;
+  int clicks = 0;
+};
+
+} // namespace
+
+TEST_F(WindowKeys, AKeyPressesItsButtonWhereverTheFocusIs) {
+  v_window_keys_add(window.get(), GDK_KEY_n, GDK_CONTROL_MASK, button);
+  v_window_keys_add(window.get(), GDK_KEY_F5, GdkModifierType{}, button);
+  for (GtkWidget *focus : {GTK_WIDGET(list), GTK_WIDGET(entry), GTK_WIDGET(button)}) {
+    v_gui_grab_focus_without_selecting(focus);
+    press(GDK_KEY_n, GDK_CONTROL_MASK);
+    EXPECT_EQ(take_clicks(), 1);
+    press(GDK_KEY_F5);
+    EXPECT_EQ(take_clicks(), 1);
+    press(GDK_KEY_F5, GDK_CONTROL_MASK);
+    press(GDK_KEY_N, GDK_CONTROL_MASK | GDK_SHIFT_MASK);
+    EXPECT_EQ(take_clicks(), 0);
+  }
+  v_gui_grab_focus_without_selecting(GTK_WIDGET(entry));
+  gtk_editable_set_position(GTK_EDITABLE(entry), -1);
+  press(GDK_KEY_n);
+  EXPECT_STREQ(gtk_entry_get_text(entry), "abcn");
+  EXPECT_EQ(take_clicks(), 0);
+}
+
+TEST_F(WindowKeys, AKeyOfAListWorksThereOnly) {
+  v_window_keys_add_in_list(window.get(), list, GDK_KEY_Delete, button);
+  press(GDK_KEY_Delete);
+  press(GDK_KEY_KP_Delete);
+  EXPECT_EQ(take_clicks(), 2);
+  v_gui_grab_focus_without_selecting(GTK_WIDGET(entry));
+  gtk_editable_set_position(GTK_EDITABLE(entry), 0);
+  press(GDK_KEY_Delete);
+  EXPECT_STREQ(gtk_entry_get_text(entry), "bc");
+  EXPECT_EQ(take_clicks(), 0);
+}
+
+TEST_F(WindowKeys, ReturnActsOnTheRowOnWhichTheCursorWasPlaced) {
+  v_window_keys_add_return_in_list(window.get(), list, button);
+  gtk_widget_set_sensitive(GTK_WIDGET(button), FALSE);
+  g_signal_connect_swapped(
+      gtk_tree_view_get_selection(list), "changed",
+      G_CALLBACK(+[](GtkWidget *pressed) { gtk_widget_set_sensitive(pressed, TRUE); }), button);
+  v_list_place_set(list, 3);
+  EXPECT_EQ(count_selected(), 0);
+  for (const guint key : {GDK_KEY_Return, GDK_KEY_KP_Enter}) {
+    press(key);
+    EXPECT_EQ(take_clicks(), 1);
+    EXPECT_EQ(v_list_place_get(list), 3);
+    EXPECT_EQ(count_selected(), 1);
+  }
+}
+
+TEST_F(WindowKeys, AButtonThatIsInsensitiveIsNotPressed) {
+  v_window_keys_add(window.get(), GDK_KEY_F5, GdkModifierType{}, button);
+  gtk_widget_set_sensitive(GTK_WIDGET(button), FALSE);
+  press(GDK_KEY_F5);
+  gtk_widget_set_sensitive(GTK_WIDGET(button), TRUE);
+  gtk_widget_set_sensitive(window.widget(), FALSE);
+  press(GDK_KEY_F5);
+  gtk_widget_set_sensitive(window.widget(), TRUE);
+  gtk_widget_hide(GTK_WIDGET(button));
+  press(GDK_KEY_F5);
+  EXPECT_EQ(take_clicks(), 0);
+}
+
+TEST_F(WindowKeys, AKeyThatIsHeldPressesOnce) {
+  v_window_keys_add_in_list(window.get(), list, GDK_KEY_Delete, button);
+  for (int repetition = 0; repetition < 5; repetition++) {
+    send(GDK_KEY_PRESS, GDK_KEY_Delete);
+  }
+  send(GDK_KEY_RELEASE, GDK_KEY_Delete);
+  EXPECT_EQ(take_clicks(), 1);
+  press(GDK_KEY_Delete);
+  press(GDK_KEY_Delete);
+  EXPECT_EQ(take_clicks(), 2);
+}
+
+TEST_F(WindowKeys, TheSearchFieldKeepsItsKeys) {
+  v_window_keys_add_in_list(window.get(), list, GDK_KEY_Delete, button);
+  v_window_keys_add_return_in_list(window.get(), list, button);
+  v_window_keys_press_on_double_click(list, button);
+  press(GDK_KEY_t);
+  press(GDK_KEY_Delete);
+  press(GDK_KEY_Return);
+  EXPECT_EQ(count_selected(), 1);
+  EXPECT_EQ(take_clicks(), 0);
+  press(GDK_KEY_Return);
+  EXPECT_EQ(take_clicks(), 1);
+}
+
+TEST_F(WindowKeys, ActivatingARowPressesTheButtonButSpaceOnlySelects) {
+  v_window_keys_press_on_double_click(list, button);
+  press(GDK_KEY_space);
+  EXPECT_EQ(count_selected(), 1);
+  EXPECT_EQ(take_clicks(), 0);
+  const Owned<GtkTreePath, gtk_tree_path_free> path(gtk_tree_path_new_from_indices(1, -1));
+  gtk_tree_view_row_activated(list, path.get(), gtk_tree_view_get_column(list, 0));
+  EXPECT_EQ(clicks, 0);
+  settle();
+  EXPECT_EQ(take_clicks(), 1);
+}
+
+TEST_F(WindowKeys, TheButtonNamesItsKey) {
+  AtkObject *accessible = gtk_widget_get_accessible(GTK_WIDGET(button));
+  EXPECT_EQ(atk_action_get_keybinding(ATK_ACTION(accessible), 0), nullptr);
+  v_window_keys_add(window.get(), GDK_KEY_n, GDK_CONTROL_MASK, button);
+  EXPECT_STREQ(atk_action_get_keybinding(ATK_ACTION(accessible), 0), ";;Ctrl+N");
+  EXPECT_EQ(atk_action_get_keybinding(ATK_ACTION(accessible), 1), nullptr);
+  EXPECT_STREQ(gtk_widget_get_tooltip_text(GTK_WIDGET(button)), "Key: Ctrl+N");
+  EXPECT_STREQ(atk_object_get_description(accessible), "Key: Ctrl+N");
+  v_window_keys_add_in_list(window.get(), list, GDK_KEY_Delete, button);
+  EXPECT_STREQ(atk_action_get_keybinding(ATK_ACTION(accessible), 0), ";;Delete");
+  EXPECT_STREQ(gtk_widget_get_tooltip_text(GTK_WIDGET(button)), "Key: Delete (in the list)");
+}
