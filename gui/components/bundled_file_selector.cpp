@@ -6,6 +6,7 @@
 #include "gui/components/component_list.h"
 #include "gui/message_dialogs.h"
 #include "gui/widgets.h"
+#include "gui/window_keys.h"
 
 namespace {
 
@@ -26,7 +27,9 @@ void ok_callback(GtkButton *button, BundledFileSelector *state);
 
 void pack_buttons(GtkBox *box, BundledFileSelector *state) {
   GtkBox *row = v_gui_pack_hbox(box, Expand::no, Spacing::standard);
-  v_gui_pack_ok_and_cancel(row, state->window, G_CALLBACK(ok_callback), state);
+  GtkButton *ok = v_gui_pack_ok_and_cancel(row, state->window, G_CALLBACK(ok_callback), state);
+  v_window_keys_add_return_in_list(state->window, state->tree_view, ok);
+  v_window_keys_press_on_double_click(state->tree_view, ok);
 }
 
 void build_window(BundledFileSelector *state) {

@@ -1,9 +1,13 @@
 #include "gui/components/component_list.h"
 
 #include <algorithm>
+#include <map>
+#include <string>
 
 #include "base/fs_utils.h"
 #include "gui/accessibility.h"
+#include "gui/list_place.h"
+#include "gui/list_search.h"
 #include "gui/widgets.h"
 
 namespace {
@@ -17,10 +21,40 @@ constexpr int other_pixels = 110;
 
 gboolean unselect_all_callback(void *view) {
   gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(GTK_TREE_VIEW(view)));
+  v_list_place_reveal_focus(GTK_TREE_VIEW(view));
   return G_SOURCE_REMOVE;
 }
 
 void destroy_callback(GtkWidget *view, void *) { g_idle_remove_by_data(view); }
+
+VComponentRow read_row(GtkTreeModel *model, GtkTreeIter *row) {
+  return {v_component_list_get_text(model, row, v_component_column_text),
+          v_component_list_get_text(model, row, v_component_column_file)};
+}
+
+// They stay valid for as long as their rows exist, wherever these are sorted to.
+std::vector<GtkTreeIter> all_rows(GtkListStore *list) {
+  GtkTreeModel *model = GTK_TREE_MODEL(list);
+  std::vector<GtkTreeIter> rows;
+  GtkTreeIter row;
+  for (gboolean valid = gtk_tree_model_get_iter_first(model, &row); valid;
+       valid = gtk_tree_model_iter_next(model, &row)) {
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+OwnedText get_file(GtkListStore *list, GtkTreeIter *row) {
+  return v_component_list_get_text(GTK_TREE_MODEL(list), row, v_component_column_file);
+}
+
+void set_text(GtkListStore *list, GtkTreeIter *row, const char *text) {
+  const OwnedText present =
+      v_component_list_get_text(GTK_TREE_MODEL(list), row, v_component_column_text);
+  if (g_strcmp0(present.get(), text) != 0) {
+    gtk_list_store_set(list, row, v_component_column_text, text, -1);
+  }
+}
 
 } // namespace
 
@@ -34,6 +68,34 @@ OwnedObject<GtkListStore> v_component_list_new() {
 void v_component_list_append(GtkListStore *list, const char *text, const char *file) {
   gtk_list_store_insert_with_values(list, nullptr, -1, v_component_column_text, text,
                                     v_component_column_file, file, -1);
+}
+
+void v_component_list_update(GtkListStore *list, const std::vector<VComponentRow> &rows) {
+  std::map<std::string, const VComponentRow *> missing;
+  for (const VComponentRow &row : rows) {
+    missing.emplace(row.file.get(), &row);
+  }
+  for (GtkTreeIter &row : all_rows(list)) {
+    if (const auto wanted = missing.extract(get_file(list, &row).get())) {
+      set_text(list, &row, wanted.mapped()->text.get());
+    } else {
+      gtk_list_store_remove(list, &row);
+    }
+  }
+  for (const auto &[file, row] : missing) {
+    v_component_list_append(list, row->text.get(), file.c_str());
+  }
+}
+
+int v_component_list_find(GtkListStore *list, const char *file) {
+  int place = 0;
+  for (GtkTreeIter &row : all_rows(list)) {
+    if (g_strcmp0(get_file(list, &row).get(), file) == 0) {
+      return place;
+    }
+    place++;
+  }
+  return -1;
 }
 
 GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
@@ -50,6 +112,7 @@ GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
   gtk_tree_view_insert_column_with_data_func(view, -1, "Item", cell, cell_data_func, nullptr,
                                              nullptr);
   gtk_tree_view_set_model(view, GTK_TREE_MODEL(list));
+  v_list_search_enable(view, v_component_column_text, v_component_list_get_shown_text);
   v_gui_set_accessible_name(GTK_WIDGET(view), "Items");
   return view;
 }
@@ -75,14 +138,27 @@ OwnedText v_component_list_get_text(GtkTreeModel *model, GtkTreeIter *row,
   return text;
 }
 
+OwnedText v_component_list_get_shown_text(GtkTreeModel *model, GtkTreeIter *row) {
+  OwnedText text = v_component_list_get_text(model, row, v_component_column_text);
+  return text ? std::move(text) : v_component_list_get_text(model, row, v_component_column_file);
+}
+
+std::optional<VComponentRow> v_component_list_get_row(GtkListStore *list, int row) {
+  GtkTreeModel *model = GTK_TREE_MODEL(list);
+  GtkTreeIter iter;
+  if (row < 0 || !gtk_tree_model_iter_nth_child(model, &iter, nullptr, row)) {
+    return std::nullopt;
+  }
+  return read_row(model, &iter);
+}
+
 std::optional<VComponentRow> v_component_list_get_selected_row(GtkTreeView *view) {
   GtkTreeModel *model = nullptr;
   GtkTreeIter row;
   if (!gtk_tree_selection_get_selected(gtk_tree_view_get_selection(view), &model, &row)) {
     return std::nullopt;
   }
-  return VComponentRow{v_component_list_get_text(model, &row, v_component_column_text),
-                       v_component_list_get_text(model, &row, v_component_column_file)};
+  return read_row(model, &row);
 }
 
 void v_component_list_unselect_when_idle(GtkTreeView *view) {

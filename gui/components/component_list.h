@@ -24,21 +24,31 @@ struct VComponentRow {
 OwnedObject<GtkListStore> v_component_list_new();
 // text: null for none.
 void v_component_list_append(GtkListStore *list, const char *text, const char *file);
-// Packs a scrolled view of the list, expanding. cell_data_func fills the one cell of a row and gets
-// no data of its own; v_component_list_show_text is for it to call.
+// Changes, adds and removes rows until the list holds these. Rows that stay keep the cursor and
+// their place on the screen. No two rows have the same file.
+void v_component_list_update(GtkListStore *list, const std::vector<VComponentRow> &rows);
+// The place (from 0) of the row with the file; -1 when there is none, and for a null file.
+int v_component_list_find(GtkListStore *list, const char *file);
+// Packs a scrolled view of the list, expanding, in which rows are found by typing. cell_data_func
+// fills the one cell of a row and gets no data of its own; v_component_list_show_text is for it to
+// call.
 GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
                                         GtkTreeCellDataFunc cell_data_func);
 // A screen reader calls the view by what it lists, "Remark codeset files" for instance.
 void v_component_list_announce_kind(GtkTreeView *view, const VComponentKind &kind);
+// New text: what the row shows, which is the file when it has no display text.
+OwnedText v_component_list_get_shown_text(GtkTreeModel *model, GtkTreeIter *row);
 // Shows plain text in the cell. Overlong text ends in an ellipsis as soon as the window has not the
 // room for it: there is no horizontal scroll bar, and no file shall make the window wider than the
 // screen.
 void v_component_list_show_text(GtkCellRenderer *cell, const char *text);
 // New text from a column of a row; null for none.
 OwnedText v_component_list_get_text(GtkTreeModel *model, GtkTreeIter *row, VComponentColumn column);
+// The row of that number (from 0), if there is one.
+std::optional<VComponentRow> v_component_list_get_row(GtkListStore *list, int row);
 std::optional<VComponentRow> v_component_list_get_selected_row(GtkTreeView *view);
 // Unselects what the toolkit selects when it gives the view its first focus, as soon as that has
-// happened.
+// happened. The cursor is shown instead.
 void v_component_list_unselect_when_idle(GtkTreeView *view);
 
 // The names in the folder that have the kind's extension, in the system's order. Empty, without a

@@ -1,5 +1,7 @@
 #include "gui/components/main_window.h"
 
+#include <algorithm>
+#include <climits>
 #include <cstdio>
 
 #include "base/error.h"
@@ -11,8 +13,10 @@
 #include "gui/components/component_list.h"
 #include "gui/components/new_file_window.h"
 #include "gui/file_dialogs.h"
+#include "gui/list_place.h"
 #include "gui/message_dialogs.h"
 #include "gui/widgets.h"
+#include "gui/window_keys.h"
 
 namespace {
 
@@ -33,6 +37,12 @@ struct MainWindow {
   GtkButton *edit_button = nullptr;
   GtkButton *save_button = nullptr;
   GtkButton *delete_button = nullptr;
+};
+
+// A place in the list, which is found again when the list has changed.
+struct Place {
+  std::vector<OwnedText> files; // that of the row, and those of the rows below it
+  bool is_chosen = false;       // by the user or by an earlier action, and not by the toolkit
 };
 
 using ClickedCallback = void (*)(GtkButton *button, MainWindow *state);
@@ -86,16 +96,21 @@ void pack_buttons(GtkBox *row, OfferBundled offer_bundled, MainWindow *state) {
     pack_button(column, "Add bundled", add_bundled_callback, state);
   }
   if (state->edit_callback != nullptr) {
-    pack_button(column, "Add new", add_new_callback, state);
+    GtkButton *add_new = pack_button(column, "Add new", add_new_callback, state);
+    v_window_keys_add(state->window, GDK_KEY_n, GDK_CONTROL_MASK, add_new);
     state->clone_button = pack_button(column, "Clone", clone_callback, state);
     state->edit_button = pack_button(column, "Edit", edit_button_callback, state);
+    v_window_keys_add_return_in_list(state->window, state->tree_view, state->edit_button);
+    v_window_keys_press_on_double_click(state->tree_view, state->edit_button);
   }
   state->save_button = pack_button(column, "Save a copy", save_callback, state);
   state->delete_button = pack_button(column, "Delete", delete_callback, state);
+  v_window_keys_add_in_list(state->window, state->tree_view, GDK_KEY_Delete, state->delete_button);
   v_gui_pack_space(column, 1, 10);
   GtkButton *refresh = v_gui_pack_button_in_alignment(column, Expand::yes, "Refresh list",
                                                       MakeDefault::no, 0.0f, 1.0f, 1.0f, 0.0f);
   g_signal_connect(refresh, "clicked", G_CALLBACK(refresh_callback), state);
+  v_window_keys_add(state->window, GDK_KEY_F5, GdkModifierType{}, refresh);
 }
 
 void build_window(const char *title, OfferBundled offer_bundled, MainWindow *state) {
@@ -119,6 +134,11 @@ OwnedText path_of(const MainWindow *state, const VComponentRow &row) {
   return v_fs_utils_create_path_in_folder(state->folder_path.get(), row.file.get());
 }
 
+// Borrowed from the path; null for none.
+const char *get_entry_name(const OwnedText &path) {
+  return path ? v_fs_utils_find_entry_name_in_path(path.get()) : nullptr;
+}
+
 bool can_edit(const MainWindow *state, const std::optional<VComponentRow> &row) {
   return row && (state->can_edit_callback == nullptr ||
                  state->can_edit_callback(path_of(state, *row).get(), state->kind.user_data));
@@ -128,12 +148,10 @@ bool can_edit(const MainWindow *state, const std::optional<VComponentRow> &row) 
 
 void cell_data_func(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *model,
                     GtkTreeIter *row, void *) {
-  if (const OwnedText text = v_component_list_get_text(model, row, v_component_column_text)) {
-    v_component_list_show_text(cell, text.get());
+  v_component_list_show_text(cell, v_component_list_get_shown_text(model, row).get());
+  if (v_component_list_get_text(model, row, v_component_column_text)) {
     g_object_set(cell, "foreground-set", FALSE, nullptr);
   } else {
-    v_component_list_show_text(
-        cell, v_component_list_get_text(model, row, v_component_column_file).get());
     g_object_set(cell, "foreground", "Red", "foreground-set", TRUE, nullptr);
   }
 }
@@ -152,37 +170,86 @@ void update_buttons(const MainWindow *state, const std::optional<VComponentRow> 
   set_sensitive_if_any(state->delete_button, row.has_value());
 }
 
-// Lists what is in the folder now. Returns whether an incompatible file is among it.
-bool fill_list(const MainWindow *state) {
-  bool found_incompatible = false;
-  gtk_list_store_clear(state->list_store.get());
+// What is in the folder now.
+std::vector<VComponentRow> read_folder(const MainWindow *state) {
+  std::vector<VComponentRow> rows;
   for (OwnedText &name : v_component_list_find_names(state->folder_path.get(), state->kind)) {
-    const VComponentRow row = {nullptr, std::move(name)};
+    VComponentRow row = {nullptr, std::move(name)};
     const OwnedText path = path_of(state, row);
     VFileInfo info;
     if (v_fs_utils_get_info(path.get(), info) && v_fs_utils_is_regular_file(info)) {
-      const OwnedText text = state->kind.text_callback(path.get(), state->kind.user_data);
-      v_component_list_append(state->list_store.get(), text.get(), row.file.get());
-      found_incompatible |= text == nullptr;
+      row.text = state->kind.text_callback(path.get(), state->kind.user_data);
+      rows.push_back(std::move(row));
     }
   }
-  return found_incompatible;
+  return rows;
 }
 
-// Afterwards nothing is selected.
-void refresh_list(const MainWindow *state) {
+// Where the user is in the list: the row with the cursor, which any selected row has.
+Place get_place(const MainWindow *state) {
+  Place place;
+  place.is_chosen = get_selected_row(state) || v_list_place_is_placed(state->tree_view);
+  int row = v_list_place_get(state->tree_view);
+  while (std::optional<VComponentRow> at = v_component_list_get_row(state->list_store.get(), row)) {
+    place.files.push_back(std::move(at->file));
+    row++;
+  }
+  return place;
+}
+
+// To the new file (null for none), to where the user was or, if that row is gone, to the row after
+// it or else the last one.
+void return_to_place(const MainWindow *state, const char *new_file, const Place &place) {
+  GtkListStore *list = state->list_store.get();
+  int row = v_component_list_find(list, new_file);
+  if (row < 0 && !place.is_chosen) {
+    return;
+  }
+  for (auto file = place.files.begin(); row < 0 && file != place.files.end(); ++file) {
+    row = v_component_list_find(list, file->get());
+  }
+  v_list_place_set(state->tree_view, row < 0 ? INT_MAX : row);
+}
+
+bool is_scrolled_to_top(const MainWindow *state) {
+  GtkAdjustment *adjustment = gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(state->tree_view));
+  return gtk_adjustment_get_value(adjustment) <= gtk_adjustment_get_lower(adjustment);
+}
+
+// The incompatible files are the first in the list. A notice that was not there before draws the
+// eye to them, so the first one has to be seen; later the user's place in the list comes first.
+void show_notice(const MainWindow *state, bool found_incompatible) {
+  GtkWidget *notice = GTK_WIDGET(state->notice_label);
+  const bool was_shown = gtk_widget_get_visible(notice);
+  gtk_widget_set_visible(notice, found_incompatible);
+  if (!found_incompatible) {
+    v_gui_resize_window_to_minimum_unless_maximized(state->window);
+  } else if (!was_shown) {
+    v_list_place_show(state->tree_view, 0);
+  }
+}
+
+// Afterwards nothing is selected; the cursor is on the row of the new file (an entry name; null for
+// none), or where the user was in the list.
+void refresh_list(const MainWindow *state, const char *new_file = nullptr) {
   if (state->window == nullptr) {
     return;
   }
-  // Off the view, so that neither selection nor cursor wander while rows come and go.
-  gtk_tree_view_set_model(state->tree_view, nullptr);
-  const bool found_incompatible = fill_list(state);
-  gtk_tree_view_set_model(state->tree_view, GTK_TREE_MODEL(state->list_store.get()));
-  gtk_widget_set_visible(GTK_WIDGET(state->notice_label), found_incompatible);
-  if (!found_incompatible) {
-    v_gui_resize_window_to_minimum_unless_maximized(state->window);
+  const Place place = get_place(state);
+  const bool was_at_top = is_scrolled_to_top(state);
+  const std::vector<VComponentRow> rows = read_folder(state);
+  {
+    const VListWithoutSelection without_selection(state->tree_view);
+    v_component_list_update(state->list_store.get(), rows);
   }
-  update_buttons(state, get_selected_row(state));
+  if (was_at_top) {
+    v_list_place_show(state->tree_view, 0);
+  }
+  return_to_place(state, new_file, place);
+  show_notice(state, std::any_of(rows.begin(), rows.end(),
+                                 [](const VComponentRow &row) { return row.text == nullptr; }));
+  update_buttons(state, std::nullopt);
+  v_list_place_take_free_focus(state->tree_view);
 }
 
 // Copying into and out of the folder.
@@ -247,16 +314,19 @@ bool may_write(const MainWindow *state, const char *source, const char *destinat
 
 // Copies a file from anywhere into the managed folder, under its own name.
 void add(const MainWindow *state, const char *source_path) {
+  const char *name = v_fs_utils_find_entry_name_in_path(source_path);
+  const char *added_name = nullptr;
   if (check_extension(state, source_path) && ensure_folder(state)) {
-    const OwnedText destination = v_fs_utils_create_path_in_folder(
-        state->folder_path.get(), v_fs_utils_find_entry_name_in_path(source_path));
-    if (may_write(state, source_path, destination.get()) &&
-        !copy_file(source_path, destination.get())) {
-      v_message_show_error_utf8_printf(
-          state->window_stack, "An error occured when writing file.\n\n%s", destination.get());
+    const OwnedText destination = v_fs_utils_create_path_in_folder(state->folder_path.get(), name);
+    if (may_write(state, source_path, destination.get())) {
+      added_name = name;
+      if (!copy_file(source_path, destination.get())) {
+        v_message_show_error_utf8_printf(
+            state->window_stack, "An error occured when writing file.\n\n%s", destination.get());
+      }
     }
   }
-  refresh_list(state);
+  refresh_list(state, added_name);
 }
 
 // Whether the file is not one that was delivered, or the user wants to edit it all the same.
@@ -300,11 +370,12 @@ void add_bundled_callback(GtkButton *, MainWindow *state) {
 }
 
 void add_new_callback(GtkButton *, MainWindow *state) {
-  if (const OwnedText path =
-          v_components_gui_get_new_file_path(state->window_stack, state->workspace, state->kind)) {
+  const OwnedText path =
+      v_components_gui_get_new_file_path(state->window_stack, state->workspace, state->kind);
+  if (path) {
     state->edit_callback(path.get(), state->kind.user_data);
   }
-  refresh_list(state);
+  refresh_list(state, get_entry_name(path));
 }
 
 void clone_callback(GtkButton *, MainWindow *state) {
@@ -314,7 +385,7 @@ void clone_callback(GtkButton *, MainWindow *state) {
   if (target && row && !copy_file(path_of(state, *row).get(), target.get())) {
     v_message_show_error(state->window_stack, "An error occured when copying the file.");
   }
-  refresh_list(state);
+  refresh_list(state, get_entry_name(target));
 }
 
 void edit_button_callback(GtkButton *, MainWindow *state) {

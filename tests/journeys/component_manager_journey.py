@@ -4,7 +4,6 @@ import re
 
 from support import MAIN_WINDOW, WorkspaceJourney, codeset, main
 from support.journey import delivered_stage
-from support.waiting import settle
 
 NOTICE = "Some incompatible files found. They are marked with red in the list:"
 RED = (65535, 0, 0)
@@ -394,14 +393,13 @@ class ComponentManager(WorkspaceJourney):
         editing.expect_closed()
         program.window(MAIN_WINDOW)
 
-    def test_double_clicking_a_row_does_nothing(self):
+    def test_double_clicking_a_row_edits_it(self):
+        self.put("glass.codeset", GLASS)
         self.put("wood.codeset", WOOD)
         program, window = self.open()
         window.list().row("Wood (Vera) 2").click(times=2)
-        window.list().row("Wood (Vera) 2").press("Return")
-        settle(0.5)
-        self.assertEqual(program.windows(), [window])
-        window.list().expect_selected(["Wood (Vera) 2"])
+        self.leave_editing(program, program.window("Edit remark codeset - wood.codeset"))
+        self.expect_nothing_selected(window)
 
     # Saving a copy
 

@@ -44,6 +44,16 @@ def hold(key, seconds):
     xdotool("keydown", key, "sleep", seconds, "keyup", key)
 
 
+@contextlib.contextmanager
+def held(key):
+    """The key is down meanwhile, and the display repeats it."""
+    xdotool("keydown", key)
+    try:
+        yield
+    finally:
+        xdotool("keyup", key)
+
+
 def type_text(text):
     """Types the text by keys, line breaks as Return and tabs as Tab."""
     run = ""

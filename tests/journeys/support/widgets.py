@@ -57,6 +57,12 @@ class Widget:
         return accessibility.description(self.accessible)
 
     @property
+    def key(self):
+        """The key that does its first action, as assistive technology is told; None when there is none."""
+        binding = self.accessible.get_action_iface().get_key_binding(0)
+        return binding.removeprefix(";;") or None
+
+    @property
     def states(self):
         self.accessible.clear_cache()
         return accessibility.states(self.accessible)
@@ -304,6 +310,9 @@ class Row(Widget):
         super().click_as_it_is(button, times)
 
     def select(self):
+        """Clicks it. A click that has selected it before is long enough ago to make no double one."""
+        if self.is_selected:
+            settle(0.5)
         self.click()
         self.program.wait(lambda: self.is_selected, lambda: f"{self!r} to be selected")
         return self

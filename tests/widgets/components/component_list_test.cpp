@@ -114,3 +114,39 @@ TEST_F(ComponentList, ViewThatIsGoneIsNotUnselected) {
   gtk_widget_destroy(window);
   settle(); // a call for the destroyed view would be a critical
 }
+
+TEST_F(ComponentList, AnUpdateTouchesOnlyWhatIsDifferent) {
+  const OwnedObject<GtkListStore> list = v_component_list_new();
+  std::string events;
+  g_signal_connect_swapped(list.get(), "row-changed",
+                           G_CALLBACK(+[](std::string *text) { *text += "changed "; }), &events);
+  g_signal_connect_swapped(list.get(), "row-inserted",
+                           G_CALLBACK(+[](std::string *text) { *text += "inserted "; }), &events);
+  g_signal_connect_swapped(list.get(), "row-deleted",
+                           G_CALLBACK(+[](std::string *text) { *text += "deleted "; }), &events);
+  const auto update = [&](std::vector<std::pair<const char *, const char *>> wanted) {
+    std::vector<VComponentRow> rows;
+    for (const auto &[text, file] : wanted) {
+      rows.push_back({copy_text(text), copy_text(file)});
+    }
+    events.clear();
+    v_component_list_update(list.get(), rows);
+    std::string shown;
+    for (int place = 0; const auto row = v_component_list_get_row(list.get(), place); place++) {
+      EXPECT_EQ(v_component_list_find(list.get(), row->file.get()), place);
+      shown += std::string(row->text ? row->text.get() : "-") + "=" + row->file.get() + " ";
+    }
+    return shown;
+  };
+  EXPECT_EQ(update({{"B", "b"}, {"A", "a"}, {"C", "c"}}), "A=a B=b C=c ");
+  EXPECT_EQ(update({{"A", "a"}, {"C", "c"}, {"B", "b"}}), "A=a B=b C=c ");
+  EXPECT_EQ(events, "");
+  EXPECT_EQ(update({{"A", "a"}, {"Z", "b"}, {"C", "c"}}), "A=a C=c Z=b ");
+  EXPECT_EQ(events.find("inserted"), std::string::npos);
+  EXPECT_EQ(events.find("deleted"), std::string::npos);
+  EXPECT_EQ(update({{nullptr, "c"}, {"Z", "b"}, {"M", "m"}}), "-=c M=m Z=b ");
+  EXPECT_EQ(update({}), "");
+  EXPECT_EQ(v_component_list_find(list.get(), "a"), -1);
+  EXPECT_EQ(v_component_list_find(list.get(), nullptr), -1);
+  EXPECT_FALSE(v_component_list_get_row(list.get(), -1));
+}

@@ -899,3 +899,61 @@ TEST_F(MainWindow, MayGoWhileAFileIsEdited) {
   run();
   EXPECT_THAT(edited, ElementsAre(managed("a.codeset")));
 }
+
+// ---- The place in the list ----------------------------------------------------------------------
+
+namespace {
+
+// The text of the row with the cursor, when no row is selected.
+std::string place_in_list() {
+  GtkTreeView *list = list_of(top_window());
+  GtkTreePath *path = nullptr;
+  gtk_tree_view_get_cursor(list, &path, nullptr);
+  if (path == nullptr || has_selection(top_window())) {
+    return "";
+  }
+  const int row = gtk_tree_path_get_indices(path)[0];
+  gtk_tree_path_free(path);
+  return shown_texts(top_window()).at(static_cast<std::size_t>(row));
+}
+
+bool has_focus_in_list() { return gtk_widget_has_focus(GTK_WIDGET(list_of(top_window()))); }
+
+} // namespace
+
+TEST_F(MainWindow, TheCursorStaysWhereAnActionWas) {
+  make_folders();
+  for (const char *name : {"A", "B", "C", "D"}) {
+    write_file(managed(std::string(name) + ".codeset"), std::string("text:") + name);
+  }
+  await_start();
+  select("B");
+  check([] { gtk_widget_grab_focus(GTK_WIDGET(find_button(GTK_WIDGET(top_window()), "Edit"))); });
+  on_edit = [](const std::string &path) { write_file(path, "text:C2"); };
+  script.click("Edit");
+  check([] {
+    EXPECT_EQ(place_in_list(), "C2");
+    EXPECT_TRUE(has_focus_in_list());
+    EXPECT_EQ(sensitive_buttons(), "");
+    EXPECT_STREQ(gtk_entry_get_text(entry()), "");
+  });
+  select("C");
+  script.click("Delete");
+  answer_question("Do you really want to delete \"C\" from your workspace?", "Yes");
+  check([] { EXPECT_EQ(place_in_list(), "C2"); });
+  select("D");
+  script.click("Delete");
+  answer_question("Do you really want to delete \"D\" from your workspace?", "Yes");
+  check([] { EXPECT_EQ(place_in_list(), "C2"); });
+  select("A");
+  script.click("Clone");
+  enter_name("z.codeset");
+  check([this] {
+    EXPECT_EQ(place_in_list(), "A");
+    write_file(managed("a0.codeset"), "text:0");
+  });
+  script.click("Refresh list");
+  check([] { EXPECT_EQ(place_in_list(), "A"); });
+  close();
+  run();
+}
