@@ -1,6 +1,5 @@
 #include "gui/editing/editing_window.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <utility>
@@ -14,9 +13,12 @@
 #include "gui/accessibility.h"
 #include "gui/editing/editing_widgets.h"
 #include "gui/editing/remark_dialog.h"
+#include "gui/list_place.h"
+#include "gui/list_search.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
 #include "gui/window_commands.h"
+#include "gui/window_keys.h"
 #include "workspace/display_text.h"
 #include "workspace/drafts.h"
 
@@ -154,6 +156,12 @@ void add_keys_of_history(EditingWindow *editing) {
                         editing);
 }
 
+void add_keys_of_codes(EditingWindow *editing) {
+  v_window_keys_add_return_in_list(editing->window, editing->codes_view, editing->edit_button);
+  v_window_keys_add_in_list(editing->window, editing->codes_view, GDK_KEY_Delete,
+                            editing->delete_button);
+}
+
 void build_window(EditingWindow *editing) {
   const OwnedText title(g_strdup_printf("Edit remark codeset - %s",
                                         v_fs_utils_find_entry_name_in_path(editing->path)));
@@ -169,6 +177,7 @@ void build_window(EditingWindow *editing) {
       pack_langstr(editing, fields, "Author", Required::no, codeset->author.get());
   pack_version(editing, fields);
   pack_codes(editing, box);
+  add_keys_of_codes(editing);
   pack_window_buttons(editing, box);
   add_keys_of_history(editing);
   g_signal_connect(editing->window, "delete-event", G_CALLBACK(window_delete_event_callback),
@@ -233,38 +242,32 @@ void update_gui(EditingWindow *editing) {
                              remark == nullptr ? nullptr : remark->description.get());
 }
 
+OwnedText get_display_text(GtkTreeModel *model, GtkTreeIter *row) {
+  OwnedText text;
+  gtk_tree_model_get(model, row, display_text_column, static_cast<char **>(receive(text)), -1);
+  return text;
+}
+
 // The view gets the rows when they are all there: it would follow each of them.
 void show_codes(EditingWindow *editing) {
   fill_codes_store(editing);
   gtk_tree_view_set_model(editing->codes_view, GTK_TREE_MODEL(editing->codes_store.get()));
+  v_list_search_enable(editing->codes_view, display_text_column, get_display_text);
   update_gui(editing);
-}
-
-int count_codes(const EditingWindow *editing) {
-  return gtk_tree_model_iter_n_children(GTK_TREE_MODEL(editing->codes_store.get()), nullptr);
-}
-
-// Puts the cursor on the row (from 0), or on the last one when there are fewer, and scrolls it into
-// view. The view would select the row if it could.
-void put_cursor(const EditingWindow *editing, int row) {
-  const int codes = count_codes(editing);
-  if (codes > 0) {
-    const Owned<GtkTreePath, gtk_tree_path_free> path(
-        gtk_tree_path_new_from_indices(std::clamp(row, 0, codes - 1), -1));
-    gtk_tree_view_set_cursor(editing->codes_view, path.get(), nullptr, FALSE);
-  }
 }
 
 // Changes rows and returns the one (from 0) on which the cursor is to be. No row is selected
 // afterwards.
 template <typename Change>
 void change_codes_store(EditingWindow *editing, Change change) {
-  GtkTreeSelection *selection = gtk_tree_view_get_selection(editing->codes_view);
-  gtk_tree_selection_unselect_all(selection);
-  gtk_tree_selection_set_mode(selection, GTK_SELECTION_NONE);
-  put_cursor(editing, change());
-  gtk_tree_selection_set_mode(selection, GTK_SELECTION_SINGLE);
+  int row = 0;
+  {
+    const VListWithoutSelection without_selection(editing->codes_view);
+    row = change();
+  }
+  v_list_place_set(editing->codes_view, row);
   update_gui(editing);
+  v_list_place_take_free_focus(editing->codes_view);
 }
 
 void remove_row(const EditingWindow *editing, int place) {
