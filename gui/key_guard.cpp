@@ -211,3 +211,5 @@ void v_key_guard_install() { gdk_event_handler_set(event_callback, nullptr, null
 void v_key_guard_shield(GtkWindow *window) {
   set_shield(GTK_WIDGET(window), last_press.confirms_text ? shielded : not_shielded);
 }
+
+bool v_key_guard_is_repeating() { return last_press.is_repeating; }

@@ -17,3 +17,6 @@ void v_key_guard_install();
 // message that is not read yet nor, once it is answered, end up in the window below. Return and
 // Escape that follow at once, with nothing typed between, are an answer.
 void v_key_guard_shield(GtkWindow *window);
+
+// Whether the key that is being handled is held down since it was pressed, in whichever window.
+bool v_key_guard_is_repeating();

@@ -21,12 +21,6 @@ gboolean key_callback(GtkAccelGroup *, GObject *, guint, GdkModifierType, Comman
   return TRUE;
 }
 
-void press_button(void *button) {
-  if (gtk_widget_is_sensitive(GTK_WIDGET(button))) {
-    gtk_button_clicked(GTK_BUTTON(button));
-  }
-}
-
 GtkAccelGroup *keys_of_window(GtkWindow *window) {
   if (GSList *groups = gtk_accel_groups_from_object(G_OBJECT(window))) {
     return GTK_ACCEL_GROUP(groups->data);
@@ -45,12 +39,6 @@ void v_window_commands_add(GtkWindow *window, guint key, GdkModifierType modifie
       g_cclosure_new(G_CALLBACK(key_callback), owned_command.release(),
                      [](void *closed, GClosure *) { delete static_cast<Command *>(closed); });
   gtk_accel_group_connect(keys_of_window(window), key, modifiers, GtkAccelFlags{}, closure);
-}
-
-void v_window_commands_add_button(GtkWindow *window, guint key, GdkModifierType modifiers,
-                                  GtkButton *button) {
-  v_window_commands_add(window, key, modifiers, press_button, button);
-  v_window_commands_announce(button, OwnedText(gtk_accelerator_get_label(key, modifiers)).get());
 }
 
 void v_window_commands_announce(GtkButton *button, const char *key) {

@@ -4,7 +4,7 @@
 
 #include "base/owned.h"
 #include "gui/button.h"
-#include "gui/held_key.h"
+#include "gui/key_guard.h"
 #include "gui/list_place.h"
 #include "gui/owned_objects.h"
 
@@ -52,7 +52,7 @@ gboolean key_callback(GtkAccelGroup *, GObject *, guint, GdkModifierType, Key *k
       (key->list != nullptr && gtk_window_get_focus(key->window) != GTK_WIDGET(key->list))) {
     return FALSE;
   }
-  if (v_held_key_is_repeating()) {
+  if (v_key_guard_is_repeating()) {
     return TRUE;
   }
   if (key->list != nullptr && key->row == Row::with_cursor) {
@@ -87,7 +87,7 @@ void announce(const Key &key, guint keyval) {
 }
 
 void add(const Key &key, guint keyval) {
-  v_held_key_watch();
+  v_key_guard_install();
   connect(key, keyval);
   for (const KeypadKey &other : keypad_keys) {
     if (other.key == keyval) {

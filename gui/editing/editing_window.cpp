@@ -133,7 +133,7 @@ void pack_codes(EditingWindow *editing, GtkBox *box) {
   GtkBox *button_row = v_gui_pack_hbox(frame_box, Expand::no, Spacing::standard);
   GtkButton *add_button =
       pack_code_button(editing, button_row, "Add new", G_CALLBACK(add_callback));
-  v_window_commands_add_button(editing->window, GDK_KEY_n, GDK_CONTROL_MASK, add_button);
+  v_window_keys_add(editing->window, GDK_KEY_n, GDK_CONTROL_MASK, add_button);
   editing->edit_button = pack_code_button(editing, button_row, "Edit", G_CALLBACK(edit_callback));
   editing->delete_button =
       pack_code_button(editing, button_row, "Delete", G_CALLBACK(delete_callback));
@@ -143,7 +143,7 @@ void pack_window_buttons(EditingWindow *editing, GtkBox *box) {
   GtkBox *row = v_gui_pack_hbox(box, Expand::no, Spacing::standard);
   GtkButton *save = v_gui_pack_button(row, "Save codeset", MakeDefault::yes);
   g_signal_connect(save, "clicked", G_CALLBACK(save_button_clicked_callback), editing);
-  v_window_commands_add_button(editing->window, GDK_KEY_s, GDK_CONTROL_MASK, save);
+  v_window_keys_add(editing->window, GDK_KEY_s, GDK_CONTROL_MASK, save);
   GtkButton *close = v_gui_pack_button_in_alignment(row, Expand::yes, "Close", MakeDefault::no,
                                                     1.0F, 0.0F, 0.0F, 0.0F);
   g_signal_connect(close, "clicked", G_CALLBACK(close_button_clicked_callback), editing);

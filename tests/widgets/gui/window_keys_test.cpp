@@ -45,7 +45,7 @@ protected:
     event->key.hardware_keycode = count > 0 ? static_cast<guint16>(keys[0].keycode) : guint16{0};
     g_free(keys);
     gdk_event_set_device(event.get(), gdk_seat_get_keyboard(gdk_display_get_default_seat(display)));
-    gtk_main_do_event(event.get());
+    gdk_event_put(event.get());
     settle();
   }
 
