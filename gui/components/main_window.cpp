@@ -170,16 +170,19 @@ void update_buttons(const MainWindow *state, const std::optional<VComponentRow> 
   set_sensitive_if_any(state->delete_button, row.has_value());
 }
 
-// What is in the folder now.
+// What the file reads; null for one that is not compatible.
+OwnedText read_text(const MainWindow *state, const char *path) {
+  return state->kind.text_callback(path, state->kind.user_data);
+}
+
+// The rows for the files that are in the folder now.
 std::vector<VComponentRow> read_folder(const MainWindow *state) {
   std::vector<VComponentRow> rows;
   for (OwnedText &name : v_component_list_find_names(state->folder_path.get(), state->kind)) {
-    VComponentRow row = {nullptr, std::move(name)};
-    const OwnedText path = path_of(state, row);
+    const OwnedText path = v_fs_utils_create_path_in_folder(state->folder_path.get(), name.get());
     VFileInfo info;
     if (v_fs_utils_get_info(path.get(), info) && v_fs_utils_is_regular_file(info)) {
-      row.text = state->kind.text_callback(path.get(), state->kind.user_data);
-      rows.push_back(std::move(row));
+      rows.push_back({read_text(state, path.get()), std::move(name)});
     }
   }
   return rows;
