@@ -18,5 +18,5 @@ G_DECLARE_FINAL_TYPE(VButton, v_button, V, BUTTON, GtkButton)
 // Floating, like every new widget. The label may be null.
 GtkWidget *v_button_new(const char *label);
 // The key (UTF-8, as the user reads it, "Ctrl+N" for instance) that presses the button. Assistive
-// technology is told of it; whoever sets it makes the key work.
+// technology announces it. The caller makes the key work.
 void v_button_set_key(VButton *button, const char *key);

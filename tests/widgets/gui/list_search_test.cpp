@@ -46,7 +46,7 @@ protected:
     settle();
   }
 
-  // What is selected after the text has been typed.
+  // The row that is selected after the text has been typed.
   std::string type(const char *text) {
     for (; *text != '\0'; text = g_utf8_next_char(text)) {
       press(gdk_unicode_to_keyval(g_utf8_get_char(text)));
