@@ -21,16 +21,15 @@ gboolean key_callback(GtkAccelGroup *, GObject *, guint, GdkModifierType, Comman
   return TRUE;
 }
 
-GtkAccelGroup *keys_of_window(GtkWindow *window) {
-  if (GSList *groups = gtk_accel_groups_from_object(G_OBJECT(window))) {
-    return GTK_ACCEL_GROUP(groups->data);
-  }
-  const OwnedObject<GtkAccelGroup> group = take(gtk_accel_group_new());
-  gtk_window_add_accel_group(window, group.get());
-  return group.get();
-}
-
 } // namespace
+
+GtkAccelGroup *v_window_commands_get_keys(GtkWindow *window) {
+  if (gtk_accel_groups_from_object(G_OBJECT(window)) == nullptr) {
+    const OwnedObject<GtkAccelGroup> group = take(gtk_accel_group_new());
+    gtk_window_add_accel_group(window, group.get());
+  }
+  return GTK_ACCEL_GROUP(gtk_accel_groups_from_object(G_OBJECT(window))->data);
+}
 
 void v_window_commands_add(GtkWindow *window, guint key, GdkModifierType modifiers,
                            VWindowCommand command, void *data) {
@@ -38,7 +37,8 @@ void v_window_commands_add(GtkWindow *window, guint key, GdkModifierType modifie
   GClosure *closure =
       g_cclosure_new(G_CALLBACK(key_callback), owned_command.release(),
                      [](void *closed, GClosure *) { delete static_cast<Command *>(closed); });
-  gtk_accel_group_connect(keys_of_window(window), key, modifiers, GtkAccelFlags{}, closure);
+  gtk_accel_group_connect(v_window_commands_get_keys(window), key, modifiers, GtkAccelFlags{},
+                          closure);
 }
 
 void v_window_commands_announce(GtkButton *button, const char *key) {

@@ -7,6 +7,8 @@
 
 using VWindowCommand = void (*)(void *data);
 
+// The keys of the window; made when it has none. Borrowed.
+GtkAccelGroup *v_window_commands_get_keys(GtkWindow *window);
 // The key calls the command. data must outlive the window.
 void v_window_commands_add(GtkWindow *window, guint key, GdkModifierType modifiers,
                            VWindowCommand command, void *data);

@@ -6,7 +6,7 @@
 #include "gui/button.h"
 #include "gui/key_guard.h"
 #include "gui/list_place.h"
-#include "gui/owned_objects.h"
+#include "gui/window_commands.h"
 
 namespace {
 
@@ -61,21 +61,12 @@ gboolean key_callback(GtkAccelGroup *, GObject *, guint, GdkModifierType, Key *k
   return press(key->button);
 }
 
-GtkAccelGroup *keys_of_window(GtkWindow *window) {
-  if (GSList *groups = gtk_accel_groups_from_object(G_OBJECT(window))) {
-    return GTK_ACCEL_GROUP(groups->data);
-  }
-  const OwnedObject<GtkAccelGroup> group = take(gtk_accel_group_new());
-  gtk_window_add_accel_group(window, group.get());
-  return group.get();
-}
-
 void connect(const Key &key, guint keyval) {
   GClosure *closure =
       g_cclosure_new(G_CALLBACK(key_callback), std::make_unique<Key>(key).release(),
                      [](void *data, GClosure *) { delete static_cast<Key *>(data); });
-  gtk_accel_group_connect(keys_of_window(key.window), keyval, key.modifiers, GtkAccelFlags{},
-                          closure);
+  gtk_accel_group_connect(v_window_commands_get_keys(key.window), keyval, key.modifiers,
+                          GtkAccelFlags{}, closure);
 }
 
 void announce(const Key &key, guint keyval) {
