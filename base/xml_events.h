@@ -4,8 +4,8 @@
 // time.
 //
 // A document that has a document type, or a text of more than 10,000,000 bytes, is read as a tree
-// instead (base/xml_parsing.h): then the whole file is in memory, at some ten times its size. What
-// is handed out is the same either way.
+// instead (base/xml_parsing.h): then the whole file is in memory, at ten to thirty times its size.
+// What is handed out is the same either way.
 
 #include <functional>
 #include <string>

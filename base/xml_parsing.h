@@ -1,7 +1,7 @@
 #pragma once
 // XML in, as a tree: from a file to the parser library's tree, with the library's own report in the
 // error state. The tree is in UTF-8; base/xml_reading.h gets the values out of it. A tree takes ten
-// times the memory of its file; base/xml_events.h is for files that may be large.
+// to thirty times the memory of its file; base/xml_events.h is for files that may be large.
 //
 // No file takes the program down by its entities: a document that refers to them ten million times
 // (a thousand times to parameter entities) does not parse, and what they add to the texts that are
