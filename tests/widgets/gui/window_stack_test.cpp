@@ -1,6 +1,7 @@
 #include "gui/window_stack.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,19 @@
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
 #include "widgets/gui/toolkit.h"
+
+namespace {
+
+// The time of day (microseconds) while it is set: the program's clock does not move by itself then.
+std::optional<gint64> time_of_day;
+
+} // namespace
+
+// The linker leads the program's calls here.
+gint64 real_get_real_time() __asm__("__real_g_get_real_time");
+gint64 wrapped_get_real_time() __asm__("__wrap_g_get_real_time");
+
+gint64 wrapped_get_real_time() { return time_of_day ? *time_of_day : real_get_real_time(); }
 
 namespace {
 
@@ -598,8 +612,8 @@ TEST_F(WindowStack, AMaximizedWindowIsSoWhenItAppears) {
                            *result = has_maximized_state(widget);
                          }),
                          &was_at_once);
-  call_later(300, [&] {
-    EXPECT_TRUE(gtk_window_is_maximized(window.get()));
+  call_later(1, [&] {
+    EXPECT_TRUE(wait_until([&] { return gtk_window_is_maximized(window.get()) != FALSE; }));
     window.destroy();
   });
   v_window_stack_run_window(stack.get(), window.get(), Maximize::yes);
@@ -618,8 +632,9 @@ TEST_F(WindowStack, AWindowIsMaximizedOnceMoreAfterItIsRealized) {
                            *result = true;
                          }),
                          &was_lost);
-  call_later(300, [&] {
-    EXPECT_TRUE(gtk_window_is_maximized(window.get()));
+  call_later(1, [&] {
+    EXPECT_TRUE(
+        wait_until([&] { return was_lost && gtk_window_is_maximized(window.get()) != FALSE; }));
     window.destroy();
   });
   v_window_stack_run_window(stack.get(), window.get(), Maximize::yes);
@@ -830,6 +845,17 @@ TEST_F(WindowStack, ARunStoresTheCursorCallback) {
 
 // ---- Focus --------------------------------------------------------------------------------------
 
+// Some day at noon, in microseconds.
+constexpr std::int64_t noon = 1'700'049'600'000'000;
+
+class StoppedClock {
+public:
+  explicit StoppedClock(std::int64_t time) { time_of_day = time; }
+  ~StoppedClock() { time_of_day.reset(); }
+  StoppedClock(const StoppedClock &) = delete;
+  StoppedClock &operator=(const StoppedClock &) = delete;
+};
+
 struct FocusReports {
   std::vector<long> seconds;
 };
@@ -874,22 +900,22 @@ TEST_F(WindowStack, TheFocusGoneToAnotherProgramIsLostAndItsReturnReportedOnce) 
   TestWindow main_window;
   open(main_window);
   run_for(700);
+  const StoppedClock clock(noon);
   {
     TestWindow other_program;
     const gint64 begin = g_get_monotonic_time();
     other_program.show_active();
     ASSERT_TRUE(wait_until([&] { return stack->focus_lost == 1; }));
     EXPECT_GE(g_get_monotonic_time() - begin, 500'000);
-    run_for(1700);
+    settle();
     EXPECT_EQ(stack->focus_lost, 1);
     EXPECT_TRUE(reports.seconds.empty());
+    time_of_day = noon + 2'200'000;
   }
   ASSERT_TRUE(wait_until([&] { return !reports.seconds.empty(); }));
   EXPECT_EQ(stack->focus_lost, 0);
   send_focus_event(main_window, true);
-  ASSERT_EQ(reports.seconds.size(), 1u);
-  EXPECT_GE(reports.seconds[0], 2);
-  EXPECT_LE(reports.seconds[0], 4);
+  EXPECT_EQ(reports.seconds, std::vector{2L});
 }
 
 TEST_F(WindowStack, WholeSecondsWithoutFocusAreReported) {
@@ -897,23 +923,25 @@ TEST_F(WindowStack, WholeSecondsWithoutFocusAreReported) {
     std::int64_t microseconds;
     long seconds;
   };
-  constexpr Row rows[] = {
-      {300'000, 0}, {999'000, 0}, {1'050'000, 1}, {4'900'000, 4}, {61'500'000, 61}};
+  constexpr Row rows[] = {{0, 0},           {300'000, 0},    {999'999, 0},   {1'000'000, 1},
+                          {1'000'001, 1},   {1'999'999, 1},  {4'900'000, 4}, {5'000'000, 5},
+                          {59'999'999, 59}, {61'500'000, 61}};
   FocusReports reports;
   v_window_stack_set_focus_callback(stack.get(), report, &reports);
   TestWindow window;
   open(window);
   for (const Row &row : rows) {
     // From different fractions of a second, so that it is borrowed from the whole ones.
-    for (int fraction = 0; fraction < 3; ++fraction) {
-      const std::int64_t then = g_get_real_time() - row.microseconds;
-      stack->focus_lost_time = {then / 1'000'000, then % 1'000'000};
+    for (const std::int64_t fraction : {0, 1, 330'000, 999'999}) {
+      const StoppedClock clock(noon + fraction);
+      send_focus_event(window, false);
       stack->focus_lost = 1;
       reports.seconds.clear();
+      time_of_day = noon + fraction + row.microseconds;
       send_focus_event(window, true);
-      EXPECT_EQ(reports.seconds, std::vector{row.seconds}) << row.microseconds;
+      EXPECT_EQ(reports.seconds, std::vector{row.seconds})
+          << row.microseconds << " from " << fraction;
       EXPECT_EQ(stack->focus_lost, 0);
-      run_for(330);
     }
   }
 }
@@ -921,13 +949,10 @@ TEST_F(WindowStack, WholeSecondsWithoutFocusAreReported) {
 TEST_F(WindowStack, LosingTheFocusStampsTheTime) {
   TestWindow window;
   open(window);
-  const std::int64_t before = g_get_real_time();
+  const StoppedClock clock(noon + 123'456);
   send_focus_event(window, false);
-  const std::int64_t stamped =
-      stack->focus_lost_time.seconds * 1'000'000 + stack->focus_lost_time.microseconds;
-  EXPECT_GE(stamped, before);
-  EXPECT_LE(stamped, g_get_real_time());
-  EXPECT_LT(stack->focus_lost_time.microseconds, 1'000'000);
+  EXPECT_EQ(stack->focus_lost_time.seconds, noon / 1'000'000);
+  EXPECT_EQ(stack->focus_lost_time.microseconds, 123'456);
 }
 
 TEST_F(WindowStack, WithoutAnyEntryTheFocusIsLost) {
