@@ -112,6 +112,9 @@ std::string encode_png(const PngPicture &picture) {
                picture.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
                PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
   set_colours(png, info, picture);
+  if (picture.gamma > 0) {
+    png_set_gAMA(png, info, picture.gamma);
+  }
   png_write_info(png, info);
   const std::size_t row_size = png_get_rowbytes(png, info);
   if (picture.samples.size() != row_size * static_cast<std::size_t>(picture.height)) {

@@ -21,6 +21,8 @@ struct PngPicture {
   std::vector<png_byte> palette_alpha = {};   // palette pictures: tRNS
   std::vector<png_color_16> transparent = {}; // others: tRNS, at most one colour
   bool interlaced = false;
+  // The exponent with which light became samples; 0: the file has no gAMA chunk.
+  double gamma = 0;
 };
 
 std::string encode_png(const PngPicture &picture);

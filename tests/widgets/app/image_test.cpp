@@ -4,17 +4,22 @@
 #include <cstring>
 #include <string>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "app/image_reading.h"
 #include "base/error.h"
 #include "encoded_images.h"
+#include "handover.h"
 
 // The sanitizers end the process for a block that no system can give, unless they are told to
 // answer as the system does.
 extern "C" const char *__asan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 const std::string half_red_png = encode_png({.width = 2,
                                              .colour_type = PNG_COLOR_TYPE_RGB_ALPHA,
@@ -113,6 +118,26 @@ TEST(Image, PixelsLiveAsLongAsTheSurface) {
   EXPECT_EQ(pixel, 0xff123456);
 }
 
+TEST(Image, PixelsAreTheSurfacesAlone) {
+  Handover handover;
+  OwnedImage image = v_gfx_image_new_for_pixels(v_gfx_pixels_new(2, 2), 2, 2, true);
+  ASSERT_TRUE(image) << v_error_get();
+  EXPECT_THAT(handover.alive, ElementsAre(cairo_image_surface_get_data(image->surface.get())));
+  image.reset();
+  EXPECT_THAT(handover.alive, IsEmpty());
+}
+
+TEST(Image, PixelsThatTheSurfaceRefusesAreFreedAndReported) {
+  Handover handover;
+  handover.fails_for_pixels = true;
+  OwnedPixels pixels = v_gfx_pixels_new(2, 2);
+  v_error_set("An old message.");
+  EXPECT_FALSE(v_gfx_image_new_for_pixels(std::move(pixels), 2, 2, false));
+  EXPECT_STREQ(v_error_get(), "Error transferring pixel buffer ownership to image surface.");
+  EXPECT_EQ(handover.count, 1);
+  EXPECT_THAT(handover.alive, IsEmpty());
+}
+
 // The graphics library has a limit of its own, far below that of the buffers.
 TEST(Image, TooLargeForASurface) {
   EXPECT_FALSE(v_gfx_image_new_for_pixels(v_gfx_pixels_new(40000, 1), 40000, 1, true));
@@ -169,6 +194,54 @@ TEST(ImageReading, EncodedDataIsKeptOnlyWhenAskedFor) {
       EXPECT_EQ(data != nullptr, keep);
       EXPECT_EQ(std::string(reinterpret_cast<const char *>(data), length), keep ? kind.file : "");
     }
+  }
+}
+
+struct KeptKind {
+  const char *entry_name;
+  VFileType file_type;
+  const char *failure;
+};
+
+const KeptKind kept_kinds[] = {{"a.png", VFileType::png, "Could not load PNG.\n\n"},
+                               {"a.jpg", VFileType::jpeg, "Could not load JPEG.\n\n"}};
+
+TEST(ImageReading, WhatTheSurfaceRefusesIsFreedAndReported) {
+  const Archive archive({{"a.png", half_red_png}, {"a.jpg", grey_jpeg}});
+  const struct {
+    bool Handover::*fails;
+    const char *message;
+    int handover_count;
+  } refusals[] = {
+      {&Handover::fails_for_pixels, "Error transferring pixel buffer ownership to image surface.",
+       1},
+      {&Handover::fails_for_encoded_data, "An internal error in the graphics subsystem occurred.",
+       2},
+  };
+  for (const KeptKind &kind : kept_kinds) {
+    for (const auto &refusal : refusals) {
+      Handover handover;
+      handover.*refusal.fails = true;
+      v_error_set("An old message.");
+      EXPECT_FALSE(v_gfx_image_io_read_from_zip_file_path(archive.get(), kind.entry_name,
+                                                          kind.file_type, true));
+      EXPECT_EQ(v_error_get(), std::string(kind.failure) + refusal.message);
+      EXPECT_EQ(handover.count, refusal.handover_count);
+      EXPECT_THAT(handover.alive, IsEmpty());
+    }
+  }
+}
+
+TEST(ImageReading, EncodedDataLivesAsLongAsTheSurface) {
+  const Archive archive({{"a.png", half_red_png}, {"a.jpg", grey_jpeg}});
+  for (const KeptKind &kind : kept_kinds) {
+    Handover handover;
+    OwnedImage image = v_gfx_image_io_read_from_zip_file_path(archive.get(), kind.entry_name,
+                                                              kind.file_type, true);
+    ASSERT_TRUE(image) << v_error_get();
+    EXPECT_EQ(handover.alive.size(), 2U);
+    image.reset();
+    EXPECT_THAT(handover.alive, IsEmpty());
   }
 }
 

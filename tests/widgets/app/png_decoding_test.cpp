@@ -1,5 +1,6 @@
 #include "app/png_decoding.h"
 
+#include <cmath>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -312,6 +313,49 @@ TEST(PngDecoding, PremultipliesToTheNearestValue) {
     ASSERT_EQ(decoded.pixels[i],
               alpha << 24 | expected(colour, alpha) << 16 | expected(255 - colour, alpha) << 8)
         << "colour " << colour << ", alpha " << alpha;
+  }
+}
+
+// With a gAMA chunk the samples stand for light, which is what is mixed with that of the white;
+// what is opaque stays as it is.
+TEST(PngDecoding, LaysOnWhiteInLightWhereTheFileTellsItsGamma) {
+  const auto expected = [](double colour, double alpha, double gamma) {
+    const double light = alpha / 255 * std::pow(colour / 255, 1 / gamma) + 1 - alpha / 255;
+    return 255 * std::pow(light, gamma);
+  };
+  PngPicture picture = {.width = 256, .height = 6, .colour_type = PNG_COLOR_TYPE_RGB_ALPHA};
+  const int alphas[] = {0, 1, 64, 128, 192, 255};
+  for (const int alpha : alphas) {
+    for (int colour = 0; colour < 256; colour++) {
+      picture.samples += bytes({colour, colour, colour, alpha});
+    }
+  }
+  for (const double gamma : {1 / 2.2, 1 / 1.8, 1.0}) {
+    picture.gamma = gamma;
+    const Decoded decoded = decode(encode_png(picture), on_white);
+    ASSERT_TRUE(decoded.is_decoded) << decoded.message;
+    EXPECT_TRUE(decoded.opaque);
+    for (std::size_t i = 0; i < decoded.pixels.size(); i++) {
+      const auto colour = static_cast<double>(i % 256);
+      const int alpha = alphas[i / 256];
+      const std::uint32_t grey = decoded.pixels[i] & 0xff;
+      ASSERT_EQ(decoded.pixels[i], 0xff000000U | grey << 16 | grey << 8 | grey);
+      // The library counts in tables of eight bits.
+      ASSERT_NEAR(grey, expected(colour, alpha, gamma), alpha == 255 ? 0.01 : 1.6)
+          << "colour " << colour << ", alpha " << alpha << ", gamma " << gamma;
+    }
+  }
+}
+
+TEST(PngDecoding, TheGammaOfAFileMattersOnWhiteAlone) {
+  PngPicture picture = translucent;
+  for (const VPngAlphaMode mode : {premultiplied, straight}) {
+    picture.gamma = 0;
+    const Decoded plain = decode(encode_png(picture), mode);
+    picture.gamma = 1 / 2.2;
+    const Decoded decoded = decode(encode_png(picture), mode);
+    ASSERT_TRUE(decoded.is_decoded) << decoded.message;
+    EXPECT_EQ(decoded.pixels, plain.pixels);
   }
 }
 
