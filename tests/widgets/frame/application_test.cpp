@@ -66,6 +66,7 @@ TEST(Application, TheThemeIsAlwaysTheSame) {
     system.install_font();
     fake_tool.run = [] { EXPECT_STREQ(std::getenv("GTK_THEME"), "Adwaita"); };
     EXPECT_EQ(start_fake_tool(), 0);
+    EXPECT_EQ(fake_tool.theme, "Adwaita");
     EXPECT_EQ(fake_tool.calls.size(), 1U);
   });
 }

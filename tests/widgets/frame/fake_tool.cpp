@@ -34,6 +34,8 @@ void reactivate(GtkApplication *application, ApplicationConfiguration *configura
 } // namespace
 
 void v_init_application_configuration(ApplicationConfiguration *configuration) {
+  const char *theme = std::getenv("GTK_THEME");
+  fake_tool.theme = theme == nullptr ? "" : theme;
   configuration->application_id = fake_tool_id;
   configuration->run = run;
   configuration->reactivate = fake_tool.has_reactivate_callback ? reactivate : nullptr;

@@ -11,6 +11,7 @@
 struct FakeTool {
   std::function<void()> run;      // what it does; none: it ends at once
   std::vector<std::string> calls; // what the frame has asked of it
+  std::string theme;              // GTK_THEME when the frame asked for its configuration
   bool has_reactivate_callback = false;
 };
 

@@ -1,21 +1,27 @@
 // Start-ups that a library fails: told of in one message, with nothing half done left behind.
 
+#include <set>
 #include <string>
 #include <vector>
 
 #include <cairo-ft.h>
+#include <dirent.h>
 #include <dlfcn.h>
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <libxml/parser.h>
+#include <libxslt/xslt.h>
 #include <zip.h>
 
+#include "app/application.h"
 #include "base/fs_utils.h"
 #include "fake_tool.h"
 #include "gui/owned_objects.h"
 #include "startup_fixture.h"
 
+using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -32,13 +38,15 @@ public:
   Libraries(const Libraries &) = delete;
   Libraries &operator=(const Libraries &) = delete;
 
-  // Whether this call is the one that is to fail.
+  // Notes the call. Whether it is one that is to fail, which it does once.
   static bool fails(const std::string &call) {
-    if (current == nullptr || current->failing_call != call) {
-      return false;
+    note(call);
+    return current != nullptr && current->failing_calls.erase(call) > 0;
+  }
+  static void note(const std::string &call) {
+    if (current != nullptr) {
+      current->calls.push_back(call);
     }
-    current->failing_call.clear();
-    return true;
   }
   static bool is_view_font(const cairo_font_face_t *face) {
     return current != nullptr && face == current->font_face;
@@ -47,8 +55,9 @@ public:
   // Null outside and for other threads; the toolkit looks for fonts in one of its own.
   static thread_local Libraries *current;
 
-  // A function, and what it is to open if it opens something. "" once it has failed.
-  std::string failing_call;
+  // Functions, and what they are to open if they open something. Without those that have failed.
+  std::set<std::string> failing_calls;
+  std::vector<std::string> calls; // of the functions below, those of the start-up and the shutdown
   // The view font's, once there are any. Only compared, never dereferenced.
   FT_Face ft_face = nullptr;
   cairo_font_face_t *font_face = nullptr;
@@ -83,8 +92,58 @@ FT_Error FT_Done_Face(FT_Face face) {
   if (Libraries *libraries = Libraries::current;
       libraries != nullptr && face == libraries->ft_face) {
     libraries->ended.emplace_back("FreeType face");
+    Libraries::note("FT_Done_Face");
   }
   return next<decltype(FT_Done_Face)>("FT_Done_Face")(face);
+}
+
+FT_Error FT_New_Face(FT_Library library, const char *path, FT_Long index, FT_Face *face) {
+  Libraries::note("FT_New_Face");
+  return next<decltype(FT_New_Face)>("FT_New_Face")(library, path, index, face);
+}
+
+FT_Error FT_Done_FreeType(FT_Library library) {
+  Libraries::note("FT_Done_FreeType");
+  return next<decltype(FT_Done_FreeType)>("FT_Done_FreeType")(library);
+}
+
+void gdk_screen_set_resolution(GdkScreen *screen, double resolution) {
+  Libraries::note("gdk_screen_set_resolution");
+  next<decltype(gdk_screen_set_resolution)>("gdk_screen_set_resolution")(screen, resolution);
+}
+
+void gtk_application_set_app_menu(GtkApplication *application, GMenuModel *menu) {
+  Libraries::note("gtk_application_set_app_menu");
+  next<decltype(gtk_application_set_app_menu)>("gtk_application_set_app_menu")(application, menu);
+}
+
+DIR *opendir(const char *name) {
+  if (fake_platform.temp_files_folder == name) {
+    Libraries::note("opendir");
+  }
+  return next<decltype(opendir)>("opendir")(name);
+}
+
+// With this function here nothing asks for the library any more, so there is none behind it.
+void xsltCleanupGlobals() { Libraries::note("xsltCleanupGlobals"); }
+
+void xmlCleanupParser() {
+  Libraries::note("xmlCleanupParser");
+  next<decltype(xmlCleanupParser)>("xmlCleanupParser")();
+}
+
+void zip_discard(zip_t *archive) {
+  Libraries::note("zip_discard");
+  next<decltype(zip_discard)>("zip_discard")(archive);
+}
+
+// The linker leads the program's call here.
+void real_file_dialog_clean_up() __asm__("__real__Z22v_file_dialog_clean_upv");
+void wrapped_file_dialog_clean_up() __asm__("__wrap__Z22v_file_dialog_clean_upv");
+
+void wrapped_file_dialog_clean_up() {
+  Libraries::note("v_file_dialog_clean_up");
+  real_file_dialog_clean_up();
 }
 
 zip_t *zip_open_from_source(zip_source_t *source, int flags, zip_error_t *error) {
@@ -177,9 +236,9 @@ class ToldStartupFailures : public testing::TestWithParam<Failure> {};
 } // namespace
 
 TEST_P(StartupFailures, EndTheStartUp) {
-  libraries.failing_call = GetParam().failing_call;
+  libraries.failing_calls = {GetParam().failing_call};
   EXPECT_FALSE(run());
-  EXPECT_EQ(libraries.failing_call, "") << "was never called";
+  EXPECT_THAT(libraries.failing_calls, IsEmpty()) << "were never made";
   EXPECT_STREQ(v_error_get(), GetParam().message);
   expect_icons(GetParam().loaded_icon_count);
   EXPECT_EQ(v_get_view_font_face(), nullptr);
@@ -190,9 +249,9 @@ TEST_P(ToldStartupFailures, AtTheActivation) {
   in_own_process([](const SystemFolders &system, GuiScript &script) {
     system.install_font();
     Libraries libraries;
-    libraries.failing_call = GetParam().failing_call;
+    libraries.failing_calls = {GetParam().failing_call};
     expect_failed_start(script, std::string("Startup failed.\n\n") + GetParam().message);
-    EXPECT_EQ(libraries.failing_call, "") << "was never called";
+    EXPECT_THAT(libraries.failing_calls, IsEmpty()) << "were never made";
   });
 }
 
@@ -227,10 +286,70 @@ TEST_F(FailingStartup, SucceedsWithoutAFailure) {
   EXPECT_THAT(libraries.ended, UnorderedElementsAre("cairo face", "FreeType face"));
 }
 
+TEST_F(FailingStartup, TakesItsStepsInTheirOrder) {
+  GdkScreen *screen = gdk_screen_get_default();
+  const double resolution = gdk_screen_get_resolution(screen);
+  gdk_screen_set_resolution(screen, 288);
+  libraries.calls.clear();
+  EXPECT_TRUE(run()) << v_error_get();
+  EXPECT_THAT(
+      libraries.calls,
+      ElementsAre("FT_Init_FreeType", "gdk_screen_set_resolution", "gtk_application_set_app_menu",
+                  "opendir", "zip_open_from_source", "zip_fopen checkbox_off.png",
+                  "zip_fopen checkbox_on.png", "zip_fopen text_tab_menu.png", "FT_New_Face",
+                  "cairo_ft_font_face_create_for_ft_face", "cairo_font_face_set_user_data"));
+  gdk_screen_set_resolution(screen, resolution);
+}
+
+// Of several things that are wrong the user is told the first, and the order of the steps says
+// which that is.
+TEST_F(FailingStartup, TellsTheFirstOfSeveralFailures) {
+  const char *const icons[] = {"checkbox_off.png", "checkbox_on.png", "text_tab_menu.png"};
+  libraries.failing_calls = {"FT_Init_FreeType", "zip_open_from_source"};
+  for (const char *icon : icons) {
+    libraries.failing_calls.insert(std::string("zip_fopen ") + icon);
+  }
+  fake_platform.temp_files_folder = system.temp_files_folder / "missing";
+  ASSERT_EQ(unlink((system.install_folder / "fonts/LiberationSans-Bold.ttf").c_str()), 0);
+
+  EXPECT_FALSE(run());
+  EXPECT_STREQ(v_error_get(), "Couldn't initialize the FreeType font library.");
+  v_error_clear();
+  EXPECT_FALSE(run());
+  EXPECT_THAT(v_error_get(), StartsWith("Couldn't clean up temp files.\n\n"));
+  fake_platform.temp_files_folder = system.temp_files_folder.path();
+  EXPECT_FALSE(run());
+  EXPECT_STREQ(v_error_get(), "Couldn't load resources.\n\nNot a zip archive");
+  for (std::size_t i = 0; i < std::size(icons); i++) {
+    EXPECT_FALSE(run());
+    EXPECT_STREQ(v_error_get(), icon_message);
+    expect_icons(i);
+  }
+  EXPECT_FALSE(run());
+  EXPECT_STREQ(v_error_get(), "Couldn't open required fonts.");
+  EXPECT_THAT(libraries.failing_calls, IsEmpty());
+}
+
+TEST_F(FailingStartup, TheShutdownTakesItsStepsInTheirOrder) {
+  EXPECT_TRUE(run()) << v_error_get();
+  static const cairo_user_data_key_t icon_key = {};
+  for (VImage *icon : {v_get_checkbox_icon_image(0), v_get_checkbox_icon_image(1),
+                       v_get_text_tab_menu_icon_image()}) {
+    cairo_surface_set_user_data(icon->surface.get(), &icon_key, icon,
+                                [](void *) { Libraries::note("icon"); });
+  }
+  libraries.calls.clear();
+  app_shutdown_callback(nullptr, nullptr);
+  EXPECT_THAT(libraries.calls,
+              ElementsAre("icon", "icon", "icon", "FT_Done_Face", "v_file_dialog_clean_up",
+                          "zip_discard", "FT_Done_FreeType", "xsltCleanupGlobals",
+                          "xmlCleanupParser"));
+}
+
 TEST_F(FailingStartup, DoesNothingMoreAfterTheFirstFailure) {
   const std::string stale_file = system.temp_files_folder / "vantorelle-999999.123.out";
   write_file(stale_file, "printed");
-  libraries.failing_call = "FT_Init_FreeType";
+  libraries.failing_calls = {"FT_Init_FreeType"};
   EXPECT_FALSE(run());
   EXPECT_TRUE(path_exists(stale_file));
 }
