@@ -1,5 +1,8 @@
 #include "gui/components/component_list.h"
 
+#include <clocale>
+#include <map>
+
 #include <gmock/gmock.h>
 
 #include "component_fixture.h"
@@ -55,6 +58,32 @@ TEST_F(ComponentList, LeavesNoDescriptorOpen) {
   const int before = count_open_descriptors();
   v_component_list_find_names(managed().c_str(), kind);
   EXPECT_EQ(count_open_descriptors(), before);
+}
+
+// As in a dictionary of the user's language. What the tests run under is chosen from outside.
+TEST_F(ComponentList, IsInTheOrderOfTheUsersLanguage) {
+  const std::map<std::string, std::vector<std::string>> orders = {
+      {"C.UTF-8", {"", "Arm", "Ost", "Zebra", "apa", "\u00c4rger", "\u00c5ska", "\u00d6l"}},
+      {"sv_SE.UTF-8", {"", "apa", "Arm", "Ost", "Zebra", "\u00c5ska", "\u00c4rger", "\u00d6l"}},
+      {"de_DE.ISO-8859-1",
+       {"", "apa", "\u00c4rger", "Arm", "\u00c5ska", "\u00d6l", "Ost", "Zebra"}},
+  };
+  const auto order = orders.find(setlocale(LC_COLLATE, nullptr));
+  ASSERT_NE(order, orders.end()) << setlocale(LC_COLLATE, nullptr);
+  const OwnedObject<GtkListStore> list = v_component_list_new();
+  for (const char *text : {"Zebra", "\u00d6l", "apa", "Ost", "\u00c5ska", "Arm", "\u00c4rger"}) {
+    v_component_list_append(list.get(), text, text);
+  }
+  v_component_list_append(list.get(), nullptr, "incompatible");
+  std::vector<std::string> texts;
+  GtkTreeModel *model = GTK_TREE_MODEL(list.get());
+  GtkTreeIter row;
+  for (gboolean valid = gtk_tree_model_get_iter_first(model, &row); valid;
+       valid = gtk_tree_model_iter_next(model, &row)) {
+    const OwnedText text = v_component_list_get_text(model, &row, v_component_column_text);
+    texts.emplace_back(text ? text.get() : "");
+  }
+  EXPECT_EQ(texts, order->second);
 }
 
 TEST_F(ComponentList, IsAListInAFrameThatScrolls) {
