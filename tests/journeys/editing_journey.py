@@ -106,6 +106,21 @@ class Editing(WorkspaceJourney):
         _, editing = self.open_own(text="Egen (Vera) 3", VANTORELLE_USER_LANGUAGE="sv")
         editing.list("Remark codes").expect_texts(["1. Ett", "2. Two", "10. Ten"])
 
+    def test_the_wheel_over_a_language_changes_nothing(self):
+        program, editing = self.open_own()
+        for combo in editing.combos():
+            x, y, width, height = combo.resting_extents()
+            for wheel in (4, 5):
+                display.click(x + width // 2, y + height // 2, wheel, times=3)
+        settle()
+        self.assertEqual([combo.text for combo in editing.combos()], [UK, SWEDISH, UK])
+        self.assertEqual([field.text for field in editing.fields()], ["Own", "Egen", "Vera", "3", ""])
+        # Nothing was changed that could be lost.
+        self.assertEqual(self.drafts(), [])
+        editing.button("Close").click()
+        self.expect_message(program, "Really close?", QUESTION, "Close")
+        editing.expect_closed()
+
     def test_type_ahead_in_the_list(self):
         _, editing = self.open_own()
         codes = editing.list("Remark codes")

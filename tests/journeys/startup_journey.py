@@ -11,6 +11,7 @@ from support import MAIN_WINDOW, Journey, display, main, wait_until
 from support.program import EXECUTABLE
 
 FONT_MESSAGE = "Startup failed.\n\nCouldn't open required fonts."
+APPLICATION = "org.vantorelle.VantorelleRemarkCodesetsManager"
 TEMP_FOLDER = pathlib.Path("/tmp")
 ABSENT_PROCESS = 999999
 
@@ -40,6 +41,22 @@ class Startup(Journey):
         message.close()
         program.expect_exit(0)
         self.assertEqual(list(self.home.glob("Vantorelle*")), [])
+
+    def test_the_desktop_knows_the_windows_for_the_programs(self):
+        # It finds name and icon in the entry that is called like the windows' class, of which the toolkit writes the first
+        # letter as a capital.
+        own = (APPLICATION, "O" + APPLICATION[1:])
+        self.make_workspace()
+        program = self.start_program()
+        window = program.window(MAIN_WINDOW)
+        self.assertEqual(display.window_class(window.window_id), own)
+        window.button("Add new").click()
+        naming = program.window("Add new")
+        self.assertEqual(display.window_class(naming.window_id), own)
+        naming.button("Cancel").click()
+        naming.expect_closed()
+        window.close()
+        program.expect_exit(0)
 
     def test_two_programs_run_side_by_side(self):
         self.make_workspace()

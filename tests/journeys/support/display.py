@@ -92,6 +92,12 @@ def window_id(pid, title):
     return answer.stdout.split()[-1]
 
 
+def window_class(window):
+    """The instance and the class that an X window tells the desktop."""
+    answer = subprocess.run(("xprop", "-id", str(window), "WM_CLASS"), capture_output=True, check=True, text=True, timeout=10)
+    return tuple(re.findall(r'"([^"]*)"', answer.stdout))
+
+
 def activate(window):
     """Raises an X window and gives it the keyboard, as a click on its task bar button does."""
     xdotool("windowactivate", window)

@@ -1,5 +1,7 @@
 #include "gui/editing/langstr_editor.h"
 
+#include <utility>
+
 #include <gmock/gmock.h>
 #include <gspell/gspell.h>
 
@@ -116,6 +118,48 @@ TEST_F(LangstrEditorTest, ShowsOnlyItselfWhenAllIsToBeShown) {
   EXPECT_FALSE(gtk_widget_get_visible(delete_button(0)));
   for (GtkWidget *each : {GTK_WIDGET(table()), field(0), GTK_WIDGET(combo(0)), plus_button()}) {
     EXPECT_TRUE(gtk_widget_get_visible(each));
+  }
+}
+
+// Turns the wheel with the pointer over the widget, as a mouse and as a touchpad do.
+void turn_wheel(GtkWidget *over, GdkScrollDirection direction) {
+  GtkWidget *button = find_widget<GtkWidget>(over, GTK_TYPE_TOGGLE_BUTTON);
+  ASSERT_NE(button, nullptr);
+  const Owned<GdkEvent, gdk_event_free> event(gdk_event_new(GDK_SCROLL));
+  event->scroll.window = share(gtk_button_get_event_window(GTK_BUTTON(button))).release();
+  event->scroll.direction = direction;
+  event->scroll.delta_y = direction == GDK_SCROLL_SMOOTH ? 1 : 0;
+  GdkSeat *seat = gdk_display_get_default_seat(gtk_widget_get_display(over));
+  gdk_event_set_device(event.get(), gdk_seat_get_pointer(seat));
+  gtk_main_do_event(event.get());
+}
+
+// The window scrolls instead.
+TEST_F(LangstrEditorTest, TheWheelChoosesNoOtherLanguage) {
+  for (const VLangstrEditorMode mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
+    make({{"sv", "a"}, {"en-uk", "b"}}, mode);
+    {
+      const ShownWindow host(widget);
+      int reached_window_count = 0;
+      g_signal_connect(host.window(), "scroll-event",
+                       G_CALLBACK(+[](GtkWidget *, GdkEvent *, int *count) -> gboolean {
+                         ++*count;
+                         return GDK_EVENT_STOP;
+                       }),
+                       &reached_window_count);
+      int turn_count = 0;
+      for (const guint row : {0U, 1U}) {
+        for (const GdkScrollDirection direction :
+             {GDK_SCROLL_UP, GDK_SCROLL_DOWN, GDK_SCROLL_SMOOTH}) {
+          turn_wheel(GTK_WIDGET(combo(row)), direction);
+          turn_count++;
+          EXPECT_EQ(shown_language(0), swedish);
+          EXPECT_EQ(shown_language(1), british);
+          EXPECT_EQ(reached_window_count, turn_count);
+        }
+      }
+    }
+    g_object_unref(std::exchange(widget, nullptr));
   }
 }
 
