@@ -7,10 +7,16 @@ import signal
 import subprocess
 
 from . import accessibility, display, widgets
-from .waiting import DEFAULT_SECONDS, wait_until
+from .waiting import DEFAULT_SECONDS, settle, wait_until
 
 EXECUTABLE = "vantorelle-remark-codesets-manager"
 START_SECONDS = 30
+
+# The toolkit's chooser unselects its files half a second after the name in it was set. When that moment comes in the few
+# milliseconds in which a chooser that was closed is taken down, it does so with a list that is gone already, and complains of
+# itself ("gtk_tree_view_get_selection: assertion 'GTK_IS_TREE_VIEW (tree_view)' failed", GTK 3.24.38). A program of the
+# toolkit's alone does the same. No user closes a chooser just then; the journeys, at their pace, did once in some fifty times.
+CHOOSER_PAUSE = 0.7
 
 # Lines that a clean run never prints: the toolkit's complaints and the reports of a build with checks.
 COMPLAINTS = re.compile(r"(WARNING|CRITICAL|ERROR) \*\*|\*\* (WARNING|CRITICAL|ERROR)|runtime error:|Sanitizer")
@@ -110,7 +116,9 @@ class Program:
         return dialog
 
     def file_chooser(self, title=None):
-        return self.window(title, widgets.FileChooser, DEFAULT_SECONDS)
+        chooser = self.window(title, widgets.FileChooser, DEFAULT_SECONDS)
+        settle(CHOOSER_PAUSE)
+        return chooser
 
     def active_window(self):
         return next((window for window in self.windows() if window.is_active), None)
