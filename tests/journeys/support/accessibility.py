@@ -77,7 +77,7 @@ def text(accessible):
 
 
 def extents(accessible):
-    """(x, y, width, height) on the screen, or None when it is not on the screen."""
+    """(x, y, width, height) on the screen in the toolkit's pixels, or None when it is not on the screen."""
     if "Component" not in interfaces(accessible):
         return None
     box = attempt(Atspi.Component.get_extents, accessible, Atspi.CoordType.SCREEN)

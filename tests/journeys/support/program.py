@@ -34,6 +34,8 @@ class Program:
         self.ended_by_journey = False
         self.expected_complaints = None
         variables = {**os.environ, **home_environment(self.home), **(environment or {})}
+        # Pixels of the screen for each that the toolkit, and with it the accessibility tree, reckons with.
+        self.scale = int(variables.get("GDK_SCALE") or 1)
 
         def ignore_signals():
             for number in ignored_signals:

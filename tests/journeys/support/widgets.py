@@ -77,7 +77,9 @@ class Widget:
 
     @property
     def extents(self):
-        return accessibility.extents(self.accessible)
+        """(x, y, width, height) in pixels of the screen, or None when it is not on the screen."""
+        place = accessibility.extents(self.accessible)
+        return place and tuple(pixels * self.program.scale for pixels in place)
 
     @property
     def is_sensitive(self):
