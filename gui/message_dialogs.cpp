@@ -17,8 +17,8 @@ constexpr MessageKind question_kind = {"Question", "dialog-question", ButtonSet:
 // Lines of the program's own messages are shorter; a long path or a text from a file may be longer.
 constexpr int widest_line = 120; // characters
 
-// What stands beside the message: icon, margins and the window's own border, in pixels.
-constexpr int width_beside_message = 140;
+// Width of icon, margins, scroll bar and the window's own border, in pixels.
+constexpr int width_beside_message = 150;
 
 struct ScrollKey {
   guint key;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "gui/css.h"
 #include "gui/screen_area.h"
 
 struct _VScreenHighScroller {
@@ -16,6 +17,10 @@ struct _VScreenHighScroller {
 G_DEFINE_TYPE(VScreenHighScroller, v_screen_high_scroller, GTK_TYPE_SCROLLED_WINDOW)
 
 namespace {
+
+// Themes let the scroll bar touch the fields beside it.
+constexpr const char *scroller_css =
+    "scrolledwindow { -GtkScrolledWindow-scrollbar-spacing: 8px; }";
 
 // What title bars, desktop bars and the window's other rows leave of the screen's height, in
 // pixels.
@@ -99,6 +104,7 @@ static void v_screen_high_scroller_init(VScreenHighScroller *scroller) {
   GtkScrolledWindow *scrolled_window = GTK_SCROLLED_WINDOW(scroller);
   gtk_scrolled_window_set_policy(scrolled_window, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
   gtk_scrolled_window_set_overlay_scrolling(scrolled_window, FALSE);
+  v_css_style_widget(GTK_WIDGET(scroller), scroller_css);
   // The focus is for what can be operated.
   gtk_widget_set_can_focus(GTK_WIDGET(scroller), FALSE);
   gtk_scrolled_window_set_propagate_natural_height(scrolled_window, TRUE);

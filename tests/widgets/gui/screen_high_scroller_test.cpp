@@ -106,6 +106,17 @@ TEST(ScreenHighScroller, KeepsNoRoomForAScrollBarThatIsNotThere) {
   }
 }
 
+TEST(ScreenHighScroller, TheScrollBarDoesNotTouchTheContent) {
+  Tower tower;
+  tower.add_rows(100);
+  gtk_widget_show(GTK_WIDGET(tower.window.get()));
+  settle();
+  GtkWidget *scroll_bar = gtk_scrolled_window_get_vscrollbar(GTK_SCROLLED_WINDOW(tower.scroller()));
+  int left = 0;
+  gtk_widget_translate_coordinates(scroll_bar, tower.row(0), 0, 0, &left, nullptr);
+  EXPECT_GE(left - gtk_widget_get_allocated_width(tower.row(0)), 8);
+}
+
 TEST(ScreenHighScroller, EndsWithTheScreen) {
   Tower tower;
   tower.add_rows(100);
