@@ -68,7 +68,7 @@ gboolean scroll_key_callback(GtkWidget *, GdkEventKey *event, GtkScrolledWindow 
 void pack_message(GtkDialog *dialog, GtkBox *box, const char *text) {
   GtkBox *text_box = v_gui_pack_scrolling_vbox(box, Expand::yes, Spacing::standard);
   GtkLabel *label = v_gui_pack_label(text_box, text, 0.0f, 0.0f);
-  v_gui_wrap_overlong_label(label, widest_line, 0, width_beside_message);
+  v_gui_wrap_overlong_label(label, widest_line, width_beside_message);
   gtk_label_set_selectable(label, TRUE); // to be copied
   GtkWidget *scroller = gtk_widget_get_ancestor(GTK_WIDGET(text_box), GTK_TYPE_SCROLLED_WINDOW);
   g_signal_connect_object(dialog, "key-press-event", G_CALLBACK(scroll_key_callback), scroller,

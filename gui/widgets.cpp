@@ -239,17 +239,15 @@ GtkLabel *v_gui_pack_label_for_input_field(GtkBox *box, const char *label, Requi
                 v_gui_create_label_for_input_field(label, required, x_align, y_align));
 }
 
-void v_gui_wrap_overlong_label(GtkLabel *label, int widest_line, int reserved_characters,
-                               int reserved_pixels) {
+void v_gui_wrap_overlong_label(GtkLabel *label, int widest_line, int reserved_width) {
   GtkWidget *widget = GTK_WIDGET(label);
-  const int room =
-      v_gui_count_characters_across_screen(widget, reserved_characters, reserved_pixels);
   int width = 0;
   gtk_widget_get_preferred_width(widget, nullptr, &width);
   if (count_characters_of_longest_line(gtk_label_get_text(label)) <= widest_line &&
-      width <= room * measure_character(widget)) {
+      width <= v_screen_area_get(widget).width - reserved_width) {
     return;
   }
+  const int room = v_gui_count_characters_across_screen(widget, 0, reserved_width);
   gtk_label_set_line_wrap(label, TRUE);
   gtk_label_set_line_wrap_mode(label, PANGO_WRAP_WORD_CHAR);
   gtk_label_set_width_chars(label, std::min(widest_line, room));

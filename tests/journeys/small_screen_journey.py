@@ -384,11 +384,23 @@ class Beginnings(Fitting, Journey):
         for button in buttons:
             assistant.button(button).expect_sensitive()
 
+    def expect_lines_as_they_are(self, assistant, text, line_height):
+        """No line of the text wraps, so that the text has no more lines than its own."""
+        label = assistant.label(re.compile(f"^{text}"))
+        lines = label.text.count("\n") + 1
+        self.assertLess(label.resting_extents()[3], (lines + 0.5) * line_height)
+
     def test_the_assistant(self):
         program = self.start_program()
         assistant = program.window(ASSISTANT)
         self.expect_fitting_page(assistant, "Cancel", "Next")
         assistant.button("Next").click()
+        line_height = assistant.label("Workspace location:").resting_extents()[3]
+        if display.screen_size()[0] // program.scale >= (1280 if self.scale > 1 else 1024):
+            self.expect_lines_as_they_are(assistant, "Please make sure", line_height)
+            assistant.button("Back").click()
+            self.expect_lines_as_they_are(assistant, "Before you can start", line_height)
+            assistant.button("Next").click()
         assistant.field("Workspace location").paste("/" + "y" * 300)
         self.expect_fitting_page(assistant, "Cancel", "Browse...", "Apply")
         assistant.button("Browse...").click()

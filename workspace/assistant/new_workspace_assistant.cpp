@@ -7,16 +7,21 @@
 #include "base/whitespace.h"
 #include "gui/file_dialogs.h"
 #include "gui/message_dialogs.h"
+#include "gui/owned_objects.h"
 #include "gui/widgets.h"
 #include "workspace/workspace.h"
 #include "workspace/workspace_location.h"
 
 namespace {
 
-// The texts have their own line breaks; what stands beside them are the names of the pages.
-constexpr int widest_line = 120;
-constexpr int characters_beside_text = 27;
-constexpr int pixels_beside_text = 100;
+constexpr const char *page_title = "Vantorelle Workspace Setup";
+
+// The texts have their own line breaks.
+constexpr int widest_line = 120; // characters
+
+// Width of the margins around the text and around the titles of the pages beside it, and of the
+// window's own border, in pixels.
+constexpr int margins_beside_text = 80;
 
 struct NewWorkspaceAssistant {
   VWindowStack *window_stack = nullptr;
@@ -37,9 +42,18 @@ int forward_page_func(int current_page, void *data);
 
 // Build steps.
 
+// Width in pixels.
+int measure_page_title(GtkBox *page) {
+  const OwnedObject<PangoLayout> layout =
+      take(gtk_widget_create_pango_layout(GTK_WIDGET(page), page_title));
+  int width = 0;
+  pango_layout_get_pixel_size(layout.get(), &width, nullptr);
+  return width;
+}
+
 void pack_text(GtkBox *page, const char *text) {
-  v_gui_wrap_overlong_label(v_gui_pack_label(page, text, 0.0f, 0.0f), widest_line,
-                            characters_beside_text, pixels_beside_text);
+  GtkLabel *label = v_gui_pack_label(page, text, 0.0f, 0.0f);
+  v_gui_wrap_overlong_label(label, widest_line, measure_page_title(page) + margins_beside_text);
 }
 
 // Returns the box of a new last page.
@@ -48,7 +62,7 @@ GtkBox *append_page(GtkAssistant *assistant, GtkAssistantPageType type) {
   v_gui_set_default_surrounding_margin(GTK_WIDGET(page));
   gtk_assistant_append_page(assistant, GTK_WIDGET(page));
   gtk_assistant_set_page_type(assistant, GTK_WIDGET(page), type);
-  gtk_assistant_set_page_title(assistant, GTK_WIDGET(page), "Vantorelle Workspace Setup");
+  gtk_assistant_set_page_title(assistant, GTK_WIDGET(page), page_title);
   gtk_assistant_set_page_complete(assistant, GTK_WIDGET(page), TRUE);
   return page;
 }
