@@ -8,6 +8,8 @@ namespace {
 
 bool is_digit(char byte) { return byte >= '0' && byte <= '9'; }
 
+unsigned digit_value(char digit) { return static_cast<unsigned>(digit - '0'); }
+
 char upper_case(char byte) {
   return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 'a' + 'A') : byte;
 }
@@ -133,16 +135,17 @@ std::uint64_t strnatzerocasecmp_key(const char *text) {
       text++;
       continue;
     }
-    // A number is the byte of any digit, the count of its digits, and the digits.
+    // A number is the byte of any digit, the count of its digits, and the digits, two in a byte.
     append_character('0');
     if (length >= 0xFF) {
       append(0xFF);
       return key; // here the count no longer tells which number is longer
     }
     append(static_cast<unsigned>(length));
-    for (const char *end = text + length; text != end; text++) {
-      append_character(*text);
+    for (std::size_t i = 0; i < length; i += 2) {
+      append(digit_value(text[i]) << 4 | (i + 1 < length ? digit_value(text[i + 1]) : 0));
     }
+    text += length;
   }
   return key;
 }

@@ -299,6 +299,7 @@ TEST(NaturalOrder, KeysOfNumbersThatTheyCannotHold) {
 TEST(NaturalOrder, KeysTellOrdinaryCodesApart) {
   EXPECT_LT(strnatzerocasecmp_key("ab2"), strnatzerocasecmp_key("AB10"));
   EXPECT_LT(strnatzerocasecmp_key("Ab 9"), strnatzerocasecmp_key("ab10a"));
+  EXPECT_LT(strnatzerocasecmp_key("Ab1204a"), strnatzerocasecmp_key("Ab1204b"));
   EXPECT_LT(strnatzerocasecmp_key("\xE5"), strnatzerocasecmp_key("a"));
   EXPECT_LT(strnatzerocasecmp_key("\xE5"), strnatzerocasecmp_key(""));
   EXPECT_EQ(strnatzerocasecmp_key("a07"), strnatzerocasecmp_key("A7"));
