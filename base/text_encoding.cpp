@@ -60,15 +60,17 @@ bool is_latin1_pair(unsigned char first, unsigned char second) {
 
 // The text in ISO-8859-1, or null when it holds anything but ASCII and two-byte characters up to
 // U+00FF.
-OwnedText decode_latin1(const char *utf8_text) {
-  const std::size_t length = std::strlen(utf8_text);
-  const char *end = utf8_text + length;
-  OwnedText latin1_text(g_new(char, length + 1));
+OwnedText decode_latin1(std::string_view utf8_text) {
+  const char *end = utf8_text.data() + utf8_text.size();
+  OwnedText latin1_text(g_new(char, utf8_text.size() + 1));
   char *out = latin1_text.get();
-  for (const char *in = utf8_text;;) {
+  for (const char *in = utf8_text.data();;) {
     const char *run_end = copy_ascii(out, in, end);
     if (run_end == end) {
       break;
+    }
+    if (end - run_end < 2) {
+      return nullptr;
     }
     const auto first = static_cast<unsigned char>(run_end[0]);
     const auto second = static_cast<unsigned char>(run_end[1]);
@@ -81,6 +83,8 @@ OwnedText decode_latin1(const char *utf8_text) {
   *out = '\0';
   return latin1_text;
 }
+
+void set_ascii_error() { v_error_set("Non-ascii byte found where not allowed."); }
 
 } // namespace
 
@@ -120,7 +124,7 @@ void v_utf8_string_append_latin1(VUtf8String *string, const char *latin1_text) {
   }
 }
 
-OwnedText v_convert_utf8_to_latin1(const char *utf8_text) {
+OwnedText v_convert_utf8_to_latin1(std::string_view utf8_text) {
   // No converter: opening one costs as much as parsing a whole remark does, and those of some
   // systems pass over characters that they take for invisible, in place of refusing them.
   OwnedText latin1_text = decode_latin1(utf8_text);
@@ -128,6 +132,18 @@ OwnedText v_convert_utf8_to_latin1(const char *utf8_text) {
     v_error_set("Character incompatible with ISO-8859-1 found where not allowed.");
   }
   return latin1_text;
+}
+
+OwnedText v_convert_utf8_to_ascii(std::string_view utf8_text) {
+  const char *end = utf8_text.data() + utf8_text.size();
+  OwnedText ascii_text(g_new(char, utf8_text.size() + 1));
+  char *out = ascii_text.get();
+  if (copy_ascii(out, utf8_text.data(), end) != end) {
+    set_ascii_error();
+    return nullptr;
+  }
+  *out = '\0';
+  return ascii_text;
 }
 
 bool v_convert_test_utf8_char_for_latin1(const char *utf8_character) {
@@ -143,7 +159,7 @@ const char *v_ascii_assert_in_utf8(const char *utf8_text) {
   if (v_ascii_test(utf8_text)) {
     return utf8_text;
   }
-  v_error_set("Non-ascii byte found where not allowed.");
+  set_ascii_error();
   return nullptr;
 }
 

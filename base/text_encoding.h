@@ -1,6 +1,8 @@
 #pragma once
 // Between the ISO-8859-1 of the data model and the UTF-8 of XML parser, toolkit and file system.
 
+#include <string_view>
+
 #include "base/owned.h"
 #include "base/text_buffer.h"
 
@@ -10,7 +12,9 @@ OwnedText v_convert_latin1_to_utf8(const char *latin1_text);
 void v_utf8_string_append_latin1(VUtf8String *string, const char *latin1_text);
 // New ISO-8859-1 text of a UTF-8 text; null with "Character incompatible with ISO-8859-1 found
 // where not allowed." when it holds a character that ISO-8859-1 does not have.
-OwnedText v_convert_utf8_to_latin1(const char *utf8_text);
+OwnedText v_convert_utf8_to_latin1(std::string_view utf8_text);
+// New ASCII text of a UTF-8 text; null with "Non-ascii byte found where not allowed.".
+OwnedText v_convert_utf8_to_ascii(std::string_view utf8_text);
 // True when the one character at the pointer into valid UTF-8 text exists in ISO-8859-1. Sets no
 // error.
 bool v_convert_test_utf8_char_for_latin1(const char *utf8_character);

@@ -19,10 +19,15 @@ const char *as_text(const xmlChar *text) { return reinterpret_cast<const char *>
 
 const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar *>(text); }
 
-XmlText unreadable_text() { return {XmlTextState::unreadable, nullptr, nullptr}; }
+XmlText unreadable_text() { return {XmlTextState::unreadable, {}, nullptr}; }
 
 XmlText joined_text(OwnedText utf8_text) {
-  return {XmlTextState::readable, nullptr, std::move(utf8_text)};
+  const std::string_view text = utf8_text.get();
+  return {XmlTextState::readable, text, std::move(utf8_text)};
+}
+
+OwnedText copy_text(std::string_view text) {
+  return OwnedText(g_strndup(text.data(), text.size()));
 }
 
 // Takes from what the document's entities may still expand to. The sum so far is kept with the
@@ -83,17 +88,18 @@ XmlText declared_default(const xmlNode *node, const char *name) {
   const Owned<xmlNode, xmlFreeNodeList> pieces(xmlStringGetNodeList(node->doc, value.get()));
   const XmlText text = text_of(node->doc, pieces.get());
   // `pieces` is freed on return, so copy.
-  return text.get() == nullptr ? unreadable_text() : joined_text(copy_text(text.get()));
+  return text.state == XmlTextState::readable ? joined_text(copy_text(text.text))
+                                              : unreadable_text();
 }
 
 // The text in another encoding; null with the sentence before the reason when it does not fit.
-OwnedText encode(const char *utf8_text, XmlEncoding encoding, const char *sentence) {
+OwnedText encode(std::string_view utf8_text, XmlEncoding encoding, const char *sentence) {
   OwnedText text;
   switch (encoding) {
   case XmlEncoding::utf8:
     return copy_text(utf8_text);
   case XmlEncoding::ascii:
-    text = copy_text(v_ascii_assert_in_utf8(utf8_text));
+    text = v_convert_utf8_to_ascii(utf8_text);
     break;
   case XmlEncoding::latin1:
     text = v_convert_utf8_to_latin1(utf8_text);
@@ -119,10 +125,6 @@ void compact(char *text, XmlEncoding encoding) {
 }
 
 } // namespace
-
-XmlText v_xml_borrowed_text(const char *utf8_text) {
-  return {XmlTextState::readable, utf8_text, nullptr};
-}
 
 bool XmlNodeElement::has_name(std::string_view name) const {
   return node->name != nullptr && name == as_text(node->name);
@@ -163,21 +165,21 @@ bool v_xml_get_attribute(OwnedText &value, const XmlElement &element, const char
   case XmlTextState::readable:
     break;
   }
-  if (content == XmlContent::nonempty && *text.get() == '\0') {
+  if (content == XmlContent::nonempty && text.text.empty()) {
     return fail_for_attribute("Empty XML attribute", name);
   }
-  value = encode(text.get(), encoding, "Invalid XML attribute content.");
+  value = encode(text.text, encoding, "Invalid XML attribute content.");
   return value != nullptr;
 }
 
 OwnedText v_xml_get_text(const XmlElement &element, XmlEncoding encoding, XmlSpacing spacing,
                          XmlContent content) {
   const XmlText utf8_text = element.get_text();
-  if (utf8_text.get() == nullptr) {
+  if (utf8_text.state != XmlTextState::readable) {
     v_error_set("Error reading text content from XML node.");
     return nullptr;
   }
-  OwnedText text = encode(utf8_text.get(), encoding, "Invalid XML node content.");
+  OwnedText text = encode(utf8_text.text, encoding, "Invalid XML node content.");
   if (!text) {
     return nullptr;
   }

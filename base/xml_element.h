@@ -18,15 +18,14 @@ enum class XmlTextState { absent, unreadable, readable };
 
 // A text of a document in UTF-8.
 struct XmlText {
-  // Null unless readable; valid as long as this and the element are.
-  const char *get() const { return joined ? joined.get() : borrowed; }
-
   XmlTextState state = XmlTextState::absent;
-  const char *borrowed = nullptr; // of the element
-  OwnedText joined;               // where the text had to be put together
+  std::string_view text; // empty unless readable; valid as long as this and the element are
+  OwnedText joined;      // owns the text where it had to be put together
 };
 
-XmlText v_xml_borrowed_text(const char *utf8_text);
+inline XmlText v_xml_borrowed_text(std::string_view utf8_text) {
+  return {XmlTextState::readable, utf8_text, nullptr};
+}
 
 class XmlElement;
 // Returns false to end the walk.

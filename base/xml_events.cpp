@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <deque>
 #include <functional>
 #include <string>
@@ -25,18 +26,20 @@ const char *as_text(const xmlChar *text) { return reinterpret_cast<const char *>
 
 // As the library's tree has it: a prefix that is not declared is part of the name. Room: for a name
 // that has to be put together.
-std::string_view get_name(std::string &room, const xmlChar *local_name, const xmlChar *prefix,
-                          const xmlChar *uri) {
+const char *get_name(std::string &room, const xmlChar *local_name, const xmlChar *prefix,
+                     const xmlChar *uri) {
   if (prefix == nullptr || uri != nullptr) {
     return as_text(local_name);
   }
   room.assign(as_text(prefix)).append(":").append(as_text(local_name));
-  return room;
+  return room.c_str();
 }
 
 // The entry of the list that is equal; null when there is none.
-const std::string *find(const std::vector<std::string> &names, std::string_view name) {
-  const auto found = std::find(names.begin(), names.end(), name);
+const std::string *find(const std::vector<std::string> &names, const char *name) {
+  const auto found = std::find_if(names.begin(), names.end(), [name](const std::string &other) {
+    return std::strcmp(other.c_str(), name) == 0;
+  });
   return found == names.end() ? nullptr : &*found;
 }
 
@@ -72,13 +75,13 @@ public:
   bool is_element() const override { return !is_instruction; }
   XmlText get_attribute(const char *wanted) const override {
     for (const RecordedAttribute &attribute : attributes) {
-      if (attribute.name == wanted) {
-        return v_xml_borrowed_text(attribute.value.c_str());
+      if (std::strcmp(attribute.name.c_str(), wanted) == 0) {
+        return v_xml_borrowed_text(attribute.value);
       }
     }
     return {};
   }
-  XmlText get_text() const override { return v_xml_borrowed_text(text.c_str()); }
+  XmlText get_text() const override { return v_xml_borrowed_text(text); }
   bool visit_children(const XmlChildVisitor &) const override { return true; }
 
   void restart(const std::string *new_name, bool as_instruction) {
@@ -147,7 +150,7 @@ void record_attributes(RecordedElement &element, std::string &room, int count,
 }
 
 // The record for the item that begins, or null when it is left out.
-RecordedElement *begin_record(EventReading &reading, std::string_view item_name, int depth,
+RecordedElement *begin_record(EventReading &reading, const char *item_name, int depth,
                               bool is_instruction) {
   const bool is_child = depth == child_depth;
   if (!is_child && (depth != grandchild_depth || !reading.is_child_recorded)) {
@@ -176,9 +179,9 @@ void start_element(void *context, const xmlChar *local_name, const xmlChar *pref
   if (reading.depth > grandchild_depth) {
     return;
   }
-  const std::string_view name = get_name(reading.room, local_name, prefix, uri);
+  const char *name = get_name(reading.room, local_name, prefix, uri);
   if (reading.depth == root_depth) {
-    reading.reader->begin(std::string(name).c_str());
+    reading.reader->begin(name);
     return;
   }
   RecordedElement *element = begin_record(reading, name, reading.depth, false);

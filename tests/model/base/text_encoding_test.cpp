@@ -1,6 +1,7 @@
 #include "base/text_encoding.h"
 
 #include <string>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
@@ -145,6 +146,24 @@ TEST_F(TextEncoding, AsciiIsEveryByteBelow128) {
   }
   EXPECT_TRUE(v_ascii_test(""));
   EXPECT_STREQ(v_error_get(), "");
+}
+
+TEST_F(TextEncoding, OnlyThePartThatIsGivenIsConverted) {
+  const std::string_view text = "abcdefgh\u00E5\u20AC";
+  EXPECT_STREQ(v_convert_utf8_to_latin1(text.substr(0, 10)).get(), "abcdefgh\xE5");
+  EXPECT_STREQ(v_convert_utf8_to_ascii(text.substr(0, 8)).get(), "abcdefgh");
+  EXPECT_EQ(v_convert_utf8_to_latin1(text.substr(0, 9)), nullptr) << "half a character";
+}
+
+TEST_F(TextEncoding, AsciiIsCopiedAndAnythingElseIsRefused) {
+  for (const char *text : {"", "en-uk", "\t100 %s <&> \x7F, longer than a word"}) {
+    EXPECT_STREQ(v_convert_utf8_to_ascii(text).get(), text);
+  }
+  for (const char *text : {"\u00E5", "abcdefgh\u00E5", "abc\u20AC"}) {
+    v_error_clear();
+    EXPECT_EQ(v_convert_utf8_to_ascii(text), nullptr) << text;
+    EXPECT_STREQ(v_error_get(), not_ascii);
+  }
 }
 
 TEST_F(TextEncoding, AsciiAssertionsGiveTheTextItselfOrFail) {

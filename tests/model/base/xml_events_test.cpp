@@ -15,6 +15,10 @@ using testing::StartsWith;
 
 namespace {
 
+std::string readable(const XmlText &value) {
+  return value.state == XmlTextState::readable ? std::string(value.text) : "(unreadable)";
+}
+
 // A child as a reader sees it: "<name>" (or "?name?") with the value of each wanted attribute, its
 // text, and its children in brackets.
 std::string described(const XmlElement &element, const std::vector<std::string> &names) {
@@ -26,12 +30,10 @@ std::string described(const XmlElement &element, const std::vector<std::string> 
   }
   for (const char *name : {"x", "p:x", "lang"}) {
     if (const XmlText value = element.get_attribute(name); value.state != XmlTextState::absent) {
-      text +=
-          std::string(name) + "=" + (value.get() == nullptr ? "(unreadable)" : value.get()) + ";";
+      text += std::string(name) + "=" + readable(value) + ";";
     }
   }
-  const XmlText content = element.get_text();
-  return text + (content.get() == nullptr ? "(unreadable)" : content.get());
+  return text + readable(element.get_text());
 }
 
 class XmlEvents : public XmlFixture {
