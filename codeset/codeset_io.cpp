@@ -22,9 +22,9 @@ struct CodesetReading {
   OwnedCodeset codeset = v_codeset_new();
   VLangstrCollection name;
   VLangstrCollection author;
+  VRemarkCollection remarks;
   int versions = 0;
-  bool is_in_order = true; // each code is greater than the one before
-  OwnedText name_error;    // null while there is no fault
+  OwnedText name_error; // null while there is no fault
   OwnedText author_error;
   OwnedText version_error;
   OwnedText remark_error;
@@ -54,19 +54,12 @@ void read_version(CodesetReading &reading, const XmlElement &element) {
   }
 }
 
-bool is_greater_than_last(const VRemarkList *list, const VRemark *remark) {
-  return v_remark_list_is_empty(list) ||
-         v_remark_compare_codes(list->tail.prev->code.get(), remark->code.get()) < 0;
-}
-
 void read_remark(CodesetReading &reading, const XmlElement &element) {
   if (reading.remark_error) {
     return;
   }
   if (OwnedRemark remark = v_xml_read_remark(element)) {
-    VRemarkList *list = reading.codeset->remarks.get();
-    reading.is_in_order = reading.is_in_order && is_greater_than_last(list, remark.get());
-    v_remark_list_add_remark_last(list, std::move(remark));
+    v_remark_list_collect_remark(reading.remarks, std::move(remark));
   } else {
     reading.remark_error = copy_error();
   }
@@ -88,10 +81,8 @@ void read_child(CodesetReading &reading, const XmlElement &child) {
 }
 
 bool finish_remarks(CodesetReading &reading) {
-  VRemarkList *list = reading.codeset->remarks.get();
-  // Nearly every file is in order already. The remarks in the list are in front of the one that
-  // cannot be read, so their fault is first.
-  if (!reading.is_in_order && !v_remark_list_sort(list)) {
+  // The remarks in the list are in front of the one that cannot be read, so their fault is first.
+  if (!v_remark_list_sort_collection(reading.remarks)) {
     v_error_set("Duplicate remark codes.");
     return false;
   }
@@ -99,10 +90,11 @@ bool finish_remarks(CodesetReading &reading) {
     v_error_set(reading.remark_error.get());
     return false;
   }
-  if (v_remark_list_is_empty(list)) {
+  if (v_remark_list_is_empty(reading.remarks.list.get())) {
     v_error_set("Missing remarks.");
     return false;
   }
+  reading.codeset->remarks = std::move(reading.remarks.list);
   return true;
 }
 

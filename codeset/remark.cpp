@@ -1,7 +1,6 @@
 #include "codeset/remark.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -26,31 +25,45 @@ bool has_code(const VRemark *remark, const char *code) {
   return std::strcmp(remark->code.get(), code) == 0;
 }
 
-// A remark while its list is sorted. The key decides between most pairs of codes without a look at
-// the codes, which lie all over the memory: sorting takes a third of the time.
-struct Place {
-  std::uint64_t key;
-  VRemark *remark;
-};
+VRemarkKey key_of(VRemark *remark) { return {strnatzerocasecmp_key(remark->code.get()), remark}; }
 
-bool is_before(const Place &a, const Place &b) {
+bool is_before(const VRemarkKey &a, const VRemarkKey &b) {
   return a.key != b.key ? a.key < b.key
                         : v_remark_compare_codes(a.remark->code.get(), b.remark->code.get()) < 0;
 }
 
-bool has_same_code(const Place &a, const Place &b) {
+bool has_same_code(const VRemarkKey &a, const VRemarkKey &b) {
   return a.key == b.key && std::strcmp(a.remark->code.get(), b.remark->code.get()) == 0;
 }
 
-// Links the remarks in the order of the places. Returns whether no code is there twice.
-bool link_in_order(VRemarkList *list, const std::vector<Place> &places) {
+std::vector<VRemarkKey> keys_of(VRemarkList *list) {
+  std::vector<VRemarkKey> keys;
+  for (VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+    keys.push_back(key_of(remark));
+  }
+  return keys;
+}
+
+bool is_greater_than_last(const VRemarkList *list, const VRemark *remark) {
+  return v_remark_list_is_empty(list) ||
+         v_remark_compare_codes(list->tail.prev->code.get(), remark->code.get()) < 0;
+}
+
+// Links the remarks of the list in the order of the keys. Returns whether no code is there twice.
+bool link_in_order(VRemarkList *list, const std::vector<VRemarkKey> &keys) {
   VRemark *last = &list->head;
-  for (const Place &place : places) {
-    join(last, place.remark);
-    last = place.remark;
+  for (const VRemarkKey &key : keys) {
+    join(last, key.remark);
+    last = key.remark;
   }
   join(last, &list->tail);
-  return std::adjacent_find(places.begin(), places.end(), has_same_code) == places.end();
+  return std::adjacent_find(keys.begin(), keys.end(), has_same_code) == keys.end();
+}
+
+// The keys of all remarks of the list are sorted first.
+bool sort(VRemarkList *list, std::vector<VRemarkKey> &keys) {
+  std::stable_sort(keys.begin(), keys.end(), is_before);
+  return link_in_order(list, keys);
 }
 
 } // namespace
@@ -153,12 +166,25 @@ void v_remark_list_add_remark_sorted(VRemarkList *list, OwnedRemark remark) {
 }
 
 bool v_remark_list_sort(VRemarkList *list) {
-  std::vector<Place> places;
-  for (VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-    places.push_back({strnatzerocasecmp_key(remark->code.get()), remark});
+  std::vector<VRemarkKey> keys = keys_of(list);
+  return sort(list, keys);
+}
+
+void v_remark_list_collect_remark(VRemarkCollection &collection, OwnedRemark remark) {
+  VRemarkList *list = collection.list.get();
+  if (collection.is_in_order && !is_greater_than_last(list, remark.get())) {
+    collection.is_in_order = false;
+    collection.keys = keys_of(list);
   }
-  std::stable_sort(places.begin(), places.end(), is_before);
-  return link_in_order(list, places);
+  if (!collection.is_in_order) {
+    collection.keys.push_back(key_of(remark.get()));
+  }
+  v_remark_list_add_remark_last(list, std::move(remark));
+}
+
+bool v_remark_list_sort_collection(VRemarkCollection &collection) {
+  // Nearly every file is in order already.
+  return collection.is_in_order || sort(collection.list.get(), collection.keys);
 }
 
 VRemark *v_remark_list_get_remark_for_code(const VRemarkList *list, const char *code) {

@@ -2,6 +2,9 @@
 // Remarks and the list that holds a codeset's remarks in the natural order of their codes. Codes
 // are ISO-8859-1 and compare byte for byte. Knows nothing of files and screens.
 
+#include <cstdint>
+#include <vector>
+
 #include "langstr/langstr.h"
 
 struct VRemark {
@@ -53,6 +56,27 @@ void v_remark_list_add_remark_sorted(VRemarkList *list, OwnedRemark remark);
 // Brings a list whose remarks all have codes into remark code order; n log n. Returns whether no
 // code is there twice.
 bool v_remark_list_sort(VRemarkList *list);
+
+// Decides the place of a remark among others (borrowed, with a code) in most cases without a look
+// at the codes, which are spread over the memory.
+struct VRemarkKey {
+  std::uint64_t key; // strnatzerocasecmp_key of the code
+  VRemark *remark;
+};
+
+// A list while remark after remark is added to it, as a file gives them. The keys for sorting are
+// made while each remark is still in the processor's cache.
+struct VRemarkCollection {
+  OwnedRemarkList list = v_remark_list_new(); // may be taken, and is not changed by others before
+  bool is_in_order = true;                    // each code is greater than the one before
+  std::vector<VRemarkKey> keys;               // of all remarks; none as long as they are in order
+};
+
+// Adds a remark that has a code at the end.
+void v_remark_list_collect_remark(VRemarkCollection &collection, OwnedRemark remark);
+// As v_remark_list_sort.
+bool v_remark_list_sort_collection(VRemarkCollection &collection);
+
 // The first remark with exactly this code (borrowed), or null.
 VRemark *v_remark_list_get_remark_for_code(const VRemarkList *list, const char *code);
 
