@@ -165,6 +165,22 @@ void v_remark_list_add_remark_sorted(VRemarkList *list, OwnedRemark remark) {
   link_before(place, std::move(remark));
 }
 
+int v_remark_list_add_remark_sorted_near(VRemark *place, int index, OwnedRemark remark) {
+  const char *code = remark->code.get();
+  const auto is_head = [](const VRemark *other) { return other->prev == nullptr; };
+  const auto is_tail = [](const VRemark *other) { return other->next == nullptr; };
+  while (!is_head(place->prev) && v_remark_compare_codes(place->prev->code.get(), code) > 0) {
+    place = place->prev;
+    index--;
+  }
+  while (!is_tail(place) && v_remark_compare_codes(place->code.get(), code) <= 0) {
+    place = place->next;
+    index++;
+  }
+  link_before(place, std::move(remark));
+  return index;
+}
+
 bool v_remark_list_sort(VRemarkList *list) {
   std::vector<VRemarkKey> keys = keys_of(list);
   return sort(list, keys);

@@ -53,6 +53,10 @@ void v_remark_list_add_remark_last(VRemarkList *list, OwnedRemark remark);
 // Links the remark before the first one whose code is greater, at the end when it has no code.
 // Linear; many remarks are added last and sorted once.
 void v_remark_list_add_remark_sorted(VRemarkList *list, OwnedRemark remark);
+// Links a remark that has a code at its place in a list in remark code order, behind those with the
+// same code, and returns its index. Place: where the search begins, a remark of the list or its
+// tail sentinel; index: that place's own, from 0. Takes as long as the two are apart.
+int v_remark_list_add_remark_sorted_near(VRemark *place, int index, OwnedRemark remark);
 // Brings a list whose remarks all have codes into remark code order; n log n. Returns whether no
 // code is there twice.
 bool v_remark_list_sort(VRemarkList *list);

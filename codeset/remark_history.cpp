@@ -16,16 +16,20 @@ struct Step {
 VRemarkExchange exchange(VRemarkList *list, Step &step) {
   VRemarkExchange result;
   OwnedRemark removed;
+  // An edited remark mostly keeps its code, and so its place: what is inserted is looked for there.
+  VRemark *place = list->head.next;
+  int index = 0;
   if (step.listed != nullptr) {
     result.removed = step.listed;
-    result.removed_index = v_remark_get_index(step.listed);
+    result.removed_index = index = v_remark_get_index(step.listed);
+    place = step.listed->next;
     removed = v_remark_take(step.listed);
   }
   step.listed = step.unlisted.get();
   if (step.listed != nullptr) {
-    v_remark_list_add_remark_sorted(list, std::move(step.unlisted));
     result.inserted = step.listed;
-    result.inserted_index = v_remark_get_index(step.listed);
+    result.inserted_index =
+        v_remark_list_add_remark_sorted_near(place, index, std::move(step.unlisted));
   }
   step.unlisted = std::move(removed);
   return result;

@@ -32,8 +32,8 @@ using OwnedRemarkHistory = Owned<VRemarkHistory, v_remark_history_destroy>;
 OwnedRemarkHistory v_remark_history_new(VRemarkList *list);
 
 // Each of these three changes the list and records that as a step, which drops the steps that were
-// taken back and frees their remarks. The number of steps has no limit, and each costs as much as
-// v_remark_list_add_remark_sorted. All remarks have codes.
+// taken back and frees their remarks. The number of steps has no limit, and each is linear in
+// the length of the list. All remarks have codes.
 
 // Adds the remark at its sorted place.
 VRemarkExchange v_remark_history_add_remark(VRemarkHistory *history, OwnedRemark remark);

@@ -398,12 +398,11 @@ void add_callback(GtkButton *, EditingWindow *editing) {
 
 // An edit that changes nothing is none to take back.
 void replace_remark(EditingWindow *editing, VRemark *remark, OwnedRemark edited) {
-  const int place = v_remark_get_index(remark);
   if (const std::optional<VRemarkExchange> exchange =
           v_remark_history_replace_remark(editing->history.get(), remark, std::move(edited))) {
     show_exchange(editing, *exchange);
   } else {
-    change_codes_store(editing, [place] { return place; });
+    change_codes_store(editing, [remark] { return v_remark_get_index(remark); });
   }
 }
 

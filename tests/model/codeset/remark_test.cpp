@@ -146,6 +146,31 @@ TEST(RemarkList, DestroyingItsRemarksLeavesAnEmptyList) {
   expect_sound(list);
 }
 
+TEST(RemarkList, FindsTheSortedPlaceFromAnyOther) {
+  for (const Codes &codes : {Codes{}, Codes{"a"}, Codes{"c"}, Codes{"b7"}, Codes{"a", "c"},
+                             Codes{"a", "b1", "b7", "b10", "c"}}) {
+    Codes expected = codes;
+    const auto place = std::upper_bound(expected.begin(), expected.end(), std::string("b7"),
+                                        [](const auto &a, const auto &b) {
+                                          return v_remark_compare_codes(a.c_str(), b.c_str()) < 0;
+                                        });
+    const auto expected_index = std::distance(expected.begin(), place);
+    expected.insert(place, "b7");
+    for (std::size_t start = 0; start <= codes.size(); start++) {
+      const OwnedRemarkList list = list_of_codes(codes);
+      VRemark *near = list->head.next;
+      for (std::size_t i = 0; i < start; i++) {
+        near = near->next;
+      }
+      const int index =
+          v_remark_list_add_remark_sorted_near(near, static_cast<int>(start), remark_of("b7"));
+      EXPECT_EQ(index, expected_index) << "from " << start;
+      EXPECT_EQ(codes_of(list), expected) << "from " << start;
+      expect_sound(list);
+    }
+  }
+}
+
 // Each row stands in remark code order.
 const Codes orders[] = {
     {"1", "1a", "9", "10"},
