@@ -2,8 +2,7 @@
 
 namespace {
 
-GtkTreeView *create_view() {
-  GtkTreeView *view = GTK_TREE_VIEW(gtk_tree_view_new());
+void prepare_view(GtkTreeView *view) {
   gtk_tree_view_set_headers_visible(view, FALSE);
   gtk_tree_view_set_fixed_height_mode(view, TRUE);
   GtkCellRenderer *renderer = gtk_cell_renderer_text_new();
@@ -12,6 +11,11 @@ GtkTreeView *create_view() {
       gtk_tree_view_column_new_with_attributes("Remark", renderer, "text", 0, nullptr);
   gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
   gtk_tree_view_append_column(view, column);
+}
+
+GtkTreeView *create_view() {
+  GtkTreeView *view = GTK_TREE_VIEW(gtk_tree_view_new());
+  prepare_view(view);
   return view;
 }
 
@@ -27,15 +31,26 @@ void pack_scrolled(GtkBox *box, GtkWidget *view) {
 BareListWindow::BareListWindow(const std::vector<std::string> &rows)
     : window(gtk_window_new(GTK_WINDOW_TOPLEVEL)),
       views(gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 8)), tree_view(create_view()) {
+  pack_scrolled(GTK_BOX(views), GTK_WIDGET(tree_view));
+  gtk_container_add(GTK_CONTAINER(window), views);
+  gtk_widget_show(views);
+  show(rows);
+}
+
+BareListWindow::BareListWindow(const std::vector<std::string> &rows, GtkTreeView *list)
+    : window(gtk_widget_get_toplevel(GTK_WIDGET(list))), tree_view(list) {
+  prepare_view(tree_view);
+  show(rows);
+}
+
+void BareListWindow::show(const std::vector<std::string> &rows) {
   GtkListStore *store = gtk_list_store_new(1, G_TYPE_STRING);
   gtk_tree_view_set_model(tree_view, GTK_TREE_MODEL(store));
   g_object_unref(store);
   refill(rows);
-  pack_scrolled(GTK_BOX(views), GTK_WIDGET(tree_view));
-  gtk_container_add(GTK_CONTAINER(window), views);
   gtk_window_set_default_size(GTK_WINDOW(window), 800, 600);
   gtk_window_maximize(GTK_WINDOW(window));
-  gtk_widget_show_all(window);
+  gtk_widget_show(window);
 }
 
 BareListWindow::~BareListWindow() { gtk_widget_destroy(window); }

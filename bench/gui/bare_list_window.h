@@ -11,6 +11,9 @@ class BareListWindow {
 public:
   // Rows: what they show (UTF-8). Maximised, as the editing window is.
   explicit BareListWindow(const std::vector<std::string> &rows);
+  // The same in a window with other widgets, which is not shown yet and is destroyed with this. The
+  // list is that window's, an empty view without columns.
+  BareListWindow(const std::vector<std::string> &rows, GtkTreeView *list);
   ~BareListWindow();
   BareListWindow(const BareListWindow &) = delete;
   BareListWindow &operator=(const BareListWindow &) = delete;
@@ -26,11 +29,12 @@ public:
   void show_descriptions(const std::vector<std::string> &texts);
 
 private:
+  void show(const std::vector<std::string> &rows);
   static void selection_change_callback(GtkTreeSelection *selection, BareListWindow *self);
 
   const std::vector<std::string> *descriptions = nullptr;
   GtkTextBuffer *description_buffer = nullptr; // the text view's
   GtkWidget *window;
-  GtkWidget *views;
+  GtkWidget *views = nullptr; // null when the window was given
   GtkTreeView *tree_view;
 };

@@ -1,0 +1,10 @@
+#pragma once
+// What a window of ours costs at least: a window with the same widgets of the toolkit, in the same
+// boxes and with the same texts, and nothing behind them.
+
+#include <gtk/gtk.h>
+
+// Returns a floating copy of the widget and of all that it holds; a window is not shown yet. Where
+// a widget is a class of ours, its copy is of the toolkit's class that ours is derived from. Lists
+// and text views are empty.
+GtkWidget *v_bench_copy_bare(GtkWidget *widget);
