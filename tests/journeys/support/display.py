@@ -6,7 +6,7 @@ import re
 import subprocess
 import time
 
-from .waiting import settle
+from .waiting import settle, wait_until
 
 # A pause between keystrokes, in milliseconds. Characters outside the keyboard's layout are typed by remapping a key, which
 # the program has to notice before the key arrives.
@@ -75,12 +75,19 @@ def type_run(text):
 def set_clipboard(text):
     subprocess.run(
         ("xclip", "-selection", "clipboard", "-in"), input=text.encode(), stdout=subprocess.DEVNULL, check=True, timeout=10)
+    # It returns before it owns the clipboard.
+    wait_until(lambda: read_clipboard().stdout == text.encode(), "the clipboard to hold the text")
 
 
 def clipboard():
-    answer = subprocess.run(
-        ("xclip", "-selection", "clipboard", "-out", "-target", "UTF8_STRING"), capture_output=True, check=True, timeout=10)
+    answer = read_clipboard()
+    answer.check_returncode()
     return answer.stdout.decode()
+
+
+def read_clipboard():
+    return subprocess.run(
+        ("xclip", "-selection", "clipboard", "-out", "-target", "UTF8_STRING"), capture_output=True, check=False, timeout=10)
 
 
 def window_id(pid, title):
