@@ -40,6 +40,18 @@ void search(GtkWidget *widget, void *data) {
   }
 }
 
+// Those that are not part of a button.
+std::vector<GtkLabel *> shown_labels(GtkWidget *root) {
+  std::vector<GtkLabel *> labels;
+  for (GtkWidget *label : find_widgets(root, GTK_TYPE_LABEL)) {
+    if (gtk_widget_get_mapped(label) &&
+        gtk_widget_get_ancestor(label, GTK_TYPE_BUTTON) == nullptr) {
+      labels.push_back(GTK_LABEL(label));
+    }
+  }
+  return labels;
+}
+
 std::string describe_windows() {
   std::string text;
   for (GtkWindow *window : shown_windows()) {
@@ -134,14 +146,18 @@ std::vector<std::string> button_labels(GtkWidget *root) {
   return labels;
 }
 
-std::string message_of(GtkWindow *dialog) {
-  for (GtkWidget *label : find_widgets(GTK_WIDGET(dialog), GTK_TYPE_LABEL)) {
-    if (gtk_widget_get_mapped(label) &&
-        gtk_widget_get_ancestor(label, GTK_TYPE_BUTTON) == nullptr) {
-      return gtk_label_get_text(GTK_LABEL(label));
+GtkLabel *find_label(GtkWidget *root, const std::string &text) {
+  for (GtkLabel *label : shown_labels(root)) {
+    if (gtk_label_get_text(label) == text) {
+      return label;
     }
   }
-  return "";
+  return nullptr;
+}
+
+std::string message_of(GtkWindow *dialog) {
+  const std::vector<GtkLabel *> labels = shown_labels(GTK_WIDGET(dialog));
+  return labels.empty() ? "" : gtk_label_get_text(labels.front());
 }
 
 GtkLabel *label_of(GtkWidget *widget) {
@@ -211,6 +227,13 @@ GuiScript &GuiScript::when(std::string what, std::function<bool()> ready,
 GuiScript &GuiScript::then(std::function<void()> act) {
   return when(
       "a turn for the next step", [] { return true; }, std::move(act));
+}
+
+GuiScript &GuiScript::when_active(const std::string &title, std::function<void()> act) {
+  return when(
+      "the active window \"" + title + "\"",
+      [title] { return top_window_has_title(title) && gtk_window_is_active(top_window()); },
+      std::move(act));
 }
 
 GuiScript &GuiScript::click(const std::string &label) {

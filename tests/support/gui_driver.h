@@ -29,6 +29,8 @@ GtkButton *find_button(GtkWidget *root, const std::string &label);
 // The labels of all shown buttons that have one, as they stand from left to right and from top to
 // bottom in their boxes.
 std::vector<std::string> button_labels(GtkWidget *root);
+// The shown label that reads so and is not part of a button; null when there is none.
+GtkLabel *find_label(GtkWidget *root, const std::string &text);
 // The text of the first shown label that is not part of a button; "" when there is none.
 std::string message_of(GtkWindow *dialog);
 // The label widget that is said to be the label of the widget; null when there is none.
@@ -61,6 +63,8 @@ public:
   // The general step. what: what is waited for, said when it does not come.
   GuiScript &when(std::string what, std::function<bool()> ready, std::function<void()> act);
   GuiScript &then(std::function<void()> act);
+  // Acts when the top window has the title and is active, and so has the state that it asked for.
+  GuiScript &when_active(const std::string &title, std::function<void()> act);
   // Clicks the button of the top window, which must be sensitive.
   GuiScript &click(const std::string &label);
   // Expects a message dialog with exactly this text, and clicks its button.

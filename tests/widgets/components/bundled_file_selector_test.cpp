@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "component_fixture.h"
+#include "support/layout.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -48,6 +49,25 @@ TEST_F(BundledFileSelector, ListsTheDeliveredFilesSorted) {
     EXPECT_FALSE(has_selection(window));
     EXPECT_THAT(button_labels(GTK_WIDGET(window)), ElementsAre("OK", "Cancel"));
     EXPECT_FALSE(gtk_tree_view_get_headers_visible(list_of(window)));
+  });
+  script.click("Cancel");
+  EXPECT_EQ(run(), "none");
+}
+
+TEST_F(BundledFileSelector, ListTakesTheRoomAboveTheButtons) {
+  make_folders();
+  write_file(delivered("a.codeset"), "text:A");
+  script.when_active("Select one to add", [] {
+    GtkWidget *window = GTK_WIDGET(top_window());
+    GtkTreeView *list = list_of(top_window());
+    EXPECT_EQ(gtk_tree_view_column_get_width(gtk_tree_view_get_column(list, 0)),
+              gtk_widget_get_allocated_width(GTK_WIDGET(list)));
+    expect_window_layout(
+        top_window(), WindowState::not_maximized,
+        {{"list", gtk_widget_get_parent(GTK_WIDGET(list)), corner(), grows, grows},
+         {"OK", GTK_WIDGET(find_button(window, "OK")), below("list", 8), stays, moves},
+         {"Cancel", GTK_WIDGET(find_button(window, "Cancel")), end_of_row("OK"), moves, moves}});
+    EXPECT_EQ(gtk_window_get_default_widget(top_window()), GTK_WIDGET(find_button(window, "OK")));
   });
   script.click("Cancel");
   EXPECT_EQ(run(), "none");

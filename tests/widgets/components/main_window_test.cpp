@@ -9,6 +9,7 @@
 
 #include "component_fixture.h"
 #include "gui/file_dialogs.h"
+#include "support/layout.h"
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -21,6 +22,8 @@ constexpr const char *title = "Manager 100%s <b>& co";
 constexpr const char *bundled_question =
     "This item was bundled with Vantorelle. You might want to clone it first, to make your own "
     "independent copy.\n\nProceed anyway?";
+constexpr const char *notice_text =
+    "Some incompatible files found. They are marked with red in the list:";
 constexpr const char *folder_message =
     "The workspace fonts folder does not exist and could not be created.";
 
@@ -47,8 +50,7 @@ std::string sensitive_buttons() {
 
 bool shows_notice() {
   for (GtkWidget *label : find_widgets(GTK_WIDGET(top_window()), GTK_TYPE_LABEL)) {
-    if (std::string(gtk_label_get_text(GTK_LABEL(label))) ==
-        "Some incompatible files found. They are marked with red in the list:") {
+    if (std::string(gtk_label_get_text(GTK_LABEL(label))) == notice_text) {
       return gtk_widget_get_mapped(label);
     }
   }
@@ -218,6 +220,41 @@ TEST_F(MainWindow, RefreshingIsAtTheBottom) {
                                      nullptr, &delete_bottom);
     gtk_widget_translate_coordinates(place, column, 0, 0, nullptr, &place_top);
     EXPECT_EQ(place_top - delete_bottom, 8 + 10 + 8);
+  });
+  close();
+  run();
+}
+
+TEST_F(MainWindow, ListTakesTheRoomBesideTheColumnOfButtons) {
+  make_folders();
+  write_file(managed("broken.codeset"), "broken");
+  script.when_active(title, [] {
+    GtkWidget *window = GTK_WIDGET(top_window());
+    const auto label = [&](const char *text) { return GTK_WIDGET(find_label(window, text)); };
+    const auto button = [&](const char *text) { return GTK_WIDGET(find_button(window, text)); };
+    GtkTreeView *list = list_of(top_window());
+    EXPECT_EQ(gtk_tree_view_column_get_width(gtk_tree_view_get_column(list, 0)),
+              gtk_widget_get_allocated_width(GTK_WIDGET(list)));
+    expect_window_layout(
+        top_window(), WindowState::not_maximized,
+        {{"notice", label(notice_text), corner(), stays, stays, {{0.0f, 0.5f}}},
+         {"list", gtk_widget_get_parent(GTK_WIDGET(list)), below("notice", 8), grows, grows},
+         {"label",
+          label("File name of selected item:"),
+          below("list", 8),
+          stays,
+          moves,
+          {{0.0f, 0.5f}}},
+         {"entry", GTK_WIDGET(entry()), below("label", 8), grows, moves},
+         {"Add from file", button("Add from file"), beside("list", 8), moves, stays},
+         {"Add bundled", button("Add bundled"), below("Add from file", 8), moves, stays},
+         {"Add new", button("Add new"), below("Add bundled", 8), moves, stays},
+         {"Clone", button("Clone"), below("Add new", 8), moves, stays},
+         {"Edit", button("Edit"), below("Clone", 8), moves, stays},
+         {"Save a copy", button("Save a copy"), below("Edit", 8), moves, stays},
+         {"Delete", button("Delete"), below("Save a copy", 8), moves, stays},
+         {"end", button("Delete"), end_of_row("Delete"), moves, stays},
+         {"Refresh list", button("Refresh list"), anywhere(), moves, moves}});
   });
   close();
   run();
@@ -457,6 +494,17 @@ TEST_F(MainWindow, AddedFileMustHaveTheExtension) {
   close();
   run();
   EXPECT_THAT(list_folder(managed()), ElementsAre("b.codeset"));
+}
+
+TEST_F(MainWindow, FileThatIsRefusedForItsNameMakesNoFolder) {
+  write_file(elsewhere / "a.txt", "text:A");
+  await_start();
+  script.click("Add from file");
+  script.choose(elsewhere / "a.txt");
+  script.answer("Error", "The file name must end with \".codeset\".", "Close");
+  close();
+  run();
+  EXPECT_TRUE(list_folder(workspace_folder.path()).empty());
 }
 
 TEST_F(MainWindow, MissingFolderIsMadeForTheFirstFile) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "component_fixture.h"
+#include "support/layout.h"
 
 using testing::ElementsAre;
 
@@ -61,6 +62,25 @@ TEST_F(NewFileWindow, ExtensionIsNotSelectedAndTheCursorStandsBeforeIt) {
         EXPECT_FALSE(gtk_editable_get_selection_bounds(GTK_EDITABLE(entry()), nullptr, nullptr));
         EXPECT_EQ(gtk_editable_get_position(GTK_EDITABLE(entry())), 0);
       });
+  script.close("Add new");
+  EXPECT_EQ(run(), "none");
+}
+
+TEST_F(NewFileWindow, ButtonsAreAtTheBottomOverTheFullWidth) {
+  script.when_active("Add new", [] {
+    GtkWidget *window = GTK_WIDGET(top_window());
+    const auto label = [&](const char *text) { return GTK_WIDGET(find_label(window, text)); };
+    GtkWidget *permitted =
+        label("Permitted characters: Lowercase letters, digits and underscores.");
+    expect_window_layout(
+        top_window(), WindowState::not_maximized,
+        {{"label", label("Enter new file name:"), corner(), stays, stays, {{0.0f, 0.0f}}},
+         {"entry", GTK_WIDGET(entry()), below("label", 8), grows, stays},
+         {"permitted", permitted, below("entry", 8), stays, stays, {{0.0f, 0.0f}}},
+         {"OK", GTK_WIDGET(find_button(window, "OK")), below("permitted", 8), stays, moves},
+         {"Cancel", GTK_WIDGET(find_button(window, "Cancel")), end_of_row("OK"), moves, moves}});
+    EXPECT_EQ(gtk_window_get_default_widget(top_window()), GTK_WIDGET(find_button(window, "OK")));
+  });
   script.close("Add new");
   EXPECT_EQ(run(), "none");
 }

@@ -7,6 +7,7 @@
 #include "base/error.h"
 #include "base/text_encoding.h"
 #include "faults.h"
+#include "support/layout.h"
 #include "window_fixture.h"
 
 using testing::ElementsAre;
@@ -106,6 +107,28 @@ TEST_F(RemarkDialog, ShowsTheRemark) {
   script.when(
       "the focus in the code", [] { return gtk_widget_has_focus(GTK_WIDGET(code_field())); },
       [] {});
+  cancel();
+  EXPECT_EQ(run(edited), 0);
+}
+
+TEST_F(RemarkDialog, ButtonsAreAtTheBottomOverTheFullWidth) {
+  script.when_active(title, [] {
+    const auto label = [](const char *text) { return GTK_WIDGET(find_label(window(), text)); };
+    expect_window_layout(
+        top_window(), WindowState::not_maximized,
+        {{"code label", label("Remark code: (Required)"), corner(), stays, stays, {{0.0F, 0.0F}}},
+         {"code", GTK_WIDGET(code_field()), below("code label", 8), grows, stays},
+         {"description label",
+          label("Short description: (Required)"),
+          below("code", 8),
+          stays,
+          stays,
+          {{0.0F, 0.0F}}},
+         {"description", find_widget<GtkWidget>(window(), V_TYPE_LANGSTR_EDITOR),
+          below("description label", 8), grows, stays},
+         {"OK", GTK_WIDGET(find_button(window(), "OK")), below("description", 8), stays, moves},
+         {"Cancel", GTK_WIDGET(find_button(window(), "Cancel")), end_of_row("OK"), moves, moves}});
+  });
   cancel();
   EXPECT_EQ(run(edited), 0);
 }

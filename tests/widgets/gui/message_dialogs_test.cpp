@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
+#include "support/layout.h"
 #include "widgets/gui/toolkit.h"
 
 namespace {
@@ -140,6 +141,31 @@ TEST_P(MessageKinds, ShowTheTextLiterallyWithTheirIconAndButtons) {
     EXPECT_EQ(seen.spacing, 20);
     EXPECT_EQ(seen.margins, (std::vector{20, 25, 20, 20}));
   }
+}
+
+TEST_P(MessageKinds, HaveTheTextBesideTheIconAndButtonsOfOneWidthBelow) {
+  when_dialog_shows([](GtkDialog *dialog) {
+    GtkWidget *box = GTK_WIDGET(find_message_box(dialog));
+    GtkWidget *text = find<GtkWidget>(box, GTK_TYPE_LABEL);
+    std::vector<LayoutRow> rows;
+    if (GtkWidget *icon = find<GtkWidget>(box, GTK_TYPE_IMAGE)) {
+      rows = {{"icon", icon, corner(20, 20), stays, stays},
+              {"text", text, beside("icon", 20), stays, stays, {{0.0f, 0.0f}}}};
+    } else {
+      rows = {{"text", text, corner(25, 20), stays, stays, {{0.0f, 0.0f}}}};
+    }
+    const auto buttons = find_all(gtk_dialog_get_action_area(dialog), GTK_TYPE_BUTTON);
+    if (buttons.size() == 1) {
+      rows.push_back({"button", buttons[0], anywhere(), grows, moves});
+    } else if (buttons.size() == 2) {
+      rows.push_back({"left", buttons[0], anywhere(), grows_by_half, moves});
+      rows.push_back({"right", buttons[1], end_of_row("left"), moves_and_grows_by_half, moves});
+    }
+    expect_layout(gtk_dialog_get_content_area(dialog), rows);
+    EXPECT_FALSE(gtk_window_is_maximized(GTK_WINDOW(dialog)));
+    gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
+  });
+  GetParam().show(nullptr);
 }
 
 TEST_P(MessageKinds, ArePushedWhileTheyRun) {

@@ -8,6 +8,7 @@
 #include "support/fake_platform.h"
 #include "support/files.h"
 #include "support/gui_driver.h"
+#include "support/layout.h"
 #include "workspace/workspace_location.h"
 
 using testing::ElementsAre;
@@ -25,11 +26,29 @@ GtkAssistant *assistant() {
 
 GtkEntry *entry() { return find_widget<GtkEntry>(GTK_WIDGET(assistant()), GTK_TYPE_ENTRY); }
 
+GtkWidget *page() {
+  return gtk_assistant_get_nth_page(assistant(), gtk_assistant_get_current_page(assistant()));
+}
+
+std::vector<GtkWidget *> labels_of_page() {
+  std::vector<GtkWidget *> labels = find_widgets(page(), GTK_TYPE_LABEL);
+  std::erase_if(labels, [](GtkWidget *label) {
+    return gtk_widget_get_ancestor(label, GTK_TYPE_BUTTON) != nullptr;
+  });
+  return labels;
+}
+
 std::string text_of_page() {
-  GtkWidget *page =
-      gtk_assistant_get_nth_page(assistant(), gtk_assistant_get_current_page(assistant()));
-  const std::vector<GtkWidget *> labels = find_widgets(page, GTK_TYPE_LABEL);
+  const std::vector<GtkWidget *> labels = labels_of_page();
   return labels.empty() ? "" : gtk_label_get_text(GTK_LABEL(labels.back()));
+}
+
+// A page of one text.
+void expect_text_in_the_corner() {
+  EXPECT_FALSE(gtk_window_is_maximized(top_window()));
+  EXPECT_EQ(gtk_container_get_border_width(GTK_CONTAINER(page())), 8U);
+  ASSERT_EQ(labels_of_page().size(), 1U);
+  expect_layout(page(), {{"text", labels_of_page()[0], corner(), stays, stays, {{0.0f, 0.0f}}}});
 }
 
 class NewWorkspaceAssistant : public testing::Test {
@@ -120,6 +139,26 @@ TEST_F(NewWorkspaceAssistant, LeadsThroughThreePages) {
   OwnedText saved;
   ASSERT_TRUE(v_workspace_get_saved_folder_path(saved));
   EXPECT_EQ(saved.get(), folder / "workspace");
+}
+
+TEST_F(NewWorkspaceAssistant, LocationTakesTheWidthAndTextsAreInTheCorner) {
+  script.when_active("Vantorelle Workspace Setup", expect_text_in_the_corner);
+  enter(folder / "workspace");
+  script.then([] {
+    EXPECT_EQ(gtk_container_get_border_width(GTK_CONTAINER(page())), 8U);
+    ASSERT_EQ(labels_of_page().size(), 2U);
+    expect_layout(page(),
+                  {{"label", labels_of_page()[0], corner(), stays, stays, {{0.0f, 0.0f}}},
+                   {"entry", GTK_WIDGET(entry()), below("label", 8), grows, stays},
+                   {"Browse...", GTK_WIDGET(find_button(page(), "Browse...")), beside("entry", 8),
+                    moves, stays},
+                   {"text", labels_of_page()[1], below("entry", 8), stays, stays, {{0.0f, 0.0f}}}});
+  });
+  script.click("Apply");
+  await_page(2);
+  script.then(expect_text_in_the_corner);
+  script.click("Close");
+  EXPECT_TRUE(run());
 }
 
 TEST_F(NewWorkspaceAssistant, ProposedPlaceThatIsTakenLeadsBackToTheFirstPage) {
