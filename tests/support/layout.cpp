@@ -125,3 +125,10 @@ void expect_window_layout(GtkWindow *window, WindowState state,
   EXPECT_EQ(gtk_container_get_border_width(GTK_CONTAINER(window)), 8U);
   expect_layout(gtk_bin_get_child(GTK_BIN(window)), rows);
 }
+
+void expect_buttons_at_both_ends(GtkButton *left, GtkButton *right) {
+  GtkWidget *row = gtk_widget_get_parent(GTK_WIDGET(left));
+  ASSERT_TRUE(gtk_widget_is_ancestor(GTK_WIDGET(right), row));
+  expect_layout(row, {{"left", GTK_WIDGET(left), corner(), stays, grows},
+                      {"right", GTK_WIDGET(right), beside("left", 8), moves, stays}});
+}

@@ -46,6 +46,7 @@ struct LayoutChange {
 constexpr LayoutChange stays = {0, 0};
 constexpr LayoutChange moves = {100, 0};
 constexpr LayoutChange grows = {0, 100};
+constexpr LayoutChange moves_by_half = {50, 0};
 constexpr LayoutChange grows_by_half = {0, 50};
 constexpr LayoutChange moves_and_grows_by_half = {50, 50};
 
@@ -65,3 +66,6 @@ void expect_layout(GtkWidget *container, const std::vector<LayoutRow> &rows);
 // that it would be maximized by now.
 enum class WindowState { not_maximized, maximized };
 void expect_window_layout(GtkWindow *window, WindowState state, const std::vector<LayoutRow> &rows);
+
+// The two buttons have a row of their own: one at each end, at least eight pixels apart.
+void expect_buttons_at_both_ends(GtkButton *left, GtkButton *right);

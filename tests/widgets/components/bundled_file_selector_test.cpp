@@ -67,6 +67,7 @@ TEST_F(BundledFileSelector, ListTakesTheRoomAboveTheButtons) {
         {{"list", gtk_widget_get_parent(GTK_WIDGET(list)), corner(), grows, grows},
          {"OK", GTK_WIDGET(find_button(window, "OK")), below("list", 8), stays, moves},
          {"Cancel", GTK_WIDGET(find_button(window, "Cancel")), end_of_row("OK"), moves, moves}});
+    expect_buttons_at_both_ends(find_button(window, "OK"), find_button(window, "Cancel"));
     EXPECT_EQ(gtk_window_get_default_widget(top_window()), GTK_WIDGET(find_button(window, "OK")));
   });
   script.click("Cancel");

@@ -79,6 +79,7 @@ TEST_F(NewFileWindow, ButtonsAreAtTheBottomOverTheFullWidth) {
          {"permitted", permitted, below("entry", 8), stays, stays, {{0.0f, 0.0f}}},
          {"OK", GTK_WIDGET(find_button(window, "OK")), below("permitted", 8), stays, moves},
          {"Cancel", GTK_WIDGET(find_button(window, "Cancel")), end_of_row("OK"), moves, moves}});
+    expect_buttons_at_both_ends(find_button(window, "OK"), find_button(window, "Cancel"));
     EXPECT_EQ(gtk_window_get_default_widget(top_window()), GTK_WIDGET(find_button(window, "OK")));
   });
   script.close("Add new");

@@ -111,22 +111,26 @@ void expect_layout_of_window() {
   GtkWidget *list = gtk_widget_get_parent(GTK_WIDGET(codes()));
   GtkWidget *display = find_widget<GtkWidget>(window(), V_TYPE_LANGSTR_DISPLAY);
   const auto button = [](const char *label) { return GTK_WIDGET(find_button(window(), label)); };
-  expect_window_layout(
-      top_window(), WindowState::maximized,
-      {{"name", name_editor(), corner(), grows, stays},
-       {"name field", GTK_WIDGET(rows_of(name_editor())[0]), anywhere(), grows, stays},
-       {"author", author_editor(), below("name", 8), grows, stays},
-       {"author field", GTK_WIDGET(rows_of(author_editor())[0]), anywhere(), grows, stays},
-       {"version", version_frame, below("author", 8), grows, stays},
-       {"version field", GTK_WIDGET(version_entry()), anywhere(), grows, stays},
-       {"codes", codes_frame, below("version", 8), grows, grows},
-       {"list", list, anywhere(), grows_by_half, grows},
-       {"description", display, beside("list", 8), moves_and_grows_by_half, grows},
-       {"Add new", button("Add new"), below("list", 8), stays, moves},
-       {"Edit", button("Edit"), beside("Add new", 8), stays, moves},
-       {"Delete", button("Delete"), beside("Edit", 8), stays, moves},
-       {"Save codeset", button("Save codeset"), below("codes", 8), stays, moves},
-       {"Close", button("Close"), end_of_row("Save codeset"), moves, moves}});
+  std::vector<LayoutRow> rows = {
+      {"name", name_editor(), corner(), grows, stays},
+      {"name field", GTK_WIDGET(rows_of(name_editor())[0]), anywhere(), grows, stays},
+      {"author", author_editor(), below("name", 8), grows, stays},
+      {"author field", GTK_WIDGET(rows_of(author_editor())[0]), anywhere(), grows, stays},
+      {"version", version_frame, below("author", 8), grows, stays},
+      {"version field", GTK_WIDGET(version_entry()), anywhere(), grows, stays}};
+  expect_layout(gtk_widget_get_parent(version_frame), rows);
+  rows.insert(rows.end(),
+              {{"codes", codes_frame, below("version", 8), grows, grows},
+               {"list", list, anywhere(), grows_by_half, grows},
+               {"description", display, beside("list", 8), moves_and_grows_by_half, grows},
+               {"Add new", button("Add new"), below("list", 8), stays, moves},
+               {"Edit", button("Edit"), beside("Add new", 8), stays, moves},
+               {"Delete", button("Delete"), beside("Edit", 8), stays, moves},
+               {"Save codeset", button("Save codeset"), below("codes", 8), stays, moves},
+               {"Close", button("Close"), end_of_row("Save codeset"), moves, moves}});
+  expect_window_layout(top_window(), WindowState::maximized, rows);
+  expect_buttons_at_both_ends(find_button(window(), "Save codeset"),
+                              find_button(window(), "Close"));
   for (GtkWidget *framed : {name_editor(), author_editor(), version_frame, codes_frame}) {
     GtkWidget *box = gtk_bin_get_child(GTK_BIN(framed));
     EXPECT_EQ(gtk_container_get_border_width(GTK_CONTAINER(box)), 8U);

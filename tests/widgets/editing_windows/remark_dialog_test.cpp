@@ -114,20 +114,23 @@ TEST_F(RemarkDialog, ShowsTheRemark) {
 TEST_F(RemarkDialog, ButtonsAreAtTheBottomOverTheFullWidth) {
   script.when_active(title, [] {
     const auto label = [](const char *text) { return GTK_WIDGET(find_label(window(), text)); };
-    expect_window_layout(
-        top_window(), WindowState::not_maximized,
-        {{"code label", label("Remark code: (Required)"), corner(), stays, stays, {{0.0F, 0.0F}}},
-         {"code", GTK_WIDGET(code_field()), below("code label", 8), grows, stays},
-         {"description label",
-          label("Short description: (Required)"),
-          below("code", 8),
-          stays,
-          stays,
-          {{0.0F, 0.0F}}},
-         {"description", find_widget<GtkWidget>(window(), V_TYPE_LANGSTR_EDITOR),
-          below("description label", 8), grows, stays},
-         {"OK", GTK_WIDGET(find_button(window(), "OK")), below("description", 8), stays, moves},
-         {"Cancel", GTK_WIDGET(find_button(window(), "Cancel")), end_of_row("OK"), moves, moves}});
+    GtkWidget *code_label = label("Remark code: (Required)");
+    GtkWidget *description_label = label("Short description: (Required)");
+    GtkWidget *editor = find_widget<GtkWidget>(window(), V_TYPE_LANGSTR_EDITOR);
+    std::vector<LayoutRow> rows = {
+        {"code label", code_label, corner(), stays, stays, {{0.0F, 0.0F}}},
+        {"code", GTK_WIDGET(code_field()), below("code label", 8), grows, stays},
+        {"label", description_label, below("code", 8), stays, stays, {{0.0F, 0.0F}}},
+        {"description", editor, below("label", 8), grows, stays}};
+    expect_layout(gtk_widget_get_parent(editor), rows);
+    GtkButton *ok = find_button(window(), "OK");
+    GtkButton *cancel = find_button(window(), "Cancel");
+    rows.insert(rows.end(), {{"fields", gtk_widget_get_ancestor(editor, GTK_TYPE_SCROLLED_WINDOW),
+                              corner(), grows, stays},
+                             {"OK", GTK_WIDGET(ok), below("fields", 8), stays, moves},
+                             {"Cancel", GTK_WIDGET(cancel), end_of_row("OK"), moves, moves}});
+    expect_window_layout(top_window(), WindowState::not_maximized, rows);
+    expect_buttons_at_both_ends(ok, cancel);
   });
   cancel();
   EXPECT_EQ(run(edited), 0);

@@ -147,13 +147,16 @@ TEST_P(MessageKinds, HaveTheTextBesideTheIconAndButtonsOfOneWidthBelow) {
   when_dialog_shows([](GtkDialog *dialog) {
     GtkWidget *box = GTK_WIDGET(find_message_box(dialog));
     GtkWidget *text = find<GtkWidget>(box, GTK_TYPE_LABEL);
-    std::vector<LayoutRow> rows;
-    if (GtkWidget *icon = find<GtkWidget>(box, GTK_TYPE_IMAGE)) {
-      rows = {{"icon", icon, corner(20, 20), stays, stays},
-              {"text", text, beside("icon", 20), stays, stays, {{0.0f, 0.0f}}}};
-    } else {
-      rows = {{"text", text, corner(25, 20), stays, stays, {{0.0f, 0.0f}}}};
+    GtkWidget *icon = find<GtkWidget>(box, GTK_TYPE_IMAGE);
+    GtkWidget *text_place = gtk_widget_get_ancestor(text, GTK_TYPE_SCROLLED_WINDOW);
+    std::vector<LayoutRow> rows = {
+        {"box", box, corner(icon == nullptr ? 25 : 20, 20), grows, grows},
+        {"text place", text_place, anywhere(), grows, grows}};
+    if (icon != nullptr) {
+      rows.push_back({"icon", icon, corner(20, 20), stays, stays});
     }
+    const LayoutPlace place = icon == nullptr ? corner(25, 20) : beside("icon", 20);
+    rows.push_back({"text", text, place, stays, stays, {{0.0f, 0.0f}}});
     const auto buttons = find_all(gtk_dialog_get_action_area(dialog), GTK_TYPE_BUTTON);
     if (buttons.size() == 1) {
       rows.push_back({"button", buttons[0], anywhere(), grows, moves});
