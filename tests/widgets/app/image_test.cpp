@@ -1,8 +1,11 @@
 #include "app/image.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <string>
+
+#include <gmodule.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,8 +21,24 @@ extern "C" const char *__asan_default_options() { return "allocator_may_return_n
 
 namespace {
 
+bool svg_library_is_missing = false;
+
+} // namespace
+
+// The linker leads the program's calls here.
+GModule *real_module_open(const char *name, GModuleFlags flags) __asm__("__real_g_module_open");
+GModule *wrapped_module_open(const char *name, GModuleFlags flags) __asm__("__wrap_g_module_open");
+
+GModule *wrapped_module_open(const char *name, GModuleFlags flags) {
+  return real_module_open(svg_library_is_missing ? "no-such-library.so" : name, flags);
+}
+
+namespace {
+
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 
 const std::string half_red_png = encode_png({.width = 2,
                                              .colour_type = PNG_COLOR_TYPE_RGB_ALPHA,
@@ -336,6 +355,29 @@ TEST(ImageReading, SvgFailures) {
         v_gfx_image_io_read_from_zip_file_path(archive.get(), entry_name, VFileType::svg, false));
     EXPECT_TRUE(std::string(v_error_get()).starts_with("GError ")) << v_error_get();
   }
+}
+
+// In a process of its own: a library that was loaded stays so.
+TEST(ImageReading, AMissingSvgLibraryIsReportedAndLookedForAgain) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto read = [] {
+    const Archive archive({{"a.svg", create_svg("width=\"24\" height=\"16\"")}});
+    svg_library_is_missing = true;
+    v_error_set("An old message.");
+    EXPECT_FALSE(
+        v_gfx_image_io_read_from_zip_file_path(archive.get(), "a.svg", VFileType::svg, false));
+    EXPECT_THAT(v_error_get(), HasSubstr("no-such-library.so"));
+    EXPECT_THAT(v_error_get(), Not(HasSubstr("An old message.")));
+    svg_library_is_missing = false;
+    EXPECT_TRUE(
+        v_gfx_image_io_read_from_zip_file_path(archive.get(), "a.svg", VFileType::svg, false));
+  };
+  EXPECT_EXIT(
+      {
+        read();
+        std::exit(testing::Test::HasFailure() ? 1 : 0);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 } // namespace

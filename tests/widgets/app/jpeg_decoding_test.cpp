@@ -13,6 +13,8 @@
 namespace {
 
 using ::testing::ElementsAreArray;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
 using Pixels = std::vector<std::uint32_t>;
 
@@ -175,6 +177,17 @@ TEST(JpegDecoding, PicturesThatTheDataCannotHoldFail) {
                      "Failed decompressing JPEG image.\n\nPixel buffer dimension out of range.");
     }
   }
+}
+
+// With two bits for each block of a plain file there may be a picture; with fewer there is none.
+TEST(JpegDecoding, TwoBitsForEachBlockAreNeeded) {
+  const std::string file = encode_jpeg(JpegKind::grey, 8, 8, std::string(64, '\x80'));
+  const int rows_of_blocks = static_cast<int>(file.size());
+  const char *const refusal = "Pixel buffer dimension out of range.";
+  EXPECT_THAT(decode(with_jpeg_size(file, 4 * 8, rows_of_blocks * 8)).message,
+              Not(HasSubstr(refusal)));
+  EXPECT_THAT(decode(with_jpeg_size(file, 4 * 8, rows_of_blocks * 8 + 1)).message,
+              HasSubstr(refusal));
 }
 
 // A plain picture takes the least data that there can be.

@@ -48,6 +48,21 @@ TEST(Application, RunsTheToolOnceWithEverythingLoaded) {
   });
 }
 
+TEST(Application, WindowsHaveTheProgramsIconSoon) {
+  in_own_process([](const SystemFolders &system, GuiScript &) {
+    system.install_font();
+    fake_tool.run = [] {
+      EXPECT_EQ(gtk_window_get_default_icon_name(), nullptr);
+      while (gtk_events_pending()) {
+        gtk_main_iteration();
+      }
+      EXPECT_STREQ(gtk_window_get_default_icon_name(), fake_tool_id);
+    };
+    EXPECT_EQ(start_fake_tool(), 0);
+    EXPECT_EQ(fake_tool.calls.size(), 1U);
+  });
+}
+
 // The toolkit would know some of them.
 TEST(Application, ArgumentsAreTheToolsAlone) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
