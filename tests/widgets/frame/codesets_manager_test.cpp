@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "gui/editing/shared_checkers.h"
 #include "session_fixture.h"
 
 using testing::ElementsAre;
@@ -107,6 +108,17 @@ TEST_F(CodesetsManager, EditsTheChosenCodeset) {
   run(0, nullptr);
   // Written anew, in the program's own form.
   EXPECT_EQ(read_file(codeset_path("paper.codeset")).find("<?xml version=\"1.0\" "), 0U);
+}
+
+// The libraries behind a checker end before the program's own objects do.
+TEST_F(CodesetsManager, LeavesNoSpellCheckerBehind) {
+  use_workspace();
+  GspellChecker *checker = v_shared_checkers_get(nullptr);
+  g_object_add_weak_pointer(G_OBJECT(checker), reinterpret_cast<void **>(&checker));
+  on(main_title, [&checker] { EXPECT_NE(checker, nullptr); });
+  script.close(main_title);
+  run(0, nullptr);
+  EXPECT_EQ(checker, nullptr);
 }
 
 TEST_F(CodesetsManager, EditingTellsWhetherItWasSaved) {
