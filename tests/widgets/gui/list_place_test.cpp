@@ -80,6 +80,17 @@ protected:
 
 } // namespace
 
+// Before the main loop runs: a window that covers the list would bring the toolkit's own scrolling
+// to a halt.
+TEST_F(ListPlace, IsInViewAtOnce) {
+  GtkAdjustment *place = gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(view));
+  v_list_place_set(view, row_count - 1);
+  EXPECT_EQ(gtk_adjustment_get_value(place),
+            gtk_adjustment_get_upper(place) - gtk_adjustment_get_page_size(place));
+  v_list_place_set(view, 0);
+  EXPECT_EQ(gtk_adjustment_get_value(place), 0);
+}
+
 TEST_F(ListPlace, TheCursorIsOnTheRowWhichIsInViewAndNotSelected) {
   gtk_widget_grab_focus(GTK_WIDGET(view));
   for (const int row : {0, 25, row_count - 1, 7}) {

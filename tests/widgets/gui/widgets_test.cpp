@@ -1,9 +1,12 @@
 #include "gui/widgets.h"
 
+#include <string>
+
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include "gui/owned_objects.h"
+#include "gui/screen_area.h"
 #include "widgets/gui/toolkit.h"
 
 namespace {
@@ -120,6 +123,8 @@ TEST(DialogWidget, HasTheButtonsOfItsSetInOrder) {
       EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(buttons[i])), row.buttons[i].first);
       EXPECT_EQ(gtk_dialog_get_response_for_widget(dialog, buttons[i]), row.buttons[i].second);
       EXPECT_TRUE(gtk_widget_get_visible(buttons[i]));
+      EXPECT_TRUE(gtk_button_get_use_underline(GTK_BUTTON(buttons[i])));
+      EXPECT_TRUE(gtk_button_get_use_stock(GTK_BUTTON(buttons[i])));
     }
     gtk_widget_destroy(GTK_WIDGET(dialog));
   }
@@ -260,6 +265,46 @@ TEST_F(Widgets, LabelsShowTextOrMarkup) {
   expect_label(markup, "<b>bold</b>", true, 0.0f, 0.0f);
   EXPECT_STREQ(gtk_label_get_text(markup), "bold");
   expect_packed(box, markup, false);
+}
+
+TEST_F(Widgets, ALabelIsWrappedWhenItHasTooManyCharactersOrNoRoom) {
+  const std::string text(60, 'm');
+  const int screen_width = v_screen_area_get(window.widget()).width;
+  const struct {
+    int widest_line;
+    int reserved_pixels;
+    bool is_wrapped;
+  } rows[] = {
+      {60, 0, false},
+      {59, 0, true},
+      {60, screen_width - 200, true},
+      {59, screen_width - 200, true},
+  };
+  for (const auto &row : rows) {
+    GtkLabel *label = v_gui_pack_label(box, text.c_str(), 0.0f, 0.0f);
+    v_gui_wrap_overlong_label(label, row.widest_line, 0, row.reserved_pixels);
+    EXPECT_EQ(gtk_label_get_line_wrap(label), row.is_wrapped)
+        << row.widest_line << " " << row.reserved_pixels;
+    EXPECT_EQ(gtk_label_get_attributes(label) != nullptr, row.is_wrapped);
+  }
+}
+
+// Three tenths of the screen are left to the rows of such a box, all that they need to fewer rows.
+TEST_F(Widgets, AYieldingBoxIsAsLowAsItsRowsOrThreeTenthsOfTheScreen) {
+  GtkBox *rows = v_gui_pack_yielding_vbox(box, Spacing::standard);
+  GtkWidget *scroller = gtk_widget_get_ancestor(GTK_WIDGET(rows), GTK_TYPE_SCROLLED_WINDOW);
+  const auto measure_minimum = [](GtkWidget *widget) {
+    int minimum = 0;
+    gtk_widget_get_preferred_height(widget, &minimum, nullptr);
+    return minimum;
+  };
+  GtkWidget *row = gtk_drawing_area_new();
+  gtk_widget_set_size_request(row, 10, 100);
+  gtk_container_add(GTK_CONTAINER(rows), row);
+  gtk_widget_show(row);
+  EXPECT_EQ(measure_minimum(scroller), 100);
+  gtk_widget_set_size_request(row, 10, 5000);
+  EXPECT_EQ(measure_minimum(scroller), v_screen_area_get(scroller).height * 3 / 10);
 }
 
 TEST_F(Widgets, ButtonsHaveALabelOrNothingInside) {
