@@ -282,7 +282,7 @@ TEST_F(Widgets, ALabelIsWrappedWhenItHasTooManyCharactersOrNoRoom) {
   };
   for (const auto &row : rows) {
     GtkLabel *label = v_gui_pack_label(box, text.c_str(), 0.0f, 0.0f);
-    v_gui_wrap_overlong_label(label, row.widest_line, 0, row.reserved_pixels);
+    v_gui_wrap_overlong_label(label, row.widest_line, row.reserved_pixels);
     EXPECT_EQ(gtk_label_get_line_wrap(label), row.is_wrapped)
         << row.widest_line << " " << row.reserved_pixels;
     EXPECT_EQ(gtk_label_get_attributes(label) != nullptr, row.is_wrapped);
