@@ -130,7 +130,7 @@ def own_codeset(delivered):
         text = re.sub(f'<name lang="{tag}">.*<', f'<name lang="{tag}">{name}<', text)
     text = re.sub(r'\t<author lang="(sv|de)">.*\n', "", text)
     text = re.sub(r'<author lang="en-uk">.*<', '<author lang="en-uk">Vera Lind<', text)
-    return text.replace("<version>1.0<", "<version>2026<")
+    return re.sub("<version>.*<", "<version>2026<", text)
 
 
 # The pictures, in the order of the guide.

@@ -1,15 +1,44 @@
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
+#include <map>
 #include <set>
 
 #include <gtest/gtest.h>
 
 #include "base/error.h"
+#include "base/file_utils.h"
 #include "codeset/codeset_io.h"
 #include "model/codeset/remarks.h"
 #include "support/files.h"
 
 namespace {
+
+struct Delivery {
+  const char *file_name;
+  const char *version;
+  const char *md5; // 32 hexadecimal digits
+};
+
+// Every version that was ever delivered, oldest first. A user's workspace can hold any of them.
+constexpr Delivery deliveries[] = {
+    {"ceramics_and_glass.codeset", "1.0", "7fa112cbe427b5e0bd1f2f4063ddf2f8"},
+    {"ceramics_and_glass.codeset", "1.1", "d1ef41f6ba995a429c81ad364fb18150"},
+    {"easel_paintings.codeset", "1.0", "0dd762b983ce85ced86ec7246149a818"},
+    {"easel_paintings.codeset", "1.1", "12b6bf6a071c613f316c80203bfd6579"},
+    {"furniture_and_wood.codeset", "1.0", "a7452d335dabb5270e727421989f7d24"},
+    {"furniture_and_wood.codeset", "1.1", "16e678e673fd85227488d536b27f9d0b"},
+    {"metals.codeset", "1.0", "073b5a78a4361c53b3a64b1c4afea297"},
+    {"metals.codeset", "1.1", "538d024a7f0ac507943f525bd6c99143"},
+    {"photographs.codeset", "1.0", "bb38b7648cd77f0a6dbcb0b5002c6050"},
+    {"photographs.codeset", "1.1", "6c0d980479fc53c17dab9a358d145475"},
+    {"stone_and_sculpture.codeset", "1.0", "2c4f6b2727b4d231e608590c55c15c29"},
+    {"stone_and_sculpture.codeset", "1.1", "2bdca84159bc0d2c43fd0927fdbcb75f"},
+    {"textiles.codeset", "1.0", "c390d51c16d5a4829f2e2ccce8798065"},
+    {"textiles.codeset", "1.1", "2ff8c852b461c3b3976b1f2988d5e8ae"},
+    {"works_on_paper.codeset", "1.0", "f78ce954e11a2b8ccf44f0cfd83e642e"},
+    {"works_on_paper.codeset", "1.1", "1f69ba3ce41c733027e76cd4e76faaf2"},
+};
 
 std::vector<std::string> delivered_names() {
   std::vector<std::string> names;
@@ -82,6 +111,76 @@ TEST(DeliveredCodesets, EachHasItsTextsInFourLanguages) {
       EXPECT_EQ(std::string(r->code.get()).find_first_of("&<"), std::string::npos);
     }
   }
+}
+
+std::vector<Delivery> deliveries_of(const std::string &name) {
+  std::vector<Delivery> found;
+  std::copy_if(std::begin(deliveries), std::end(deliveries), std::back_inserter(found),
+               [&name](const Delivery &delivery) { return delivery.file_name == name; });
+  return found;
+}
+
+// Major and minor number of a version "1.2".
+std::pair<int, int> numbers_of(const char *version) {
+  std::pair<int, int> numbers;
+  EXPECT_EQ(std::sscanf(version, "%d.%d", &numbers.first, &numbers.second), 2) << version;
+  return numbers;
+}
+
+TEST(DeliveredCodesets, NoneChangesWithoutANewVersion) {
+  for (const std::string &name : delivered_names()) {
+    SCOPED_TRACE(name);
+    const std::vector<Delivery> all = deliveries_of(name);
+    const OwnedCodeset codeset = read(name);
+    VMd5Digest digest;
+    ASSERT_NE(codeset, nullptr);
+    ASSERT_TRUE(v_util_get_file_md5sum(path_of(name).c_str(), digest));
+    ASSERT_FALSE(all.empty());
+    EXPECT_STREQ(codeset->version.get(), all.back().version);
+    EXPECT_TRUE(v_util_verify_md5sum(digest, all.back().md5))
+        << "changed since version " << all.back().version;
+  }
+}
+
+TEST(DeliveredCodesets, EachVersionIsHigherThanTheOneBefore) {
+  for (const std::string &name : delivered_names()) {
+    SCOPED_TRACE(name);
+    const std::vector<Delivery> all = deliveries_of(name);
+    for (std::size_t i = 1; i < all.size(); i++) {
+      EXPECT_LT(numbers_of(all[i - 1].version), numbers_of(all[i].version));
+      EXPECT_STRNE(all[i - 1].md5, all[i].md5);
+    }
+  }
+}
+
+// Calls the function(code, tag, text) with every description of all codesets.
+template <typename Function>
+void for_each_description(const Function &function) {
+  for (const std::string &name : delivered_names()) {
+    SCOPED_TRACE(name);
+    const OwnedCodeset codeset = read(name);
+    ASSERT_NE(codeset, nullptr);
+    for (const VRemark *r = codeset->remarks->head.next; r != &codeset->remarks->tail;
+         r = r->next) {
+      for (const auto &[tag, text] : translations_of(r->description)) {
+        function(std::string(r->code.get()), tag, text);
+      }
+    }
+  }
+}
+
+TEST(DeliveredCodesets, ACodeSaysTheSameInEveryCodeset) {
+  std::map<std::pair<std::string, std::string>, std::string> texts;
+  for_each_description([&texts](const auto &code, const auto &tag, const auto &text) {
+    EXPECT_EQ(texts.try_emplace({code, tag}, text).first->second, text) << code << " in " << tag;
+  });
+}
+
+TEST(DeliveredCodesets, NoTwoCodesSayTheSame) {
+  std::map<std::pair<std::string, std::string>, std::string> codes;
+  for_each_description([&codes](const auto &code, const auto &tag, const auto &text) {
+    EXPECT_EQ(codes.try_emplace({tag, text}, code).first->second, code) << text << " in " << tag;
+  });
 }
 
 } // namespace
