@@ -23,21 +23,21 @@ struct Delivery {
 // Every version that was ever delivered, oldest first. A user's workspace can hold any of them.
 constexpr Delivery deliveries[] = {
     {"ceramics_and_glass.codeset", "1.0", "7fa112cbe427b5e0bd1f2f4063ddf2f8"},
-    {"ceramics_and_glass.codeset", "1.1", "b1542e637d03addbf9793e177cd37f55"},
+    {"ceramics_and_glass.codeset", "1.1", "5d1405780aa4d7ca56cea09ca6bc6767"},
     {"easel_paintings.codeset", "1.0", "0dd762b983ce85ced86ec7246149a818"},
-    {"easel_paintings.codeset", "1.1", "e00f34abbd480996b8a8e08cebde8d4d"},
+    {"easel_paintings.codeset", "1.1", "3971ecbd6dd3435a55d58ba985d01ce6"},
     {"furniture_and_wood.codeset", "1.0", "a7452d335dabb5270e727421989f7d24"},
-    {"furniture_and_wood.codeset", "1.1", "11c6c3b7ebe57aca7a2b81ebd527009a"},
+    {"furniture_and_wood.codeset", "1.1", "9d2f7aa860d8cbce1a2e2d6fa0964fd8"},
     {"metals.codeset", "1.0", "073b5a78a4361c53b3a64b1c4afea297"},
-    {"metals.codeset", "1.1", "7243734773314af382f096c91869ff08"},
+    {"metals.codeset", "1.1", "b3fe71e80e0f85020e49292cc9548ece"},
     {"photographs.codeset", "1.0", "bb38b7648cd77f0a6dbcb0b5002c6050"},
-    {"photographs.codeset", "1.1", "6b27d1432f5c9e1871c926645b96cd27"},
+    {"photographs.codeset", "1.1", "d074d77644d6ec69961de6b35ff42b5a"},
     {"stone_and_sculpture.codeset", "1.0", "2c4f6b2727b4d231e608590c55c15c29"},
-    {"stone_and_sculpture.codeset", "1.1", "6a0b04333e34e10e46d11c44db7e368d"},
+    {"stone_and_sculpture.codeset", "1.1", "d9998538ac3ba90dcd56192231a38fc3"},
     {"textiles.codeset", "1.0", "c390d51c16d5a4829f2e2ccce8798065"},
-    {"textiles.codeset", "1.1", "7e13d5b31e8da9b4820a2254594a16fc"},
+    {"textiles.codeset", "1.1", "ea07b8545ddd5be5117b2650d57b9cc0"},
     {"works_on_paper.codeset", "1.0", "f78ce954e11a2b8ccf44f0cfd83e642e"},
-    {"works_on_paper.codeset", "1.1", "67622b12f765f4585ad10a5e43509f2c"},
+    {"works_on_paper.codeset", "1.1", "6835a847a2e654414c15c0c1f3832d0c"},
 };
 
 std::vector<std::string> delivered_names() {
