@@ -23,21 +23,21 @@ struct Delivery {
 // Every version that was ever delivered, oldest first. A user's workspace can hold any of them.
 constexpr Delivery deliveries[] = {
     {"ceramics_and_glass.codeset", "1.0", "7fa112cbe427b5e0bd1f2f4063ddf2f8"},
-    {"ceramics_and_glass.codeset", "1.1", "5d1405780aa4d7ca56cea09ca6bc6767"},
+    {"ceramics_and_glass.codeset", "1.1", "7cd213ca6f6c4945c07033e95f712304"},
     {"easel_paintings.codeset", "1.0", "0dd762b983ce85ced86ec7246149a818"},
-    {"easel_paintings.codeset", "1.1", "3971ecbd6dd3435a55d58ba985d01ce6"},
+    {"easel_paintings.codeset", "1.1", "d91bfeea012e9017989d1d8b36e16361"},
     {"furniture_and_wood.codeset", "1.0", "a7452d335dabb5270e727421989f7d24"},
-    {"furniture_and_wood.codeset", "1.1", "9d2f7aa860d8cbce1a2e2d6fa0964fd8"},
+    {"furniture_and_wood.codeset", "1.1", "f22dc929b5cf7ab5b909eba78a3345bf"},
     {"metals.codeset", "1.0", "073b5a78a4361c53b3a64b1c4afea297"},
-    {"metals.codeset", "1.1", "b3fe71e80e0f85020e49292cc9548ece"},
+    {"metals.codeset", "1.1", "c4a53c4118af2b7a9568bd1ef8fca73d"},
     {"photographs.codeset", "1.0", "bb38b7648cd77f0a6dbcb0b5002c6050"},
-    {"photographs.codeset", "1.1", "d074d77644d6ec69961de6b35ff42b5a"},
+    {"photographs.codeset", "1.1", "e1bc0a49dce8951281431840503cf65a"},
     {"stone_and_sculpture.codeset", "1.0", "2c4f6b2727b4d231e608590c55c15c29"},
-    {"stone_and_sculpture.codeset", "1.1", "d9998538ac3ba90dcd56192231a38fc3"},
+    {"stone_and_sculpture.codeset", "1.1", "888897e37770e321df0fc2e9f8aa7d23"},
     {"textiles.codeset", "1.0", "c390d51c16d5a4829f2e2ccce8798065"},
-    {"textiles.codeset", "1.1", "ea07b8545ddd5be5117b2650d57b9cc0"},
+    {"textiles.codeset", "1.1", "e608f9b49f6e4638adf1d204118ff3f4"},
     {"works_on_paper.codeset", "1.0", "f78ce954e11a2b8ccf44f0cfd83e642e"},
-    {"works_on_paper.codeset", "1.1", "6835a847a2e654414c15c0c1f3832d0c"},
+    {"works_on_paper.codeset", "1.1", "2499b6e0d019af7443529cdbd471da59"},
 };
 
 std::vector<std::string> delivered_names() {
