@@ -23,21 +23,21 @@ struct Delivery {
 // Every version that was ever delivered, oldest first. A user's workspace can hold any of them.
 constexpr Delivery deliveries[] = {
     {"ceramics_and_glass.codeset", "1.0", "7fa112cbe427b5e0bd1f2f4063ddf2f8"},
-    {"ceramics_and_glass.codeset", "1.1", "7cd213ca6f6c4945c07033e95f712304"},
+    {"ceramics_and_glass.codeset", "1.1", "7733a791b9167ec310381d8d8cf209df"},
     {"easel_paintings.codeset", "1.0", "0dd762b983ce85ced86ec7246149a818"},
-    {"easel_paintings.codeset", "1.1", "d91bfeea012e9017989d1d8b36e16361"},
+    {"easel_paintings.codeset", "1.1", "92cea8c673f03b50883764d4c8ecdc7a"},
     {"furniture_and_wood.codeset", "1.0", "a7452d335dabb5270e727421989f7d24"},
-    {"furniture_and_wood.codeset", "1.1", "f22dc929b5cf7ab5b909eba78a3345bf"},
+    {"furniture_and_wood.codeset", "1.1", "1a96010ae79f40ec1f66c1feecb31895"},
     {"metals.codeset", "1.0", "073b5a78a4361c53b3a64b1c4afea297"},
-    {"metals.codeset", "1.1", "c4a53c4118af2b7a9568bd1ef8fca73d"},
+    {"metals.codeset", "1.1", "0a1f0c6761e6b472e0f6d287c69a492f"},
     {"photographs.codeset", "1.0", "bb38b7648cd77f0a6dbcb0b5002c6050"},
-    {"photographs.codeset", "1.1", "e1bc0a49dce8951281431840503cf65a"},
+    {"photographs.codeset", "1.1", "d93e3afcf7985678287f15d2df9dc4c6"},
     {"stone_and_sculpture.codeset", "1.0", "2c4f6b2727b4d231e608590c55c15c29"},
-    {"stone_and_sculpture.codeset", "1.1", "888897e37770e321df0fc2e9f8aa7d23"},
+    {"stone_and_sculpture.codeset", "1.1", "d111011d40f6e22ae0ee3b646f22859a"},
     {"textiles.codeset", "1.0", "c390d51c16d5a4829f2e2ccce8798065"},
-    {"textiles.codeset", "1.1", "e608f9b49f6e4638adf1d204118ff3f4"},
+    {"textiles.codeset", "1.1", "dea6ad088d916a014265db50b78d2769"},
     {"works_on_paper.codeset", "1.0", "f78ce954e11a2b8ccf44f0cfd83e642e"},
-    {"works_on_paper.codeset", "1.1", "2499b6e0d019af7443529cdbd471da59"},
+    {"works_on_paper.codeset", "1.1", "2b7d282af164d26b027806a48df72d1d"},
 };
 
 std::vector<std::string> delivered_names() {
