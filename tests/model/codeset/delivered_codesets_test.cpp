@@ -23,21 +23,21 @@ struct Delivery {
 // Every version that was ever delivered, oldest first. A user's workspace can hold any of them.
 constexpr Delivery deliveries[] = {
     {"ceramics_and_glass.codeset", "1.0", "7fa112cbe427b5e0bd1f2f4063ddf2f8"},
-    {"ceramics_and_glass.codeset", "1.1", "7733a791b9167ec310381d8d8cf209df"},
+    {"ceramics_and_glass.codeset", "1.1", "25342c1256baf2b28b35e3e9e56bf5a1"},
     {"easel_paintings.codeset", "1.0", "0dd762b983ce85ced86ec7246149a818"},
-    {"easel_paintings.codeset", "1.1", "92cea8c673f03b50883764d4c8ecdc7a"},
+    {"easel_paintings.codeset", "1.1", "b26803e7004f05770aec70a69a12147e"},
     {"furniture_and_wood.codeset", "1.0", "a7452d335dabb5270e727421989f7d24"},
-    {"furniture_and_wood.codeset", "1.1", "1a96010ae79f40ec1f66c1feecb31895"},
+    {"furniture_and_wood.codeset", "1.1", "45025211be154d0b3e005acecc4a33d2"},
     {"metals.codeset", "1.0", "073b5a78a4361c53b3a64b1c4afea297"},
-    {"metals.codeset", "1.1", "0a1f0c6761e6b472e0f6d287c69a492f"},
+    {"metals.codeset", "1.1", "41cae2ecd12f07c85fa785c9b0b6b11a"},
     {"photographs.codeset", "1.0", "bb38b7648cd77f0a6dbcb0b5002c6050"},
-    {"photographs.codeset", "1.1", "d93e3afcf7985678287f15d2df9dc4c6"},
+    {"photographs.codeset", "1.1", "80705abfe731be61abf1702ea45bb5b2"},
     {"stone_and_sculpture.codeset", "1.0", "2c4f6b2727b4d231e608590c55c15c29"},
-    {"stone_and_sculpture.codeset", "1.1", "d111011d40f6e22ae0ee3b646f22859a"},
+    {"stone_and_sculpture.codeset", "1.1", "a6bf89352423b4c5018906cd56170526"},
     {"textiles.codeset", "1.0", "c390d51c16d5a4829f2e2ccce8798065"},
-    {"textiles.codeset", "1.1", "dea6ad088d916a014265db50b78d2769"},
+    {"textiles.codeset", "1.1", "7207e0860bf9ce3ad0509aa2353b5b4b"},
     {"works_on_paper.codeset", "1.0", "f78ce954e11a2b8ccf44f0cfd83e642e"},
-    {"works_on_paper.codeset", "1.1", "2b7d282af164d26b027806a48df72d1d"},
+    {"works_on_paper.codeset", "1.1", "ad7e19e88c2ad48c7cc9d0247717ddcb"},
 };
 
 std::vector<std::string> delivered_names() {
