@@ -35,7 +35,7 @@ constexpr Delivery deliveries[] = {
     {"stone_and_sculpture.codeset", "1.0", "2c4f6b2727b4d231e608590c55c15c29"},
     {"stone_and_sculpture.codeset", "1.1", "a6bf89352423b4c5018906cd56170526"},
     {"textiles.codeset", "1.0", "c390d51c16d5a4829f2e2ccce8798065"},
-    {"textiles.codeset", "1.1", "7207e0860bf9ce3ad0509aa2353b5b4b"},
+    {"textiles.codeset", "1.1", "d56b0d3582e04b3f44b3863f43894629"},
     {"works_on_paper.codeset", "1.0", "f78ce954e11a2b8ccf44f0cfd83e642e"},
     {"works_on_paper.codeset", "1.1", "ad7e19e88c2ad48c7cc9d0247717ddcb"},
 };
@@ -169,9 +169,16 @@ void for_each_description(const Function &function) {
   }
 }
 
+// Frass in textiles is not the bore dust that it is in wood. The code is the same in both, since
+// reports that exist refer to it.
+constexpr const char *code_worded_by_material = "Bi5";
+
 TEST(DeliveredCodesets, ACodeSaysTheSameInEveryCodeset) {
   std::map<std::pair<std::string, std::string>, std::string> texts;
   for_each_description([&texts](const auto &code, const auto &tag, const auto &text) {
+    if (code == code_worded_by_material) {
+      return;
+    }
     EXPECT_EQ(texts.try_emplace({code, tag}, text).first->second, text) << code << " in " << tag;
   });
 }
