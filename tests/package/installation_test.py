@@ -76,6 +76,9 @@ class Desktop(unittest.TestCase):
         self.assertTrue(os.access(prefix / "bin" / self.entry()["Exec"], os.X_OK))
         self.assertEqual(self.entry()["Icon"], APPLICATION)
 
+    def test_the_desktop_knows_the_windows_by_the_application_id(self):
+        self.assertEqual(self.entry()["StartupWMClass"], APPLICATION)
+
     def test_the_metainfo_is_valid(self):
         run("appstreamcli", "validate", "--no-net", prefix / "share" / "metainfo" / f"{APPLICATION}.metainfo.xml")
 
@@ -84,8 +87,14 @@ class Desktop(unittest.TestCase):
         self.assertEqual(component.findtext("id"), APPLICATION)
         self.assertEqual(component.findtext("launchable"), f"{APPLICATION}.desktop")
         self.assertEqual(component.findtext("provides/binary"), PROGRAM)
-        self.assertEqual(component.findtext("provides/mediatype"), MEDIA_TYPE)
+        opened = [element.text for element in component.iterfind("provides/mediatype")]
+        self.assertEqual(opened, [name for name in self.entry().get("MimeType", "").split(";") if name])
         self.assertEqual(component.find("releases/release").get("version"), "3.2.3")
+
+    def test_the_metainfo_names_no_address_that_cannot_be_reached(self):
+        component = self.metainfo()
+        self.assertEqual(component.findall("url") + component.findall("screenshots"), [])
+        self.assertEqual(component.find("developer").get("id"), "org.vantorelle")
 
     def test_the_manual_page_is_clean(self):
         page = prefix / "share" / "man" / "man1" / f"{PROGRAM}.1"

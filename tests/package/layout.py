@@ -39,6 +39,9 @@ def installed_files():
         f"share/applications/{APPLICATION}.desktop", f"share/metainfo/{APPLICATION}.metainfo.xml",
         "share/mime/packages/vantorelle-codeset.xml", f"share/man/man1/{PROGRAM}.1", f"share/doc/{PROGRAM}/LICENSE",
     }
+    documents = [SOURCE / "docs" / name for name in ("user-guide.md", "codeset-format.md")]
+    documents += (SOURCE / "docs" / "pictures").iterdir()
+    files |= {f"share/doc/{PROGRAM}/{path.relative_to(SOURCE / 'docs')}" for path in documents}
     if (SOURCE / "CHANGELOG.md").exists():
         files.add(f"share/doc/{PROGRAM}/changelog")
     for context, icon in (("apps", APPLICATION), ("mimetypes", MEDIA_TYPE_ICON)):
