@@ -24,13 +24,13 @@ protected:
   void TearDown() override { v_error_clear(); }
 };
 
-TEST_F(Error, NothingHeldReadsAsEmptyText) {
+TEST_F(Error, NoMessageReadsAsAnEmptyText) {
   ASSERT_NE(v_error_get(), nullptr);
   EXPECT_STREQ(v_error_get(), "");
   EXPECT_FALSE(v_error_did_run_out_of_memory());
 }
 
-TEST_F(Error, SetReplacesTheMessageByACopy) {
+TEST_F(Error, SettingReplacesTheMessageWithACopy) {
   std::string text = "first";
   v_error_set(text.c_str());
   text = "other";
@@ -39,7 +39,7 @@ TEST_F(Error, SetReplacesTheMessageByACopy) {
   EXPECT_STREQ(v_error_get(), "second");
 }
 
-TEST_F(Error, TheHeldMessageItselfCanBeSetAndAppended) {
+TEST_F(Error, TheCurrentMessageCanBeSetAndAppendedToItself) {
   v_error_set("message");
   v_error_set(v_error_get());
   EXPECT_STREQ(v_error_get(), "message");
@@ -49,7 +49,7 @@ TEST_F(Error, TheHeldMessageItselfCanBeSetAndAppended) {
   EXPECT_STREQ(v_error_get(), "<message\n\nmessage>\n\nmessage\n\nmessage");
 }
 
-TEST_F(Error, TextsThatAreNoFormatsAreKeptLiterally) {
+TEST_F(Error, PercentSignsInPlainTextsAreKept) {
   v_error_set("100 %s of %n <b>&amp; \xC3\xA5");
   EXPECT_STREQ(v_error_get(), "100 %s of %n <b>&amp; \xC3\xA5");
   v_error_append("50 %d");
@@ -58,7 +58,7 @@ TEST_F(Error, TextsThatAreNoFormatsAreKeptLiterally) {
   EXPECT_STREQ(v_error_get(), "Name: a%sb\n\n50 %d\n\n100 %s of %n <b>&amp; \xC3\xA5");
 }
 
-TEST_F(Error, FormattedSetReplacesTheMessage) {
+TEST_F(Error, FormattedSettingReplacesTheMessage) {
   v_error_set("old");
   v_error_set_utf8_printf("%s has %d%%", "\xC3\xA5", 7);
   EXPECT_STREQ(v_error_get(), "\xC3\xA5 has 7%");
@@ -74,7 +74,7 @@ TEST_F(Error, AppendingPutsTheNewSentenceInFront) {
   EXPECT_STREQ(v_error_get(), "C\n\nB\n\nA");
 }
 
-TEST_F(Error, FormattedAppendingJoinsAsAppendingDoes) {
+TEST_F(Error, FormattedAppendingAlsoPutsTheNewSentenceInFront) {
   v_error_append_utf8_printf("%d", 1);
   EXPECT_STREQ(v_error_get(), "1");
   v_error_append_utf8_printf("%s-%d", "x", 2);
@@ -89,7 +89,7 @@ void append_through_list(const char *format, ...) {
   va_end(arguments);
 }
 
-TEST_F(Error, AppendingFromAnArgumentListJoinsToo) {
+TEST_F(Error, AppendingFromAnArgumentListAlsoPutsTheNewSentenceInFront) {
   append_through_list("%s", "first");
   EXPECT_STREQ(v_error_get(), "first");
   append_through_list("%s %d", "second", 2);
@@ -102,14 +102,14 @@ TEST_F(Error, AppendingToAnEmptyMessageStillSeparates) {
   EXPECT_STREQ(v_error_get(), "B\n\n");
 }
 
-TEST_F(Error, ClearForgetsMessageAndFlag) {
+TEST_F(Error, ClearRemovesTheMessageAndTheFlag) {
   v_error_set_out_of_memory();
   v_error_clear();
   EXPECT_STREQ(v_error_get(), "");
   EXPECT_FALSE(v_error_did_run_out_of_memory());
 }
 
-TEST_F(Error, FixedMessages) {
+TEST_F(Error, FixedMessagesHaveTheirTextAndFlag) {
   const struct {
     void (*set)();
     const char *message;
@@ -126,7 +126,7 @@ TEST_F(Error, FixedMessages) {
   };
   for (const auto &row : rows) {
     SCOPED_TRACE(row.message);
-    // From either state of the flag.
+    // Each message sets the flag, whatever it was before.
     for (const auto prepare : {v_error_set_out_of_memory, v_error_set_file_io_reading}) {
       prepare();
       row.set();
@@ -144,7 +144,7 @@ TEST_F(Error, UnknownMessageCanBeReplacedByTheProgram) {
   EXPECT_STREQ(v_error_get(), "Something 100 %s unknown.");
 }
 
-TEST_F(Error, EverySetResetsTheFlagAndAppendKeepsIt) {
+TEST_F(Error, SettingResetsTheFlagAndAppendingKeepsIt) {
   const auto set_from_gerror = [] {
     v_error_set_from_gerror_and_free(g_error_new_literal(1, 2, "x"));
   };
@@ -182,7 +182,7 @@ TEST_F(Error, ErrnoBecomesItsNumberAndText) {
   EXPECT_STREQ(v_error_get(), "Error 2: No such file or directory");
 }
 
-TEST_F(Error, ErrnoIsReadBeforeTheOldMessageGoes) {
+TEST_F(Error, ErrnoIsReadBeforeTheOldMessageIsFreed) {
   v_error_set("old");
   errno = EACCES;
   v_error_set_from_errno();
@@ -213,7 +213,7 @@ TEST_F(Error, ZipErrorsBecomeTheLibrarysText) {
   EXPECT_STREQ(v_error_get(), "No such file");
 }
 
-TEST_F(Error, CairoStatuses) {
+TEST_F(Error, CairoStatusesBecomeMessages) {
   const struct {
     int status;
     const char *message;
@@ -261,7 +261,7 @@ TEST_F(Error, OtherMessagesAreNotMadeMoreInformative) {
   EXPECT_STREQ(v_error_get(), out_of_memory);
 }
 
-TEST_F(Error, LineLimit) {
+TEST_F(Error, LineLimitCutsTheMessageAndSaysSo) {
 #define CUT "\n\n(Error message truncated.)"
   const struct {
     const char *message;
@@ -297,14 +297,14 @@ TEST_F(Error, LineLimit) {
   }
 }
 
-TEST_F(Error, LineLimitOfNothingIsNothing) {
+TEST_F(Error, LineLimitLeavesAnEmptyMessageEmpty) {
   for (const int limit : {-1, 0, 1}) {
     v_error_limit_line_count(limit);
     EXPECT_STREQ(v_error_get(), "");
   }
 }
 
-TEST_F(Error, LineLimitLeavesTheFlag) {
+TEST_F(Error, LineLimitKeepsTheFlag) {
   v_error_set_informative_out_of_memory();
   v_error_limit_line_count(1);
   EXPECT_STREQ(v_error_get(), "The program has run out of memory.\n\n(Error message truncated.)");

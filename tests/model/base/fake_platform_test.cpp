@@ -15,7 +15,7 @@ private:
 
 } // namespace
 
-TEST_F(FakePlatformTest, KnowsNothingOfTheMachine) {
+TEST_F(FakePlatformTest, HasNoFoldersAndNoProcessesAtFirst) {
   EXPECT_EQ(v_platform_get_install_folder_path(), nullptr);
   EXPECT_STREQ(v_error_get(), "Error getting exe path from system.");
   EXPECT_EQ(v_platform_get_temp_files_folder_path(), nullptr);
@@ -23,7 +23,7 @@ TEST_F(FakePlatformTest, KnowsNothingOfTheMachine) {
   EXPECT_FALSE(v_platform_get_exe_path_for_process_id(path, 1));
 }
 
-TEST_F(FakePlatformTest, AnswersWhatTheTestSays) {
+TEST_F(FakePlatformTest, ReturnsTheValuesThatTheTestSets) {
   fake_platform.install_folder = "/opt/vantorelle";
   fake_platform.temp_files_folder = "/scratch";
   fake_platform.exe_paths[7] = "/bin/seven";
@@ -35,14 +35,14 @@ TEST_F(FakePlatformTest, AnswersWhatTheTestSays) {
   EXPECT_STREQ(path.get(), "/bin/seven");
 }
 
-TEST_F(FakePlatformTest, RecordsWhatWasToBeStarted) {
+TEST_F(FakePlatformTest, RecordsEveryCommandLine) {
   EXPECT_TRUE(v_platform_run_command_line("one"));
   fake_platform.commands_can_start = false;
   EXPECT_FALSE(v_platform_run_command_line("two"));
   EXPECT_THAT(fake_platform.command_lines, testing::ElementsAre("one", "two"));
 }
 
-TEST_F(FakePlatformTest, LaunchesAsEitherSystemDoes) {
+TEST_F(FakePlatformTest, LaunchesProgramsOrBundles) {
   EXPECT_STREQ(v_platform_get_program_ending(), "");
   EXPECT_STREQ(v_platform_create_launch_command_line("'p'", "a").get(), "'p' a");
   fake_platform.programs_are_bundles = true;

@@ -33,7 +33,7 @@ struct ComparisonCase {
 
 class Comparing : public testing::TestWithParam<ComparisonCase> {};
 
-TEST_P(Comparing, TellsWhetherTheBytesAreTheSame) {
+TEST_P(Comparing, FindsWhetherTheBytesAreTheSame) {
   const TemporaryFolder folder;
   const std::string a = folder / "a";
   const std::string b = folder / "b";
@@ -66,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(FileUtils, Comparing,
                                          ComparisonCase{long_text, long_text + "x", false}, //
                                          ComparisonCase{long_text + "x", long_text + "y", false}));
 
-TEST(FileUtils, MissingFileAndFolderAreIdenticalToNothing) {
+TEST(FileUtils, MissingFilesFoldersAndPipesAreNeverIdentical) {
   const TemporaryFolder folder;
   write_file(folder / "file", "");
   make_folder(folder / "folder");
@@ -94,7 +94,7 @@ struct Md5Case {
 
 class Md5 : public testing::TestWithParam<Md5Case> {};
 
-TEST_P(Md5, IsThatOfTheFile) {
+TEST_P(Md5, IsComputedFromTheFile) {
   const TemporaryFolder folder;
   write_file(folder / "file", GetParam().text);
   VMd5Digest digest = {};
@@ -115,13 +115,13 @@ INSTANTIATE_TEST_SUITE_P(
                 "d174ab98d277d9f5a5611c2c9f419d9f"},
         Md5Case{"12345678901234567890123456789012345678901234567890123456789012345678901234567890",
                 "57edf4a22be3c955ac49da2e2107b67a"},
-        // Around the size of one piece, and many of them (md5sum of coreutils).
+        // Around the size of the read buffer, and many buffers (from md5sum of coreutils).
         Md5Case{std::string(4095, 'a'), "559110baa849c7608ee70abe1d76273e"},
         Md5Case{std::string(4096, 'a'), "21a199c53f422a380e20b162fb6ebe9c"},
         Md5Case{std::string(4097, 'a'), "8cfc1a0bd8cd76599e76e5e721c6e62e"},
         Md5Case{std::string(1'000'000, 'a'), "7707d6ae4e027c70eea2a935c2296f21"}));
 
-TEST(FileUtils, FileThatCannotBeOpenedOrReadLeavesTheDigest) {
+TEST(FileUtils, FileThatCannotBeOpenedOrReadLeavesTheDigestUnchanged) {
   const TemporaryFolder folder;
   const int before = count_open_descriptors();
   VMd5Digest digest = {};
@@ -142,7 +142,7 @@ TEST(FileUtils, DigestIsVerifiedAgainstItsText) {
   EXPECT_TRUE(v_util_verify_md5sum(digest_of_nothing, text_of_nothing.c_str()));
 }
 
-TEST(FileUtils, UpperCaseDigestIsNoBase16) {
+TEST(FileUtils, UpperCaseDigestIsNotBase16) {
   std::string text = text_of_nothing;
   std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
     return static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
@@ -153,14 +153,14 @@ TEST(FileUtils, UpperCaseDigestIsNoBase16) {
 
 struct VerifyCase {
   std::string text;
-  const char *message; // "before" where verifying says nothing
+  const char *message; // "before" if verifying sets no message
 };
 
 class VerifyingFails : public testing::TestWithParam<VerifyCase> {};
 
 TEST_P(VerifyingFails, WithOrWithoutAMessage) {
   v_error_set("before");
-  // A copy of its own size, so that a read behind its end is noticed.
+  // A heap copy of the exact size, so that a sanitizer detects a read past its end.
   const OwnedText text = copy_text(GetParam().text.c_str());
   EXPECT_FALSE(v_util_verify_md5sum(digest_of_nothing, text.get()));
   EXPECT_STREQ(v_error_get(), GetParam().message);
@@ -169,14 +169,14 @@ TEST_P(VerifyingFails, WithOrWithoutAMessage) {
 INSTANTIATE_TEST_SUITE_P(
     FileUtils, VerifyingFails,
     testing::Values(
-        // Longer, and another value at each end: no fault of the text.
+        // Valid digits, but a longer text or another value.
         VerifyCase{text_of_nothing + "0", "before"}, VerifyCase{text_of_nothing + "G", "before"},
         VerifyCase{text_of_nothing + " ", "before"},
         VerifyCase{"e" + text_of_nothing.substr(1), "before"},
         VerifyCase{text_of_nothing.substr(0, 31) + "f", "before"},
-        // The first wrong byte decides, what stands behind it is not looked at.
+        // Comparison stops at the first different byte; the rest is not checked.
         VerifyCase{"00", "before"}, VerifyCase{"00zz", "before"},
-        // Both characters of a byte are looked at before its value.
+        // Both digits of a byte are checked before its value.
         VerifyCase{"0", "Illegal base 16 character."},
         VerifyCase{"0g", "Illegal base 16 character."},
         VerifyCase{"", "Illegal base 16 character."},
@@ -204,6 +204,6 @@ TEST(FileUtils, EncodesEveryByte) {
   EXPECT_STREQ(v_util_encode_base16(bytes + 0xab, 1).get(), "ab");
 }
 
-TEST(FileUtils, NoBytesAreTheEmptyText) {
+TEST(FileUtils, NoBytesGiveAnEmptyText) {
   EXPECT_STREQ(v_util_encode_base16(nullptr, 0).get(), "");
 }

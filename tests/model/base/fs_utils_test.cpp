@@ -83,7 +83,7 @@ struct JoinCase {
 
 class JoiningPaths : public testing::TestWithParam<JoinCase> {};
 
-TEST_P(JoiningPaths, Gives) {
+TEST_P(JoiningPaths, GivesTheExpectedPath) {
   const JoinCase &row = GetParam();
   const std::string folder_before = row.folder;
   EXPECT_STREQ(v_fs_utils_create_path_in_folder_(row.folder, row.parts.data(),
@@ -116,7 +116,7 @@ INSTANTIATE_TEST_SUITE_P(FsUtils, JoiningPaths,
                                          JoinCase{"/a", {"/"}, "/a//"},               //
                                          JoinCase{"a b", {"%s", "\u00e5<&"}, "a b/%s/\u00e5<&"}));
 
-TEST(FsUtils, PartsCanBeWrittenOut) {
+TEST(FsUtils, JoinsPartsGivenAsArguments) {
   EXPECT_STREQ(v_fs_utils_create_path_in_folder("/w", "codesets", "a.codeset").get(),
                "/w/codesets/a.codeset");
 }
@@ -128,7 +128,7 @@ struct PathCase {
 
 class EntryNames : public testing::TestWithParam<PathCase> {};
 
-TEST_P(EntryNames, AreFoundInThePathItself) {
+TEST_P(EntryNames, ArePointersIntoThePath) {
   const char *name = v_fs_utils_find_entry_name_in_path(GetParam().path);
   EXPECT_STREQ(name, GetParam().result);
   EXPECT_EQ(name, GetParam().path + std::strlen(GetParam().path) - std::strlen(name));
@@ -142,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(FsUtils, EntryNames,
 
 class StrippingEntryNames : public testing::TestWithParam<PathCase> {};
 
-TEST_P(StrippingEntryNames, Leaves) {
+TEST_P(StrippingEntryNames, LeavesThePathOfTheFolder) {
   const OwnedText path = copy_text(GetParam().path);
   v_fs_utils_strip_entry_name_from_path(path.get());
   EXPECT_STREQ(path.get(), GetParam().result);
@@ -159,7 +159,7 @@ INSTANTIATE_TEST_SUITE_P(FsUtils, StrippingEntryNames,
 
 class StrippingEndingDelimiters : public testing::TestWithParam<PathCase> {};
 
-TEST_P(StrippingEndingDelimiters, Leaves) {
+TEST_P(StrippingEndingDelimiters, LeavesThePathWithoutThem) {
   const OwnedText path = copy_text(GetParam().path);
   v_fs_utils_strip_ending_path_delimiters(path.get());
   EXPECT_STREQ(path.get(), GetParam().result);
@@ -180,7 +180,7 @@ TEST(FsUtils, NamesAreUtf8OnThisSystem) {
   EXPECT_STREQ(v_fs_utils_convert_utf8_to_osfsenc("gr\u00f6n").get(), "gr\u00f6n");
 }
 
-TEST(FsUtils, WhatIsNotUtf8CannotBeConverted) {
+TEST(FsUtils, NamesThatAreNotUtf8CannotBeConverted) {
   for (const auto convert :
        {v_fs_utils_convert_glibfsenc_to_utf8, v_fs_utils_convert_osfsenc_to_utf8}) {
     v_error_clear();
@@ -219,7 +219,7 @@ TEST(FsUtils, EveryOperationRefusesAPathThatCannotBeConverted) {
 TEST(FsUtils, PathsAreConvertedToTheEncodingOfTheFileSystem) {
   const TemporaryFolder folder;
   const std::string listed = in_child_process([&] {
-    // GLib looks at the variable again when the locale has another character set than before.
+    // GLib reads the variable again only after the character set of the locale has changed.
     const bool is_utf8 = std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
     std::setlocale(LC_ALL, is_utf8 ? "C" : "C.UTF-8");
     setenv("G_FILENAME_ENCODING", "ISO-8859-1", 1);
@@ -256,7 +256,7 @@ TEST(FsUtils, OpensReadsAndCloses) {
   EXPECT_EQ(count_open_descriptors(), before);
 }
 
-TEST(FsUtils, FileThatCannotBeOpened) {
+TEST(FsUtils, OpeningAFileSaysWhyItFails) {
   const TemporaryFolder folder;
   write_file(folder / "file", "");
   const struct {
@@ -275,12 +275,12 @@ TEST(FsUtils, FileThatCannotBeOpened) {
   }
 }
 
-TEST(FsUtils, MissingFileHasTheSystemsSentenceLast) {
+TEST(FsUtils, OpeningAMissingFileReportsTheSystemsText) {
   EXPECT_FALSE(v_fs_utils_open_file("/nowhere/at/all", "rb"));
   EXPECT_STREQ(v_error_get(), "Cannot open file.\n\nError 2: No such file or directory");
 }
 
-TEST(FsUtils, FileThatMayNotBeOpened) {
+TEST(FsUtils, OpeningAFileFailsWithoutPermission) {
   const TemporaryFolder folder;
   write_file(folder / "secret", "x");
   set_permissions(folder / "secret", 0);
@@ -291,7 +291,7 @@ TEST(FsUtils, FileThatMayNotBeOpened) {
             message_of(EACCES, "Cannot open file."));
 }
 
-TEST(FsUtils, WhatWouldNeverAnswerIsNotOpened) {
+TEST(FsUtils, FilesThatWouldBlockOrNeverEndAreNotOpened) {
   const TemporaryFolder folder;
   const std::string pipe_path = folder / "pipe";
   ASSERT_EQ(mkfifo(pipe_path.c_str(), 0600), 0);
@@ -312,7 +312,7 @@ TEST(FsUtils, ClosingNothingSucceeds) {
   EXPECT_TRUE(v_fs_utils_close_folder(nullptr));
 }
 
-TEST(FsUtils, FullDiskIsNoticedWhenTheFileIsClosed) {
+TEST(FsUtils, ClosingAFileReportsAFullDisk) {
   const int before = count_open_descriptors();
   OwnedFile file = v_fs_utils_open_file("/dev/full", "wb");
   ASSERT_TRUE(file);
@@ -333,7 +333,7 @@ TEST(FsUtils, DeletesFiles) {
   EXPECT_TRUE(v_fs_utils_delete_file_if_exists(""));
 }
 
-TEST(FsUtils, DeletesALinkAndNotWhatItNames) {
+TEST(FsUtils, DeletesALinkAndKeepsItsTarget) {
   const TemporaryFolder folder;
   write_file(folder / "file", "x");
   ASSERT_EQ(symlink((folder / "file").c_str(), (folder / "link").c_str()), 0);
@@ -341,7 +341,7 @@ TEST(FsUtils, DeletesALinkAndNotWhatItNames) {
   EXPECT_THAT(list_folder(folder.path()), testing::ElementsAre("file"));
 }
 
-TEST(FsUtils, FileThatCannotBeDeleted) {
+TEST(FsUtils, DeletingAFileSaysWhyItFails) {
   const TemporaryFolder folder;
   write_file(folder / "file", "x");
   EXPECT_FALSE(v_fs_utils_delete_file_if_exists((folder / "file/below").c_str()));
@@ -363,7 +363,7 @@ TEST(FsUtils, FileInAFolderWithoutWritePermissionCannotBeDeleted) {
   EXPECT_EQ(read_file(folder / "file"), "x");
 }
 
-TEST(FsUtils, DiscardingAFileLeavesTheMessage) {
+TEST(FsUtils, DiscardingAFileKeepsTheErrorMessage) {
   const TemporaryFolder folder;
   write_file(folder / "file", "x");
   v_error_set("the first reason");
@@ -376,7 +376,7 @@ TEST(FsUtils, DiscardingAFileLeavesTheMessage) {
   EXPECT_STREQ(v_error_get(), "the first reason");
 }
 
-TEST(FsUtils, DiscardingTakesALinkAndLeavesWhatIsNoFile) {
+TEST(FsUtils, DiscardingRemovesLinksAndKeepsPipes) {
   const TemporaryFolder folder;
   ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
   ASSERT_EQ(symlink("/dev/null", (folder / "link").c_str()), 0);
@@ -403,7 +403,7 @@ TEST(FsUtils, ACreatedFileHasItsPermissionsBeforeAnythingIsWritten) {
   EXPECT_EQ(read_file(folder / std::to_string(0600U)), "text");
 }
 
-TEST(FsUtils, OnlyAFileHasPermissionsToKeep) {
+TEST(FsUtils, OnlyRegularFilesHaveKnownPermissions) {
   const TemporaryFolder folder;
   ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
   for (const std::string &path :
@@ -412,7 +412,7 @@ TEST(FsUtils, OnlyAFileHasPermissionsToKeep) {
   }
 }
 
-TEST(FsUtils, AFileWithPermissionsIsCreatedOnlyWhereNothingIs) {
+TEST(FsUtils, AFileWithPermissionsIsCreatedOnlyWhereNoneExists) {
   const TemporaryFolder folder;
   write_file(folder / "file", "kept");
   const VFilePermissions permissions = v_fs_utils_get_permissions((folder / "file").c_str());
@@ -429,7 +429,7 @@ TEST(FsUtils, AFileWithPermissionsIsCreatedOnlyWhereNothingIs) {
 
 // Folders
 
-TEST(FsUtils, DiscardingWhatIsNotThereIsNoFailure) {
+TEST(FsUtils, DiscardingAMissingFileIsNoFailure) {
   const TemporaryFolder folder;
   write_file(folder / "file", "");
   EXPECT_FALSE(v_fs_utils_delete_folder_if_exists((folder / "file").c_str()));
@@ -437,7 +437,7 @@ TEST(FsUtils, DiscardingWhatIsNotThereIsNoFailure) {
   EXPECT_EQ(v_fs_utils_get_last_error_number(), ENOTDIR);
 }
 
-TEST(FsUtils, ListsEveryEntryAndThenNothing) {
+TEST(FsUtils, ListsEveryEntry) {
   const TemporaryFolder folder;
   write_file(folder / "b", "");
   write_file(folder / ".hidden", "");
@@ -461,7 +461,7 @@ TEST(FsUtils, EmptyFolderHasTwoEntries) {
   EXPECT_THAT(names, testing::UnorderedElementsAre(".", ".."));
   for (int i = 0; i < 2; i++) {
     OwnedText name = copy_text("left over");
-    errno = EIO; // of some earlier call
+    errno = EIO; // left by an earlier call
     EXPECT_TRUE(v_fs_utils_next_folder_entry(listing.get(), name));
     EXPECT_EQ(name, nullptr);
   }
@@ -469,7 +469,7 @@ TEST(FsUtils, EmptyFolderHasTwoEntries) {
   EXPECT_EQ(count_open_descriptors(), before);
 }
 
-TEST(FsUtils, NameThatIsNotUtf8FailsAndTheListingGoesOn) {
+TEST(FsUtils, ListingContinuesAfterANameThatIsNotUtf8) {
   const TemporaryFolder folder;
   write_file(folder / "a\xff", "");
   write_file(folder / "b", "");
@@ -497,7 +497,7 @@ TEST(FsUtils, NameThatIsNotUtf8FailsAndTheListingGoesOn) {
   EXPECT_EQ(name, nullptr);
 }
 
-TEST(FsUtils, FolderThatCannotBeOpened) {
+TEST(FsUtils, OpeningAFolderSaysWhyItFails) {
   const TemporaryFolder folder;
   write_file(folder / "file", "");
   ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
@@ -517,7 +517,7 @@ TEST(FsUtils, FolderThatCannotBeOpened) {
   }
 }
 
-TEST(FsUtils, FolderThatCannotBeReadOrClosed) {
+TEST(FsUtils, ReadingAndClosingAFolderSayWhyTheyFail) {
   const TemporaryFolder folder;
   OwnedFolder listing = v_fs_utils_open_folder(folder.path());
   ASSERT_TRUE(listing);
@@ -531,7 +531,7 @@ TEST(FsUtils, FolderThatCannotBeReadOrClosed) {
   EXPECT_EQ(v_error_get(), message_of(EBADF, "Cannot close folder."));
 }
 
-TEST(FsUtils, CreatedFolderIsForItsOwnerAlone) {
+TEST(FsUtils, CreatedFolderIsForItsOwnerOnly) {
   const TemporaryFolder folder;
   for (const mode_t mask : {0U, 022U, 077U}) {
     const std::string path = folder / std::to_string(mask);
@@ -545,7 +545,7 @@ TEST(FsUtils, CreatedFolderIsForItsOwnerAlone) {
   }
 }
 
-TEST(FsUtils, FolderThatCannotBeCreated) {
+TEST(FsUtils, CreatingAFolderSaysWhyItFails) {
   const TemporaryFolder folder;
   write_file(folder / "file", "");
   const struct {
@@ -575,7 +575,7 @@ TEST(FsUtils, CreatesMissingParents) {
   EXPECT_THAT(list_folder(folder / "a"), testing::ElementsAre("b", "e"));
 }
 
-TEST(FsUtils, WalkUpwardEndsAtTheEmptyParent) {
+TEST(FsUtils, CreatesRelativeFoldersWithTheirParents) {
   const TemporaryFolder folder;
   const std::string here = in_child_process([&] {
     if (chdir(folder.path()) != 0) {
@@ -602,7 +602,7 @@ TEST(FsUtils, TopLevelFolderWithoutPermissionFails) {
             message_of(ENOENT, "Cannot create folder."));
 }
 
-TEST(FsUtils, FolderThatCannotBeCreatedWithItsParents) {
+TEST(FsUtils, CreatingAFolderWithItsParentsSaysWhyItFails) {
   const TemporaryFolder folder;
   write_file(folder / "file", "x");
   EXPECT_FALSE(v_fs_utils_create_folder_recursively(folder.path()));
@@ -618,7 +618,7 @@ TEST(FsUtils, FolderThatCannotBeCreatedWithItsParents) {
   EXPECT_THAT(list_folder(folder.path()), testing::ElementsAre("file"));
 }
 
-TEST(FsUtils, ParentThatCannotBeCreatedStopsTheWalk) {
+TEST(FsUtils, ParentThatCannotBeCreatedIsAFailure) {
   const TemporaryFolder folder;
   set_permissions(folder.path(), 0555);
   EXPECT_EQ(as_ordinary_user([&] {
@@ -675,7 +675,7 @@ TEST(FsUtils, InfoHoldsLargeSizesAndTimesBeforeTheEpoch) {
   EXPECT_EQ(info.modification_time, -10);
 }
 
-TEST(FsUtils, InfoTellsTheTwoBitsOfTheMode) {
+TEST(FsUtils, InfoHoldsTheFolderAndFileBitsOfTheMode) {
   const TemporaryFolder folder;
   ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
   make_socket(folder / "socket");
@@ -719,8 +719,8 @@ TEST(FsUtils, PathUnderAFileHasNoInfo) {
   expect_all_zero(info);
 }
 
-// What cannot be asked about is not taken for free.
-TEST(FsUtils, OnlyWhatIsKnownToBeAbsentIsMissing) {
+// If the status cannot be read, the path may be in use, so it does not count as missing.
+TEST(FsUtils, OnlyAPathKnownToBeAbsentIsMissing) {
   const TemporaryFolder folder;
   write_file(folder / "file", "");
   EXPECT_TRUE(v_fs_utils_is_missing((folder / "none").c_str()));
@@ -730,7 +730,7 @@ TEST(FsUtils, OnlyWhatIsKnownToBeAbsentIsMissing) {
   EXPECT_FALSE(v_fs_utils_is_missing("\xff"));
 }
 
-TEST(FsUtils, LinkThatNamesItselfHasNoInfo) {
+TEST(FsUtils, LinkToItselfHasNoInfo) {
   const TemporaryFolder folder;
   ASSERT_EQ(symlink("loop", (folder / "loop").c_str()), 0);
   VFileInfo info;
@@ -738,7 +738,7 @@ TEST(FsUtils, LinkThatNamesItselfHasNoInfo) {
   EXPECT_EQ(v_error_get(), message_of(ELOOP, "Cannot get file status."));
 }
 
-TEST(FsUtils, SuccessLeavesMessageAndLastErrorNumber) {
+TEST(FsUtils, SuccessKeepsTheMessageAndTheLastErrorNumber) {
   const TemporaryFolder folder;
   VFileInfo info;
   EXPECT_FALSE(v_fs_utils_open_folder((folder / "missing").c_str()));

@@ -28,11 +28,11 @@ constexpr const char *unsigned_too_large = "Unsigned integer value out of valid 
 template <typename Value>
 struct Row {
   const char *text;
-  const char *message; // null: the value is read
+  const char *message; // null: parsing succeeds
   Value value = 0;
 };
 
-// Parses with a function of any of the families and checks that a failure leaves the output alone.
+// Parses each row and checks that a failure leaves the output unchanged.
 template <typename Value, typename Parse>
 void expect_rows(Parse parse, const std::vector<Row<Value>> &rows) {
   for (const Row<Value> &row : rows) {
@@ -47,7 +47,7 @@ void expect_rows(Parse parse, const std::vector<Row<Value>> &rows) {
   }
 }
 
-// Texts that no signed family reads, whatever its range.
+// Texts that every signed parser rejects, whatever its range.
 template <typename Value>
 const std::vector<Row<Value>> unreadable = {
     {"", empty},
@@ -144,7 +144,7 @@ TEST(IntegerParsing, Int) {
                                       {"-2147483648", nullptr, int_minimum},
                                       {"2147483648", too_large},
                                       {"-2147483649", too_small},
-                                      {"4294967296", too_large}, // whose low half is 0
+                                      {"4294967296", too_large}, // its low 32 bits are 0
                                       {"9223372036854775807", too_large},
                                       {"-9223372036854775808", too_small}});
 }

@@ -9,8 +9,7 @@
 
 namespace {
 
-// The rules once more, slowly and step by step: positions in two whole strings, nothing shared with
-// the comparison that is tested.
+// A second, simple and slow implementation of the rules. It shares no code with the tested one.
 namespace reference {
 
 bool is_space(int c) {
@@ -93,7 +92,7 @@ void append_all(std::vector<std::string> &texts, const std::string &alphabet, st
   }
 }
 
-// Every short text over alphabets that reach each branch.
+// All short texts over alphabets that together reach each branch.
 const std::vector<std::string> &short_texts() {
   static const std::vector<std::string> texts = [] {
     std::vector<std::string> all;
@@ -122,7 +121,7 @@ struct Row {
   int plain, fold, zero, zero_fold;
 };
 
-TEST(NaturalOrder, Table) {
+TEST(NaturalOrder, FollowsTheTable) {
   const Row rows[] = {
       {"", "", 0, 0, 0, 0},
       {"a", "", 1, 1, 1, 1},
@@ -155,8 +154,8 @@ TEST(NaturalOrder, Table) {
       {"   ", "", 0, 0, 0, 0},
       {"A", "a", -1, 0, -1, 0},
       {"B", "a", -1, 1, -1, 1},
-      {"_", "a", -1, 1, -1, 1}, // between the cases: folding is to upper case
-      {"i", "I", 1, 0, 1, 0},   // in Turkish too
+      {"_", "a", -1, 1, -1, 1}, // between 'Z' and 'a': folding is to upper case
+      {"i", "I", 1, 0, 1, 0},   // also in a Turkish locale
       {"\xE5", "a", -1, -1, -1, -1},
       {"\xE5", "1", -1, -1, -1, -1},
       {"\xE5", "\x01", -1, -1, -1, -1},
@@ -168,7 +167,7 @@ TEST(NaturalOrder, Table) {
       {"\x85"
        "a",
        "a", -1, -1, -1, -1},
-      {"a", "a\xE5", 1, 1, 1, 1}, // the end is byte 0, and greater than bytes above 127
+      {"a", "a\xE5", 1, 1, 1, 1}, // the end is 0; bytes above 127 are negative
       {"a", "a\x80", 1, 1, 1, 1},
       {"a", "a\xFF", 1, 1, 1, 1},
       {"", "\xE5", 1, 1, 1, 1},
@@ -193,7 +192,7 @@ TEST(NaturalOrder, Table) {
   }
 }
 
-TEST(NaturalOrder, SortsAsPeopleDo) {
+TEST(NaturalOrder, SortsAsPeopleExpect) {
   const std::vector<std::string> sorted = {"1",   "1a",   "2",    "10",    "10a", "11",
                                            "100", "A1",   "A2",   "A10",   "a1",  "a1 b",
                                            "a2",  "a2b1", "a2b3", "a2b20", "a10", "b"};
@@ -226,12 +225,12 @@ TEST_P(NaturalOrderVariants, FollowsTheRulesForAllShortTexts) {
   expect_rules_for_all_pairs(short_texts());
 }
 
-// Where the digits, the letters of either case and the whitespace begin and end.
+// Covers the bytes next to the digits, the letters and the whitespace.
 TEST_P(NaturalOrderVariants, FollowsTheRulesForEveryByte) {
   expect_rules_for_all_pairs(every_byte());
 }
 
-TEST_P(NaturalOrderVariants, EntryPointIsTheVariant) {
+TEST_P(NaturalOrderVariants, EachEntryPointEqualsItsVariant) {
   const auto [fold_case, skip_zeros] = GetParam();
   const auto entry_point = fold_case ? (skip_zeros ? strnatzerocasecmp : strnatcasecmp)
                                      : (skip_zeros ? strnatzerocmp : strnatcmp);
@@ -245,7 +244,7 @@ TEST_P(NaturalOrderVariants, EntryPointIsTheVariant) {
 INSTANTIATE_TEST_SUITE_P(All, NaturalOrderVariants,
                          testing::Combine(testing::Bool(), testing::Bool()));
 
-// The order of remark codes: the four comparisons one after the other, then the bytes.
+// The order of remark codes: the four comparisons in turn, then the bytes.
 int compare_in_chain(const std::string &a, const std::string &b) {
   for (const auto compare : {strnatzerocasecmp, strnatcasecmp, strnatzerocmp, strnatcmp}) {
     if (const int order = compare(a.c_str(), b.c_str())) {
@@ -255,11 +254,11 @@ int compare_in_chain(const std::string &a, const std::string &b) {
   return a.compare(b);
 }
 
-TEST(NaturalOrder, ChainedWithTheBytesItIsAStrictTotalOrder) {
+TEST(NaturalOrder, AllComparisonsInTurnGiveAStrictTotalOrder) {
   std::vector<std::string> sorted = short_texts();
   std::sort(sorted.begin(), sorted.end(),
             [](const std::string &a, const std::string &b) { return compare_in_chain(a, b) < 0; });
-  // Whatever the sort made of it: when every pair stands as it compares, no three can form a ring.
+  // If all pairs are in order, the comparison has no cycle, so the sort need not be trusted.
   for (std::size_t i = 0; i < sorted.size(); i++) {
     for (std::size_t j = i + 1; j < sorted.size(); j++) {
       ASSERT_LT(compare_in_chain(sorted[i], sorted[j]), 0)
@@ -277,7 +276,7 @@ void expect_key_agrees(const std::string &a, const std::string &b) {
   }
 }
 
-TEST(NaturalOrder, KeysThatDifferDecideAsTheComparison) {
+TEST(NaturalOrder, DifferentKeysOrderLikeTheComparison) {
   for (const std::vector<std::string> &texts : {short_texts(), every_byte()}) {
     for (const std::string &a : texts) {
       for (const std::string &b : texts) {
@@ -287,7 +286,7 @@ TEST(NaturalOrder, KeysThatDifferDecideAsTheComparison) {
   }
 }
 
-TEST(NaturalOrder, KeysOfNumbersThatTheyCannotHold) {
+TEST(NaturalOrder, KeysOfNumbersThatDoNotFitOrderLikeTheComparison) {
   for (const std::size_t length : {6U, 7U, 8U, 9U, 254U, 255U, 256U, 300U, 511U, 512U}) {
     for (const std::size_t other : {6U, 7U, 8U, 9U, 254U, 255U, 256U, 300U, 511U, 512U}) {
       expect_key_agrees(std::string(length, '9'), std::string(other, '1'));
@@ -296,7 +295,7 @@ TEST(NaturalOrder, KeysOfNumbersThatTheyCannotHold) {
   }
 }
 
-TEST(NaturalOrder, KeysTellOrdinaryCodesApart) {
+TEST(NaturalOrder, KeysDistinguishOrdinaryCodes) {
   EXPECT_LT(strnatzerocasecmp_key("ab2"), strnatzerocasecmp_key("AB10"));
   EXPECT_LT(strnatzerocasecmp_key("Ab 9"), strnatzerocasecmp_key("ab10a"));
   EXPECT_LT(strnatzerocasecmp_key("Ab1204a"), strnatzerocasecmp_key("Ab1204b"));

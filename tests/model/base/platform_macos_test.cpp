@@ -12,7 +12,7 @@
 
 namespace {
 
-std::map<int, std::string> exe_names; // as the system gives them, by process id
+std::map<int, std::string> exe_names; // bytes that the system returns, by process id
 
 class PlatformMacosTest : public testing::Test {
 protected:
@@ -41,19 +41,19 @@ TEST_F(PlatformMacosTest, ExePathIsThatOfTheOwnProcess) {
                "/Applications/Gr\u00f6n.app/Contents/MacOS");
 }
 
-TEST_F(PlatformMacosTest, MissingExePathHasItsMessage) {
+TEST_F(PlatformMacosTest, MissingExePathSetsAMessage) {
   EXPECT_EQ(v_platform_get_exe_path(), nullptr);
   EXPECT_STREQ(v_error_get(), "Error getting exe path from system.");
   EXPECT_EQ(v_platform_get_install_folder_path(), nullptr);
 }
 
-TEST_F(PlatformMacosTest, ExePathThatIsNoTextHasTheSameMessage) {
+TEST_F(PlatformMacosTest, ExePathThatIsNotUtf8SetsTheSameMessage) {
   exe_names[getpid()] = "/Applications/\xff";
   EXPECT_EQ(v_platform_get_exe_path(), nullptr);
   EXPECT_STREQ(v_error_get(), "Error getting exe path from system.");
 }
 
-TEST_F(PlatformMacosTest, ExePathOfAnotherProcess) {
+TEST_F(PlatformMacosTest, FindsTheExePathOfAnotherProcess) {
   exe_names[4711] = "/usr/bin/printer";
   v_error_set("before");
   OwnedText path;
@@ -64,14 +64,14 @@ TEST_F(PlatformMacosTest, ExePathOfAnotherProcess) {
   EXPECT_STREQ(v_error_get(), "before");
 }
 
-TEST_F(PlatformMacosTest, AnotherProcessWhoseExePathIsNoTextIsRunning) {
+TEST_F(PlatformMacosTest, ProcessWhoseExePathIsNotUtf8CountsAsRunning) {
   exe_names[4711] = "/usr/bin/\xff";
   OwnedText path = copy_text("old");
   EXPECT_TRUE(v_platform_get_exe_path_for_process_id(path, 4711));
   EXPECT_EQ(path, nullptr);
 }
 
-TEST_F(PlatformMacosTest, NumberTooLargeForAProcessIdIsNoProcess) {
+TEST_F(PlatformMacosTest, RejectsANumberTooLargeForAProcessId) {
   exe_names[1] = "/sbin/launchd";
   exe_names[0] = "/kernel";
   OwnedText path;

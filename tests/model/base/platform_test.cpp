@@ -19,7 +19,7 @@ namespace {
 
 std::string executable() { return std::filesystem::read_symlink("/proc/self/exe").string(); }
 
-// The command is not waited for, so its traces are.
+// Commands run in the background, so wait up to five seconds for the file.
 bool appears(const std::string &path) {
   for (int attempt = 0; attempt < 500 && !path_exists(path); attempt++) {
     usleep(10'000);
@@ -33,7 +33,7 @@ std::string quoted(const std::string &text) {
 
 } // namespace
 
-TEST(Platform, ExePathIsThatOfTheTests) {
+TEST(Platform, ExePathIsThatOfTheTestProgram) {
   EXPECT_EQ(v_platform_get_exe_path().get(), executable());
   OwnedText path;
   EXPECT_TRUE(v_platform_get_exe_path_for_process_id(path, getpid()));
@@ -45,7 +45,7 @@ TEST(Platform, InstallFolderHoldsTheExecutable) {
             std::filesystem::path(executable()).parent_path().string());
 }
 
-TEST(Platform, WhatIsNoProcessHasNoExePathAndNoMessage) {
+TEST(Platform, UnknownProcessIdGivesNoExePathAndNoMessage) {
   for (const long process_id : {-1L, 0L, 4'194'305L, std::numeric_limits<long>::max()}) {
     v_error_set("before");
     OwnedText path = copy_text("old");
@@ -55,7 +55,7 @@ TEST(Platform, WhatIsNoProcessHasNoExePathAndNoMessage) {
   }
 }
 
-TEST(Platform, ProcessOfAnotherUserHasNoExePathAndOneOfOurOwnHas) {
+TEST(Platform, ExePathIsKnownForProcessesOfTheSameUserOnly) {
   const std::string answer = as_ordinary_user([] {
     struct stat first_process;
     const bool is_own = stat("/proc/1", &first_process) == 0 && first_process.st_uid == getuid();
@@ -66,7 +66,7 @@ TEST(Platform, ProcessOfAnotherUserHasNoExePathAndOneOfOurOwnHas) {
   EXPECT_EQ(answer, "right");
 }
 
-TEST(Platform, TempFilesLieInTheSystemsFolderWhateverTheEnvironmentSays) {
+TEST(Platform, TempFilesFolderIgnoresTheEnvironment) {
   const std::string path = in_child_process([] {
     setenv("TMPDIR", "/elsewhere", 1);
     return std::string(v_platform_get_temp_files_folder_path().get());
@@ -88,7 +88,7 @@ TEST(Platform, BundleCommandLineStartsANewInstance) {
                "open -n '/100%s.app' --args -a %d");
 }
 
-TEST(Platform, ProgramCommandLineIsPathBlankArguments) {
+TEST(Platform, ProgramCommandLineIsPathSpaceArguments) {
   EXPECT_STREQ(v_platform_format_program_command_line("'/A b/T'", "").get(), "'/A b/T' ");
   EXPECT_STREQ(v_platform_format_program_command_line("'/100%s'", "-a %d").get(), "'/100%s' -a %d");
 }
@@ -98,14 +98,14 @@ TEST(Platform, ProgramsArePlainFiles) {
   EXPECT_STREQ(v_platform_create_launch_command_line("'/A b/T'", "x").get(), "'/A b/T' x");
 }
 
-TEST(Platform, CommandIsStartedWithItsPathTakenLiterally) {
+TEST(Platform, CommandIsStartedWithItsLiteralPath) {
   const TemporaryFolder folder;
   const std::string made = folder / "it's \u00e5 %s & $x";
   EXPECT_TRUE(v_platform_run_command_line(("touch " + quoted(made)).c_str()));
   EXPECT_TRUE(appears(made));
 }
 
-TEST(Platform, CommandIsNotWaitedFor) {
+TEST(Platform, CommandRunsInTheBackground) {
   const TemporaryFolder folder;
   const std::string gate = folder / "gate";
   const std::string made = folder / "made";
@@ -125,7 +125,7 @@ TEST(Platform, CommandThatCannotBeStartedFailsWithAMessage) {
   }
 }
 
-TEST(Platform, CommandLineThatIsNoTextFailsWithTheConversionsMessage) {
+TEST(Platform, CommandLineThatIsNotUtf8FailsWithTheConversionMessage) {
   EXPECT_FALSE(v_platform_run_command_line("touch \xff"));
   EXPECT_THAT(v_error_get(), testing::StartsWith("Could not use filename.\n\nGError "));
 }

@@ -21,7 +21,7 @@ protected:
   std::string path = folder / "\u00E5";
 };
 
-TEST_F(PrivateFiles, AreCreatedForTheirOwnerAloneAndKeepTheirContent) {
+TEST_F(PrivateFiles, AreCreatedForTheirOwnerOnlyAndKeepTheirContent) {
   const mode_t old_mask = umask(0);
   EXPECT_NE(v_private_files_create(path.c_str()), nullptr);
   umask(old_mask);
@@ -33,7 +33,7 @@ TEST_F(PrivateFiles, AreCreatedForTheirOwnerAloneAndKeepTheirContent) {
   EXPECT_EQ(read_file(path), "content");
 }
 
-TEST_F(PrivateFiles, AreHeldByOneAtATime) {
+TEST_F(PrivateFiles, CanBeHeldOnlyOnceAtATime) {
   OwnedHeldFile held = v_private_files_create(path.c_str());
   ASSERT_NE(held, nullptr);
   EXPECT_EQ(v_private_files_hold(path.c_str()), nullptr);
@@ -45,7 +45,7 @@ TEST_F(PrivateFiles, AreHeldByOneAtATime) {
   EXPECT_NE(held, nullptr);
 }
 
-TEST_F(PrivateFiles, StayHeldUnderAnotherName) {
+TEST_F(PrivateFiles, StayHeldAfterARename) {
   const std::string other = folder / "other";
   write_file(other, "old");
   const OwnedHeldFile held = v_private_files_create(path.c_str());
@@ -56,7 +56,7 @@ TEST_F(PrivateFiles, StayHeldUnderAnotherName) {
   EXPECT_EQ(v_private_files_hold(other.c_str()), nullptr);
 }
 
-TEST_F(PrivateFiles, WhatIsNotThereCannotBeHeldRenamedOrForcedOntoTheDisk) {
+TEST_F(PrivateFiles, CannotBeHeldRenamedOrSyncedIfMissing) {
   EXPECT_EQ(v_private_files_hold(path.c_str()), nullptr);
   EXPECT_FALSE(path_exists(path));
   EXPECT_EQ(v_private_files_create((path + "/x").c_str()), nullptr);
@@ -69,11 +69,11 @@ TEST_F(PrivateFiles, WhatIsNotThereCannotBeHeldRenamedOrForcedOntoTheDisk) {
   EXPECT_FALSE(v_private_files_sync("/\xFF"));
 }
 
-TEST_F(PrivateFiles, FilesAndFoldersAreForcedOntoTheDisk) {
+TEST_F(PrivateFiles, CanBeSyncedAsFoldersAndDevicesCan) {
   write_file(path, "content");
   EXPECT_TRUE(v_private_files_sync(path.c_str()));
   EXPECT_TRUE(v_private_files_sync(folder.path()));
-  // The system has no such operation for these.
+  // Devices cannot be synced, which counts as success.
   EXPECT_TRUE(v_private_files_sync("/dev/null"));
 }
 

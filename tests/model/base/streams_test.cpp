@@ -29,7 +29,7 @@ struct Entry {
   int compression = ZIP_CM_DEFLATE;
 };
 
-// The bytes of an archive with the entries. They must outlive it.
+// The bytes of an archive with these entries.
 std::string pack(const std::vector<Entry> &entries) {
   zip_source_t *packed = zip_source_buffer_create(nullptr, 0, 0, nullptr);
   zip_source_keep(packed);
@@ -53,13 +53,13 @@ std::string pack(const std::vector<Entry> &entries) {
   return bytes;
 }
 
-// The bytes are borrowed.
+// `bytes` is borrowed and must outlive the archive.
 OwnedArchive open_archive(const std::string &bytes) {
   zip_source_t *source = zip_source_buffer_create(bytes.data(), bytes.size(), 0, nullptr);
   return OwnedArchive(zip_open_from_source(source, ZIP_RDONLY, nullptr));
 }
 
-// Bytes of every value that do not repeat at the sizes of a piece.
+// Bytes of every value. The pattern does not repeat at the size of a read buffer.
 std::string varied_bytes(std::size_t length) {
   std::string bytes;
   for (std::size_t i = 0; i < length; i++) {
@@ -68,7 +68,7 @@ std::string varied_bytes(std::size_t length) {
   return bytes;
 }
 
-// What a read of up to n bytes gives, or the message.
+// Reads at most n bytes. Returns them, or the message on failure.
 std::string read_some(VInputStream *stream, std::size_t n) {
   std::string buffer(n, '?');
   std::size_t count = 4711;
@@ -127,7 +127,7 @@ constexpr const char *missing_entry_message =
 
 // Memory
 
-TEST(MemoryInput, IsReadFromItsStartToItsEnd) {
+TEST(MemoryInput, IsReadFromStartToEnd) {
   const std::string data = "abc\0defgh\xff";
   const OwnedInputStream stream = v_input_stream_new_for_memory(data.data(), data.size());
   EXPECT_EQ(read_some(stream.get(), 2), "ab");
@@ -144,7 +144,7 @@ TEST(MemoryInput, MayBeEmpty) {
   EXPECT_EQ(skip(stream.get(), 1), "Memory buffer end reached prematurely.");
 }
 
-TEST(MemoryInput, GivesAllThatIsLeftAtOnceAndUncopied) {
+TEST(MemoryInput, GivesTheRestAtOnceWithoutACopy) {
   const std::string data = varied_bytes(10'000);
   const OwnedInputStream stream = v_input_stream_new_for_memory(data.data(), data.size());
   EXPECT_EQ(read_some(stream.get(), 3), data.substr(0, 3));
@@ -157,7 +157,7 @@ TEST(MemoryInput, GivesAllThatIsLeftAtOnceAndUncopied) {
   EXPECT_EQ(read_some(stream.get(), 1), "");
 }
 
-TEST(MemoryInput, CannotBePassedBeyondItsEnd) {
+TEST(MemoryInput, CannotSkipPastItsEnd) {
   const std::string data = "x012345678";
   const OwnedInputStream stream = v_input_stream_new_for_memory(data.data(), data.size());
   EXPECT_EQ(skip(stream.get(), 1), "done");
@@ -167,7 +167,7 @@ TEST(MemoryInput, CannotBePassedBeyondItsEnd) {
   EXPECT_EQ(read_some(stream.get(), 9), "012345678");
 }
 
-TEST(MemoryInput, CanBePassedToItsVeryEnd) {
+TEST(MemoryInput, CanSkipToItsEnd) {
   const OwnedInputStream stream = v_input_stream_new_for_memory("abc", 3);
   EXPECT_EQ(skip(stream.get(), 3), "done");
   EXPECT_EQ(skip(stream.get(), 0), "done");
@@ -205,14 +205,14 @@ TEST(FileInput, MissingFileFailsAtTheFirstUse) {
   EXPECT_EQ(skip(stream.get(), 0), "Opening input file failed.");
 }
 
-TEST(FileInput, FolderOpensAndCannotBeRead) {
+TEST(FileInput, FolderCanBeOpenedButNotRead) {
   const TemporaryFolder folder;
   const OwnedInputStream stream = v_input_stream_new_for_file_path(folder.path());
   EXPECT_EQ(read_some(stream.get(), 1), "File read error.");
   EXPECT_EQ(next_piece(stream.get()), "File read error.");
 }
 
-TEST(FileInput, CanBePassedBeyondItsEnd) {
+TEST(FileInput, CanSkipPastItsEnd) {
   const TemporaryFolder folder;
   write_file(folder / "file", varied_bytes(5000) + "tail");
   const OwnedInputStream stream = v_input_stream_new_for_file_path((folder / "file").c_str());
@@ -224,7 +224,7 @@ TEST(FileInput, CanBePassedBeyondItsEnd) {
   EXPECT_EQ(read_some(stream.get(), 2), "");
 }
 
-TEST(FileInput, IsNeverPassedBackward) {
+TEST(FileInput, NeverSkipsBackward) {
   const TemporaryFolder folder;
   write_file(folder / "file", "abcdef");
   const OwnedInputStream stream = v_input_stream_new_for_file_path((folder / "file").c_str());
@@ -236,7 +236,7 @@ TEST(FileInput, IsNeverPassedBackward) {
   EXPECT_EQ(read_some(stream.get(), 3), "def");
 }
 
-TEST(FileInput, WhatCannotBePassedOverHasTheSystemsTextAlone) {
+TEST(FileInput, FailedSkipReportsOnlyTheSystemsText) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
   const OwnedFile reader(fdopen(ends[0], "rb"));
@@ -246,7 +246,7 @@ TEST(FileInput, WhatCannotBePassedOverHasTheSystemsTextAlone) {
   close(ends[1]);
 }
 
-TEST(FileInput, NothingIsDestroyedWithoutHarm) {
+TEST(FileInput, DestroyingNullIsAllowed) {
   v_input_stream_destroy(nullptr);
   v_output_stream_destroy(nullptr);
 }
@@ -269,7 +269,7 @@ TEST(ZipInput, IsReadInPiecesOfFullLength) {
   }
 }
 
-TEST(ZipInput, MissingEntryTellsWhyAtEachUse) {
+TEST(ZipInput, MissingEntryReportsTheReasonAtEachUse) {
   const std::string packed = pack({{"present", "x"}});
   const OwnedArchive archive = open_archive(packed);
   ASSERT_TRUE(archive);
@@ -284,7 +284,7 @@ TEST(ZipInput, MissingEntryTellsWhyAtEachUse) {
   EXPECT_EQ(skip(stream.get(), 1), missing_entry_message);
 }
 
-TEST(ZipInput, NamesAreFoundAsTheyAreWritten) {
+TEST(ZipInput, NamesMatchExactly) {
   const std::string packed = pack({{"%s<&>\u00e5", "x"}, {"A", "y"}});
   const OwnedArchive archive = open_archive(packed);
   ASSERT_TRUE(archive);
@@ -294,7 +294,7 @@ TEST(ZipInput, NamesAreFoundAsTheyAreWritten) {
 
 class SkippingInZip : public testing::TestWithParam<std::size_t> {};
 
-TEST_P(SkippingInZip, PassesOverExactlySoManyBytes) {
+TEST_P(SkippingInZip, SkipsExactlyTheGivenNumberOfBytes) {
   const std::string data = varied_bytes(5000);
   const std::string packed = pack({{"entry", data}});
   const OwnedArchive archive = open_archive(packed);
@@ -308,7 +308,7 @@ INSTANTIATE_TEST_SUITE_P(Streams, SkippingInZip,
                          testing::Values(0, 1, 1023, 1024, 1025, 2047, 2048, 2049, 4096, 4999,
                                          5000));
 
-TEST(ZipInput, CannotBePassedBeyondItsEnd) {
+TEST(ZipInput, CannotSkipPastItsEnd) {
   const std::string packed = pack({{"entry", varied_bytes(2048)}});
   const OwnedArchive archive = open_archive(packed);
   ASSERT_TRUE(archive);
@@ -331,7 +331,7 @@ TEST(ZipInput, BrokenEntryCannotBeRead) {
   EXPECT_EQ(skip(stream.get(), 100), "Compressed file read error.\n\nCRC error");
 }
 
-TEST(ZipInput, EntryOfTheCallerStaysOpen) {
+TEST(ZipInput, CallersEntryStaysOpen) {
   const std::string packed = pack({{"entry", "abcdef"}});
   const OwnedArchive archive = open_archive(packed);
   ASSERT_TRUE(archive);
@@ -345,7 +345,7 @@ TEST(ZipInput, EntryOfTheCallerStaysOpen) {
   EXPECT_STREQ(rest, "def");
 }
 
-TEST(ZipInput, NoEntryAppendsToTheMessageThatStands) {
+TEST(ZipInput, NullEntryAppendsToTheCurrentMessage) {
   const OwnedInputStream stream = v_input_stream_new_for_zip_file(nullptr);
   v_error_set("The reason.");
   EXPECT_EQ(read_some(stream.get(), 1), "Opening compressed input file failed.\n\nThe reason.");
@@ -353,7 +353,7 @@ TEST(ZipInput, NoEntryAppendsToTheMessageThatStands) {
 
 // Memory output
 
-TEST(MemoryOutput, HandsOverWhatWasWritten) {
+TEST(MemoryOutput, HandsOverTheWrittenBytes) {
   const OwnedOutputStream stream = v_output_stream_new_for_memory();
   const std::string data = varied_bytes(10'000);
   EXPECT_EQ(write(stream.get(), "first"), "done");
@@ -366,22 +366,22 @@ TEST(MemoryOutput, HandsOverWhatWasWritten) {
   EXPECT_EQ(memory_data(stream.get()), "second");
 }
 
-TEST(MemoryOutput, WithoutDataGivesTheEmptyText) {
+TEST(MemoryOutput, GivesAnEmptyTextWithoutData) {
   const OwnedOutputStream stream = v_output_stream_new_for_memory();
   EXPECT_EQ(memory_data(stream.get()), "");
   EXPECT_TRUE(v_output_stream_write(stream.get(), nullptr, 0));
   EXPECT_EQ(memory_data(stream.get()), "");
 }
 
-TEST(MemoryOutput, DataThatIsNotHandedOverIsFreed) {
+TEST(MemoryOutput, FreesDataThatIsNotHandedOver) {
   const OwnedOutputStream stream = v_output_stream_new_for_memory();
   EXPECT_EQ(write(stream.get(), "abc"), "done");
 }
 
-TEST(MemoryOutput, RefusesWhatItCannotHold) {
+TEST(MemoryOutput, RefusesMoreThanItCanHold) {
   const OwnedOutputStream stream = v_output_stream_new_for_memory();
   EXPECT_EQ(write(stream.get(), "abc"), "done");
-  // Refused before a byte of it is looked at.
+  // The text is shorter than the length, so it must be refused before it is read.
   EXPECT_FALSE(v_output_stream_write(stream.get(), "", std::size_t{1} << 32));
   EXPECT_TRUE(v_error_did_run_out_of_memory());
   EXPECT_FALSE(v_output_stream_write(stream.get(), "", G_MAXUINT - 3));
@@ -390,7 +390,7 @@ TEST(MemoryOutput, RefusesWhatItCannotHold) {
 
 // File output
 
-TEST(FileOutput, WritesAFileAnew) {
+TEST(FileOutput, WritesANewFileInPlaceOfTheOldOne) {
   const TemporaryFolder folder;
   const std::string path = folder / "file";
   write_file(path, "what was there before and is longer");
@@ -407,14 +407,14 @@ TEST(FileOutput, WritesAFileAnew) {
   EXPECT_EQ(count_open_descriptors(), before);
 }
 
-TEST(FileOutput, NothingWrittenIsAnEmptyFile) {
+TEST(FileOutput, CreatesAnEmptyFileIfNothingIsWritten) {
   const TemporaryFolder folder;
   write_file(folder / "file", "old");
   v_output_stream_new_for_file_path((folder / "file").c_str());
   EXPECT_EQ(read_file(folder / "file"), "");
 }
 
-TEST(FileOutput, ReplacesALinkAndNotWhatItNames) {
+TEST(FileOutput, ReplacesALinkAndKeepsItsTarget) {
   const TemporaryFolder folder;
   write_file(folder / "file", "old");
   ASSERT_EQ(symlink("file", (folder / "link").c_str()), 0);
@@ -423,7 +423,7 @@ TEST(FileOutput, ReplacesALinkAndNotWhatItNames) {
   EXPECT_EQ(read_file(folder / "link"), "new");
 }
 
-TEST(FileOutput, FileThatCannotBeCreatedFailsAtTheFirstByte) {
+TEST(FileOutput, FileThatCannotBeCreatedFailsAtTheFirstWrittenByte) {
   const TemporaryFolder folder;
   write_file(folder / "file", "kept");
   make_folder(folder / "folder");
@@ -440,7 +440,7 @@ TEST(FileOutput, FileThatCannotBeCreatedFailsAtTheFirstByte) {
   EXPECT_EQ(read_file(folder / "file"), "kept");
 }
 
-TEST(FileOutput, FileThatCannotBeDeletedIsLeftAsItIs) {
+TEST(FileOutput, FileThatCannotBeDeletedIsKept) {
   const TemporaryFolder folder;
   write_file(folder / "file", "kept");
   set_permissions(folder / "file", 0666);
@@ -452,7 +452,7 @@ TEST(FileOutput, FileThatCannotBeDeletedIsLeftAsItIs) {
   EXPECT_EQ(read_file(folder / "file"), "kept");
 }
 
-TEST(FileOutput, FullDiskIsNoticedWhileWritingAndNoPartOfTheFileRemains) {
+TEST(FileOutput, RemovesThePartialFileIfTheDiskIsFullWhileWriting) {
   const TemporaryFolder folder;
   const std::string message = with_file_size_limit(1000, [&] {
     const OwnedOutputStream stream = v_output_stream_new_for_file_path((folder / "file").c_str());
@@ -462,7 +462,7 @@ TEST(FileOutput, FullDiskIsNoticedWhileWritingAndNoPartOfTheFileRemains) {
   EXPECT_FALSE(path_exists(folder / "file"));
 }
 
-TEST(FileOutput, FullDiskIsNoticedAtTheEndAndNoPartOfTheFileRemains) {
+TEST(FileOutput, RemovesThePartialFileIfTheDiskIsFullWhenFinishing) {
   const TemporaryFolder folder;
   const std::string message = with_file_size_limit(10, [&] {
     const OwnedOutputStream stream = v_output_stream_new_for_file_path((folder / "file").c_str());
@@ -474,7 +474,7 @@ TEST(FileOutput, FullDiskIsNoticedAtTheEndAndNoPartOfTheFileRemains) {
   EXPECT_FALSE(path_exists(folder / "file"));
 }
 
-TEST(FileOutput, UnnoticedFullDiskLeavesNoPartOfTheFileEither) {
+TEST(FileOutput, RemovesThePartialFileIfTheDiskIsFullWhenDestroyed) {
   const TemporaryFolder folder;
   const std::string message = with_file_size_limit(10, [&] {
     OwnedOutputStream stream = v_output_stream_new_for_file_path((folder / "file").c_str());
@@ -487,7 +487,7 @@ TEST(FileOutput, UnnoticedFullDiskLeavesNoPartOfTheFileEither) {
   EXPECT_FALSE(path_exists(folder / "file"));
 }
 
-TEST(FileOutput, FileThatCannotBeClosedIsAFailedWrite) {
+TEST(FileOutput, FailureToCloseIsAFailedWrite) {
   const TemporaryFolder folder;
   OwnedOutputStream stream = v_output_stream_new_for_file_path((folder / "file").c_str());
   ASSERT_TRUE(stream->file);
@@ -500,7 +500,7 @@ TEST(FileOutput, FileThatCannotBeClosedIsAFailedWrite) {
   EXPECT_FALSE(path_exists(folder / "file"));
 }
 
-TEST(FileOutput, FinishedFileIsWholeAndStays) {
+TEST(FileOutput, FinishedFileIsCompleteAndStays) {
   const TemporaryFolder folder;
   OwnedOutputStream stream = v_output_stream_new_for_file_path((folder / "file").c_str());
   EXPECT_EQ(write(stream.get(), "abc"), "done");
@@ -511,7 +511,7 @@ TEST(FileOutput, FinishedFileIsWholeAndStays) {
   EXPECT_EQ(read_file(folder / "file"), "abc");
 }
 
-TEST(FileOutput, FileOfTheCallerStaysOpenAndInPlace) {
+TEST(FileOutput, CallersFileStaysOpenAndInPlace) {
   const TemporaryFolder folder;
   OwnedFile file = v_fs_utils_open_file((folder / "file").c_str(), "wb");
   ASSERT_TRUE(file);
@@ -526,7 +526,7 @@ TEST(FileOutput, FileOfTheCallerStaysOpenAndInPlace) {
   EXPECT_EQ(read_file(folder / "file"), "abcdef");
 }
 
-TEST(FileOutput, FullDeviceOfTheCaller) {
+TEST(FileOutput, ReportsAFullDeviceOfTheCaller) {
   const OwnedFile file(std::fopen("/dev/full", "wb"));
   ASSERT_TRUE(file);
   OwnedOutputStream stream = v_output_stream_new_for_file(file.get());
@@ -541,7 +541,7 @@ TEST(FileOutput, FullDeviceOfTheCaller) {
 
 // Copies to memory
 
-TEST(CopyToMemory, TakesTheRestOfEveryKindOfStream) {
+TEST(CopyToMemory, CopiesTheRestOfEveryKindOfStream) {
   const TemporaryFolder folder;
   for (const std::size_t length : {1U, 2U, 4095U, 4096U, 4097U, 8192U, 100'000U}) {
     const std::string data = varied_bytes(length);
@@ -565,7 +565,7 @@ TEST(CopyToMemory, TakesTheRestOfEveryKindOfStream) {
   }
 }
 
-TEST(CopyToMemory, OfNothingIsTheEmptyText) {
+TEST(CopyToMemory, OfAnEmptySourceIsAnEmptyText) {
   const TemporaryFolder folder;
   write_file(folder / "file", "");
   const std::string packed = pack({{"entry", ""}});
@@ -594,7 +594,7 @@ TEST(CopyToMemory, FailsWithoutData) {
 
 // Copies of files
 
-TEST(FileCopy, IsTheSameBytes) {
+TEST(FileCopy, HasTheSameBytes) {
   const TemporaryFolder folder;
   const int before = count_open_descriptors();
   for (const std::size_t length : {0U, 1U, 4095U, 4096U, 4097U, 8192U, 100'000U}) {
@@ -607,7 +607,7 @@ TEST(FileCopy, IsTheSameBytes) {
   EXPECT_EQ(count_open_descriptors(), before);
 }
 
-TEST(FileCopy, OntoTheSamePathTextTouchesNothing) {
+TEST(FileCopy, OntoTheSamePathChangesNothing) {
   const TemporaryFolder folder;
   write_file(folder / "file", "abc");
   struct stat status_before;
@@ -673,7 +673,7 @@ TEST(FileCopy, OfAFolderFails) {
   EXPECT_EQ(read_file(folder / "file"), "");
 }
 
-TEST(FileCopy, OfAPipeEnds) {
+TEST(FileCopy, OfAPipeFailsAtOnce) {
   const TemporaryFolder folder;
   ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
   EXPECT_EQ(copy(folder / "pipe", folder / "file"), "Opening input file failed.");
@@ -687,7 +687,7 @@ TEST(FileCopy, ToAPipeReplacesIt) {
   EXPECT_EQ(read_file(folder / "pipe"), "abc");
 }
 
-TEST(FileCopy, ToWhereNoFileCanBeCreatedFails) {
+TEST(FileCopy, FailsIfTheDestinationCannotBeCreated) {
   const TemporaryFolder folder;
   write_file(folder / "file", "abc");
   make_folder(folder / "folder");

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The two kinds of growable string, so that every rule is asked of both.
+// The functions of one kind of growable string. Each test runs for both kinds.
 struct Kind {
   OwnedUtf8String (*create)(const char *);
   void (*append)(GString *, const char *);
@@ -33,7 +33,7 @@ void append_through_list(const Kind &kind, GString *string, const char *format, 
   va_end(arguments);
 }
 
-TEST(TextBuffer, GrowsByTextsBytesAndFormats) {
+TEST(TextBuffer, AppendsTextsBytesAndFormats) {
   for (const Kind &kind : kinds) {
     OwnedUtf8String string = kind.create("a");
     kind.append(string.get(), "100 %s");
@@ -45,7 +45,7 @@ TEST(TextBuffer, GrowsByTextsBytesAndFormats) {
   }
 }
 
-TEST(TextBuffer, BeginsEmptyForNullAndForTheEmptyText) {
+TEST(TextBuffer, StartsEmptyForNullAndForAnEmptyText) {
   for (const Kind &kind : kinds) {
     for (const char *text : {static_cast<const char *>(nullptr), ""}) {
       EXPECT_STREQ(kind.end(kind.create(text), false).get(), "");
@@ -70,7 +70,7 @@ TEST(TextBuffer, GrowsLarge) {
   }
 }
 
-TEST(TextBuffer, Replacing) {
+TEST(TextBuffer, ReplacesEveryOccurrence) {
   const struct {
     const char *text, *find, *replacement, *result;
   } rows[] = {
@@ -96,7 +96,7 @@ TEST(TextBuffer, Replacing) {
   }
 }
 
-TEST(TextBuffer, Joining) {
+TEST(TextBuffer, JoinsTextsAndSkipsNulls) {
   const char *const texts[] = {nullptr, "a", "", nullptr, "%s", "\xC3\xA5", nullptr};
   EXPECT_STREQ(v_utf8_cat_(texts, 7).get(), "a%s\xC3\xA5");
   EXPECT_STREQ(v_utf8_cat_(texts, 2).get(), "a");
@@ -113,7 +113,7 @@ TEST(TextBuffer, SuffixesMatchWithoutRegardToAsciiCase) {
       {"a.codeset", ".codeset", true},
       {"a.CodeSet", ".codeset", true},
       {"a.codeset", ".CODESET", true},
-      {"title.TIF", ".tif", true}, // with the dotless and the dotted i of Turkish apart
+      {"title.TIF", ".tif", true}, // also in a Turkish locale
       {".codeset", ".codeset", true},
       {"codeset", ".codeset", false},
       {"a.codeset~", ".codeset", false},
@@ -124,7 +124,7 @@ TEST(TextBuffer, SuffixesMatchWithoutRegardToAsciiCase) {
       {"b\xC3\xA5", "\xC3\xA5", true},
       {"b\xC3\x85", "\xC3\xA5", false}, // only ASCII letters fold
       {"b\xC5", "\xE5", false},
-      {"a[", "{", false}, // next to the letters
+      {"a[", "{", false}, // 0x20 apart, but no letters
       {"a@", "`", false},
   };
   for (const auto &row : rows) {

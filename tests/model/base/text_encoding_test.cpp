@@ -18,7 +18,7 @@ protected:
   void SetUp() override { v_error_clear(); }
 };
 
-// Every byte that a text can hold.
+// All bytes but NUL.
 std::string all_latin1_bytes() {
   std::string bytes;
   for (int byte = 1; byte < 256; byte++) {
@@ -38,7 +38,7 @@ TEST_F(TextEncoding, Latin1LetterBecomesTwoBytes) {
   EXPECT_STREQ(v_convert_latin1_to_utf8("a\x80\xFFz").get(), "a\xC2\x80\xC3\xBFz");
 }
 
-TEST_F(TextEncoding, EveryLatin1CharacterGoesThereAndBack) {
+TEST_F(TextEncoding, EveryLatin1CharacterSurvivesARoundTrip) {
   std::string expected;
   for (gunichar code_point = 1; code_point < 256; code_point++) {
     expected += utf8_of(code_point);
@@ -50,7 +50,7 @@ TEST_F(TextEncoding, EveryLatin1CharacterGoesThereAndBack) {
   EXPECT_EQ(latin1_text.get(), all_latin1_bytes());
 }
 
-TEST_F(TextEncoding, Latin1IsAppendedToWhatAStringHolds) {
+TEST_F(TextEncoding, Latin1IsAppendedToAUtf8String) {
   const OwnedUtf8String string = v_utf8_string_new("\xE2\x82\xAC ");
   for (const char *latin1_text : {"", "eight or more: \xE5", "\x80\xFF", "plain"}) {
     v_utf8_string_append_latin1(string.get(), latin1_text);
@@ -58,13 +58,13 @@ TEST_F(TextEncoding, Latin1IsAppendedToWhatAStringHolds) {
   EXPECT_STREQ(string->str, "\xE2\x82\xAC eight or more: \xC3\xA5\xC2\x80\xC3\xBFplain");
 }
 
-TEST_F(TextEncoding, EveryLatin1CharacterIsAppendedAsItIsConverted) {
+TEST_F(TextEncoding, AppendingAndConvertingAgreeOnEveryLatin1Character) {
   const OwnedUtf8String string = v_utf8_string_new(nullptr);
   v_utf8_string_append_latin1(string.get(), all_latin1_bytes().c_str());
   EXPECT_STREQ(string->str, v_convert_latin1_to_utf8(all_latin1_bytes().c_str()).get());
 }
 
-TEST_F(TextEncoding, EmptyAndAsciiTextsStayAsTheyAre) {
+TEST_F(TextEncoding, EmptyAndAsciiTextsStayUnchanged) {
   EXPECT_STREQ(v_convert_utf8_to_latin1("").get(), "");
   EXPECT_STREQ(v_convert_utf8_to_latin1("100 %s <&>\t\n").get(), "100 %s <&>\t\n");
   EXPECT_STREQ(v_error_get(), "");
@@ -75,12 +75,12 @@ TEST_F(TextEncoding, CharactersOutsideLatin1AreRefused) {
            "\xE2\x82\xAC",              // the euro sign
            "price: 5 \xE2\x82\xAC",     // at the end
            "\xC4\x80",                  // U+0100, the first one outside
-           "\xE2\x80\x9Cq\xE2\x80\x9D", // quotation marks, which a converter might spell
-                                        // differently
+           "\xE2\x80\x9Cq\xE2\x80\x9D", // quotation marks, which a converter might replace
+                                        // by ASCII ones
            "\xC5\x93",                  // the oe ligature
            "a\xCC\x8A",                 // a letter and a combining ring
            "\xF0\x9F\x98\x80",          // outside the basic plane
-           "a\xF3\xA0\x81\x81z",        // a language tag character, which some converters pass over
+           "a\xF3\xA0\x81\x81z",        // a language tag character, which some converters drop
        }) {
     v_error_clear();
     EXPECT_EQ(v_convert_utf8_to_latin1(utf8_text), nullptr) << utf8_text;
@@ -88,7 +88,7 @@ TEST_F(TextEncoding, CharactersOutsideLatin1AreRefused) {
   }
 }
 
-TEST_F(TextEncoding, NoCharacterOutsideLatin1IsPassedOver) {
+TEST_F(TextEncoding, EveryCharacterOutsideLatin1IsRefused) {
   gunichar passed_over = 0;
   for (gunichar character = 0x100; character <= 0x10FFFF && passed_over == 0; character++) {
     char utf8_text[7] = {};
@@ -108,7 +108,7 @@ TEST_F(TextEncoding, BytesThatAreNotUtf8AreRefused) {
   }
 }
 
-TEST_F(TextEncoding, EveryTwoBytesAreRefusedOrOneCharacter) {
+TEST_F(TextEncoding, EveryTwoBytesAreRefusedOrGiveOneCharacter) {
   for (int first = 0x80; first < 256; first++) {
     for (int second = 1; second < 256; second++) {
       const std::string bytes = {static_cast<char>(first), static_cast<char>(second)};
@@ -148,7 +148,7 @@ TEST_F(TextEncoding, AsciiIsEveryByteBelow128) {
   EXPECT_STREQ(v_error_get(), "");
 }
 
-TEST_F(TextEncoding, OnlyThePartThatIsGivenIsConverted) {
+TEST_F(TextEncoding, OnlyTheGivenPartIsConverted) {
   const std::string_view text = "abcdefgh\u00E5\u20AC";
   EXPECT_STREQ(v_convert_utf8_to_latin1(text.substr(0, 10)).get(), "abcdefgh\xE5");
   EXPECT_STREQ(v_convert_utf8_to_ascii(text.substr(0, 8)).get(), "abcdefgh");
@@ -166,7 +166,7 @@ TEST_F(TextEncoding, AsciiIsCopiedAndAnythingElseIsRefused) {
   }
 }
 
-TEST_F(TextEncoding, AsciiAssertionsGiveTheTextItselfOrFail) {
+TEST_F(TextEncoding, AsciiAssertionsReturnTheSameTextOrFail) {
   for (const auto assertion : {v_ascii_assert_in_utf8, v_ascii_assert_in_latin1}) {
     v_error_clear();
     for (const char *text : {"", "a", "a\x7F", "%s"}) {
@@ -181,7 +181,7 @@ TEST_F(TextEncoding, AsciiAssertionsGiveTheTextItselfOrFail) {
   }
 }
 
-TEST_F(TextEncoding, NonemptyAssertion) {
+TEST_F(TextEncoding, NonemptyAssertionRefusesNullAndEmptyTexts) {
   const char *const text = " ";
   EXPECT_EQ(v_latin1_assert_nonempty(text), text);
   EXPECT_STREQ(v_error_get(), "");
@@ -191,7 +191,7 @@ TEST_F(TextEncoding, NonemptyAssertion) {
   EXPECT_STREQ(v_error_get(), "Text content is empty.");
 }
 
-TEST_F(TextEncoding, NonemptyAssertionThatTakesTheText) {
+TEST_F(TextEncoding, OwningNonemptyAssertionRefusesNullAndEmptyTexts) {
   OwnedText text = copy_text("\xE5");
   const char *const address = text.get();
   const OwnedText same = v_latin1_assert_nonempty_or_free(std::move(text));

@@ -10,7 +10,7 @@ namespace {
 using WithinOriginal = char *(*)(char *);
 using InNew = OwnedText (*)(const char *);
 
-// One kind of normalisation in one encoding; the ASCII one has no form that makes a new text.
+// One kind of normalisation in one encoding. For ASCII there is only the in-place form.
 struct Normalisation {
   const char *name;
   WithinOriginal within_original;
@@ -66,7 +66,7 @@ void expect_row(const Normalisation *normalisations, std::size_t count, const Ro
 void expect_in_latin1(const Row &row) { expect_row(latin1, std::size(latin1), row); }
 void expect_in_utf8(const Row &row) { expect_row(utf8, std::size(utf8), row); }
 
-// What holds in both encodings.
+// Rows that hold in both encodings.
 const Row common[] = {
     {"", "", "", ""},
     {"a", "a", "a", "a"},
@@ -89,14 +89,14 @@ const Row common[] = {
     {"a\x1Cz\x7F\x01 ", "a\x1Cz\x7F\x01", "a\x1Cz\x7F\x01", "a\x1Cz\x7F\x01"},
 };
 
-TEST(Whitespace, CommonRules) {
+TEST(Whitespace, FollowsTheCommonRules) {
   for (const Row &row : common) {
     expect_in_latin1(row);
     expect_in_utf8(row);
   }
 }
 
-TEST(Whitespace, StrippingLeavesWhatIsInsideAsItIs) {
+TEST(Whitespace, StrippingKeepsInnerWhitespace) {
   const std::pair<const char *, const char *> rows[] = {
       {"", ""},
       {"a", "a"},
@@ -120,7 +120,7 @@ TEST(Whitespace, OnlySixAsciiCharactersAreWhitespace) {
   }
 }
 
-TEST(Whitespace, EveryLatin1Byte) {
+TEST(Whitespace, NormalisesEveryLatin1Byte) {
   for (int byte = 1; byte < 256; byte++) {
     const std::string c(1, static_cast<char>(byte));
     const std::string text = c + "a" + c + c + "b" + c;
@@ -134,7 +134,7 @@ TEST(Whitespace, EveryLatin1Byte) {
   }
 }
 
-TEST(Whitespace, EveryUtf8WhitespaceCharacter) {
+TEST(Whitespace, NormalisesEveryUtf8WhitespaceCharacter) {
   for (const char *space :
        {" ", "\t", "\f", "\r",
         "\xC2\xA0",                                     // no-break space
@@ -150,8 +150,8 @@ TEST(Whitespace, EveryUtf8WhitespaceCharacter) {
   }
 }
 
-TEST(Whitespace, Utf8CharactersThatAreNotWhitespace) {
-  for (const char *character : {"\v",           // the one ASCII space that is none here
+TEST(Whitespace, KeepsUtf8CharactersThatAreNotWhitespace) {
+  for (const char *character : {"\v",           // ASCII whitespace, but not in UTF-8 texts
                                 "\xC2\x85",     // next line
                                 "\xE2\x80\x8B", // zero width space
                                 "\xEF\xBB\xBF", // byte order mark
@@ -183,12 +183,12 @@ TEST(Whitespace, BytesThatAreNotUtf8PassThrough) {
                             "\xF8\x88\x80\x80\x80", "\x85"}) {
     const std::string b = bytes;
     expect_in_utf8({" " + b + " \t" + b + "\n", b + "  " + b, b + "  " + b, b + " " + b});
-    // Cut off at the very end, where nothing behind it may be read.
+    // At the very end of the text, where nothing past it may be read.
     expect_in_utf8({"a " + b, "a " + b, "a " + b, "a " + b});
   }
 }
 
-TEST(Whitespace, InPlaceNeverWritesBehindTheText) {
+TEST(Whitespace, InPlaceNeverWritesPastTheText) {
   std::string buffer = std::string("\t a \xE2\x80\x83\n b ") + '\0' + "guard";
   v_strip_surrounding_and_detabify_within_original_for_utf8(buffer.data());
   EXPECT_EQ(buffer.substr(buffer.size() - 5), "guard");

@@ -19,8 +19,8 @@ std::string readable(const XmlText &value) {
   return value.state == XmlTextState::readable ? std::string(value.text) : "(unreadable)";
 }
 
-// A child as a reader sees it: "<name>" (or "?name?") with the value of each wanted attribute, its
-// text, and its children in brackets.
+// "<name>" for an element, "?name?" for any other node, the value of each attribute of interest,
+// and the text. The name is left out if it is not among `names`.
 std::string described(const XmlElement &element, const std::vector<std::string> &names) {
   std::string text;
   for (const std::string &name : names) {
@@ -38,7 +38,8 @@ std::string described(const XmlElement &element, const std::vector<std::string> 
 
 class XmlEvents : public XmlFixture {
 protected:
-  // What is handed out for the bytes, each beginning as "root:<its name>".
+  // Reads the bytes and records in `seen` what is reported: "root:<name>", then each child as
+  // described() above with its children in brackets.
   bool read(const std::string &bytes) {
     write_file(path, bytes);
     seen.clear();
@@ -63,7 +64,7 @@ protected:
 
 using Seen = std::vector<std::string>;
 
-TEST_F(XmlEvents, ChildrenAreHandedOutWithAttributesTextAndChildren) {
+TEST_F(XmlEvents, ChildrenAreReportedWithAttributesTextAndChildren) {
   const struct {
     const char *content;
     Seen expected;
@@ -83,7 +84,7 @@ TEST_F(XmlEvents, ChildrenAreHandedOutWithAttributesTextAndChildren) {
       {"<b><b>1</b></b>", {"<b>"}},
       {"<?b 1?><?x 2?><b><?d 3?></b>", {"?b?", "<b>[?d?]"}},
       {"<b><d/><d x='1'/></b><b><d/></b><c/>", {"<b>[<d>][<d>x=1;]", "<b>[<d>]", "<c>"}},
-      // Names without their namespaces.
+      // Names are reported without their namespaces.
       {"<p:b xmlns:p='u' p:x='1'/>", {"<b>x=1;"}},
       {"<b xmlns='u' xml:lang='1'/>", {"<b>lang=1;"}},
       {"<b xml:lang='1' lang='2'/><b lang='2' xml:lang='1'/>", {"<b>lang=1;", "<b>lang=2;"}},
@@ -96,7 +97,7 @@ TEST_F(XmlEvents, ChildrenAreHandedOutWithAttributesTextAndChildren) {
     const std::string xml = std::string("<a>") + row.content + "</a>";
     EXPECT_TRUE(read(xml)) << v_error_get();
     EXPECT_EQ(seen, expected) << xml;
-    // With a document type they come from a tree.
+    // With a document type the reader uses a tree.
     EXPECT_TRUE(read("<!DOCTYPE a []>" + xml)) << v_error_get();
     EXPECT_EQ(seen, expected) << xml;
   }
@@ -108,12 +109,12 @@ TEST_F(XmlEvents, EntitiesAndDefaultsOfADocumentTypeAreResolved) {
   EXPECT_EQ(seen, (Seen{"root:a", "<b>x=1&2;1&", "<b>x=31&;"}));
 }
 
-TEST_F(XmlEvents, ATextWithAnEntityThatIsNotKnownIsUnreadableAsAWhole) {
+TEST_F(XmlEvents, AnUnknownEntityMakesTheWholeTextUnreadable) {
   EXPECT_TRUE(read("<!DOCTYPE a SYSTEM 'none.dtd'><a><b>1&u;2</b><b>&u;</b><b>1</b></a>"));
   EXPECT_EQ(seen, (Seen{"root:a", "<b>(unreadable)", "<b>(unreadable)", "<b>1"}));
 }
 
-TEST_F(XmlEvents, TheRootComesFirstByItsName) {
+TEST_F(XmlEvents, TheNameOfTheRootIsReportedFirst) {
   for (const char *root : {"a", "b", "codeset"}) {
     EXPECT_TRUE(read(std::string("<?b?><!--b--><") + root + "/><?b?>"));
     EXPECT_EQ(seen, (Seen{std::string("root:") + root}));
@@ -124,8 +125,8 @@ TEST_F(XmlEvents, TheRootComesFirstByItsName) {
   EXPECT_EQ(seen, (Seen{"root:p:a"}));
 }
 
-// The tree is the second opinion.
-TEST_F(XmlEvents, WhatIsNotWellFormedFailsWithTheMessageOfTheTree) {
+// The tree parser is the reference.
+TEST_F(XmlEvents, MalformedXmlFailsWithTheMessageOfTheTreeParser) {
   for (const std::string bytes :
        {"",
         " ",
@@ -161,7 +162,7 @@ TEST_F(XmlEvents, WhatIsNotWellFormedFailsWithTheMessageOfTheTree) {
   }
 }
 
-TEST_F(XmlEvents, AFileThatCannotBeReadFailsWithTheMessageOfTheTree) {
+TEST_F(XmlEvents, AFileThatCannotBeReadFailsWithTheMessageOfTheTreeParser) {
   const XmlRootReader reader = {
       .child_names = {},
       .grandchild_names = {},
@@ -177,7 +178,7 @@ TEST_F(XmlEvents, AFileThatCannotBeReadFailsWithTheMessageOfTheTree) {
   }
 }
 
-TEST_F(XmlEvents, NestingIsRefusedWhereATreeRefusesIt) {
+TEST_F(XmlEvents, NestingHasTheLimitOfTheTreeParser) {
   for (const int depth : {256, 257, 258, 259}) {
     std::string start;
     std::string end;
@@ -195,7 +196,7 @@ TEST_F(XmlEvents, NestingIsRefusedWhereATreeRefusesIt) {
   }
 }
 
-TEST_F(XmlEvents, ATextIsRefusedWhereATreeRefusesIt) {
+TEST_F(XmlEvents, TextsHaveTheLimitOfTheTreeParser) {
   const std::pair<const char *, const char *> rows[] = {
       {"<a><b>", "</b></a>"}, {"<a><x>", "</x></a>"}, {"<a>", "</a>"}};
   for (const auto &[start, end] : rows) {
@@ -212,8 +213,8 @@ TEST_F(XmlEvents, ATextIsRefusedWhereATreeRefusesIt) {
   }
 }
 
-// Each is many times as large as what may be in memory at once.
-TEST_F(XmlEvents, OnlyOneChildIsInMemory) {
+// Each file is many times as large as the memory that may be in use.
+TEST_F(XmlEvents, OneChildAtATimeIsInMemory) {
   for (const std::string piece : {"<b><d>text</d></b>", "<x/>", "<x>text</x>\n", "<b>1</b>"}) {
     std::string bytes = "<a>";
     for (int i = 0; i < 200'000; i++) {
@@ -238,8 +239,8 @@ TEST_F(XmlEvents, OnlyOneChildIsInMemory) {
   }
 }
 
-// However many children the one child has.
-TEST_F(XmlEvents, AChildWithManyChildrenTakesLessMemoryThanTheTreeOfIt) {
+// Grandchildren are not collected in a tree.
+TEST_F(XmlEvents, AChildWithManyChildrenTakesLessMemoryThanItsTree) {
   constexpr std::size_t count = 200'000;
   std::string bytes = "<a><b>";
   for (std::size_t i = 0; i < count; i++) {

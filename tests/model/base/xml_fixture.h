@@ -1,5 +1,5 @@
 #pragma once
-// A file for XML, and the tree that it was parsed into last.
+// Fixture with an XML file and the tree of its last parse.
 
 #include <stdexcept>
 #include <string>
@@ -14,14 +14,15 @@ class XmlFixture : public testing::Test {
 protected:
   void SetUp() override { v_error_clear(); }
 
-  // Writes the bytes to a file and parses it; what comes back is kept until the next one.
+  // Writes the bytes to a file and parses it. The tree is valid until the next call; null on
+  // failure.
   xmlDoc *parse(const std::string &bytes) {
     write_file(path, bytes);
     v_error_clear();
     document = v_xml_parse_file(path.c_str());
     return document.get();
   }
-  // The same, to the root element. Ends the test when there is none.
+  // Same as parse(), but returns the root element. Ends the test if there is none.
   xmlNode *root_of(const std::string &bytes) {
     xmlNode *root = parse(bytes) == nullptr ? nullptr : v_xml_get_root_element(document.get());
     if (root == nullptr) {

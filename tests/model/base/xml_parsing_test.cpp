@@ -33,14 +33,14 @@ constexpr const char *unreadable_attribute = "Error when reading XML attribute."
 
 class XmlParsing : public XmlFixture {};
 
-// Of the processor, not of the clock on the wall: other tests run at the same time.
+// Processor time, not elapsed time, because other tests run at the same time.
 double seconds_of(const std::function<void()> &action) {
   const std::clock_t start = std::clock();
   action();
   return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-// A second or so on any machine; what goes wrong here takes minutes to hours.
+// Limit in seconds. Success takes about one second on any machine, failure minutes to hours.
 constexpr double soon = 6;
 
 std::string repeated(const std::string &text, int count) {
@@ -62,7 +62,7 @@ TEST_F(XmlParsing, DocumentsParse) {
   EXPECT_STREQ(v_error_get(), "");
 }
 
-TEST_F(XmlParsing, TheDeclarationDecidesOnTheEncoding) {
+TEST_F(XmlParsing, TheEncodingIsReadFromTheFile) {
   const struct {
     std::string bytes;
     const char *latin1_text;
@@ -79,7 +79,7 @@ TEST_F(XmlParsing, TheDeclarationDecidesOnTheEncoding) {
   }
 }
 
-TEST_F(XmlParsing, MemoryParsesAsFilesDo) {
+TEST_F(XmlParsing, MemoryParsesLikeAFile) {
   const std::string good = "<a>text</a>behind";
   document = v_xml_parse_memory(good.data(), good.size() - 6);
   ASSERT_NE(document, nullptr);
@@ -95,7 +95,7 @@ TEST_F(XmlParsing, MemoryParsesAsFilesDo) {
   }
 }
 
-TEST_F(XmlParsing, WhatIsNotWellFormedIsReportedInTheParsersWords) {
+TEST_F(XmlParsing, MalformedXmlIsReportedWithTheParsersMessage) {
   EXPECT_EQ(parse("<a>\n<b></c>\n</a>"), nullptr);
   EXPECT_THAT(v_error_get(), StartsWith("Could not parse XML data.\n\n"
                                         "Entity: line 2: parser error : "
@@ -131,7 +131,7 @@ TEST_F(XmlParsing, AMillionFaultsAreNotCollected) {
   EXPECT_LT(std::strlen(v_error_get()), 10'000u);
 }
 
-TEST_F(XmlParsing, QuotedLinesAreNoFormats) {
+TEST_F(XmlParsing, PercentSignsInReportsAreKept) {
   EXPECT_EQ(parse("<a>%s%n%d %s</b>"), nullptr);
   EXPECT_THAT(v_error_get(), HasSubstr("<a>%s%n%d %s</b>"));
 }
@@ -142,7 +142,7 @@ TEST_F(XmlParsing, ReportsAreValidUtf8WhateverTheFileHolds) {
            std::string("<a>\xE5\xE4\xF6</a>"),
            std::string("<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE5</b>"),
            std::string("<a x='\xFF'></b>"),
-           "<a>" + umlauts + "</b>", // the parser cuts the line inside of a character
+           "<a>" + umlauts + "</b>", // the parser cuts the line inside a character
            "<a>x" + umlauts + "</b>",
            "<" + umlauts + "></b>",
        }) {
@@ -153,7 +153,7 @@ TEST_F(XmlParsing, ReportsAreValidUtf8WhateverTheFileHolds) {
 }
 
 TEST_F(XmlParsing, SilentFailureIsAnUnknownError) {
-  // A structured handler takes every report away from the generic one.
+  // With a structured handler set, the library does not call the generic one.
   xmlSetStructuredErrorFunc(nullptr, [](void *, xmlError *) {});
   EXPECT_EQ(parse("<a>"), nullptr);
   xmlSetStructuredErrorFunc(nullptr, nullptr);
@@ -165,7 +165,7 @@ TEST_F(XmlParsing, ReportsOfOneParseDoNotReachTheNext) {
   EXPECT_THAT(v_error_get(), HasSubstr("first"));
   EXPECT_EQ(parse("<second>"), nullptr);
   EXPECT_THAT(v_error_get(), Not(HasSubstr("first")));
-  // Warnings of a parse that succeeded are forgotten.
+  // Warnings of a successful parse are discarded.
   EXPECT_NE(parse("<third xmlns='relative'/>"), nullptr);
   EXPECT_STREQ(v_error_get(), "");
   EXPECT_EQ(parse("<fourth>"), nullptr);
@@ -204,12 +204,12 @@ TEST_F(XmlParsing, TheParsersSettingsAreRestored) {
   xmlSetExternalEntityLoader(original_loader);
 }
 
-TEST_F(XmlParsing, MissingFile) {
+TEST_F(XmlParsing, MissingFileIsReported) {
   EXPECT_EQ(v_xml_parse_file((folder / "none.xml").c_str()), nullptr);
   EXPECT_STREQ(v_error_get(), "Cannot open file.\n\nError 2: No such file or directory");
 }
 
-TEST_F(XmlParsing, FolderInsteadOfAFile) {
+TEST_F(XmlParsing, FolderIsReported) {
   EXPECT_EQ(v_xml_parse_file(folder.path()), nullptr);
   EXPECT_THAT(v_error_get(), StartsWith(could_not_parse));
 }
@@ -221,7 +221,7 @@ TEST_F(XmlParsing, PathsAreUtf8AndLiteral) {
   }
 }
 
-TEST_F(XmlParsing, ParsingIfThereIsAFile) {
+TEST_F(XmlParsing, ParsesAFileIfItExists) {
   EXPECT_TRUE(v_xml_parse_file_if_exists(document, path.c_str()));
   EXPECT_EQ(document, nullptr);
   EXPECT_TRUE(v_xml_parse_file_if_exists(document, ""));
@@ -231,7 +231,7 @@ TEST_F(XmlParsing, ParsingIfThereIsAFile) {
   write_file(path, "<a/>");
   EXPECT_TRUE(v_xml_parse_file_if_exists(document, path.c_str()));
   EXPECT_NE(document, nullptr);
-  // A document that was held before is dropped, whatever comes back.
+  // The previous document is freed in every case.
   EXPECT_TRUE(v_xml_parse_file_if_exists(document, (folder / "none").c_str()));
   EXPECT_EQ(document, nullptr);
 
@@ -260,9 +260,9 @@ TEST_F(XmlParsing, NoDescriptorStaysOpen) {
   EXPECT_EQ(count_open_descriptors(), before);
 }
 
-// ------------------------------------------------------------------- what a file may not open
+// ------------------------------------------------------------------------- external resources
 
-// Tells whether anything of a folder was opened since it began to watch.
+// Detects whether an entry of a folder has been opened since the last query.
 class OpenWatch {
 public:
   explicit OpenWatch(const char *folder) : descriptor(inotify_init1(IN_NONBLOCK)) {
@@ -281,7 +281,7 @@ private:
   int descriptor;
 };
 
-// Documents that name another resource in every way that XML has.
+// Documents that refer to another resource in every way that XML offers.
 std::vector<std::string> documents_naming(const std::string &address) {
   const std::string quoted = "\"" + address + "\"";
   return {
@@ -323,16 +323,16 @@ TEST_F(XmlParsing, OtherFilesAreNeverOpened) {
       EXPECT_FALSE(watch.has_seen_opening());
     }
   }
-  // The watch does see an opening.
+  // The watch does detect an opened file.
   read_file(secret);
   EXPECT_TRUE(watch.has_seen_opening());
 }
 
 int loads = 0;
 
-// Of the library itself: were the two parser defaults without effect, the loader that refuses
-// everything would not be needed.
-TEST_F(XmlParsing, OnlyTheLoaderKeepsExternalEntitiesShut) {
+// A test of the library: with these two defaults it loads external entities even if the parse
+// options do not ask for it, so only a loader that refuses them keeps them out.
+TEST_F(XmlParsing, LibraryLoadsExternalEntitiesUnlessTheLoaderRefuses) {
   const std::string bytes = "<!DOCTYPE a [<!ENTITY e SYSTEM 'general'><!ENTITY % p SYSTEM "
                             "'parameter'> %p;]><a>&e;</a>";
   const xmlExternalEntityLoader original_loader = xmlGetExternalEntityLoader();
@@ -372,14 +372,14 @@ TEST_F(XmlParsing, NetworkAddressesAreNeverOpened) {
   close(server);
 }
 
-TEST_F(XmlParsing, FilesWithADocumentTypeElsewhereAreReadWithoutIt) {
+TEST_F(XmlParsing, ExternalDocumentTypesAreIgnored) {
   xmlNode *root = root_of("<!DOCTYPE a SYSTEM \"x.dtd\"><a x='1'>t</a>");
   EXPECT_STREQ(v_xml_get_text_content_as_utf8(document.get(), root).get(), "t");
 }
 
 // ------------------------------------------------------------------------------ entity bombs
 
-// Entities e0 ... e<levels>, each the one before it so many times.
+// Declares the entities e0 to e<levels>. Each contains the one before it `times` times.
 std::string nested_entities(const std::string &innermost, int levels, int times) {
   std::string declarations = "<!ENTITY e0 \"" + innermost + "\">";
   for (int level = 1; level <= levels; level++) {
@@ -414,7 +414,7 @@ void read_everything(const std::string &path) {
   EXPECT_LE(total, 25'000'000u);
 }
 
-TEST_F(XmlParsing, EntityBombsEndQuickly) {
+TEST_F(XmlParsing, EntityBombsAreStoppedQuickly) {
   const std::string large(100'000, 'x');
   std::vector<std::pair<const char *, std::string>> bombs = {
       {"flat text",
@@ -477,7 +477,7 @@ TEST_F(XmlParsing, OrdinaryUseOfEntitiesIsNotLimited) {
   }
 }
 
-TEST_F(XmlParsing, EntityLoopsEnd) {
+TEST_F(XmlParsing, EntityLoopsAreStoppedQuickly) {
   const std::string loop = "<!ENTITY e '1&f;2'><!ENTITY f '3&e;4'>";
   for (const std::string type : {"", " SYSTEM 'none.dtd'"}) {
     for (const std::string &bytes : {
@@ -485,7 +485,7 @@ TEST_F(XmlParsing, EntityLoopsEnd) {
              "<!DOCTYPE a" + type + " [" + loop + "]><a x='&e;'/>",
              "<!DOCTYPE a" + type + " [" + loop + "<!ATTLIST a x CDATA '&e;'>]><a/>",
              "<!DOCTYPE a" + type + " [<!ENTITY e '1&e;'>]><a x='&e;'>&e;</a>",
-             // Declared in an order in which the parser does not see the loop.
+             // Declared in an order in which the parser does not detect the loop.
              "<!DOCTYPE a" + type +
                  " [<!ENTITY e '1&f;2'><!ATTLIST a x CDATA '&e;'><!ENTITY f '3&e;4'>]><a/>",
          }) {
@@ -495,7 +495,7 @@ TEST_F(XmlParsing, EntityLoopsEnd) {
   }
 }
 
-TEST_F(XmlParsing, WhatEntitiesAddIsLimitedPerDocument) {
+TEST_F(XmlParsing, TextFromEntitiesIsLimitedPerDocument) {
   const std::string large(1'000'000, 'x');
   xmlNode *root = root_of("<!DOCTYPE a [<!ENTITY e '" + large + "'>]><a x='&e;'>" +
                           repeated("<b>&e;</b>", 20) + "</a>");
@@ -514,8 +514,8 @@ TEST_F(XmlParsing, WhatEntitiesAddIsLimitedPerDocument) {
   EXPECT_EQ(value, nullptr);
 }
 
-// The parser does not look into a default whose entities are declared only behind it.
-TEST_F(XmlParsing, EntitiesMayLieFortyDeep) {
+// The parser does not check the depth of a default value declared before its entities.
+TEST_F(XmlParsing, EntitiesMayNestFortyDeep) {
   for (const int depth : {40, 41}) {
     const std::string first = "e" + std::to_string(depth - 1);
     xmlNode *root = root_of("<!DOCTYPE a SYSTEM 'none.dtd' [<!ENTITY " + first + " '&e" +
@@ -527,8 +527,8 @@ TEST_F(XmlParsing, EntitiesMayLieFortyDeep) {
   }
 }
 
-// A node counts as one byte more.
-TEST_F(XmlParsing, WhatEntitiesAddMayReachTheLimit) {
+// Each node counts as one more byte.
+TEST_F(XmlParsing, TextFromEntitiesMayReachTheLimit) {
   const std::string tenth(999'999, 'x');
   for (const std::string last : {"&e;", "&e;&n;"}) {
     xmlNode *root = root_of("<!DOCTYPE a [<!ENTITY e '" + tenth + "'><!ENTITY n 'y'>]><a>" +
@@ -564,14 +564,14 @@ TEST_F(XmlParsing, DeepNestingIsRefused) {
 
 // ------------------------------------------------------------------------------ nodes, children
 
-TEST_F(XmlParsing, RootElement) {
+TEST_F(XmlParsing, GivesTheRootElement) {
   EXPECT_STREQ(v_xml_get_node_name(root_of("<!--c--><?p i?><a/>")), "a");
   const OwnedXmlDoc none(xmlNewDoc(reinterpret_cast<const xmlChar *>("1.0")));
   EXPECT_EQ(v_xml_get_root_element(none.get()), nullptr);
   EXPECT_STREQ(v_error_get(), "Missing root element in XML tree.");
 }
 
-TEST_F(XmlParsing, FreeingNothingIsAllowed) {
+TEST_F(XmlParsing, FreeingNullIsAllowed) {
   v_xml_free_doc(nullptr);
   v_xml_free_doc(xmlNewDoc(reinterpret_cast<const xmlChar *>("1.0")));
 }

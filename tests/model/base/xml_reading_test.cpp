@@ -32,7 +32,7 @@ TEST_F(XmlReading, NamesAreComparedExactlyAndWithoutNamespaces) {
   }
 }
 
-TEST_F(XmlReading, NodesWithoutANameHaveNone) {
+TEST_F(XmlReading, NodesWithoutANameMatchNoName) {
   xmlNode *root = root_of("<a><![CDATA[x]]><b/></a>");
   xmlNode *cdata = root->children;
   ASSERT_EQ(cdata->type, XML_CDATA_SECTION_NODE);
@@ -43,12 +43,12 @@ TEST_F(XmlReading, NodesWithoutANameHaveNone) {
   EXPECT_NE(v_xml_get_required_distinct_child_node(root, "b"), nullptr);
 }
 
-TEST_F(XmlReading, DistinctChild) {
+TEST_F(XmlReading, FindsADistinctChildOrSaysWhyNot) {
   const struct {
     const char *bytes;
     bool is_found;
-    const char *message;          // of the getter whose child may be absent
-    const char *required_message; // of the one whose child is required
+    const char *message;          // of the getter for an optional child
+    const char *required_message; // of the getter for a required child
   } rows[] = {
       {"<a><version/></a>", true, "", ""},
       {"<a>text<b/><p:version xmlns:p='urn:p'/><!--c--></a>", true, "", ""},
@@ -58,7 +58,7 @@ TEST_F(XmlReading, DistinctChild) {
       {"<a><Version/></a>", false, "", "Missing XML node: version"},
       {"<a><version/><version/></a>", false, duplicate, duplicate},
       {"<a><version/>x<version>y</version><version/></a>", false, duplicate, duplicate},
-      // The kind of a node is not looked at.
+      // Nodes of any type count, not only elements.
       {"<a><version/><?version?></a>", false, duplicate, duplicate},
   };
   for (const auto &row : rows) {
@@ -155,7 +155,7 @@ TEST_F(XmlReading, RequiredAttributes) {
   }
 }
 
-TEST_F(XmlReading, NodesThatAreNoElementsHaveNoAttributes) {
+TEST_F(XmlReading, OnlyElementsHaveAttributes) {
   xmlNode *text = root_of("<a x='1'>text</a>")->children;
   EXPECT_FALSE(v_xml_node_has_attribute(text, "x"));
   EXPECT_EQ(v_xml_get_required_attribute_value_as_utf8(text, "x"), nullptr);
@@ -180,7 +180,7 @@ TEST_F(XmlReading, EntitiesInAttributesAreResolved) {
   } rows[] = {
       {"<a x='&e;'/>", "x", "x&y"}, {"<a x='1&e;2&f;3'/>", "x", "1x&y2[x&y]3"},
       {"<a x='&n;'/>", "x", ""},    {"<a x='1&n;2'/>", "x", "12"},
-      {"<a/>", "d", "1x&y&\xE5"}, // declared by the document type alone
+      {"<a/>", "d", "1x&y&\xE5"}, // declared only by the document type
       {"<a d='own'/>", "d", "own"},
   };
   for (const auto &row : rows) {
@@ -191,7 +191,7 @@ TEST_F(XmlReading, EntitiesInAttributesAreResolved) {
   }
 }
 
-TEST_F(XmlReading, UnreadableAttribute) {
+TEST_F(XmlReading, UnreadableAttributeIsReported) {
   xmlNode *root = root_of("<!DOCTYPE a SYSTEM 'none.dtd' [<!ENTITY e '1&f;2'>"
                           "<!ATTLIST a x CDATA '&e;'><!ENTITY f '3&e;4'>]><a/>");
   OwnedText value = copy_text("held before");
@@ -242,7 +242,7 @@ TEST_F(XmlReading, IntegerAttributesInARange) {
   const struct {
     const char *attribute;
     int value;       // of the required getter; 77 on failure
-    int or_fallback; // of the one with the fallback 9
+    int or_fallback; // of the getter with the fallback 9
     std::string message;
   } rows[] = {
       {"x='1'", 1, 1, ""},
@@ -271,7 +271,7 @@ TEST_F(XmlReading, NumberAttributes) {
   const struct {
     const char *attribute;
     double value;       // of the required getter; 77 on failure
-    double or_fallback; // of the one with the fallback 9
+    double or_fallback; // of the getter with the fallback 9
     const char *message;
   } rows[] = {
       {"x='1.5'", 1.5, 1.5, ""},
@@ -328,7 +328,7 @@ TEST_F(XmlReading, BooleanAttributes) {
 
 // ------------------------------------------------------------------------------ text content
 
-TEST_F(XmlReading, TextContentIsTheDirectText) {
+TEST_F(XmlReading, TextContentExcludesThatOfChildElements) {
   const std::string type = "<!DOCTYPE a [<!ENTITY e 'x&#38;amp;y'><!ENTITY f '[&e;]'><!ENTITY n ''>"
                            "<!ENTITY m '1<b>2</b>3<!--4-->'>]>";
   const struct {
@@ -380,10 +380,10 @@ TEST_F(XmlReading, UnknownEntitiesMakeTextUnreadable) {
 using TextGetter = OwnedText (*)(xmlDoc *, const xmlNode *);
 using ChildTextGetter = bool (*)(OwnedText &, xmlDoc *, const xmlNode *, const char *);
 
-// The four getters that differ in encoding and spacing, as far as each text tells them apart.
+// A text as each of the four getters reads it, by encoding and spacing.
 struct TextRow {
   const char *content;
-  const char *utf8, *compact_utf8, *latin1, *compact_latin1; // null: not readable
+  const char *utf8, *compact_utf8, *latin1, *compact_latin1; // null: cannot be read
 };
 
 const TextRow text_rows[] = {

@@ -40,7 +40,7 @@ constexpr const char *declaration = "<?xml version=\"1.0\" encoding=\"ISO-8859-1
 
 // -------------------------------------------------------------------------- building a document
 
-TEST_F(XmlWriting, NewDocumentIsEmptyXmlOne) {
+TEST_F(XmlWriting, NewDocumentIsEmptyAndOfXmlVersionOne) {
   const OwnedXmlDoc empty = v_xml_new_doc();
   ASSERT_NE(empty, nullptr);
   EXPECT_STREQ(reinterpret_cast<const char *>(empty->version), "1.0");
@@ -63,7 +63,7 @@ TEST_F(XmlWriting, ASecondRootReplacesTheFirst) {
   EXPECT_EQ(serialised(), std::string(declaration) + "<other/>\n");
 }
 
-TEST_F(XmlWriting, RefusedElements) {
+TEST_F(XmlWriting, ReportsRefusedElements) {
   EXPECT_EQ(v_xml_add_root_element(document.get(), nullptr), nullptr);
   EXPECT_STREQ(v_error_get(), "Error when creating an XML element.");
   xmlNode *text = xmlNewText(reinterpret_cast<const xmlChar *>("text"));
@@ -90,7 +90,7 @@ TEST_F(XmlWriting, ElementsWithTextAreAdded) {
                                                      "</root>\n");
 }
 
-TEST_F(XmlWriting, TextThatIsNotAsciiIsRefusedAsSuch) {
+TEST_F(XmlWriting, RefusesTextThatIsNotAscii) {
   EXPECT_EQ(v_xml_add_child_element_with_ascii_text_content(root, "a", "\xC3\xA5"), nullptr);
   EXPECT_STREQ(v_error_get(), "Non-ascii byte found where not allowed.");
   EXPECT_FALSE(v_xml_set_attribute_with_ascii_content(root, "x", "\xC3\xA5"));
@@ -115,7 +115,7 @@ TEST_F(XmlWriting, AttributesAreSetAndReplaced) {
                               "e=\"\xE5\" f=\"true\" g=\"false\" h=\"-2147483648\" i=\"1.5\"/>\n");
 }
 
-TEST_F(XmlWriting, AttributeWithoutAValue) {
+TEST_F(XmlWriting, RefusesAnAttributeWithoutAValue) {
   for (const auto set : {v_xml_set_attribute, v_xml_set_attribute_with_ascii_content,
                          v_xml_set_attribute_with_latin1_content}) {
     v_error_clear();
@@ -125,13 +125,13 @@ TEST_F(XmlWriting, AttributeWithoutAValue) {
   EXPECT_FALSE(v_xml_node_has_attribute(root, "x"));
 }
 
-TEST_F(XmlWriting, TextThatCouldNotBeReadAgain) {
+TEST_F(XmlWriting, RefusesTextThatXmlCannotHold) {
   EXPECT_EQ(v_xml_add_child_element_with_utf8_text_content(root, "x", "a\x01z"), nullptr);
   EXPECT_STREQ(v_error_get(), "Error when creating an XML text child element.");
   EXPECT_EQ(root->children, nullptr);
 }
 
-TEST_F(XmlWriting, AttributeThatCouldNotBeReadAgain) {
+TEST_F(XmlWriting, RefusesAttributesThatXmlCannotHold) {
   for (const char *value : {"a\x01z", "\x1F", "\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
     v_error_clear();
     EXPECT_FALSE(v_xml_set_attribute(root, "x", value));
@@ -143,7 +143,7 @@ TEST_F(XmlWriting, AttributeThatCouldNotBeReadAgain) {
   }
 }
 
-TEST_F(XmlWriting, RefusedAttribute) {
+TEST_F(XmlWriting, RefusesAnAttributeOfATextNode) {
   xmlNode *text = xmlNewText(reinterpret_cast<const xmlChar *>("text"));
   xmlAddChild(root, text);
   EXPECT_FALSE(v_xml_set_attribute(text, "x", "1"));
@@ -181,7 +181,7 @@ TEST_F(XmlWriting, FileReplacesALongerOne) {
   EXPECT_EQ(read_file(path), std::string(declaration) + "<root/>\n");
 }
 
-TEST_F(XmlWriting, WhatIsWrittenReadsBack) {
+TEST_F(XmlWriting, WrittenTextsReadBack) {
   const char *const text = "\xE5 <&>\"' \t\n\r %s";
   v_xml_set_attribute_with_latin1_content(root, "x", text);
   v_xml_add_child_element_with_latin1_text_content(root, "child", text);
@@ -196,7 +196,7 @@ TEST_F(XmlWriting, WhatIsWrittenReadsBack) {
   EXPECT_STREQ(child.get(), text);
 }
 
-TEST_F(XmlWriting, FileThatCannotBeOpened) {
+TEST_F(XmlWriting, ReportsAFileThatCannotBeOpened) {
   const int before = count_open_descriptors();
   EXPECT_FALSE(v_xml_write_to_file(document.get(), (folder / "none/file").c_str(), "UTF-8"));
   EXPECT_STREQ(v_error_get(), "Cannot open file.\n\nError 2: No such file or directory");
@@ -205,14 +205,14 @@ TEST_F(XmlWriting, FileThatCannotBeOpened) {
   EXPECT_EQ(count_open_descriptors(), before);
 }
 
-// Short enough to be buffered whole, and long enough to be written in pieces.
+// With no children the document fits into the write buffer, with 20,000 it does not.
 void add_children(xmlNode *root, int count) {
   for (int i = 0; i < count; i++) {
     v_xml_add_child_element(root, "child");
   }
 }
 
-TEST_F(XmlWriting, FullDiskIsAFailureAndLeavesNothing) {
+TEST_F(XmlWriting, FullDiskIsAFailureAndLeavesNoFile) {
   for (const int children : {0, 20'000}) {
     add_children(root, children);
     const std::string full = folder / "full.xml";
@@ -227,7 +227,8 @@ TEST_F(XmlWriting, FullDiskIsAFailureAndLeavesNothing) {
   }
 }
 
-// Files of this process end at a size while it lives: writing up to there succeeds in part.
+// Limits the size of files of this process during its lifetime. A write across the limit succeeds
+// in part.
 class FileSizeLimit {
 public:
   explicit FileSizeLimit(rlim_t bytes) : handler(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -247,14 +248,14 @@ private:
   rlimit before = {};
 };
 
-TEST_F(XmlWriting, AReplacedFileHoldsTheDocumentAndNothingIsLeftBesideIt) {
+TEST_F(XmlWriting, ReplacesAFileAndLeavesNoOtherFile) {
   write_file(path, std::string(10'000, 'x'));
   EXPECT_TRUE(v_xml_replace_file(document.get(), path.c_str(), "ISO-8859-1")) << v_error_get();
   EXPECT_EQ(read_file(path), std::string(declaration) + "<root/>\n");
   EXPECT_EQ(list_folder(folder.path()).size(), 1U);
 }
 
-TEST_F(XmlWriting, AFileThatCannotBeReplacedStays) {
+TEST_F(XmlWriting, KeepsAFileThatCannotBeReplaced) {
   write_file(path, "old");
   EXPECT_FALSE(v_xml_replace_file(document.get(), path.c_str(), "no such encoding"));
   EXPECT_STREQ(v_error_get(), "Could not write XML data to memory buffer.");
@@ -267,14 +268,14 @@ TEST_F(XmlWriting, AFileThatCannotBeReplacedStays) {
   EXPECT_EQ(list_folder(folder.path()).size(), 1U);
 }
 
-TEST_F(XmlWriting, ADeviceThatALinkLeadsToStays) {
+TEST_F(XmlWriting, ReplacesALinkAndKeepsTheDeviceItNames) {
   ASSERT_EQ(symlink("/dev/null", path.c_str()), 0);
   EXPECT_TRUE(v_xml_replace_file(document.get(), path.c_str(), "ISO-8859-1")) << v_error_get();
   EXPECT_EQ(read_file(path), std::string(declaration) + "<root/>\n");
   EXPECT_EQ(read_file("/dev/null"), "");
 }
 
-TEST_F(XmlWriting, DiskThatFillsUpInTheLastWriteIsAFailure) {
+TEST_F(XmlWriting, FailsIfTheDiskFillsUpInTheLastWrite) {
   for (const int children : {0, 20'000}) {
     add_children(root, children);
     ASSERT_TRUE(v_xml_write_to_file(document.get(), path.c_str(), "ISO-8859-1"));
@@ -291,7 +292,7 @@ TEST_F(XmlWriting, DiskThatFillsUpInTheLastWriteIsAFailure) {
   }
 }
 
-TEST_F(XmlWriting, UnknownEncodingIsAFailureAndLeavesNothing) {
+TEST_F(XmlWriting, UnknownEncodingIsAFailureAndLeavesNoFile) {
   const int before = count_open_descriptors();
   EXPECT_FALSE(v_xml_write_to_file(document.get(), path.c_str(), "NO-SUCH"));
   EXPECT_STREQ(v_error_get(), "Could not create XML saving context for file.");
@@ -324,7 +325,7 @@ TEST_F(XmlWriting, StreamKeepsItsOrderAndStaysOpen) {
             "<!-- before -->\n" + std::string(declaration) + "<root/>\n<!-- behind -->\n");
 }
 
-TEST_F(XmlWriting, StreamFailures) {
+TEST_F(XmlWriting, ReportsStreamFailures) {
   OwnedFile full = v_fs_utils_open_file("/dev/full", "ab");
   EXPECT_FALSE(v_xml_write_to_stream(document.get(), full.get(), "ISO-8859-1"));
   EXPECT_STREQ(v_error_get(), "Could not write XML data.");
@@ -368,7 +369,7 @@ const struct {
     {"100 %s %n", "100 %s %n"},
 };
 
-TEST_F(XmlWriting, Escapes) {
+TEST_F(XmlWriting, EscapesSpecialCharacters) {
   for (const auto &row : escapes) {
     EXPECT_STREQ(v_xml_latin1_to_xml(row.latin1_text).get(), row.escaped);
   }
@@ -391,7 +392,7 @@ TEST_F(XmlWriting, LongestExpansionHasRoom) {
   EXPECT_THAT(escaped.get(), StartsWith("&#xD;&#x9;&#xD;&#x9;"));
 }
 
-TEST_F(XmlWriting, HandWriters) {
+TEST_F(XmlWriting, WritesTextsTabsAndFormatsByHand) {
   OwnedFile file = v_fs_utils_open_file(path.c_str(), "wb");
   std::string expected;
   for (const auto &row : escapes) {
@@ -410,7 +411,7 @@ TEST_F(XmlWriting, HandWriters) {
   EXPECT_STREQ(v_error_get(), "");
 }
 
-TEST_F(XmlWriting, HandWritersOnAFullDisk) {
+TEST_F(XmlWriting, WritingByHandReportsAFullDisk) {
   OwnedFile full = v_fs_utils_open_file("/dev/full", "ab");
   // Without a buffer each write fails at once.
   ASSERT_EQ(std::setvbuf(full.get(), nullptr, _IONBF, 0), 0);
