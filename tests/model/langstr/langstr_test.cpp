@@ -44,19 +44,19 @@ const Setting settings[] = {
      "Eisen",
      false,
      {{"sv", "Rost"}, {"de", "Eisen"}}},
-    {"an untagged text that none has is appended",
+    {"an untagged text that no translation has is appended",
      {{"de", "Eisen"}},
      "",
      "Rost",
      true,
      {{"de", "Eisen"}, {"", "Rost"}}},
-    {"an untagged translation takes another text, even one that a tagged one has",
+    {"an untagged translation takes another text, even that of a tagged one",
      {{"de", "Eisen"}, {"", "Rost"}},
      "",
      "Eisen",
      true,
      {{"de", "Eisen"}, {"", "Eisen"}}},
-    {"the untagged translation with its own text again",
+    {"the untagged translation with the same text is unchanged",
      {{"", "Rost"}},
      "",
      "Rost",
@@ -68,7 +68,7 @@ const Setting settings[] = {
      "Eisen",
      true,
      {{"sv", "Rost"}, {"de", "Eisen"}, {"fr", "Fer"}}},
-    {"a tag that is there is set and does not claim",
+    {"an existing tag takes the text and claims no untagged one",
      {{"de", "Rost"}, {"", "Eisen"}},
      "de",
      "Eisen",
@@ -91,7 +91,7 @@ const Setting settings[] = {
     {"a dialect is another tag", {{"sv", "a"}}, "sv-fi", "b", true, {{"sv", "a"}, {"sv-fi", "b"}}},
 };
 
-TEST(Langstr, SettingATranslation) {
+TEST(Langstr, SetsATranslation) {
   for (const Setting &setting : settings) {
     SCOPED_TRACE(setting.rule);
     OwnedLangstr langstr = langstr_of(setting.before);
@@ -101,7 +101,7 @@ TEST(Langstr, SettingATranslation) {
   }
 }
 
-TEST(Langstr, SettingATextOutOfTheStringItself) {
+TEST(Langstr, SetsATextThatTheStringItselfHolds) {
   OwnedLangstr langstr = langstr_of({{"sv", "a"}, {"de", "b"}});
   EXPECT_TRUE(v_langstr_set_translation(langstr, "sv", langstr->next->text.get()));
   EXPECT_TRUE(v_langstr_set_translation(langstr, langstr->text.get(), langstr->text.get()));
@@ -114,7 +114,7 @@ struct Lookup {
   const char *dialect; // with dialects allowed
 };
 
-TEST(Langstr, LookingUp) {
+TEST(Langstr, LooksUpTranslations) {
   const OwnedLangstr langstr = langstr_of({{"a-b", "one letter"},
                                            {"en-us", "American"},
                                            {"en-uk", "British"},
@@ -141,12 +141,12 @@ TEST(Langstr, LookingUp) {
   }
 }
 
-TEST(Langstr, ADialectThatStandsFirstDoesNotComeBeforeTheExactTag) {
+TEST(Langstr, TheExactTagWinsOverAnEarlierDialect) {
   const OwnedLangstr langstr = langstr_of({{"de-at", "Austria"}, {"de", "plain"}});
   EXPECT_STREQ(v_langstr_get_string(langstr.get(), "de", true), "plain");
 }
 
-TEST(Langstr, ADialectIsNeverAnsweredByItsLanguage) {
+TEST(Langstr, ADialectDoesNotFallBackToItsLanguage) {
   const OwnedLangstr langstr = langstr_of({{"sv", "svenska"}});
   EXPECT_EQ(v_langstr_get_string(langstr.get(), "sv-fi", true), nullptr);
 }
@@ -156,7 +156,7 @@ TEST(Langstr, AnEmptyTagHasNoDialects) {
   EXPECT_EQ(v_langstr_get_string(langstr.get(), "", true), nullptr);
 }
 
-TEST(Langstr, TheEmptyStringIsTakenEverywhere) {
+TEST(Langstr, TheEmptyStringIsAcceptedEverywhere) {
   OwnedLangstr empty;
   const OwnedLangstr full = langstr_of({{"sv", "a"}});
   EXPECT_EQ(v_langstr_get_string(nullptr, "sv", true), nullptr);
@@ -185,7 +185,7 @@ TEST(Langstr, ACloneIsDeepAndInOrder) {
   EXPECT_EQ(translations_of(clone), translations);
 }
 
-TEST(Langstr, RemovingALanguage) {
+TEST(Langstr, RemovesALanguage) {
   OwnedLangstr langstr = langstr_of({{"sv", "a"}, {"", "b"}, {"sv-fi", "c"}, {"de", "d"}});
   EXPECT_FALSE(v_langstr_remove_lang(langstr, "s"));
   EXPECT_FALSE(v_langstr_remove_lang(langstr, "SV"));
@@ -207,7 +207,7 @@ struct Comparison {
   bool is_mergeable;
 };
 
-TEST(Langstr, ComparingTwo) {
+TEST(Langstr, ComparesTwoStrings) {
   const Comparison comparisons[] = {
       {{{"sv", "a"}}, {{"sv", "a"}}, true, true, true},
       {{{"sv", "a"}}, {{"sv", "b"}}, false, false, false},
@@ -242,7 +242,7 @@ struct Merge {
   Translations merged;
 };
 
-TEST(Langstr, Merging) {
+TEST(Langstr, MergesTwoStrings) {
   const Merge merges[] = {
       {{{"sv", "a"}}, {{"sv", "a"}, {"de", "b"}}, true, {{"sv", "a"}, {"de", "b"}}},
       {{{"sv", "a"}, {"de", "b"}}, {{"sv", "a"}}, false, {{"sv", "a"}, {"de", "b"}}},
@@ -268,7 +268,7 @@ TEST(Langstr, MergingWithItselfChangesNothing) {
   EXPECT_EQ(translations_of(langstr), (Translations{{"sv", "a"}, {"", "b"}}));
 }
 
-// Numbers that look random and are the same in every run.
+// Pseudo-random numbers, the same in every run.
 class Numbers {
 public:
   unsigned below(unsigned limit) {
@@ -283,7 +283,7 @@ private:
 TEST(LangstrCollection, EqualsRepeatedSetting) {
   Numbers numbers;
   for (int round = 0; round < 50; round++) {
-    // From few tags and texts, so that every rule applies, to many.
+    // Few tags and texts at first, so that every rule applies, and more in later rounds.
     const unsigned variety = 2 + static_cast<unsigned>(round) * 3;
     OwnedLangstr expected;
     VLangstrCollection collection;
@@ -300,7 +300,7 @@ TEST(LangstrCollection, EqualsRepeatedSetting) {
   }
 }
 
-TEST(LangstrCollection, TheRulesHoldInALongOne) {
+TEST(LangstrCollection, TheRulesHoldInALongCollection) {
   for (const Setting &setting : settings) {
     SCOPED_TRACE(setting.rule);
     Translations many;
@@ -321,12 +321,12 @@ TEST(LangstrCollection, TheRulesHoldInALongOne) {
   }
 }
 
-TEST(LangstrCollection, AnEmptyOneIsTheEmptyString) {
+TEST(LangstrCollection, AnEmptyCollectionIsTheEmptyString) {
   EXPECT_EQ(VLangstrCollection().langstr, nullptr);
   v_langstr_index_free(nullptr);
 }
 
-TEST(Langstr, ALongStringIsFreedWithoutDeepCalls) {
+TEST(Langstr, ALongStringIsFreedWithoutRecursion) {
   OwnedLangstr langstr;
   for (int i = 0; i < 1'000'000; i++) {
     langstr.reset(new VLangstr{copy_text("sv"), copy_text("a"), std::move(langstr)});

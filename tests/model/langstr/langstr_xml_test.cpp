@@ -37,7 +37,7 @@ struct Element {
   LangTag lang_tag;
   LangstrSpacing spacing;
   Translations translations;
-  const char *message; // when it fails
+  const char *message; // "": success
 };
 
 constexpr LangTag optional_tag = LangTag::may_be_empty;
@@ -60,13 +60,13 @@ const Element elements[] = {
      ""},
     {"an empty tag", "<n lang=''>x</n>", optional_tag, compact, {{"", "x"}}, ""},
     {"a tag of spaces", "<n lang='  &#9;'>x</n>", optional_tag, compact, {{"", "x"}}, ""},
-    {"an empty tag where one is needed",
+    {"an empty tag where one is required",
      "<n lang=' '>x</n>",
      required_tag,
      compact,
      {},
      "Empty XML lang attribute where not allowed."},
-    {"a tag where one is needed", "<n lang='de'>x</n>", required_tag, compact, {{"de", "x"}}, ""},
+    {"a tag where one is required", "<n lang='de'>x</n>", required_tag, compact, {{"de", "x"}}, ""},
     {"no tag", "<n>x</n>", optional_tag, compact, {}, "Missing XML attribute: lang"},
     {"a tag that is not ASCII",
      "<n lang='s\xC3\xA5'>x</n>",
@@ -127,7 +127,7 @@ const Element elements[] = {
      ""},
 };
 
-TEST(LangstrXml, ReadingOneTranslation) {
+TEST(LangstrXml, ReadsOneTranslation) {
   for (const Element &element : elements) {
     SCOPED_TRACE(element.rule);
     const Document document(element.xml);
@@ -142,7 +142,7 @@ TEST(LangstrXml, ReadingOneTranslation) {
   }
 }
 
-TEST(LangstrXml, AFailedTranslationLeavesTheStringAsItWas) {
+TEST(LangstrXml, AFailedTranslationLeavesTheStringUnchanged) {
   const Document document("<n lang='sv'> </n>");
   OwnedLangstr langstr = langstr_of({{"sv", "a"}});
   EXPECT_FALSE(v_xml_parse_langstr_translation(langstr, document.get(), document.root(),
@@ -155,7 +155,7 @@ constexpr const char *mixed =
     "<?name pi?><deep><name lang='fr'>no</name></deep><names lang='fr'>no</names>"
     "<Name lang='fr'>no</Name><name lang='sv'>c\nd</name></r>";
 
-TEST(LangstrXml, ReadingTheElementsOfOneName) {
+TEST(LangstrXml, ReadsTheElementsOfOneName) {
   const Document document(mixed);
   OwnedLangstr langstr = langstr_of({{"nl", "old"}});
   EXPECT_TRUE(v_xml_parse_langstr(langstr, document.get(), document.root(), "name", compact));
@@ -167,14 +167,14 @@ TEST(LangstrXml, ReadingTheElementsOfOneName) {
             (Translations{{"sv", "c d"}, {"de", "b"}}));
 }
 
-TEST(LangstrXml, TwoUntaggedTranslationsLeaveTheSecond) {
+TEST(LangstrXml, TheLastOfTwoUntaggedTranslationsWins) {
   const Document document("<r><n lang=''>a</n><n lang=' '>b</n></r>");
   OwnedLangstr langstr;
   EXPECT_TRUE(v_xml_parse_langstr(langstr, document.get(), document.root(), "n", compact));
   EXPECT_EQ(translations_of(langstr), (Translations{{"", "b"}}));
 }
 
-TEST(LangstrXml, NoElementIsAnEmptyStringOrAFailureWhereOneIsNeeded) {
+TEST(LangstrXml, AMissingElementIsAFailureOnlyIfRequired) {
   const Document document(mixed);
   OwnedLangstr langstr = langstr_of({{"nl", "old"}});
   EXPECT_TRUE(v_xml_parse_langstr(langstr, document.get(), document.root(), "title", compact));
@@ -184,7 +184,7 @@ TEST(LangstrXml, NoElementIsAnEmptyStringOrAFailureWhereOneIsNeeded) {
   EXPECT_STREQ(v_error_get(), "Missing XML node: title");
 }
 
-TEST(LangstrXml, OneFailureLeavesNothing) {
+TEST(LangstrXml, OneFailureDiscardsAllTranslations) {
   const Document document("<r><n lang='sv'>a</n><n lang='de'> </n><n>b</n></r>");
   OwnedLangstr langstr = langstr_of({{"nl", "old"}});
   EXPECT_FALSE(v_xml_parse_langstr(langstr, document.get(), document.root(), "n", compact));
@@ -195,7 +195,7 @@ TEST(LangstrXml, OneFailureLeavesNothing) {
   EXPECT_STREQ(v_error_get(), no_text);
 }
 
-// None when writing has failed.
+// No value if writing fails.
 std::optional<std::string> written(const Translations &translations, int depth) {
   char *buffer = nullptr;
   std::size_t length = 0;
@@ -208,7 +208,7 @@ std::optional<std::string> written(const Translations &translations, int depth) 
   return is_written ? std::optional(bytes) : std::nullopt;
 }
 
-TEST(LangstrXml, Writing) {
+TEST(LangstrXml, WritesOneElementForEachTranslation) {
   EXPECT_EQ(written({}, 1), "");
   EXPECT_EQ(written({{"sv", "Rost"}}, 0), "<name lang=\"sv\">Rost</name>\n");
   EXPECT_EQ(written({{"sv", "R\xE5st"}, {"", "100%s"}}, 2),
@@ -229,7 +229,7 @@ TEST(LangstrXml, ATagThatIsMarkupIsEscapedLikeText) {
   EXPECT_EQ(written({{"<\">'", "x"}}, 0), "<name lang=\"&lt;&quot;&gt;&apos;\">x</name>\n");
 }
 
-TEST(LangstrXml, EveryTagThatReadingCanGiveIsReadBackEqual) {
+TEST(LangstrXml, EveryReadableTagSurvivesARoundTrip) {
   std::string tag;
   for (int byte = 0x21; byte < 0x80; byte++) {
     tag += static_cast<char>(byte);
@@ -250,7 +250,7 @@ TEST(LangstrXml, AWrittenCarriageReturnReadsBackAsWhitespace) {
   EXPECT_EQ(translations_of(langstr), (Translations{{"sv", "a b"}}));
 }
 
-TEST(LangstrXml, EveryTextThatReadingCanGiveIsReadBackEqual) {
+TEST(LangstrXml, EveryReadableTextSurvivesARoundTrip) {
   std::string text;
   for (int byte = 0x21; byte < 0x100; byte++) {
     text += static_cast<char>(byte);
@@ -275,7 +275,7 @@ TEST(LangstrXml, AFullDiskIsReported) {
   }
 }
 
-TEST(LangstrXml, AddingToATree) {
+TEST(LangstrXml, AddsTranslationsToATree) {
   const OwnedXmlDoc document = v_xml_new_doc();
   xmlNode *root = v_xml_add_root_element(document.get(), "r");
   EXPECT_TRUE(v_xml_add_langstr(root, nullptr, "name"));
@@ -291,7 +291,7 @@ TEST(LangstrXml, AddingToATree) {
       << text.get();
 }
 
-TEST(LangstrXml, AddingSaysWhatTheTreeRefuses) {
+TEST(LangstrXml, ReportsTranslationsThatATreeRefuses) {
   const OwnedXmlDoc document = v_xml_new_doc();
   xmlNode *root = v_xml_add_root_element(document.get(), "a");
   const struct {

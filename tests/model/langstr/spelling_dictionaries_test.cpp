@@ -17,7 +17,7 @@ const std::map<std::string, std::string> dictionaries = {
     {"sv-fi", "sv_FI"}, {"sw", "sw_TZ"},
 };
 
-// All of Spanish is checked with Spain's.
+// All regional variants of Spanish use the dictionary of Spain.
 const std::string spanish_regions[] = {"ar", "bo", "cl", "co", "cr", "cu", "do",
                                        "ec", "es", "gt", "hn", "mx", "ni", "pa",
                                        "pe", "pr", "py", "sv", "us", "uy", "ve"};

@@ -107,7 +107,7 @@ const char *default_dialect_of(const std::string &tag) {
   return nullptr;
 }
 
-TEST(SupportedLanguages, TheTable) {
+TEST(SupportedLanguages, MatchTheTable) {
   ASSERT_EQ(v_supported_languages_get_count(), 71);
   for (int i = 0; i < 71; i++) {
     const char *tag = rows[i].tag;
@@ -137,7 +137,7 @@ std::string formatted(const char *tag) {
   return v_supported_languages_format_language_string(tag).get();
 }
 
-TEST(SupportedLanguages, WhatTheUserSees) {
+TEST(SupportedLanguages, AreFormattedForTheUser) {
   EXPECT_EQ(formatted(""), "Undefined");
   EXPECT_EQ(formatted("en-uk"), "English/United Kingdom [en-uk]");
   EXPECT_EQ(formatted("nb"), "Norwegian Bokm\xC3\xA5l [nb]");
@@ -145,7 +145,7 @@ TEST(SupportedLanguages, WhatTheUserSees) {
   EXPECT_EQ(formatted("%s[%n]"), "Unknown language [%s[%n]]");
 }
 
-TEST(SupportedLanguages, WhatTheUserSeesReadsBack) {
+TEST(SupportedLanguages, ReadBackFromTheirFormattedText) {
   std::set<std::string> texts;
   for (const Row &row : rows) {
     const std::string text = formatted(row.tag);
@@ -157,11 +157,11 @@ TEST(SupportedLanguages, WhatTheUserSeesReadsBack) {
 
 struct Reading {
   const char *text;
-  const char *tag; // null when it fails
+  const char *tag; // null: fails
   const char *message;
 };
 
-TEST(SupportedLanguages, ReadingATag) {
+TEST(SupportedLanguages, AreReadFromALanguageString) {
   constexpr const char *unknown = "An unknown program error has occured.";
   constexpr const char *not_ascii = "Non-ascii byte found where not allowed.";
   const Reading readings[] = {

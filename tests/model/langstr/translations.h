@@ -1,5 +1,5 @@
 #pragma once
-// A language-tagged string as plain values, so that a test can write down the whole of it.
+// A language-tagged string as plain values, so that a test can state all of it.
 
 #include <string>
 #include <utility>

@@ -7,7 +7,7 @@
 
 namespace {
 
-// "" when the user's language is not supported.
+// "" if the user's language is not supported.
 std::string user_tag() {
   const int index = v_platform_get_user_language_index();
   EXPECT_GE(index, -1);
@@ -19,7 +19,7 @@ struct LocaleName {
   const char *tag;
 };
 
-TEST(UserLanguage, TheLocaleDecides) {
+TEST(UserLanguage, FollowsTheLocale) {
   const LocaleName names[] = {
       {"sv", "sv"},          {"sv_FI", "sv-fi"},    {"sv_FI.UTF-8", "sv"},
       {"sv_SE.UTF-8", "sv"}, {"en_GB", "en"},       {"en_GB.UTF-8", "en"},
@@ -36,7 +36,7 @@ TEST(UserLanguage, TheLocaleDecides) {
   }
 }
 
-TEST(UserLanguage, TheFirstSupportedOfTheUsersLanguagesIsTaken) {
+TEST(UserLanguage, TakesTheFirstSupportedLanguageOfTheUser) {
   const UserLocale locale("de_DE");
   const EnvironmentVariable languages("LANGUAGE", "xx:tlh_AA:sv_FI:fr");
   EXPECT_EQ(user_tag(), "sv-fi");
@@ -47,7 +47,7 @@ TEST(UserLanguage, ANameThatIsNotAsciiMatchesNothing) {
   EXPECT_EQ(user_tag(), "");
 }
 
-TEST(UserLanguage, TheVariableComesFirst) {
+TEST(UserLanguage, TheVariableOverridesTheLocale) {
   const UserLocale locale("fr");
   const LocaleName names[] = {
       {"de_AT", "de-at"},   {"DE_at", "de-at"}, {"sv", "sv"},       {"SV", "sv"},
@@ -62,7 +62,7 @@ TEST(UserLanguage, TheVariableComesFirst) {
   }
 }
 
-TEST(UserLanguage, TheVariableStandsAloneWithoutALocale) {
+TEST(UserLanguage, TheVariableAppliesWithoutALocale) {
   const UserLocale locale("C");
   const EnvironmentVariable chosen("VANTORELLE_USER_LANGUAGE", "de_AT");
   EXPECT_EQ(v_platform_get_user_language_index(), 30);
