@@ -31,7 +31,7 @@ protected:
     return v_codeset_io_read_from_file(path.c_str());
   }
 
-  // The message of a file that must not be readable.
+  // Expects that reading fails. Returns the message.
   std::string message_of(const std::string &bytes) const {
     EXPECT_EQ(read_bytes(bytes), nullptr) << bytes;
     return v_error_get();
@@ -72,7 +72,7 @@ constexpr const char *a_remark =
 
 std::string codeset_xml(const std::string &content) { return "<codeset>" + content + "</codeset>"; }
 
-TEST_F(CodesetIo, WritesEveryByteAsPromised) {
+TEST_F(CodesetIo, WritesExactlyTheExpectedBytes) {
   const OwnedCodeset codeset = codeset_of(
       {{"en-uk", "Paintings"}, {"sv", "M\xE5lningar"}}, {{"", "A & B <c@d>"}}, "1.2 \"beta\"",
       {{"1", {{"en-uk", "It's\ta\r\nline"}, {"sv", "\xFF"}}}, {"a&<b>\"'\t\r\n\xE5", {{"", "x"}}}});
@@ -100,7 +100,7 @@ TEST_F(CodesetIo, WritesEveryByteAsPromised) {
             "</codeset>\n");
 }
 
-TEST_F(CodesetIo, WritesNoLineForWhatIsNotThere) {
+TEST_F(CodesetIo, WritesNoLineForMissingParts) {
   const OwnedCodeset codeset =
       codeset_of({{"sv", "100% %s"}}, {}, nullptr, {{"%s%n", {{"sv", "%d"}}}});
   EXPECT_EQ(written(codeset.get()), "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n"
@@ -118,7 +118,7 @@ TEST_F(CodesetIo, WritesNoLineForWhatIsNotThere) {
   expect_equal(v_codeset_io_read_from_file(path.c_str()), codeset);
 }
 
-TEST_F(CodesetIo, WritesAnEmptyCodesetToo) {
+TEST_F(CodesetIo, WritesAnEmptyCodeset) {
   EXPECT_EQ(written(v_codeset_new().get()), "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n"
                                             "\n"
                                             "<codeset>\n"
@@ -127,7 +127,7 @@ TEST_F(CodesetIo, WritesAnEmptyCodesetToo) {
                                             "</codeset>\n");
 }
 
-TEST_F(CodesetIo, ReadsBackWhatItHasWritten) {
+TEST_F(CodesetIo, ReadsBackItsOwnFiles) {
   std::string every_character;
   for (int byte = 0x21; byte < 0x100; byte++) {
     every_character += static_cast<char>(byte);
@@ -148,7 +148,7 @@ TEST_F(CodesetIo, ReadsBackWhatItHasWritten) {
   EXPECT_EQ(written(reread.get()), bytes);
 }
 
-TEST_F(CodesetIo, ReadsBackWhateverLanguageTagsAFileHas) {
+TEST_F(CodesetIo, ReadsBackUnusualLanguageTags) {
   const OwnedCodeset codeset = read_bytes(
       codeset_xml("<name lang='a&amp;b'>n</name><author lang='&lt;'>a</author>"
                   "<remark><code>7</code><description lang='&quot;'>d</description></remark>"));
@@ -159,7 +159,7 @@ TEST_F(CodesetIo, ReadsBackWhateverLanguageTagsAFileHas) {
   EXPECT_EQ(translations_of(again->name), (Translations{{"a&b", "n"}}));
 }
 
-TEST_F(CodesetIo, ACodeThatIsMarkupMakesAFileThatIsRejected) {
+TEST_F(CodesetIo, ACodeWithMarkupMakesAFileThatIsRejected) {
   for (const char *code : {"a&b", "a<b", "&", "<code>", "a]]>b"}) {
     written(codeset_of({{"sv", "n"}}, {}, nullptr, {{code, {{"sv", "x"}}}}).get());
     EXPECT_EQ(v_codeset_io_read_from_file(path.c_str()), nullptr);
@@ -210,7 +210,7 @@ TEST_F(CodesetIo, AcceptsMoreThanItWrites) {
 }
 
 // The parser library once wrote into memory that had been freed with the remark.
-TEST_F(CodesetIo, TextBesideRemarksIsPassedOver) {
+TEST_F(CodesetIo, IgnoresTextBesideRemarks) {
   for (const char *before : {"", "a", "<![CDATA[a]]>", "<!--a-->", "<?a?>", "&#97;"}) {
     for (const char *after : {"", "b", "<![CDATA[b]]>", "<!--b-->", "<?b?>", "&#98;"}) {
       std::string content = a_name;
@@ -225,7 +225,7 @@ TEST_F(CodesetIo, TextBesideRemarksIsPassedOver) {
   }
 }
 
-TEST_F(CodesetIo, ReadsWhateverEncodingIsDeclared) {
+TEST_F(CodesetIo, ReadsEveryEncodingThatAFileDeclares) {
   const std::string utf8 = codeset_xml("<name lang='sv'>\xC3\xA5</name>" + std::string(a_remark));
   const std::string latin1 = codeset_xml("<name lang='sv'>\xE5</name>" + std::string(a_remark));
   std::string utf16 = "\xFF\xFE";
@@ -242,7 +242,7 @@ TEST_F(CodesetIo, ReadsWhateverEncodingIsDeclared) {
   }
 }
 
-TEST_F(CodesetIo, ReadsAFileOfAWorkspaceFolder) {
+TEST_F(CodesetIo, ReadsAFileInAWorkspaceFolder) {
   make_folder(folder / "codesets");
   write_file(folder / "codesets/a.codeset", codeset_xml(std::string(a_name) + a_remark));
   EXPECT_NE(v_codeset_io_read_from_file_in_workspace((folder / "codesets").c_str(), "a.codeset"),
@@ -299,13 +299,13 @@ TEST_F(CodesetIo, SaysWhyAFileIsRejected) {
       {name + remark + remark, "Duplicate remark codes."},
       {name + remark + "<remark><code> 7\n</code><description lang='de'>b</description></remark>",
        "Duplicate remark codes."},
-      // The first fault counts.
+      // The first faulty remark is reported.
       {name + remark + remark + "<remark/>", "Duplicate remark codes."},
       {name + remark + "<remark/>" + remark, missing_content},
       {name + "<remark/>" + remark + remark, missing_content},
       {"<remark/><version/>", "Missing XML node: name"},
-      // Of several faults that of the name counts before the author's, that before the version's,
-      // and that before a remark's, wherever they are.
+      // Faults in the name take precedence over those in the author, then the version, then the
+      // remarks, whatever their order in the file.
       {"<name/>" + remark, "Missing XML attribute: lang"},
       {"<name> </name><name lang='sv'/>" + remark, "Missing XML attribute: lang"},
       {"<name lang='sv'/><name/>" + remark, "Empty text content in XML where not allowed."},
@@ -319,14 +319,14 @@ TEST_F(CodesetIo, SaysWhyAFileIsRejected) {
        "Duplicate XML nodes found where not allowed."},
       {name + "<version/>" + remark + remark,
        "Missing text content in XML.\n\nText content is empty."},
-      // Of several remarks the first counts.
+      // The first of several faulty remarks is reported, whatever its fault.
       {name + "<remark><code>1</code><description lang='sv'>a</description><code/></remark>"
               "<remark/>",
        "Remark in XML has multiple codes."},
       {name + "<remark/><remark><code>1</code><description lang='sv'>a</description><code/>"
               "</remark>",
        missing_content},
-      // An instruction counts by its name, but not as a name or an author.
+      // A processing instruction counts as an element of its name, but not as a name or author.
       {name + "<?version 1?>" + remark, "Missing text content in XML.\n\nText content is empty."},
       {name + "<version>1</version><?version 1?>" + remark,
        "Duplicate XML nodes found where not allowed."},
@@ -341,8 +341,8 @@ TEST_F(CodesetIo, SaysWhyAFileIsRejected) {
   }
 }
 
-// Remarks are read before the end of the file is seen.
-TEST_F(CodesetIo, WhatIsNotXmlInTheEndIsToldBeforeTheRemarks) {
+// The reader reads the remarks before it reaches the malformed end.
+TEST_F(CodesetIo, ReportsMalformedXmlBeforeFaultsInRemarks) {
   const std::string head = std::string("<codeset>") + a_name;
   for (const std::string &remarks :
        {std::string(a_remark), std::string("<remark/>"), std::string(a_remark) + a_remark}) {
@@ -355,8 +355,8 @@ TEST_F(CodesetIo, WhatIsNotXmlInTheEndIsToldBeforeTheRemarks) {
   }
 }
 
-// With a document type the whole file is read first, and then the remarks.
-TEST_F(CodesetIo, ADocumentTypeChangesNothing) {
+// A file with a document type is parsed as a whole before its remarks are read.
+TEST_F(CodesetIo, ReadsTheSameWithADocumentType) {
   const std::string pi = "<?remark x?>";
   const std::string name = a_name;
   const std::string remark = a_remark;
@@ -382,7 +382,7 @@ TEST_F(CodesetIo, ADocumentTypeChangesNothing) {
   }
 }
 
-TEST_F(CodesetIo, CodesThatDifferOnlyInZerosOrCaseAreTwo) {
+TEST_F(CodesetIo, AcceptsCodesThatDifferOnlyInZerosOrCase) {
   std::string remarks;
   for (const char *code : {"7", "07", "a", "A"}) {
     remarks += std::string("<remark><code>") + code +
@@ -393,14 +393,14 @@ TEST_F(CodesetIo, CodesThatDifferOnlyInZerosOrCaseAreTwo) {
   EXPECT_EQ(codes_of(codeset->remarks), (Codes{"07", "7", "A", "a"}));
 }
 
-TEST_F(CodesetIo, AnotherRootIsNoCodesetFile) {
+TEST_F(CodesetIo, RejectsAnotherRootElement) {
   for (const char *root : {"codesets", "Codeset", "settings", "code"}) {
     const std::string xml = std::string("<") + root + ">" + a_name + a_remark + "</" + root + ">";
     EXPECT_EQ(message_of(xml), "Not a codeset file.");
   }
 }
 
-TEST_F(CodesetIo, WhatIsNotXmlCannotBeLoaded) {
+TEST_F(CodesetIo, RejectsMalformedXml) {
   const std::string whole = codeset_xml(std::string(a_name) + a_remark);
   for (const std::string &bytes :
        {std::string(), std::string("\n"), std::string("text"), std::string("\0\0\0\0", 4),
@@ -414,7 +414,7 @@ TEST_F(CodesetIo, WhatIsNotXmlCannotBeLoaded) {
   }
 }
 
-TEST_F(CodesetIo, AFolderOrAMissingFileCannotBeLoaded) {
+TEST_F(CodesetIo, RejectsFoldersAndMissingFiles) {
   EXPECT_EQ(v_codeset_io_read_from_file(folder.path()), nullptr);
   EXPECT_THAT(v_error_get(), StartsWith("Error loading codeset file.\n\n"));
   EXPECT_EQ(v_codeset_io_read_from_file((folder / "missing").c_str()), nullptr);
@@ -432,8 +432,8 @@ double seconds_of(const std::function<void()> &work) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Wide of what is needed, also for an instrumented build, and far below what anything slower than
-// n log n takes.
+// Limit in seconds: ample for n log n, even in an instrumented build, and far too short for
+// anything slower.
 constexpr double patience = 10;
 
 constexpr int many = 100'000;
@@ -456,7 +456,7 @@ TEST_F(CodesetIo, ReadsAHundredThousandRemarksInDescendingOrder) {
   EXPECT_LT(seconds_of([&] { written(codeset.get()); }), patience);
 }
 
-TEST_F(CodesetIo, FindsADuplicateFarApart) {
+TEST_F(CodesetIo, FindsDuplicateCodesFarApart) {
   std::string remarks;
   for (int i = 0; i <= many; i++) {
     remarks += "<remark><code>" + std::to_string(i % many) +
@@ -501,7 +501,7 @@ std::string nested_entities(int depth) {
   return "<!DOCTYPE codeset [" + declarations + "]>";
 }
 
-TEST_F(CodesetIo, RejectsEntitiesThatGrowWithoutMeasure) {
+TEST_F(CodesetIo, RejectsEntityBombsQuickly) {
   const std::string head = nested_entities(12);
   const std::string remark = a_remark;
   const std::string large = "<!DOCTYPE codeset [<!ENTITY e '" + std::string(100'000, 'x') + "'>]>";
@@ -523,7 +523,7 @@ TEST_F(CodesetIo, RejectsEntitiesThatGrowWithoutMeasure) {
   }
 }
 
-TEST_F(CodesetIo, EntitiesStandForTheirText) {
+TEST_F(CodesetIo, ResolvesEntities) {
   const OwnedCodeset codeset = read_bytes(
       "<!DOCTYPE codeset [<!ENTITY inner ' b '><!ENTITY e '&inner;c'><!ENTITY tag 'sv-fi'>]>" +
       codeset_xml("<name lang='&tag;'>a&e;</name><version>&e;</version><remark><code>&e;&e;</code>"
@@ -534,7 +534,7 @@ TEST_F(CodesetIo, EntitiesStandForTheirText) {
   EXPECT_EQ(remarks_of(codeset->remarks), (Remarks{{"b c b c", {{"", "b c<d>"}}}}));
 }
 
-TEST_F(CodesetIo, EntitiesNamedLikeElementsDoNoHarm) {
+TEST_F(CodesetIo, RejectsEntitiesInPlaceOfElements) {
   const std::string head =
       "<!DOCTYPE codeset ["
       "<!ENTITY remark \"<remark><code>7</code><description lang='sv'>c</description></remark>\">"
@@ -547,14 +547,14 @@ TEST_F(CodesetIo, EntitiesNamedLikeElementsDoNoHarm) {
   }
 }
 
-TEST_F(CodesetIo, OtherNodesThatAreNamedLikeElementsDoNoHarm) {
+TEST_F(CodesetIo, SurvivesOtherNodesNamedLikeElements) {
   EXPECT_EQ(message_of(codeset_xml(std::string(a_name) + "<?remark x?>" + a_remark)),
             "Error parsing codeset file.\n\nMissing remark content in XML data.");
   EXPECT_NE(
       read_bytes(codeset_xml(std::string(a_name) + "<?name x?><![CDATA[<remark/>]]>" + a_remark)),
       nullptr)
       << v_error_get();
-  // Not all declarations are read, so an unknown entity is no fault of the file.
+  // With an external document type the parser accepts an unknown entity; the codeset is rejected.
   EXPECT_EQ(read_bytes("<!DOCTYPE codeset SYSTEM 'x'>" +
                        codeset_xml(std::string(a_name) + "&remark;" + a_remark)),
             nullptr);
@@ -563,7 +563,7 @@ TEST_F(CodesetIo, OtherNodesThatAreNamedLikeElementsDoNoHarm) {
             nullptr);
 }
 
-TEST_F(CodesetIo, OpensNothingThatAFileNames) {
+TEST_F(CodesetIo, OpensNoFileThatADocumentNames) {
   const std::string secret = folder / "secret";
   write_file(secret, "SECRET");
   const OwnedCodeset codeset =
@@ -572,7 +572,7 @@ TEST_F(CodesetIo, OpensNothingThatAFileNames) {
   EXPECT_THAT(codeset ? written(codeset.get()) : v_error_get(), Not(HasSubstr("SECRET")));
 }
 
-TEST_F(CodesetIo, DeepNestingIsSurvived) {
+TEST_F(CodesetIo, SurvivesDeepNesting) {
   std::string deep;
   for (int i = 0; i < many; i++) {
     deep += "<x>";
@@ -580,8 +580,7 @@ TEST_F(CodesetIo, DeepNestingIsSurvived) {
   EXPECT_THAT(message_of(codeset_xml(deep)), StartsWith("Error loading codeset file.\n\n"));
 }
 
-// Three languages and more than one buffer of the file.
-// More than is written at once.
+// Three languages, and more than one write buffer.
 OwnedCodeset sizeable_codeset() {
   Remarks remarks;
   for (int i = 0; i < 1500; i++) {
@@ -617,7 +616,7 @@ TEST_F(CodesetIo, AFullDiskLeavesNoFile) {
   EXPECT_EQ(read_file(path).size(), size);
 }
 
-TEST_F(CodesetIo, AFileThatCannotBeCreated) {
+TEST_F(CodesetIo, ReportsAFileThatCannotBeCreated) {
   const OwnedCodeset codeset = sizeable_codeset();
   EXPECT_FALSE(v_codeset_io_write_to_file(codeset.get(), (folder / "none/a.codeset").c_str()));
   EXPECT_STREQ(v_error_get(), "Cannot create file.\n\nCannot open file.\n\n"
@@ -628,7 +627,7 @@ TEST_F(CodesetIo, AFileThatCannotBeCreated) {
   EXPECT_THAT(v_error_get(), StartsWith("Cannot access file.\n\nCannot unlink file.\n\nError 36:"));
 }
 
-TEST_F(CodesetIo, WhatCannotBeReplacedStays) {
+TEST_F(CodesetIo, KeepsAFileOrFolderThatCannotBeReplaced) {
   const OwnedCodeset codeset = sizeable_codeset();
   make_folder(path);
   write_file(path + "/inside", "kept");
@@ -644,7 +643,7 @@ TEST_F(CodesetIo, WhatCannotBeReplacedStays) {
   EXPECT_EQ(read_file(file), "kept");
 }
 
-TEST_F(CodesetIo, AFolderThatMayNotBeWrittenTo) {
+TEST_F(CodesetIo, KeepsTheOldFileInAReadOnlyFolder) {
   const OwnedCodeset codeset = sizeable_codeset();
   write_file(path, "old");
   set_permissions(folder.path(), 0555);
@@ -662,7 +661,7 @@ TEST_F(CodesetIo, AFolderThatMayNotBeWrittenTo) {
   EXPECT_EQ(list_folder(folder.path()), std::vector<std::string>{"a.codeset"});
 }
 
-TEST_F(CodesetIo, ALinkIsReplacedAndItsTargetStays) {
+TEST_F(CodesetIo, ReplacesALinkAndKeepsItsTarget) {
   const std::string target = folder / "target";
   write_file(target, "kept");
   ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
@@ -697,14 +696,14 @@ TEST_F(CodesetIo, ANewFileHasTheUsualPermissions) {
   umask(mask);
 }
 
-TEST_F(CodesetIo, ARewrittenFileRunsAsNobodyElse) {
+TEST_F(CodesetIo, ARewrittenFileLosesItsSetUserAndSetGroupBits) {
   write_file(path, "old");
   set_permissions(path, 06755);
   written(sizeable_codeset().get());
   EXPECT_EQ(mode_of(path), 0755U);
 }
 
-TEST_F(CodesetIo, AFileInPlaceOfALinkIsAsPrivateAsWhatTheLinkLedTo) {
+TEST_F(CodesetIo, AFileInPlaceOfALinkHasThePermissionsOfTheTarget) {
   const std::string target = folder / "target";
   write_file(target, "kept");
   set_permissions(target, 0600);
@@ -714,8 +713,8 @@ TEST_F(CodesetIo, AFileInPlaceOfALinkIsAsPrivateAsWhatTheLinkLedTo) {
   EXPECT_EQ(mode_of(path), 0600U);
 }
 
-// Only the superuser can give a file to a group that he does not belong to.
-TEST_F(CodesetIo, AnotherGroupGetsNoMoreThanEverybody) {
+// Only the superuser can give a file to this group. Otherwise it keeps its group and permissions.
+TEST_F(CodesetIo, AnotherGroupGetsOnlyThePermissionsOfOthers) {
   constexpr gid_t another_group = 54'321;
   for (const auto &[before, after] : {std::pair(0640U, 0600U), std::pair(0664U, 0644U),
                                       std::pair(0666U, 0666U), std::pair(0604U, 0604U)}) {
@@ -727,14 +726,14 @@ TEST_F(CodesetIo, AnotherGroupGetsNoMoreThanEverybody) {
   }
 }
 
-TEST_F(CodesetIo, WrittenReadablyEveryCodeComesBack) {
+TEST_F(CodesetIo, ReadableFilesKeepEveryCode) {
   const OwnedCodeset codeset = codeset_of(
       {{"sv", "N & <n>"}}, {{"", "A"}}, "1 & 2",
       {{"&amp;", {{"sv", "1"}}}, {"<b>]]>", {{"sv", "2"}}}, {"A&B \"'", {{"sv", "3"}, {"", "4"}}}});
   const auto write = [&](const char *substitute) {
     OwnedFile file(std::fopen(path.c_str(), "wb"));
     EXPECT_TRUE(v_codeset_io_write_readably(file.get(), codeset.get(), substitute));
-    // Flushed, though not closed.
+    // Flushed, although the file is still open.
     return v_codeset_io_read_from_file(path.c_str());
   };
   const OwnedCodeset read = write("another");

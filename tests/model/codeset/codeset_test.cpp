@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(Codeset, ANewOneIsEmpty) {
+TEST(Codeset, ANewCodesetIsEmpty) {
   const OwnedCodeset codeset = v_codeset_new();
   EXPECT_EQ(codeset->name, nullptr);
   EXPECT_EQ(codeset->author, nullptr);
@@ -39,7 +39,7 @@ TEST(Codeset, ACloneIsDeepAndInNoList) {
   EXPECT_EQ(clone->next, nullptr);
 }
 
-TEST(Codeset, ACloneOfAnEmptyOne) {
+TEST(Codeset, ClonesAnEmptyCodeset) {
   const OwnedCodeset clone = v_codeset_clone(v_codeset_new().get());
   EXPECT_EQ(clone->name, nullptr);
   EXPECT_EQ(clone->version, nullptr);
@@ -47,7 +47,7 @@ TEST(Codeset, ACloneOfAnEmptyOne) {
   EXPECT_FALSE(clone->outdated);
 }
 
-// A list of codesets between two records, as the suite's other tools keep it.
+// A list of codesets between two sentinels, as other tools of the suite keep it.
 class Chain {
 public:
   Chain() {
@@ -67,7 +67,7 @@ public:
   VCodeset tail;
 };
 
-TEST(Codeset, InAListOfCodesets) {
+TEST(Codeset, HasAnIndexAndCanBeRemovedInAList) {
   Chain chain;
   VCodeset *first = chain.add();
   const OwnedCodeset second(chain.add());
@@ -90,6 +90,6 @@ TEST(Codeset, InAListOfCodesets) {
   EXPECT_EQ(chain.tail.prev, &chain.head);
 }
 
-TEST(Codeset, DestroyingNull) { v_codeset_destroy(nullptr); }
+TEST(Codeset, DestroyingNullIsAllowed) { v_codeset_destroy(nullptr); }
 
 } // namespace

@@ -60,7 +60,7 @@ OwnedCodeset read(const std::string &name) {
   return codeset;
 }
 
-TEST(DeliveredCodesets, ThereAreSome) {
+TEST(DeliveredCodesets, IncludeTheExpectedFiles) {
   const std::vector<std::string> names = delivered_names();
   for (const char *name :
        {"ceramics_and_glass.codeset", "easel_paintings.codeset", "works_on_paper.codeset"}) {
@@ -68,7 +68,7 @@ TEST(DeliveredCodesets, ThereAreSome) {
   }
 }
 
-TEST(DeliveredCodesets, EachIsWrittenBackAsItIs) {
+TEST(DeliveredCodesets, EachIsWrittenBackUnchanged) {
   const TemporaryFolder folder;
   for (const std::string &name : delivered_names()) {
     SCOPED_TRACE(name);

@@ -16,8 +16,8 @@ namespace {
 const Translations x = {{"sv", "x"}};
 const Translations y = {{"sv", "y"}};
 
-// A remark list with its history, and rows that follow it as those of a window do: by nothing but
-// what each exchange reports.
+// A remark list with its history, and rows that are updated only from the reported exchanges, like
+// the rows of a window.
 class History {
 public:
   explicit History(const Remarks &remarks = {}) : list(list_of(remarks)) {
@@ -31,7 +31,7 @@ public:
     return follow(v_remark_history_add_remark(history.get(), remark_of(code, description)));
   }
 
-  // Replaces the remark of the code by a new one.
+  // Replaces the remark that has the code.
   std::optional<VRemarkExchange> edit(const std::string &code, const std::string &new_code,
                                       const Translations &new_description = {}) {
     return follow(v_remark_history_replace_remark(history.get(), find(code),
@@ -96,7 +96,7 @@ private:
   std::vector<VRemark *> rows;
 };
 
-TEST(RemarkHistory, ANewOneHasNothingToTakeBackOrDoAgain) {
+TEST(RemarkHistory, ANewHistoryHasNothingToTakeBackOrDoAgain) {
   History history({{"1", x}});
   EXPECT_FALSE(history.can_take_back());
   EXPECT_FALSE(history.can_do_again());
@@ -105,7 +105,7 @@ TEST(RemarkHistory, ANewOneHasNothingToTakeBackOrDoAgain) {
   EXPECT_EQ(history.remarks(), (Remarks{{"1", x}}));
 }
 
-TEST(RemarkHistory, AddingTakenBackAndDoneAgain) {
+TEST(RemarkHistory, AddingCanBeTakenBackAndDoneAgain) {
   History history({{"1", x}, {"10", x}});
   const VRemarkExchange added = history.add("2", y);
   EXPECT_EQ(added.removed, nullptr);
@@ -127,7 +127,7 @@ TEST(RemarkHistory, AddingTakenBackAndDoneAgain) {
   EXPECT_FALSE(history.can_do_again());
 }
 
-TEST(RemarkHistory, EditingTakenBackAndDoneAgain) {
+TEST(RemarkHistory, EditingCanBeTakenBackAndDoneAgain) {
   History history({{"1", x}, {"2", x}, {"10", x}});
   VRemark *original = history.find("1");
   const std::optional<VRemarkExchange> edited = history.edit("1", "11", y);
@@ -141,7 +141,7 @@ TEST(RemarkHistory, EditingTakenBackAndDoneAgain) {
   EXPECT_EQ(history.remarks(), (Remarks{{"2", x}, {"10", x}, {"11", y}}));
 }
 
-TEST(RemarkHistory, DeletingTakenBackAndDoneAgain) {
+TEST(RemarkHistory, DeletingCanBeTakenBackAndDoneAgain) {
   History history({{"1", x}, {"2", y}, {"10", x}});
   VRemark *deleted = history.find("2");
   EXPECT_EQ(history.remove("2"), (VRemarkExchange{deleted, 1, nullptr, -1}));
@@ -220,7 +220,7 @@ TEST(RemarkHistory, StepsOnTheSameRemarkAreTakenBackOneByOne) {
   EXPECT_EQ(history.do_again(), std::nullopt);
 }
 
-// Each a step that is recorded after others were taken back.
+// Each function records one step.
 using StepOf = void (*)(History &history);
 const StepOf new_steps[] = {
     [](History &history) { history.add("7", y); },
@@ -255,7 +255,7 @@ TEST(RemarkHistory, ANewStepDropsTheStepsAhead) {
   }
 }
 
-TEST(RemarkHistory, TheListMayGoFirst) {
+TEST(RemarkHistory, TheListMayBeFreedFirst) {
   History history({{"1", x}, {"2", x}});
   history.add("3");
   history.remove("1");
@@ -265,7 +265,7 @@ TEST(RemarkHistory, TheListMayGoFirst) {
   history.history.reset();
 }
 
-TEST(RemarkHistory, TheListStaysWhenTheHistoryGoes) {
+TEST(RemarkHistory, TheListOutlivesTheHistory) {
   History history({{"1", x}, {"2", x}});
   history.add("3", y);
   history.edit("1", "5", y);
@@ -275,7 +275,7 @@ TEST(RemarkHistory, TheListStaysWhenTheHistoryGoes) {
   EXPECT_EQ(history.remarks(), (Remarks{{"2", x}, {"3", y}, {"5", y}}));
 }
 
-TEST(RemarkHistory, ChangesOfOtherRemarksStay) {
+TEST(RemarkHistory, ChangesToOtherRemarksStay) {
   History history({{"1", x}, {"3", x}});
   history.remove("3");
   history.find("1")->description = langstr_of(y);
@@ -283,8 +283,8 @@ TEST(RemarkHistory, ChangesOfOtherRemarksStay) {
   EXPECT_EQ(history.remarks(), (Remarks{{"1", y}, {"3", x}}));
 }
 
-// Does random steps on a codeset, and the same on a map. Codes of three digits each are in the same
-// order in both.
+// Applies random steps to a codeset and to a map. Both have the same order, because all codes have
+// three digits.
 class RandomEditor {
 public:
   RandomEditor() : editing(start()) { codeset->name = langstr_of({{"sv", "Namn"}}); }
@@ -335,7 +335,7 @@ private:
     return code;
   }
 
-  // Never the same twice.
+  // Different on each call.
   Translations new_description() { return {{"sv", std::to_string(++descriptions)}}; }
 
   void add() {
@@ -402,7 +402,7 @@ TEST(RemarkHistory, AThousandRandomStepsBackAndForthGiveTheSameBytes) {
   EXPECT_FALSE(editor.editing.can_do_again());
 }
 
-TEST(RemarkHistory, AWalkToAndFroGivesTheSameBytes) {
+TEST(RemarkHistory, ARandomWalkThroughTheHistoryGivesTheSameBytes) {
   RandomEditor editor;
   const std::vector<Snapshot> snapshots = snapshots_of_random_steps(editor);
   std::size_t step = many;

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The links backward tell the same as those forward, and both ends are the sentinels.
+// The backward links match the forward links, and both ends are the sentinels.
 void expect_sound(const OwnedRemarkList &list) {
   const VRemark *previous = &list->head;
   EXPECT_EQ(previous->prev, nullptr);
@@ -38,7 +38,7 @@ Codes sorted(const Codes &codes) {
   return codes_of(list);
 }
 
-TEST(Remark, ANewOneIsEmptyAndInNoList) {
+TEST(Remark, ANewRemarkIsEmptyAndInNoList) {
   const OwnedRemark remark = v_remark_new();
   EXPECT_EQ(remark->code, nullptr);
   EXPECT_EQ(remark->description, nullptr);
@@ -58,14 +58,14 @@ TEST(Remark, ACloneIsDeepAndInNoList) {
   EXPECT_EQ(clone->next, nullptr);
 }
 
-TEST(Remark, ACloneOfOneThatIsBeingBuilt) {
+TEST(Remark, ClonesAnUnfinishedRemark) {
   const OwnedRemark remark = v_remark_new();
   const OwnedRemark clone = v_remark_clone(remark.get());
   EXPECT_EQ(clone->code, nullptr);
   EXPECT_EQ(clone->description, nullptr);
 }
 
-TEST(Remark, RemovingGivesTheFormerPredecessor) {
+TEST(Remark, RemovingReturnsTheFormerPredecessor) {
   const OwnedRemarkList list = list_of_codes({"a", "b", "c"});
   VRemark *first = list->head.next;
   const OwnedRemark second(first->next);
@@ -79,7 +79,7 @@ TEST(Remark, RemovingGivesTheFormerPredecessor) {
   expect_sound(list);
 }
 
-TEST(Remark, TakingOneGivesItsOwner) {
+TEST(Remark, TakingARemarkTransfersItsOwnership) {
   const OwnedRemarkList list = list_of_codes({"a", "b", "c"});
   VRemark *second = list->head.next->next;
   const OwnedRemark taken = v_remark_take(second);
@@ -91,7 +91,7 @@ TEST(Remark, TakingOneGivesItsOwner) {
   expect_sound(list);
 }
 
-TEST(Remark, ATakenOneOutlivesItsList) {
+TEST(Remark, ATakenRemarkOutlivesItsList) {
   OwnedRemarkList list = list_of({{"a", {{"sv", "x"}}}});
   const OwnedRemark taken = v_remark_take(list->head.next);
   list.reset();
@@ -99,7 +99,7 @@ TEST(Remark, ATakenOneOutlivesItsList) {
   EXPECT_EQ(translations_of(taken->description), (Translations{{"sv", "x"}}));
 }
 
-TEST(Remark, DestroyingUnlinks) {
+TEST(Remark, DestroyingUnlinksTheRemark) {
   v_remark_destroy(nullptr);
   v_remark_destroy(v_remark_new().release());
   const OwnedRemarkList list = list_of_codes({"a", "b", "c"});
@@ -111,21 +111,21 @@ TEST(Remark, DestroyingUnlinks) {
   expect_sound(list);
 }
 
-TEST(Remark, ItsIndex) {
+TEST(Remark, HasAnIndexInItsList) {
   const OwnedRemarkList list = list_of_codes({"a", "b", "c"});
   EXPECT_EQ(v_remark_get_index(list->head.next), 0);
   EXPECT_EQ(v_remark_get_index(list->head.next->next), 1);
   EXPECT_EQ(v_remark_get_index(list->tail.prev), 2);
 }
 
-TEST(RemarkList, ANewOneIsEmpty) {
+TEST(RemarkList, ANewListIsEmpty) {
   const OwnedRemarkList list = v_remark_list_new();
   EXPECT_EQ(list->head.next, &list->tail);
   EXPECT_TRUE(v_remark_list_is_empty(list.get()));
   expect_sound(list);
 }
 
-TEST(RemarkList, AddingAtTheEnds) {
+TEST(RemarkList, AddsAtBothEnds) {
   const OwnedRemarkList list = v_remark_list_new();
   v_remark_list_add_remark_last(list.get(), remark_of("b"));
   v_remark_list_add_remark_first(list.get(), remark_of("c"));
@@ -146,7 +146,7 @@ TEST(RemarkList, DestroyingItsRemarksLeavesAnEmptyList) {
   expect_sound(list);
 }
 
-TEST(RemarkList, FindsTheSortedPlaceFromAnyOther) {
+TEST(RemarkList, FindsTheSortedPlaceFromAnyStart) {
   for (const Codes &codes : {Codes{}, Codes{"a"}, Codes{"c"}, Codes{"b7"}, Codes{"a", "c"},
                              Codes{"a", "b1", "b7", "b10", "c"}}) {
     Codes expected = codes;
@@ -171,13 +171,13 @@ TEST(RemarkList, FindsTheSortedPlaceFromAnyOther) {
   }
 }
 
-// Each row stands in remark code order.
+// Each row is in remark code order.
 const Codes orders[] = {
     {"1", "1a", "9", "10"},
     {"A1", "a1"},
     {"07", "7"},
-    {"a07", "A7"},     // zeros tell codes apart before case does
-    {"1.05", "1.049"}, // without their zeros 5 and 49
+    {"a07", "A7"},     // zeros count before case
+    {"1.05", "1.049"}, // 5 and 49 without their zeros
     {"2", "10"},
     {"a7", "A8"},
     {"A8", "a8", "a9"},
@@ -186,14 +186,14 @@ const Codes orders[] = {
     {"x2", "X3", "x10"},
     {"1 a", "1a", "1b"},
     {"\xC5", "\xE5", "1", "A", "a"},
-    {"a\xE5", "a", "a1", "aa"}, // the end of a code stands behind the bytes above 127
+    {"a\xE5", "a", "a1", "aa"}, // the end of a code sorts after bytes above 127
     {"0", "00"},
     {"a0b", "ab", "ac"},
     {"A10", "a10", "a11", "A100"},
     {"99999999999999999999", "100000000000000000000"},
 };
 
-TEST(RemarkCodeOrder, WhateverTheOrderOfInsertion) {
+TEST(RemarkCodeOrder, DoesNotDependOnTheOrderOfInsertion) {
   for (const Codes &order : orders) {
     Codes codes = order;
     std::sort(codes.begin(), codes.end());
@@ -214,7 +214,7 @@ TEST(RemarkCodeOrder, SortingEqualsRepeatedInsertion) {
   } while (std::next_permutation(codes.begin(), codes.end()));
 }
 
-// Every string of up to four of these characters, the empty one too.
+// All strings of at most four of these characters, including the empty one.
 Codes short_strings() {
   constexpr char alphabet[] = {'0', '1', '7', ' ', 'a', 'A', '\xE5'};
   Codes strings = {""};
@@ -236,8 +236,7 @@ TEST(RemarkCodeOrder, IsAStrictTotalOrder) {
   std::stable_sort(strings.begin(), strings.end(), [](const std::string &a, const std::string &b) {
     return v_remark_compare_codes(a.c_str(), b.c_str()) < 0;
   });
-  // Any order in which each stands before all later ones, and none before an earlier one, is total
-  // and transitive.
+  // If every pair is in order in both directions, the order is total and transitive.
   for (std::size_t i = 0; i < strings.size(); i++) {
     ASSERT_EQ(v_remark_compare_codes(strings[i].c_str(), strings[i].c_str()), 0);
     for (std::size_t j = i + 1; j < strings.size(); j++) {
@@ -251,7 +250,7 @@ TEST(RemarkCodeOrder, IsAStrictTotalOrder) {
 
 TEST(RemarkCodeOrder, SortingManyEqualsInsertingThem) {
   Codes strings = short_strings();
-  // Far apart what stands together.
+  // Neighbours are moved far apart.
   Codes scattered;
   for (std::size_t i = 0; i < strings.size(); i++) {
     scattered.push_back(strings[i * 1009 % strings.size()]);
@@ -283,7 +282,7 @@ TEST(RemarkCodeOrder, SortingLongCodesEqualsComparingThem) {
   EXPECT_TRUE(sorted(codes) == expected);
 }
 
-TEST(RemarkCodeOrder, SortingNumbersOfHundredsOfDigits) {
+TEST(RemarkCodeOrder, SortsNumbersOfHundredsOfDigits) {
   Codes expected;
   for (const char *start : {"", "a"}) {
     for (const std::size_t length : {1, 2, 254, 255, 256, 257, 600}) {
@@ -299,7 +298,7 @@ TEST(RemarkCodeOrder, SortingNumbersOfHundredsOfDigits) {
   EXPECT_TRUE(inserted(backwards) == expected);
 }
 
-TEST(RemarkCodeOrder, SortingFindsACodeThatIsThereTwice) {
+TEST(RemarkCodeOrder, SortingFindsDuplicateCodes) {
   const auto are_unique = [](const Codes &codes) {
     return v_remark_list_sort(list_of_codes(codes).get());
   };
@@ -317,7 +316,7 @@ TEST(RemarkCodeOrder, SortingFindsACodeThatIsThereTwice) {
   }
 }
 
-TEST(RemarkCodeOrder, AnEqualCodeGoesAfterTheOneThatIsThere) {
+TEST(RemarkCodeOrder, AnEqualCodeIsInsertedAfterTheExistingOne) {
   const OwnedRemarkList list = v_remark_list_new();
   for (const char *text : {"first", "second", "third"}) {
     v_remark_list_add_remark_sorted(list.get(), remark_of("7", {{"sv", text}}));
@@ -332,18 +331,18 @@ TEST(RemarkCodeOrder, AnEqualCodeGoesAfterTheOneThatIsThere) {
   EXPECT_EQ(remarks_of(list), expected);
 }
 
-TEST(RemarkCodeOrder, ARemarkWithoutCodeGoesToTheEnd) {
+TEST(RemarkCodeOrder, ARemarkWithoutCodeIsInsertedLast) {
   const OwnedRemarkList list = list_of_codes({"a", "z"});
   v_remark_list_add_remark_sorted(list.get(), v_remark_new());
   EXPECT_EQ(codes_of(list), (Codes{"a", "z", "(none)"}));
 }
 
-TEST(RemarkCodeOrder, SortingNothingAndOne) {
+TEST(RemarkCodeOrder, SortsNoneAndOne) {
   EXPECT_EQ(sorted({}), Codes());
   EXPECT_EQ(sorted({"a"}), Codes{"a"});
 }
 
-TEST(RemarkList, ARemarkForACode) {
+TEST(RemarkList, FindsARemarkByItsCode) {
   const OwnedRemarkList list = list_of({{"a", {{"sv", "1"}}}, {"a", {{"sv", "2"}}}, {"7", {}}});
   EXPECT_EQ(v_remark_list_get_remark_for_code(list.get(), "a"), list->head.next);
   EXPECT_EQ(v_remark_list_get_remark_for_code(list.get(), "7"), list->tail.prev);
@@ -368,7 +367,7 @@ TEST(RemarkList, CopyingAppendsClonesInOrder) {
   expect_sound(to);
 }
 
-TEST(RemarkList, HavingARemark) {
+TEST(RemarkList, FindsARemarkByCodeAndDescription) {
   const OwnedRemarkList list = list_of({{"a", {{"sv", "1"}, {"de", "2"}}}});
   const auto has = [&](const char *code, const Translations &description) {
     return v_remark_list_has_remark(list.get(), code, langstr_of(description).get());
@@ -380,7 +379,7 @@ TEST(RemarkList, HavingARemark) {
   EXPECT_FALSE(has("A", {{"sv", "1"}, {"de", "2"}}));
 }
 
-TEST(RemarkList, BeingASubset) {
+TEST(RemarkList, DetectsASubset) {
   const Remarks full = {{"a", {{"sv", "1"}, {"de", "2"}}}, {"b", {{"sv", "3"}}}};
   const auto is_subset = [](const Remarks &a, const Remarks &b) {
     return v_remark_list_is_subset(list_of(a).get(), list_of(b).get());
@@ -396,7 +395,7 @@ TEST(RemarkList, BeingASubset) {
   EXPECT_FALSE(is_subset(full, {}));
 }
 
-TEST(RemarkList, BeingMergeable) {
+TEST(RemarkList, DetectsMergeableRemarks) {
   const Remarks a = {{"a", {{"sv", "1"}}}, {"b", {{"sv", "2"}}}};
   const auto are_mergeable = [&](const Remarks &b) {
     return v_remark_list_remarks_are_mergeable(list_of(a).get(), list_of(b).get());
@@ -413,7 +412,7 @@ TEST(RemarkList, BeingMergeable) {
   EXPECT_FALSE(are_mergeable({{"c", {{"sv", "3"}}}, {"b", {{"sv", "other"}}}}));
 }
 
-TEST(RemarkList, MergingARemark) {
+TEST(RemarkList, MergesARemark) {
   const OwnedRemarkList list = list_of({{"2", {{"sv", "two"}}}, {"10", {{"sv", "ten"}}}});
   const auto merge = [&](const OwnedRemark &remark) {
     v_remark_list_merge_remark(list.get(), remark.get());

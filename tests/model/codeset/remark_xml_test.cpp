@@ -12,7 +12,7 @@ namespace {
 
 struct Element {
   const char *content;
-  const char *code; // null when it fails
+  const char *code; // null: fails
   Translations description;
   const char *message;
 };
@@ -24,7 +24,7 @@ constexpr const char *empty_text = "Empty text content in XML where not allowed.
 const Element elements[] = {
     {"<code>7</code><description lang='sv'>a</description>", "7", {{"sv", "a"}}, ""},
     {"<description lang='sv'>a</description><code>7</code>", "7", {{"sv", "a"}}, ""},
-    // Children count by their name alone.
+    // Nodes of any type count by their name.
     {"<?code x?><description lang='sv'>a</description>", nullptr, {}, missing},
     {"<code>7</code><description lang='sv'>a</description><?code x?>", nullptr, {}, multiple},
     {"<code>7</code><?x?><description lang='sv'>a</description><!--code-->",
@@ -94,7 +94,7 @@ const Element elements[] = {
      "Invalid XML attribute content.\n\nNon-ascii byte found where not allowed."},
 };
 
-TEST(RemarkXml, ReadingAnElement) {
+TEST(RemarkXml, ReadsARemarkOrSaysWhyNot) {
   for (const Element &element : elements) {
     SCOPED_TRACE(element.content);
     const std::string xml = std::string("<remark>") + element.content + "</remark>";

@@ -1,5 +1,5 @@
 #pragma once
-// Remarks and remark lists as plain values, so that a test can write down the whole of one.
+// Remarks and remark lists as plain values, so that a test can state all of one.
 
 #include <string>
 #include <utility>
