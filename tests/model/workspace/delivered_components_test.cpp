@@ -25,7 +25,7 @@ protected:
   PretendedMachine machine;
 };
 
-TEST_F(DeliveredComponents, AllFilesAreCopiedIntoAFolderThatIsMade) {
+TEST_F(DeliveredComponents, AllFilesAreCopiedIntoANewFolder) {
   machine.deliver({{"codesets/a.codeset", "A"},
                    {"codesets/\xC3\xA5 %s.codeset", ""},
                    {"codesets/large", std::string(10'000, 'x')},
@@ -41,7 +41,7 @@ TEST_F(DeliveredComponents, AllFilesAreCopiedIntoAFolderThatIsMade) {
             std::filesystem::perms::owner_all);
 }
 
-TEST_F(DeliveredComponents, WhatIsThereIsKept) {
+TEST_F(DeliveredComponents, ExistingFilesAreKept) {
   machine.deliver({{"codesets/a", "delivered"}, {"codesets/b", "B"}, {"codesets/c", "C"}});
   put(machine.folder.path(),
       {{"codesets/a", "the user's"}, {"codesets/c/", ""}, {"codesets/own", "x"}});
@@ -63,7 +63,7 @@ TEST_F(DeliveredComponents, OnlyRegularFilesAreDelivered) {
   EXPECT_FALSE(std::filesystem::is_symlink(machine.folder / "codesets/link"));
 }
 
-TEST_F(DeliveredComponents, NothingOfTheKindIsDelivered) {
+TEST_F(DeliveredComponents, NothingIsInstalledIfNothingIsDelivered) {
   EXPECT_TRUE(install("codesets"));
   EXPECT_EQ(contents(), Contents());
 }
@@ -74,21 +74,21 @@ TEST_F(DeliveredComponents, AnEmptyDeliveryMakesAnEmptyFolder) {
   EXPECT_EQ(contents(), (Contents{{"codesets/", ""}}));
 }
 
-TEST_F(DeliveredComponents, NoInstallFolder) {
+TEST_F(DeliveredComponents, AMissingInstallFolderIsAFailure) {
   fake_platform.install_folder.reset();
   EXPECT_FALSE(install("codesets"));
   EXPECT_STREQ(v_error_get(), "Error getting exe path from system.");
   EXPECT_EQ(contents(), Contents());
 }
 
-TEST_F(DeliveredComponents, ADeliveryThatIsNoFolder) {
+TEST_F(DeliveredComponents, ADeliveryThatIsNoFolderIsAFailure) {
   machine.deliver({{"codesets", "a file"}});
   EXPECT_FALSE(install("codesets"));
   EXPECT_STREQ(v_error_get(), "Cannot open folder.\n\nError 20: Not a directory");
   EXPECT_EQ(contents(), Contents());
 }
 
-TEST_F(DeliveredComponents, AWorkspaceThatIsMissingOrAFile) {
+TEST_F(DeliveredComponents, AWorkspaceThatIsMissingOrAFileIsAFailure) {
   machine.deliver({{"codesets/a", "A"}});
   EXPECT_FALSE(install_bundled_components((machine.folder / "missing").c_str(), "codesets"));
   EXPECT_STREQ(v_error_get(), "Cannot create folder.\n\nError 2: No such file or directory");
@@ -97,14 +97,14 @@ TEST_F(DeliveredComponents, AWorkspaceThatIsMissingOrAFile) {
   EXPECT_STREQ(v_error_get(), "Cannot get file status.\n\nError 20: Not a directory");
 }
 
-TEST_F(DeliveredComponents, ATargetThatIsAFile) {
+TEST_F(DeliveredComponents, ATargetThatIsAFileIsAFailure) {
   machine.deliver({{"codesets/a", "A"}});
   put(machine.folder.path(), {{"codesets", "the user's"}});
   EXPECT_FALSE(install("codesets"));
   EXPECT_EQ(contents(), (Contents{{"codesets", "the user's"}}));
 }
 
-TEST_F(DeliveredComponents, AFailureTakesAFolderThatWasMadeAwayAgain) {
+TEST_F(DeliveredComponents, AFailureRemovesTheNewFolder) {
   machine.deliver({{"codesets/a", "A"}, {"codesets/z", "Z"}});
   machine.deliver_unreadable("codesets/m");
   EXPECT_FALSE(install("codesets"));
@@ -112,14 +112,14 @@ TEST_F(DeliveredComponents, AFailureTakesAFolderThatWasMadeAwayAgain) {
   EXPECT_EQ(contents(), Contents());
 }
 
-TEST_F(DeliveredComponents, AFailureLeavesAFolderThatWasThere) {
+TEST_F(DeliveredComponents, AFailureKeepsAnExistingFolder) {
   machine.deliver({{"codesets/a", "A"}, {"codesets/z", "Z"}});
   machine.deliver_unreadable("codesets/m");
   put(machine.folder.path(), {{"codesets/own", "x"}});
   EXPECT_FALSE(install("codesets"));
   Contents left = contents();
   EXPECT_EQ(left["codesets/own"], "x");
-  // Whole copies or none.
+  // Each copy is complete or missing.
   EXPECT_FALSE(left.contains("codesets/m"));
   EXPECT_TRUE(!left.contains("codesets/a") || left["codesets/a"] == "A");
   EXPECT_TRUE(!left.contains("codesets/z") || left["codesets/z"] == "Z");
@@ -142,7 +142,7 @@ TEST_F(DeliveredComponents, AFullDiskLeavesNothing) {
   }
 }
 
-TEST_F(DeliveredComponents, DeletingAFolder) {
+TEST_F(DeliveredComponents, DeletingAFolderRemovesItsFiles) {
   put(machine.folder.path(), {{"codesets/a", "A"}, {"codesets/.b", "B"}, {"layouts/c", "C"}});
   std::filesystem::create_symlink(machine.folder / "layouts/c", machine.folder / "codesets/link");
   delete_components_folder(machine.folder.path(), "codesets");
@@ -152,7 +152,7 @@ TEST_F(DeliveredComponents, DeletingAFolder) {
   EXPECT_EQ(contents(), (Contents{{"layouts/", ""}, {"layouts/c", "C"}}));
 }
 
-TEST_F(DeliveredComponents, DeletingAFolderLeavesItsSubFolders) {
+TEST_F(DeliveredComponents, DeletingAFolderKeepsItsSubFolders) {
   put(machine.folder.path(), {{"codesets/a", "A"}, {"codesets/deep/b", "B"}});
   delete_components_folder(machine.folder.path(), "codesets");
   EXPECT_EQ(contents(),
@@ -176,7 +176,7 @@ protected:
 constexpr const char *digest_of_old = "149603e6c03516362a8da23f624db945";
 constexpr const char *digest_of_new = "22af645d1859cb5ca6da0c484f1f37ea";
 
-TEST_F(ComponentUpgrade, AFileOfTheOldDigestIsReplaced) {
+TEST_F(ComponentUpgrade, AFileWithTheOldDigestIsReplaced) {
   EXPECT_EQ(upgraded(digest_of_old), "delivered");
 }
 

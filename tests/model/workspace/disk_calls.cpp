@@ -23,7 +23,7 @@ WatchedDiskCalls::WatchedDiskCalls(DiskCallWatcher watcher) { watcher_now = std:
 
 WatchedDiskCalls::~WatchedDiskCalls() { watcher_now = nullptr; }
 
-// What the linker's --wrap makes of the calls of the program's own code.
+// The linker option --wrap redirects the program's own calls to these functions.
 extern "C" {
 
 int __real_fsync(int descriptor);

@@ -1,12 +1,11 @@
 #pragma once
-// The calls by which a test program changes what is on the disk beyond a file's content: each is
-// told of, and each can be made to fail.
+// Watches the calls that sync, rename or delete files. A test sees each call and can make it fail.
 
 #include <functional>
 #include <string>
 
-// Before each call: "fsync", "rename" or "unlink", and the path (of what is renamed, the old one).
-// The call fails with EIO when false is returned.
+// Called before each call with "fsync", "rename" or "unlink" and the path (the old path of a
+// rename). If it returns false, the call fails with EIO.
 using DiskCallWatcher = std::function<bool(const std::string &call, const std::string &path)>;
 
 class WatchedDiskCalls {

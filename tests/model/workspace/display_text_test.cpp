@@ -17,7 +17,7 @@ struct Choice {
   const char *text;
 };
 
-TEST(DisplayText, TheFirstPreferredLanguageThatIsThere) {
+TEST(DisplayText, UsesTheFirstAvailablePreferredLanguage) {
   const OwnedLangstr langstr = langstr_of({{"fr", "fran\xE7"
                                                   "ais"},
                                            {"en-us", "American"},
@@ -51,7 +51,7 @@ TEST(DisplayText, TheFirstPreferredLanguageThatIsThere) {
   }
 }
 
-TEST(DisplayText, AnEmptyStringHasNone) {
+TEST(DisplayText, AnEmptyStringHasNoText) {
   EXPECT_EQ(v_util_get_langstr_string(settings_for({"sv"}).get(), nullptr), nullptr);
   EXPECT_EQ(v_util_get_langstr_string(settings_for({}).get(), nullptr), nullptr);
 }
@@ -64,7 +64,7 @@ struct Summary {
   const char *text;
 };
 
-TEST(DisplayText, TheSummaryOfACodeset) {
+TEST(DisplayText, SummarisesACodeset) {
   const OwnedSettings settings = settings_for({"sv", "en"});
   const Summary summaries[] = {
       {{{"sv", "Ytskador"}}, {{"sv", "Anna"}}, "1.2", false, "Ytskador (Anna) 1.2"},

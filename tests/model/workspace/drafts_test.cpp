@@ -57,7 +57,7 @@ void set_time(const std::string &path, std::time_t seconds) {
 class Drafts : public testing::Test {
 protected:
   std::string path_of(const std::string &name) const { return drafts_folder + "/" + name; }
-  // Names of what is in the folder of drafts, none when there is no folder.
+  // Names of the entries of the drafts folder, none if it does not exist.
   std::vector<std::string> names() const {
     return path_exists(drafts_folder) ? list_folder(drafts_folder) : std::vector<std::string>();
   }
@@ -67,14 +67,15 @@ protected:
     return all.empty() ? "" : path_of(all.front());
   }
   OwnedDraft open() const { return v_draft_open(path.c_str()); }
-  // As a program does that ends without saving and without closing the window.
+  // Leaves a draft like a program that ends without saving or closing the window. Returns the path
+  // of the draft.
   std::string leave_behind(const VCodeset *codeset) const {
     const OwnedDraft draft = v_draft_open(path.c_str());
     draft->left_behind.reset();
     v_draft_write(draft.get(), codeset);
     return draft->path.get();
   }
-  // The name of the codeset that is left behind, "none" when there is none.
+  // The name of the codeset in a draft that was left behind, or "none".
   static std::string left_name(const OwnedDraft &draft) {
     return draft->left_behind ? translations_of(draft->left_behind->name).at(0).second : "none";
   }
@@ -89,14 +90,14 @@ protected:
 
 // ---- Writing ------------------------------------------------------------------------------------
 
-TEST_F(Drafts, NothingIsOnTheDiskBeforeTheFirstOne) {
+TEST_F(Drafts, NothingIsOnTheDiskBeforeTheFirstDraft) {
   const OwnedDraft draft = open();
   EXPECT_EQ(draft->left_behind, nullptr);
   v_draft_remove(draft.get());
   EXPECT_FALSE(path_exists(home_folder() + "/.local"));
 }
 
-TEST_F(Drafts, ADraftIsACodesetFileForItsOwnerAlone) {
+TEST_F(Drafts, ADraftIsACodesetFileForItsOwnerOnly) {
   const mode_t old_mask = umask(0);
   const OwnedDraft draft = open();
   OwnedCodeset codeset = codeset_with({{"sv", "Papper & p\xE4rm"}}, {{"7", {{"", "V\xE5gor"}}}});
@@ -127,7 +128,7 @@ TEST_F(Drafts, ADraftIsACodesetFileForItsOwnerAlone) {
   EXPECT_FALSE(path_exists(path));
 }
 
-TEST_F(Drafts, ANewerOneTakesTheOldersPlace) {
+TEST_F(Drafts, ANewerDraftReplacesTheOlderOne) {
   const OwnedDraft draft = open();
   v_draft_write(draft.get(), paper("Old").get());
   const std::string file = only_draft();
@@ -138,7 +139,7 @@ TEST_F(Drafts, ANewerOneTakesTheOldersPlace) {
   EXPECT_EQ(translations_of(codeset->name).at(0).second, "New");
 }
 
-TEST_F(Drafts, WithoutANameTheCodesetIsCalledLikeItsFile) {
+TEST_F(Drafts, ACodesetWithoutANameIsNamedAfterItsFile) {
   const std::pair<const char *, const char *> files[] = {
       {"paper.codeset", "paper.codeset"},
       {"my paper.codeset", "my paper.codeset"},
@@ -157,7 +158,7 @@ TEST_F(Drafts, WithoutANameTheCodesetIsCalledLikeItsFile) {
   }
 }
 
-TEST_F(Drafts, WithoutRemarksTheOlderOneStays) {
+TEST_F(Drafts, ACodesetWithoutRemarksKeepsTheOlderDraft) {
   const OwnedDraft draft = open();
   v_draft_write(draft.get(), codeset_with({{"sv", "P"}}, {}).get());
   EXPECT_THAT(names(), IsEmpty());
@@ -167,7 +168,7 @@ TEST_F(Drafts, WithoutRemarksTheOlderOneStays) {
   EXPECT_EQ(translations_of(codeset->name).at(0).second, "Full");
 }
 
-TEST_F(Drafts, CodesThatAFileCannotGiveBackComeBack) {
+TEST_F(Drafts, KeepsCodesThatACodesetFileCannotHold) {
   const Remarks odd = {{"A&B", {{"sv", "1"}}},
                        {"a<b", {{"sv", "2"}}},
                        {"x&amp;", {{"sv", "3"}}},
@@ -178,7 +179,7 @@ TEST_F(Drafts, CodesThatAFileCannotGiveBackComeBack) {
   EXPECT_THAT(remarks_of(draft->left_behind->remarks), testing::UnorderedElementsAreArray(odd));
 }
 
-TEST_F(Drafts, NamesMayBeAsLongAndForeignAsTheSystemAllows) {
+TEST_F(Drafts, WorksForLongAndUnusualFileNames) {
   std::string two_bytes_each;
   for (int i = 0; i < 123; i++) {
     two_bytes_each += "\xC3\xA5";
@@ -207,7 +208,7 @@ TEST_F(Drafts, NamesMayBeAsLongAndForeignAsTheSystemAllows) {
 
 // ---- Left behind --------------------------------------------------------------------------------
 
-TEST_F(Drafts, IsFoundWithItsTimeOnceItsProgramIsGone) {
+TEST_F(Drafts, IsFoundWithItsTimeAfterItsProgramHasEnded) {
   const std::string file = leave_behind(paper().get());
   set_time(file, 1'700'000'000);
   const OwnedDraft draft = open();
@@ -230,7 +231,7 @@ TEST_F(Drafts, IsFoundAfterAKill) {
   EXPECT_EQ(left_name(open()), "Killed");
 }
 
-TEST_F(Drafts, BelongsToOneFileWhateverItsPathIsCalled) {
+TEST_F(Drafts, BelongsToOneFileUnderEverySpellingOfItsPath) {
   make_folder(folder / "other");
   leave_behind(paper().get());
   for (const std::string &other :
@@ -252,17 +253,17 @@ TEST_F(Drafts, BelongsToTheSameFileThroughALinkedFolder) {
   EXPECT_EQ(left_name(v_draft_open((folder / "link/paper.codeset").c_str())), "Paper");
   EXPECT_EQ(left_name(v_draft_open((folder / "others/paper.codeset").c_str())), "none");
   EXPECT_EQ(left_name(v_draft_open((folder / "gone/paper.codeset").c_str())), "none");
-  // A save puts a file in the place of a link.
+  // A save replaces a link by a file, so a link is not the file it names.
   std::filesystem::create_symlink(path, folder / "others/paper.codeset");
   EXPECT_EQ(left_name(v_draft_open((folder / "others/paper.codeset").c_str())), "none");
 }
 
-TEST_F(Drafts, ARunningProgramKeepsItsOwn) {
+TEST_F(Drafts, ARunningProgramKeepsItsDraft) {
   const OwnedDraft running = open();
   v_draft_write(running.get(), paper("Running").get());
   const OwnedDraft second = open();
   EXPECT_EQ(left_name(second), "none");
-  // Another process may not have it either.
+  // It is not offered to another process either.
   EXPECT_EQ(in_child_process([&] { return left_name(open()); }), "none");
   v_draft_write(second.get(), paper("Second").get());
   v_draft_write(running.get(), paper("Running on").get());
@@ -272,14 +273,14 @@ TEST_F(Drafts, ARunningProgramKeepsItsOwn) {
   EXPECT_THAT(names(), SizeIs(1));
 }
 
-TEST_F(Drafts, OneProgramAtATimeIsOffered) {
+TEST_F(Drafts, IsOfferedToOneProgramAtATime) {
   leave_behind(paper().get());
   const OwnedDraft first = open();
   EXPECT_EQ(left_name(first), "Paper");
   EXPECT_EQ(left_name(open()), "none");
 }
 
-TEST_F(Drafts, WhatIsTakenOverAndLeftAgainIsStillThere) {
+TEST_F(Drafts, ADraftTakenOverAndLeftAgainIsOfferedAgain) {
   const std::string file = leave_behind(paper("First").get());
   { const OwnedDraft unanswered = open(); }
   {
@@ -314,7 +315,7 @@ TEST_F(Drafts, TheNewestIsOfferedAndTheOthersStay) {
   EXPECT_EQ(left_name(open()), "2");
 }
 
-TEST_F(Drafts, WhatCannotBeReadIsSetAside) {
+TEST_F(Drafts, AnUnreadableDraftIsSetAside) {
   const std::string old = leave_behind(paper("Old").get());
   set_time(old, 1'700'000'000);
   const std::string prefix = path_of(old.substr(old.rfind('/') + 1, 65));
@@ -332,7 +333,7 @@ TEST_F(Drafts, WhatCannotBeReadIsSetAside) {
   EXPECT_THAT(names(), SizeIs(1 + std::size(contents)));
 }
 
-TEST_F(Drafts, AHalfWrittenOneIsRemovedUnlessItsProgramRuns) {
+TEST_F(Drafts, AHalfWrittenDraftIsRemovedUnlessItsProgramRuns) {
   const std::string draft_path = leave_behind(paper().get());
   const std::string half = draft_path + ".new";
   write_file(half, "<codeset>");
@@ -345,7 +346,7 @@ TEST_F(Drafts, AHalfWrittenOneIsRemovedUnlessItsProgramRuns) {
   EXPECT_FALSE(path_exists(half));
 }
 
-TEST_F(Drafts, WhatElseIsInTheFolderIsLeftAlone) {
+TEST_F(Drafts, OtherEntriesOfTheFolderAreKept) {
   const std::string file = leave_behind(paper().get());
   std::filesystem::remove(file);
   make_folder(file);
@@ -368,7 +369,7 @@ TEST_F(Drafts, SavingWritesTheFileAndLeavesNoDraft) {
   v_draft_write(draft.get(), paper("Draft").get());
   EXPECT_TRUE(v_draft_save_codeset(draft.get(),
                                    codeset_with({{"sv", "P"}}, {{"A>B", {{"sv", "1"}}}}).get()));
-  // As the format wants it, codes unescaped.
+  // The format requires unescaped codes.
   EXPECT_EQ(read_file(path), "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n"
                              "\n"
                              "<codeset>\n"
@@ -384,7 +385,7 @@ TEST_F(Drafts, SavingWritesTheFileAndLeavesNoDraft) {
   EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(Drafts, TheDraftIsOnTheDiskBeforeTheOldFileGoesAndUntilTheNewOneIs) {
+TEST_F(Drafts, TheDraftIsOnTheDiskWhileTheFileIsReplaced) {
   write_file(path, "old");
   const OwnedDraft draft = open();
   std::vector<std::string> calls;
@@ -398,7 +399,7 @@ TEST_F(Drafts, TheDraftIsOnTheDiskBeforeTheOldFileGoesAndUntilTheNewOneIs) {
           name = short_name + name.substr(long_name.size());
         }
       }
-      // The draft's own name has a random part.
+      // The name of a draft has a random part.
       const auto draft_name = name.find("DRAFTS/");
       if (draft_name != std::string::npos) {
         name = name.ends_with(".new") ? "NEW DRAFT" : "DRAFT";
@@ -413,7 +414,7 @@ TEST_F(Drafts, TheDraftIsOnTheDiskBeforeTheOldFileGoesAndUntilTheNewOneIs) {
                                  "fsync FOLDER", "unlink DRAFT"));
 }
 
-TEST_F(Drafts, AFailedSaveLeavesTheDraft) {
+TEST_F(Drafts, AFailedSaveKeepsTheDraft) {
   make_folder(path);
   OwnedDraft draft = open();
   EXPECT_FALSE(v_draft_save_codeset(draft.get(), paper("Refused").get()));
@@ -428,7 +429,7 @@ TEST_F(Drafts, AFailedSaveLeavesTheDraft) {
   EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(Drafts, AFileThatMayNotBeOnTheDiskLeavesTheDraft) {
+TEST_F(Drafts, AFileThatCannotBeSyncedKeepsTheDraft) {
   for (const std::string &failing : {path, std::string(folder.path())}) {
     const OwnedDraft draft = open();
     {
@@ -443,7 +444,7 @@ TEST_F(Drafts, AFileThatMayNotBeOnTheDiskLeavesTheDraft) {
   }
 }
 
-TEST_F(Drafts, NoFailureOfTheDraftStopsASave) {
+TEST_F(Drafts, AFailureOfTheDraftDoesNotStopASave) {
   for (const char *failing : {"fsync", "rename", "unlink"}) {
     std::filesystem::remove(path);
     const OwnedDraft draft = open();
@@ -456,7 +457,7 @@ TEST_F(Drafts, NoFailureOfTheDraftStopsASave) {
   }
 }
 
-TEST_F(Drafts, AFailedWriteKeepsTheOlderOneAndLeavesNothingElse) {
+TEST_F(Drafts, AFailedWriteKeepsOnlyTheOlderDraft) {
   OwnedDraft draft = open();
   v_draft_write(draft.get(), paper("Old").get());
   {
@@ -472,7 +473,7 @@ TEST_F(Drafts, AFailedWriteKeepsTheOlderOneAndLeavesNothingElse) {
 
 // ---- When the file is no substitute for the draft ----------------------------------------------
 
-TEST_F(Drafts, AFileThatCannotGiveTheCodesBackLeavesTheDraft) {
+TEST_F(Drafts, AFileThatCannotHoldTheCodesKeepsTheDraft) {
   for (const char *code : {"A&B", "a<b", "x&amp;", "y]]>"}) {
     const Remarks odd = {{"1", {{"sv", "a"}}}, {code, {{"sv", "b"}}}};
     OwnedDraft draft = open();
@@ -481,13 +482,13 @@ TEST_F(Drafts, AFileThatCannotGiveTheCodesBackLeavesTheDraft) {
     draft = open();
     ASSERT_TRUE(draft->left_behind) << code;
     EXPECT_EQ(remarks_of(draft->left_behind->remarks), odd);
-    // Once the codes are others, the file is enough.
+    // With ordinary codes the file is enough.
     EXPECT_TRUE(v_draft_save_codeset(draft.get(), paper().get()));
     EXPECT_THAT(names(), IsEmpty()) << code;
   }
 }
 
-TEST_F(Drafts, AFileThatGivesUnusualCodesBackLeavesNoDraft) {
+TEST_F(Drafts, AFileThatCanHoldUnusualCodesLeavesNoDraft) {
   const OwnedDraft draft = open();
   const Remarks odd = {{"\"1'", {{"sv", "a & <b> ]]>"}}}, {"a>b]]", {{"sv", "b"}}}};
   EXPECT_TRUE(v_draft_save_codeset(draft.get(), codeset_with({{"sv", "P&"}}, odd).get()));
@@ -499,7 +500,7 @@ TEST_F(Drafts, AFileThatGivesUnusualCodesBackLeavesNoDraft) {
 
 namespace {
 
-// Fails once the old file is gone, as on a disk that is full or no longer there.
+// Makes a save fail after it has deleted the old file, as on a disk that is full or removed.
 void fail_to_save_after_the_old_file_is_gone(VDraft *draft, const std::string &path,
                                              const VCodeset *codeset) {
   const std::filesystem::path folder = std::filesystem::path(path).parent_path();
@@ -518,7 +519,7 @@ void fail_to_save_after_the_old_file_is_gone(VDraft *draft, const std::string &p
 
 } // namespace
 
-TEST_F(Drafts, RemovingLeavesTheOneThatIsAllThatAFailedSaveHasLeft) {
+TEST_F(Drafts, RemovingKeepsTheOnlyCopyAfterAFailedSave) {
   path = folder / "codesets/paper.codeset";
   make_folder(folder / "codesets");
   ASSERT_TRUE(v_codeset_io_write_to_file(paper("Old").get(), path.c_str()));
@@ -528,7 +529,7 @@ TEST_F(Drafts, RemovingLeavesTheOneThatIsAllThatAFailedSaveHasLeft) {
   draft.reset();
   draft = open();
   EXPECT_EQ(left_name(draft), "New");
-  // The user does without it.
+  // The user declines it.
   v_draft_remove(draft.get());
   EXPECT_THAT(names(), IsEmpty());
 }
@@ -553,7 +554,7 @@ TEST_F(Drafts, RemovingAfterALaterSaveLeavesNothing) {
   EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(Drafts, ASaveThatIsTriedAgainKeepsTheOldFilesPermissions) {
+TEST_F(Drafts, ARetriedSaveKeepsTheOldFilesPermissions) {
   path = folder / "codesets/paper.codeset";
   make_folder(folder / "codesets");
   ASSERT_TRUE(v_codeset_io_write_to_file(paper("Old").get(), path.c_str()));
@@ -562,18 +563,18 @@ TEST_F(Drafts, ASaveThatIsTriedAgainKeepsTheOldFilesPermissions) {
   fail_to_save_after_the_old_file_is_gone(draft.get(), path, paper("New").get());
   EXPECT_TRUE(v_draft_save_codeset(draft.get(), paper("New").get()));
   EXPECT_EQ(permissions_of(path), 0600U);
-  // Those of the day: somebody has opened it to others since.
+  // Permissions that were changed between two saves are kept as well.
   set_permissions(path, 0640);
   EXPECT_TRUE(v_draft_save_codeset(draft.get(), paper("Newer").get()));
   EXPECT_EQ(permissions_of(path), 0640U);
 }
 
-TEST_F(Drafts, ADraftThatFailedIsWrittenOnceTheSaveHasFailedToo) {
+TEST_F(Drafts, AFailedDraftIsWrittenAfterTheSaveHasFailedToo) {
   path = folder / "codesets/paper.codeset";
   make_folder(folder / "codesets");
   ASSERT_TRUE(v_codeset_io_write_to_file(paper("Old").get(), path.c_str()));
   OwnedDraft draft = open();
-  // As on a full disk, where the old file makes room.
+  // As on a full disk, where deleting the old file frees space.
   bool has_room = false;
   {
     const WatchedDiskCalls watched([&](const std::string &call, const std::string &at) {
@@ -593,7 +594,7 @@ TEST_F(Drafts, ADraftThatFailedIsWrittenOnceTheSaveHasFailedToo) {
 
 // ---- No place for drafts ------------------------------------------------------------------------
 
-// Whatever the state folder is like, the codeset is saved as if there were no drafts.
+// Saving must work even if drafts cannot be written.
 void expect_that_saving_works(const std::string &path) {
   const OwnedDraft draft = v_draft_open(path.c_str());
   EXPECT_EQ(draft->left_behind, nullptr);
@@ -605,7 +606,7 @@ void expect_that_saving_works(const std::string &path) {
   v_draft_remove(draft.get());
 }
 
-TEST_F(Drafts, AFileInPlaceOfAnyFolder) {
+TEST_F(Drafts, SavesIfAFileIsInPlaceOfAFolder) {
   for (const char *file : {"/.local", "/.local/state", "/.local/state/vantorelle",
                            "/.local/state/vantorelle/drafts"}) {
     const std::filesystem::path blocked = home_folder() + file;
@@ -617,7 +618,7 @@ TEST_F(Drafts, AFileInPlaceOfAnyFolder) {
   }
 }
 
-TEST_F(Drafts, AStateFolderThatGoesMeanwhile) {
+TEST_F(Drafts, RecreatesADeletedStateFolder) {
   const OwnedDraft draft = open();
   v_draft_write(draft.get(), paper().get());
   std::filesystem::remove_all(home_folder() + "/.local");
@@ -626,7 +627,7 @@ TEST_F(Drafts, AStateFolderThatGoesMeanwhile) {
   EXPECT_TRUE(v_draft_save_codeset(draft.get(), paper().get()));
 }
 
-TEST_F(Drafts, AFolderThatMayNotBeWrittenTo) {
+TEST_F(Drafts, SavesIfTheStateFolderIsReadOnly) {
   const std::string left = leave_behind(paper("Left").get());
   set_permissions(left, 0644);
   for (const std::string &open_folder :
@@ -643,7 +644,7 @@ TEST_F(Drafts, AFolderThatMayNotBeWrittenTo) {
   EXPECT_EQ(list_folder(drafts_folder), std::vector<std::string>{left.substr(left.rfind('/') + 1)});
 }
 
-TEST_F(Drafts, AFullDiskKeepsTheOlderOneWhole) {
+TEST_F(Drafts, AFullDiskKeepsTheOlderDraftWhole) {
   leave_behind(paper("Old").get());
   const std::string file = only_draft();
   const std::string old = read_file(file);
@@ -675,13 +676,13 @@ TEST_F(Drafts, LeaveNoDescriptorOpen) {
   EXPECT_EQ(count_open_descriptors(), before);
 }
 
-// GLib keeps the folders that it has once been asked for.
+// GLib caches these folders, so the test needs a process of its own.
 class DraftsDeathTest : public testing::Test {
 protected:
   DraftsDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
-TEST_F(DraftsDeathTest, AStateFolderWhoseNameIsNotUtf8) {
+TEST_F(DraftsDeathTest, SavesIfTheStateFolderNameIsNotUtf8) {
   const EnvironmentVariable state("VANTORELLE_TEST_STATE_HOME", "/tmp/\xFF");
   EXPECT_EXIT(
       {
@@ -692,7 +693,7 @@ TEST_F(DraftsDeathTest, AStateFolderWhoseNameIsNotUtf8) {
       testing::ExitedWithCode(0), "");
 }
 
-// ---- At any moment ------------------------------------------------------------------------------
+// ---- Kills at random moments --------------------------------------------------------------------
 
 namespace {
 
@@ -712,7 +713,7 @@ OwnedCodeset codeset_of_version(long version, int remark_count) {
   return codeset;
 }
 
-// The version of a whole codeset, -1 for anything else.
+// The version of a complete codeset, otherwise -1.
 long version_of(const VCodeset *codeset, int remark_count) {
   if (codeset == nullptr ||
       remarks_of(codeset->remarks).size() != static_cast<std::size_t>(remark_count)) {
@@ -723,17 +724,17 @@ long version_of(const VCodeset *codeset, int remark_count) {
 
 } // namespace
 
-// A child edits and saves without end and is killed: the file or the draft is whole, and one of
-// them has everything that a finished step has written. VANTORELLE_KILLS sets how often,
-// VANTORELLE_SEED repeats the same moments.
-TEST_F(Drafts, WhateverTheMomentOfAKillTheWorkIsThere) {
+// A child edits and saves in a loop until it is killed. After each kill a draft must be complete,
+// and it or the file must hold everything that a finished step has written. VANTORELLE_KILLS sets
+// the number of kills, VANTORELLE_SEED repeats their moments.
+TEST_F(Drafts, TheWorkIsSafeWheneverTheProgramIsKilled) {
   constexpr int remark_count = 2000;
   const long kills = from_environment("VANTORELLE_KILLS", 40);
   const long seed = from_environment("VANTORELLE_SEED", static_cast<long>(std::random_device()()));
   SCOPED_TRACE("VANTORELLE_SEED=" + std::to_string(seed));
   std::mt19937 random(static_cast<std::mt19937::result_type>(seed));
   std::uniform_int_distribution<int> microseconds(0, 60'000);
-  // The newest version that is surely on the disk, as the child tells.
+  // The newest version that is certainly on the disk. The child sets it.
   auto *finished = static_cast<volatile long *>(
       mmap(nullptr, sizeof(long), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
   ASSERT_NE(static_cast<volatile void *>(finished), MAP_FAILED);
@@ -747,7 +748,7 @@ TEST_F(Drafts, WhateverTheMomentOfAKillTheWorkIsThere) {
       draft->left_behind.reset();
       for (long version = *finished + 1;; version++) {
         first->version = copy_text(std::to_string(version).c_str());
-        // Some saves come before a draft was due.
+        // Some versions are saved without a draft.
         if (version % 3 != 0) {
           v_draft_write(draft.get(), first.get());
           *finished = version;
@@ -767,7 +768,7 @@ TEST_F(Drafts, WhateverTheMomentOfAKillTheWorkIsThere) {
     const long in_draft = version_of(draft->left_behind.get(), remark_count);
     EXPECT_GE(std::max(in_file, in_draft), *finished)
         << "kill " << kill_number << ": file " << in_file << ", draft " << in_draft;
-    EXPECT_TRUE(!draft->left_behind || in_draft >= 0) << "The draft is not whole.";
+    EXPECT_TRUE(!draft->left_behind || in_draft >= 0) << "The draft is incomplete.";
     EXPECT_THAT(names(), SizeIs(testing::Le(1U)));
     *finished = std::max(in_file, in_draft);
   }

@@ -1,5 +1,5 @@
-// A file's digest is what the file says it is: its first 32 characters, in hexadecimal. Takes the
-// place of the real digests in a test program of its own.
+// Replaces the MD5 digests in one test program: the digest of a file is its first 32 characters,
+// read as hexadecimal.
 
 #include <fstream>
 #include <string>

@@ -27,7 +27,7 @@ constexpr EarlierLayout earlier_layouts[] = {
      "9f5172002cafc9e6a1ba3faff18f0234"},
 };
 
-// A workspace with the layouts as a test gives them, opened. Every file's content is its digest.
+// Opens a workspace with the layouts of a test. Each file starts with its digest.
 class LayoutUpgrade : public testing::Test {
 protected:
   LayoutUpgrade() {
@@ -38,7 +38,7 @@ protected:
     delivered["standard.layout"] = std::string(no_digest) + "standard";
   }
 
-  // The layouts after opening.
+  // Returns the layouts after opening.
   Contents opened_with(const Contents &layouts) const {
     put(machine.install / "layouts", delivered);
     put(workspace + "/layouts", layouts);
@@ -62,7 +62,7 @@ TEST_F(LayoutUpgrade, EachEarlierVersionIsReplacedByTheDeliveredOne) {
   }
 }
 
-TEST_F(LayoutUpgrade, ADigestCountsForItsOwnNameAlone) {
+TEST_F(LayoutUpgrade, ADigestAppliesToItsOwnFileNameOnly) {
   for (const EarlierLayout &of_digest : earlier_layouts) {
     for (const char *digest : {of_digest.first, of_digest.second, standard_digest}) {
       Contents layouts;
@@ -81,7 +81,7 @@ TEST_F(LayoutUpgrade, ADigestCountsForItsOwnNameAlone) {
   }
 }
 
-TEST_F(LayoutUpgrade, AllAtOnce) {
+TEST_F(LayoutUpgrade, UpgradesAllLayoutsAtOnce) {
   Contents layouts;
   for (const EarlierLayout &layout : earlier_layouts) {
     layouts[layout.name] = layout.second;
@@ -93,7 +93,7 @@ TEST_F(LayoutUpgrade, AllAtOnce) {
   EXPECT_EQ(opened_with(layouts), expected);
 }
 
-TEST_F(LayoutUpgrade, TheOldStandardLayoutMakesRoomForAllThatAreMissing) {
+TEST_F(LayoutUpgrade, TheOldStandardLayoutIsReplacedByAllMissingLayouts) {
   Contents expected = delivered;
   expected["bundled_modern.layout"] = "edited";
   EXPECT_EQ(
@@ -101,7 +101,7 @@ TEST_F(LayoutUpgrade, TheOldStandardLayoutMakesRoomForAllThatAreMissing) {
       expected);
 }
 
-TEST_F(LayoutUpgrade, TheOldStandardLayoutGoesEvenIfNoneIsDelivered) {
+TEST_F(LayoutUpgrade, TheOldStandardLayoutIsRemovedEvenIfNoneIsDelivered) {
   delivered.erase("standard.layout");
   EXPECT_EQ(opened_with({{"standard.layout", standard_digest}}), delivered);
 }
@@ -111,9 +111,11 @@ TEST_F(LayoutUpgrade, AnEditedStandardLayoutIsKeptAndNothingIsAdded) {
   EXPECT_EQ(opened_with(edited), edited);
 }
 
-TEST_F(LayoutUpgrade, NoStandardLayoutAddsNothing) { EXPECT_EQ(opened_with({}), Contents()); }
+TEST_F(LayoutUpgrade, WithoutAStandardLayoutNothingIsAdded) {
+  EXPECT_EQ(opened_with({}), Contents());
+}
 
-TEST_F(LayoutUpgrade, ADeliveredFileThatIsItselfAnEarlierVersionIsUpgradedStepByStep) {
+TEST_F(LayoutUpgrade, ADeliveredEarlierVersionIsUpgradedStepByStep) {
   const EarlierLayout &modern = earlier_layouts[1];
   delivered[modern.name] = modern.second;
   EXPECT_EQ(opened_with({{modern.name, modern.first}}), (Contents{{modern.name, modern.second}}));

@@ -90,7 +90,7 @@ protected:
 
   void write(const std::string &xml) const { write_file(folder / "settings.xml", xml); }
 
-  // What the content of the root element makes of the defaults.
+  // Loads a file whose root element has this content. Returns all fields.
   Fields load(const std::string &content, bool expected = true, int which = -1) const {
     write("<settings>" + content + "</settings>");
     const OwnedSettings settings = v_settings_new(folder.path());
@@ -102,7 +102,7 @@ protected:
   UserLocale locale{"sv"};
 };
 
-TEST_F(Settings, TheDefaults) {
+TEST_F(Settings, NewSettingsHaveTheDefaults) {
   const OwnedSettings settings = v_settings_new(folder.path());
   EXPECT_EQ(settings->file_path.get(), folder / "settings.xml");
   EXPECT_EQ(fields_of(settings.get()), defaults);
@@ -110,14 +110,14 @@ TEST_F(Settings, TheDefaults) {
   v_settings_destroy(nullptr);
 }
 
-TEST_F(Settings, NoFileLeavesTheDefaults) {
+TEST_F(Settings, AMissingFileKeepsTheDefaults) {
   const OwnedSettings settings = v_settings_new(folder.path());
   EXPECT_TRUE(v_settings_load(settings.get(), -1));
   EXPECT_EQ(fields_of(settings.get()), defaults);
   EXPECT_EQ(list_folder(folder.path()), std::vector<std::string>());
 }
 
-TEST_F(Settings, ThePreferredLanguagesOfAUser) {
+TEST_F(Settings, PreferredLanguagesFollowTheUsersLanguage) {
   const std::pair<const char *, const char *> users[] = {
       {"sv", "[sv][en-uk][en]"},
       {"sv_FI.UTF-8", "[sv][en-uk][en]"},
@@ -166,7 +166,7 @@ std::string legend(const std::string &filter, const std::string &text) {
   return printout("<legend" + attributes + "/>");
 }
 
-TEST_F(Settings, EveryElement) {
+TEST_F(Settings, EveryElementIsRead) {
   const std::string all_flags = " show-on-text-page='true' show-on-view-pages='false'";
   const Element elements[] = {
       {"", {}},
@@ -241,7 +241,7 @@ TEST_F(Settings, EveryElement) {
   }
 }
 
-TEST_F(Settings, TheFilterLevels) {
+TEST_F(Settings, FilterLevelsAreRead) {
   const std::pair<const char *, const char *> codeset_levels[] = {
       {"From all codesets", "1"}, {"From primary codeset only", "2"},
       {"From no codeset", "3"},   {"From No Codeset", "2"},
@@ -265,7 +265,7 @@ TEST_F(Settings, TheFilterLevels) {
   }
 }
 
-TEST_F(Settings, AnElementIsAppliedWholeOrNotAtAll) {
+TEST_F(Settings, AnElementIsAppliedCompletelyOrNotAtAll) {
   const std::string complete[] = {
       "<paper name='A4' orientation='Landscape'/>",
       "<details show-on-text-page='false' show-on-view-pages='true'/>",
@@ -338,20 +338,20 @@ TEST_F(Settings, TheLastOfARepeatedElementWins) {
                           {"report type", "0"}}));
 }
 
-TEST_F(Settings, AnUnfitRepetitionLeavesWhatWasRead) {
+TEST_F(Settings, AnInvalidRepetitionKeepsTheEarlierValue) {
   EXPECT_EQ(load("<default-mark-id-style style='2'/><default-mark-id-style style='3'/>"
                  "<archive path='/1'/><archive/>"),
             defaults_but({{"mark id style", "2"}, {"archive", "/1"}}));
 }
 
-TEST_F(Settings, WhatIsNotKnownIsIgnored) {
+TEST_F(Settings, UnknownNodesAreIgnored) {
   EXPECT_EQ(load("text<!--archive path='/x'--><?archive path='/x'?><Archive path='/x'/>"
                  "<settings><archive path='/x'/></settings><identifier setting='None'/>" +
                  printout("<left-handed active='true'/><unknown/>text")),
             defaults);
 }
 
-TEST_F(Settings, OnlyElementsAreAppliedWhateverElseHasTheirNames) {
+TEST_F(Settings, OtherNodesNamedLikeElementsAreIgnored) {
   const std::string remark =
       "<remark><code>7</code><description lang='sv'>a</description></remark>";
   const Fields expected = defaults_but(
@@ -409,7 +409,7 @@ TEST_F(Settings, TheMaskSelectsElements) {
   EXPECT_EQ(load(all, true, -1), defaults_but(all_changes));
 }
 
-TEST_F(Settings, WhatIsNotSelectedCannotFail) {
+TEST_F(Settings, UnselectedElementsCannotFail) {
   const std::string bad = "<last-used-paper id='&#xE5;'/><preferred-languages>"
                           "<language tag='&#xE5;'/></preferred-languages>"
                           "<recent-custom-remarks><remark/></recent-custom-remarks>";
@@ -419,7 +419,7 @@ TEST_F(Settings, WhatIsNotSelectedCannotFail) {
   }
 }
 
-TEST_F(Settings, WhatIsNotAsciiIsSkippedAndTold) {
+TEST_F(Settings, ValuesThatAreNotAsciiAreSkippedAndReported) {
   const std::string after = "<archive path='/after'/>";
   EXPECT_EQ(load("<last-used-paper id='A4_\xC3\xA5'/>" + after, false),
             defaults_but({{"archive", "/after"}}));
@@ -432,7 +432,7 @@ TEST_F(Settings, WhatIsNotAsciiIsSkippedAndTold) {
             defaults_but({{"languages", "[fr][de]"}, {"archive", "/after"}}));
 }
 
-TEST_F(Settings, ARemarkThatCannotBeReadIsSkippedAndTold) {
+TEST_F(Settings, ARemarkThatCannotBeReadIsSkippedAndReported) {
   EXPECT_EQ(load("<recent-custom-remarks><remark><code>1</code></remark><remark><code>2</code>"
                  "<description lang='sv'>a</description></remark><remark/></recent-custom-remarks>"
                  "<archive path='/after'/>",
@@ -442,7 +442,7 @@ TEST_F(Settings, ARemarkThatCannotBeReadIsSkippedAndTold) {
   EXPECT_STREQ(v_error_get(), "Missing remark content in XML data.");
 }
 
-TEST_F(Settings, AFileThatIsNoSettingsFile) {
+TEST_F(Settings, AnotherRootElementIsAFailure) {
   for (const char *xml : {"<Settings><archive path='/x'/></Settings>", "<codeset/>",
                           "<x><settings><archive path='/x'/></settings></x>"}) {
     write(xml);
@@ -452,7 +452,7 @@ TEST_F(Settings, AFileThatIsNoSettingsFile) {
   }
 }
 
-TEST_F(Settings, AFileThatCannotBeParsed) {
+TEST_F(Settings, AFileThatCannotBeParsedIsAFailure) {
   for (const char *xml : {"", "<settings><archive path='/x'/>", "<settings>\xE5</settings>"}) {
     write(xml);
     const OwnedSettings settings = v_settings_new(folder.path());
@@ -465,14 +465,14 @@ TEST_F(Settings, AFileThatCannotBeParsed) {
   EXPECT_FALSE(v_settings_load(v_settings_new(folder.path()).get(), -1));
 }
 
-TEST_F(Settings, AFileThatCannotBeAskedFor) {
+TEST_F(Settings, AFileWhoseStatusCannotBeReadIsAFailure) {
   write_file(folder / "file", "");
   const OwnedSettings settings = v_settings_new((folder / "file").c_str());
   EXPECT_FALSE(v_settings_load(settings.get(), -1));
   EXPECT_STREQ(v_error_get(), "Cannot get file status.\n\nError 20: Not a directory");
 }
 
-TEST_F(Settings, ARootWithoutChildren) {
+TEST_F(Settings, ARootWithoutChildrenKeepsTheDefaults) {
   EXPECT_EQ(load(""), defaults);
   write("<settings/>");
   EXPECT_TRUE(v_settings_load(v_settings_new(folder.path()).get(), -1));

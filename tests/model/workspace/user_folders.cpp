@@ -7,7 +7,7 @@
 
 namespace {
 
-// A test that needs other folders runs in a process of its own that gets their names from these.
+// A test that needs another folder names it in the variable `chosen_by` and runs in a new process.
 void set_folder(const char *variable, const char *chosen_by, const std::string &usual) {
   const char *chosen = std::getenv(chosen_by);
   setenv(variable, chosen == nullptr ? usual.c_str() : chosen, 1);

@@ -1,15 +1,15 @@
 #pragma once
-// The user's home, configuration and state folder as a test program's own. GLib asks for them once
-// and keeps them, so they are set before the first test and are the same for all.
+// Temporary home, configuration and state folders for a test program. GLib caches their paths, so
+// they are set before the first test and are the same for all tests.
 
 #include <string>
 
 std::string home_folder();
 std::string config_folder();
-// Missing, as its parent is, until the program makes it.
+// Neither it nor its parent exists until the program creates it.
 std::string state_folder();
 
-// Home and configuration folder are there and empty, before a test and after it.
+// Empties the home and configuration folders before a test and after it.
 class FreshUserFolders {
 public:
   FreshUserFolders();

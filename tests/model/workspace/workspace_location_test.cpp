@@ -36,7 +36,7 @@ protected:
   std::string pointer_file = pointer_folder + "/vantorelle.xml";
 };
 
-TEST_F(WorkspaceLocation, WhereThePointerFileLies) {
+TEST_F(WorkspaceLocation, FindsThePointerFile) {
   EXPECT_EQ(get_workspace_pointer_file_path(FolderCreation::no).get(), pointer_file);
   EXPECT_FALSE(path_exists(pointer_folder));
   EXPECT_EQ(get_workspace_pointer_file_path(FolderCreation::yes).get(), pointer_file);
@@ -44,7 +44,7 @@ TEST_F(WorkspaceLocation, WhereThePointerFileLies) {
   EXPECT_EQ(get_workspace_pointer_file_path(FolderCreation::yes).get(), pointer_file);
 }
 
-TEST_F(WorkspaceLocation, MissingParentsOfThePointerFileAreMadeForTheirOwnerOnly) {
+TEST_F(WorkspaceLocation, MissingParentsOfThePointerFileAreCreatedForTheirOwnerOnly) {
   std::filesystem::remove_all(config_folder());
   EXPECT_EQ(get_workspace_pointer_file_path(FolderCreation::no).get(), pointer_file);
   EXPECT_FALSE(path_exists(config_folder()));
@@ -56,7 +56,7 @@ TEST_F(WorkspaceLocation, MissingParentsOfThePointerFileAreMadeForTheirOwnerOnly
   }
 }
 
-TEST_F(WorkspaceLocation, AConfigurationFolderThatIsAFile) {
+TEST_F(WorkspaceLocation, FailsIfTheConfigurationFolderIsAFile) {
   std::filesystem::remove_all(config_folder());
   write_file(config_folder(), "");
   EXPECT_NE(get_workspace_pointer_file_path(FolderCreation::no), nullptr);
@@ -69,7 +69,7 @@ TEST_F(WorkspaceLocation, AConfigurationFolderThatIsAFile) {
   EXPECT_EQ(path, nullptr);
 }
 
-TEST_F(WorkspaceLocation, AFolderThatCannotBeMade) {
+TEST_F(WorkspaceLocation, FailsIfTheFolderCannotBeCreated) {
   std::filesystem::permissions(config_folder(), std::filesystem::perms(0555));
   std::filesystem::permissions(home_folder(), std::filesystem::perms(0755));
   std::filesystem::permissions(home_folder() + "/..", std::filesystem::perms(0755));
@@ -79,7 +79,7 @@ TEST_F(WorkspaceLocation, AFolderThatCannotBeMade) {
             no_settings_folder);
 }
 
-TEST_F(WorkspaceLocation, NothingSavedYet) {
+TEST_F(WorkspaceLocation, GivesNullIfNothingIsSaved) {
   OwnedText path = copy_text("old");
   EXPECT_TRUE(v_workspace_get_saved_folder_path(path));
   EXPECT_EQ(path, nullptr);
@@ -147,7 +147,7 @@ TEST_F(WorkspaceLocation, SavingOnAFullDiskKeepsTheOldPath) {
   EXPECT_EQ(list_folder(pointer_folder), std::vector<std::string>{"vantorelle.xml"});
 }
 
-TEST_F(WorkspaceLocation, APathThatNoXmlCanHoldKeepsTheOldPath) {
+TEST_F(WorkspaceLocation, APathThatXmlCannotHoldKeepsTheOldPath) {
   ASSERT_TRUE(v_workspace_save_folder_path("/old"));
   EXPECT_FALSE(v_workspace_save_folder_path("/\x01"));
   EXPECT_EQ(saved_path(), "/old");
@@ -176,14 +176,14 @@ TEST_F(WorkspaceLocation, ALinkedPointerFileStaysALink) {
   EXPECT_EQ(saved_path(), "/w");
 }
 
-TEST_F(WorkspaceLocation, ALinkThatLeadsNowhereIsReplaced) {
+TEST_F(WorkspaceLocation, ADanglingLinkIsReplaced) {
   make_folder(pointer_folder);
   ASSERT_EQ(symlink((home_folder() + "/none/x").c_str(), pointer_file.c_str()), 0);
   EXPECT_EQ(save_result("/w"), "saved");
   EXPECT_EQ(saved_path(), "/w");
 }
 
-TEST_F(WorkspaceLocation, ASavedPointerFileIsNoMorePublicThanTheOldOne) {
+TEST_F(WorkspaceLocation, SavingKeepsThePermissionsOfThePointerFile) {
   ASSERT_TRUE(v_workspace_save_folder_path("/old"));
   set_permissions(pointer_file, 0600);
   ASSERT_TRUE(v_workspace_save_folder_path("/w"));
@@ -197,7 +197,7 @@ struct PointerFile {
   const char *path;
 };
 
-TEST_F(WorkspaceLocation, ReadingAPointerFile) {
+TEST_F(WorkspaceLocation, ReadsAPointerFile) {
   const PointerFile files[] = {
       {"<vantorelle><workspace path='/a/b'/></vantorelle>", "/a/b"},
       {"<anything><workspace path='/a/b'/></anything>", "/a/b"},
@@ -218,7 +218,7 @@ TEST_F(WorkspaceLocation, ReadingAPointerFile) {
   }
 }
 
-TEST_F(WorkspaceLocation, APointerFileThatCannotBeUnderstood) {
+TEST_F(WorkspaceLocation, RejectsAnInvalidPointerFile) {
   const std::pair<const char *, const char *> files[] = {
       {"<v/>", "Missing XML node: workspace"},
       {"<workspace path='/a'/>", "Missing XML node: workspace"},
@@ -250,7 +250,7 @@ TEST_F(WorkspaceLocation, APointerFileThatCannotBeUnderstood) {
   EXPECT_EQ(path, nullptr);
 }
 
-TEST_F(WorkspaceLocation, TheDefaultPlace) {
+TEST_F(WorkspaceLocation, TheDefaultFolderIsInTheHomeFolder) {
   EXPECT_EQ(v_workspace_get_default_folder_path().get(), home_folder() + "/Vantorelle Workspace");
 }
 
@@ -283,13 +283,13 @@ TEST_F(WorkspaceLocation, AWorkspaceInTheRootFolderHasAnAbsolutePath) {
   EXPECT_STREQ(v_workspace_create_path_in_parent_folder("/a/").get(), "/a/Vantorelle Workspace");
 }
 
-// GLib keeps the folders that it has once been asked for.
+// GLib caches these folders, so each test needs a process of its own.
 class WorkspaceLocationDeathTest : public testing::Test {
 protected:
   WorkspaceLocationDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
-TEST_F(WorkspaceLocationDeathTest, AConfigurationFolderWhoseNameIsNotUtf8) {
+TEST_F(WorkspaceLocationDeathTest, FailsIfTheConfigurationFolderNameIsNotUtf8) {
   const EnvironmentVariable config("VANTORELLE_TEST_CONFIG_HOME", "/tmp/\xFF");
   EXPECT_EXIT(
       {
@@ -305,7 +305,7 @@ TEST_F(WorkspaceLocationDeathTest, AConfigurationFolderWhoseNameIsNotUtf8) {
       testing::ExitedWithCode(0), no_config_folder);
 }
 
-TEST_F(WorkspaceLocationDeathTest, AHomeFolderWhoseNameIsNotUtf8) {
+TEST_F(WorkspaceLocationDeathTest, FailsIfTheHomeFolderNameIsNotUtf8) {
   const EnvironmentVariable home("VANTORELLE_TEST_HOME", "/tmp/\xFF");
   EXPECT_EXIT(std::exit(v_workspace_get_default_folder_path() ? 1 : 0), testing::ExitedWithCode(0),
               "");
@@ -319,7 +319,7 @@ TEST_F(WorkspaceLocationDeathTest, AHomeFolderWhoseNameIsNotUtf8) {
       testing::ExitedWithCode(0), "Could not convert filename to unicode.");
 }
 
-TEST_F(WorkspaceLocationDeathTest, AHomeFolderThatIsTheRoot) {
+TEST_F(WorkspaceLocationDeathTest, PlacesUnderARootHomeFolderHaveOneSlash) {
   const EnvironmentVariable home("VANTORELLE_TEST_HOME", "/");
   EXPECT_EXIT(
       {

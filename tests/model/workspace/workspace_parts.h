@@ -1,5 +1,5 @@
 #pragma once
-// The delivered components of a pretended installation, and what lies in a folder.
+// A pretended installation with delivered components, and the contents of folders as plain values.
 
 #include <filesystem>
 #include <map>
@@ -9,7 +9,7 @@
 #include "support/fake_platform.h"
 #include "support/files.h"
 
-// Path below the folder and content of every file; sub-folders end in "/" and have no content.
+// Relative path and content of each file. Paths of sub-folders end in "/"; their content is empty.
 using Contents = std::map<std::string, std::string>;
 
 inline Contents contents_of(const std::string &folder) {
@@ -37,13 +37,13 @@ inline void put(const std::string &folder, const Contents &contents) {
   }
 }
 
-// An empty installation, home and configuration folder, and one more for the test's own use.
+// An empty installation, home and configuration folder, and one more folder for the test.
 class PretendedMachine {
 public:
   PretendedMachine() { fake_platform.install_folder = install.path(); }
 
   void deliver(const Contents &contents) const { put(install.path(), contents); }
-  // A regular file that opens and cannot be read, for the superuser neither.
+  // Delivers a regular file that opens but cannot be read, not even by the superuser.
   void deliver_unreadable(const std::string &name) const {
     std::filesystem::create_symlink("/proc/self/mem", install / name);
   }

@@ -20,7 +20,7 @@ protected:
   void save(const std::string &path) const {
     ASSERT_TRUE(v_workspace_save_folder_path(path.c_str())) << v_error_get();
   }
-  // An empty folder that the pointer file names.
+  // Creates an empty folder and saves its path in the pointer file.
   void point_to_a_new_folder() const {
     make_folder(folder);
     save(folder);
@@ -44,7 +44,7 @@ protected:
 const Contents empty_workspace = {
     {"codesets/", ""}, {"layouts/", ""}, {"documents/", ""}, {"templates/", ""}};
 
-TEST_F(Workspace, OpeningMakesWhatIsMissing) {
+TEST_F(Workspace, OpeningCreatesMissingFolders) {
   deliver_some();
   point_to_a_new_folder();
   const OwnedWorkspace workspace = v_workspace_open();
@@ -64,7 +64,7 @@ TEST_F(Workspace, OpeningMakesWhatIsMissing) {
   }
 }
 
-TEST_F(Workspace, OpeningTakesWhatIsThere) {
+TEST_F(Workspace, OpeningKeepsExistingFiles) {
   Contents full = empty_workspace;
   full["codesets/a.codeset"] = "x";
   full["fonts"] = "not even a folder";
@@ -87,7 +87,7 @@ TEST_F(Workspace, WithoutAPointerFileTheDefaultFolderIsOpened) {
   EXPECT_EQ(saved_path(), "(none)");
 }
 
-TEST_F(Workspace, APointerFileThatCannotBeReadIsAsGoodAsNone) {
+TEST_F(Workspace, AnUnreadablePointerFileCountsAsNone) {
   make_folder(home_folder() + "/Vantorelle Workspace");
   make_folder(config_folder() + "/vantorelle");
   const std::string pointer_file = config_folder() + "/vantorelle/vantorelle.xml";
@@ -114,7 +114,7 @@ TEST_F(Workspace, AFolderThatNoLongerExistsIsNotOpened) {
   EXPECT_EQ(list_folder(home_folder() + "/Vantorelle Workspace"), std::vector<std::string>());
 }
 
-TEST_F(Workspace, AFileInThePlaceOfASubFolder) {
+TEST_F(Workspace, RefusesAFileInPlaceOfASubFolder) {
   for (const char *name : {"codesets", "layouts", "documents", "templates"}) {
     std::filesystem::remove_all(folder);
     point_to_a_new_folder();
@@ -124,7 +124,7 @@ TEST_F(Workspace, AFileInThePlaceOfASubFolder) {
   }
 }
 
-TEST_F(Workspace, APipeInThePlaceOfASubFolder) {
+TEST_F(Workspace, RefusesAPipeInPlaceOfASubFolder) {
   for (const char *name : {"codesets", "layouts", "documents", "templates"}) {
     std::filesystem::remove_all(folder);
     point_to_a_new_folder();
@@ -133,23 +133,23 @@ TEST_F(Workspace, APipeInThePlaceOfASubFolder) {
   }
 }
 
-TEST_F(Workspace, ASubFolderThatCannotBeMade) {
+TEST_F(Workspace, FailsIfASubFolderCannotBeCreated) {
   point_to_a_new_folder();
-  // A link to nowhere is missing and cannot be made.
+  // A dangling link counts as missing, but no folder can be created in its place.
   std::filesystem::create_symlink("nowhere/at/all", folder + "/documents");
   EXPECT_EQ(v_workspace_open(), nullptr);
   EXPECT_STREQ(v_error_get(), "Cannot create folder.\n\nError 17: File exists");
   EXPECT_EQ(list_folder(folder), (std::vector<std::string>{"codesets", "documents", "layouts"}));
 }
 
-TEST_F(Workspace, ASubFolderThatCannotBeAskedFor) {
+TEST_F(Workspace, FailsIfTheStatusOfASubFolderCannotBeRead) {
   point_to_a_new_folder();
   std::filesystem::create_symlink("templates", folder + "/templates");
   EXPECT_EQ(v_workspace_open(), nullptr);
   EXPECT_THAT(v_error_get(), StartsWith("Cannot get file status.\n\nError 40:"));
 }
 
-TEST_F(Workspace, ClosingNull) { v_workspace_close(nullptr); }
+TEST_F(Workspace, ClosingNullIsAllowed) { v_workspace_close(nullptr); }
 
 TEST_F(Workspace, CreatingInstallsTheComponentsAndSavesThePath) {
   deliver_some();
@@ -168,7 +168,7 @@ TEST_F(Workspace, CreatingInstallsTheComponentsAndSavesThePath) {
   EXPECT_TRUE(path_exists(folder + "/documents"));
 }
 
-TEST_F(Workspace, CreatingWithoutDeliveredTemplates) {
+TEST_F(Workspace, CreatesAWorkspaceWithoutDeliveredTemplates) {
   machine.deliver({{"codesets/a.codeset", "A"}, {"layouts/", ""}});
   ASSERT_TRUE(v_workspace_create(folder.c_str())) << v_error_get();
   EXPECT_EQ(contents_of(folder),
@@ -177,7 +177,7 @@ TEST_F(Workspace, CreatingWithoutDeliveredTemplates) {
   EXPECT_TRUE(path_exists(folder + "/templates"));
 }
 
-TEST_F(Workspace, CreatingOverSomethingThatExists) {
+TEST_F(Workspace, RefusesToCreateOverAnExistingPath) {
   deliver_some();
   put(folder, {{"own", "x"}});
   EXPECT_FALSE(v_workspace_create(folder.c_str()));
@@ -189,7 +189,7 @@ TEST_F(Workspace, CreatingOverSomethingThatExists) {
   EXPECT_EQ(saved_path(), "(none)");
 }
 
-TEST_F(Workspace, CreatingWhereNoFolderCanBeMade) {
+TEST_F(Workspace, FailsWhereNoFolderCanBeCreated) {
   deliver_some();
   EXPECT_FALSE(v_workspace_create((folder + "/two/levels").c_str()));
   EXPECT_STREQ(v_error_get(), "Cannot create folder.\n\nError 2: No such file or directory");
@@ -200,7 +200,7 @@ TEST_F(Workspace, CreatingWhereNoFolderCanBeMade) {
   EXPECT_EQ(saved_path(), "(none)");
 }
 
-TEST_F(Workspace, CreatingUnderANameThatCannotBeRemembered) {
+TEST_F(Workspace, RefusesANameThatCannotBeSaved) {
   deliver_some();
   EXPECT_FALSE(v_workspace_create((folder + "\x01").c_str()));
   EXPECT_STREQ(v_error_get(), "Error when setting an XML attribute.");
@@ -208,7 +208,7 @@ TEST_F(Workspace, CreatingUnderANameThatCannotBeRemembered) {
   EXPECT_EQ(saved_path(), "(none)");
 }
 
-TEST_F(Workspace, AFailingInstallationUndoesEverythingAndTellsWhy) {
+TEST_F(Workspace, AFailedInstallationUndoesEverythingAndSaysWhy) {
   for (const char *failing : {"codesets", "layouts", "templates"}) {
     SCOPED_TRACE(failing);
     std::filesystem::remove_all(machine.install.path());
@@ -236,7 +236,7 @@ TEST_F(Workspace, WithoutAnInstallFolderNothingIsCreated) {
   EXPECT_EQ(list_folder(machine.folder.path()), std::vector<std::string>());
 }
 
-TEST_F(Workspace, APathThatCannotBeSavedUndoesEverythingAndTellsWhy) {
+TEST_F(Workspace, APathThatCannotBeSavedUndoesEverythingAndSaysWhy) {
   deliver_some();
   std::filesystem::remove_all(config_folder());
   write_file(config_folder(), "a file");
@@ -246,14 +246,14 @@ TEST_F(Workspace, APathThatCannotBeSavedUndoesEverythingAndTellsWhy) {
   EXPECT_EQ(list_folder(machine.folder.path()), std::vector<std::string>());
 }
 
-TEST_F(Workspace, AFailedCreationLeavesTheSavedPath) {
+TEST_F(Workspace, AFailedCreationKeepsTheSavedPath) {
   save("/elsewhere");
   machine.deliver({{"templates", "a file"}});
   EXPECT_FALSE(v_workspace_create(folder.c_str()));
   EXPECT_EQ(saved_path(), "/elsewhere");
 }
 
-// Room for the delivered files, but not for the pointer file.
+// The limit allows the delivered files, but not the pointer file.
 TEST_F(Workspace, AFullDiskKeepsThePointerToTheOldWorkspace) {
   deliver_some();
   save("/elsewhere");
