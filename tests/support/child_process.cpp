@@ -49,7 +49,7 @@ void give_up_superuser() {
 
 void limit_file_size(unsigned long bytes) {
   const rlimit limit = {bytes, bytes};
-  // Without the signal the write fails with EFBIG instead of ending the process.
+  // With the signal ignored, a write fails with EFBIG instead of ending the process.
   if (std::signal(SIGXFSZ, SIG_IGN) == SIG_ERR || setrlimit(RLIMIT_FSIZE, &limit) != 0) {
     give_up("setrlimit");
   }
@@ -69,7 +69,7 @@ std::string in_child_process(const std::function<std::string()> &work) {
   }
   if (child == 0) {
     close(ends[0]);
-    // Without the exit handlers: they belong to the test program.
+    // _exit does not run the exit handlers, which belong to the test program.
     _exit(write_all(ends[1], work()) ? EXIT_SUCCESS : EXIT_FAILURE);
   }
   close(ends[1]);

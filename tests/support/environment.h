@@ -1,11 +1,11 @@
 #pragma once
-// Variables of the environment for the time of a test.
+// Environment variables that are set during a test.
 
 #include <cstdlib>
 #include <optional>
 #include <string>
 
-// Sets the variable, or removes it for a null value, and gives it back what it had at the end.
+// Sets the variable, or unsets it if `value` is null. The destructor restores the old value.
 class EnvironmentVariable {
 public:
   EnvironmentVariable(const char *variable, const char *value) : name(variable) {
@@ -31,7 +31,7 @@ private:
   std::optional<std::string> old_value;
 };
 
-// The user's locale is the given one and nothing else speaks of a language.
+// Sets the user's locale and unsets the other variables that determine the user's language.
 class UserLocale {
 public:
   explicit UserLocale(const char *locale)

@@ -1,7 +1,7 @@
 #pragma once
-// The operating system as a test wants it to be: takes the place of everything in base/platform.h
-// that asks the system something. A test program gets it by naming vantorelle_fake_platform under
-// USES. Nothing is started, and no folder of the machine is known until a test names one.
+// A fake operating system: replaces the functions of base/platform.h that depend on the system. A
+// test program uses it by listing vantorelle_fake_platform under USES. It starts no programs and
+// knows only the folders that a test sets.
 
 #include <map>
 #include <optional>
@@ -10,17 +10,17 @@
 
 // All texts are UTF-8.
 struct FakePlatform {
-  std::optional<std::string> install_folder; // none: "Error getting exe path from system."
+  std::optional<std::string> install_folder; // unset: "Error getting exe path from system."
   std::optional<std::string> temp_files_folder;
-  std::map<long, std::string> exe_paths; // by process id; others are no process
+  std::map<long, std::string> exe_paths; // by process id; no other process exists
   bool programs_are_bundles = false;     // as on macOS
   bool commands_can_start = true;
-  std::vector<std::string> command_lines; // what was to be started, the failed starts included
+  std::vector<std::string> command_lines; // of all attempts, failed ones included
 };
 
 extern FakePlatform fake_platform;
 
-// Sets the fake back to what it is at first, before a test and after it.
+// Resets the fake before a test and after it.
 class FakePlatformReset {
 public:
   FakePlatformReset() { fake_platform = {}; }

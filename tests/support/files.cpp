@@ -84,6 +84,6 @@ std::vector<std::string> list_folder(const std::string &path) {
 
 int count_open_descriptors() {
   const auto descriptors = std::filesystem::directory_iterator("/proc/self/fd");
-  // Listing them takes one itself.
+  // The listing itself has one open.
   return static_cast<int>(std::distance(begin(descriptors), end(descriptors))) - 1;
 }

@@ -1,11 +1,11 @@
 #pragma once
-// Files and folders of a test's own. Paths are UTF-8; every failure ends the test program, because
-// a test whose ground is not as it believes proves nothing.
+// Files and folders for tests. Paths are UTF-8. Every failure ends the test program, because a test
+// without its files proves nothing.
 
 #include <string>
 #include <vector>
 
-// A new empty folder, removed with everything in it at the end.
+// A new empty folder. The destructor removes it with its contents.
 class TemporaryFolder {
 public:
   TemporaryFolder();
@@ -14,7 +14,7 @@ public:
   TemporaryFolder &operator=(const TemporaryFolder &) = delete;
 
   const char *path() const { return folder.c_str(); }
-  // The path of an entry of the folder, whether or not it exists; the name may hold "/".
+  // The path of an entry, which need not exist. The name may contain "/".
   std::string operator/(const std::string &name) const { return folder + "/" + name; }
 
 private:
@@ -28,5 +28,5 @@ void make_folder(const std::string &path);
 void set_permissions(const std::string &path, unsigned mode);
 // Names without "." and "..", sorted by their bytes.
 std::vector<std::string> list_folder(const std::string &path);
-// Descriptors that the process holds open.
+// The number of open descriptors of this process.
 int count_open_descriptors();

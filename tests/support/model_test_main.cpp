@@ -3,12 +3,12 @@
 
 #include <gtest/gtest.h>
 
-// The program runs in its user's locale, and so do its tests: no text, number or order may move
-// with it. Only the system's own sentences stay in one language, since messages are compared.
+// The tests run in the user's locale, as the program does: no text, number or order may depend on
+// it. Only system messages stay in one language, because tests compare them.
 int main(int argc, char **argv) {
   testing::InitGoogleTest(&argc, argv);
   if (std::setlocale(LC_ALL, "") == nullptr) {
-    std::fputs("The locale that was asked for is not there.\n", stderr);
+    std::fputs("The locale of the environment is not available.\n", stderr);
     return 1;
   }
   std::setlocale(LC_MESSAGES, "C");

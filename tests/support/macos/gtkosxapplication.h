@@ -1,6 +1,6 @@
 #pragma once
-// The calls of the library of this name that the program makes, with the types that they take, so
-// that the macOS source is compiled and tested everywhere. The test program defines the functions.
+// Declares the functions that the program calls from the library's header of this name, so that the
+// macOS source can be compiled and tested everywhere. The test program defines the functions.
 
 #include <gtk/gtk.h>
 

@@ -1,6 +1,6 @@
 #pragma once
-// The one call of the system library of this name that the program makes, so that the macOS source
-// is compiled and tested everywhere. The test program defines the function.
+// Declares the one function of the system's libproc.h that the program calls, so that the macOS
+// source can be compiled and tested everywhere. The test program defines the function.
 
 #include <cstdint>
 
