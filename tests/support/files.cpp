@@ -73,6 +73,14 @@ void set_permissions(const std::string &path, unsigned mode) {
   }
 }
 
+unsigned permissions_of(const std::string &path) {
+  struct stat status;
+  if (stat(path.c_str(), &status) != 0) {
+    give_up(path);
+  }
+  return status.st_mode & 07777U;
+}
+
 std::vector<std::string> list_folder(const std::string &path) {
   std::vector<std::string> names;
   for (const auto &entry : std::filesystem::directory_iterator(path)) {

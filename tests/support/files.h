@@ -26,6 +26,8 @@ std::string read_file(const std::string &path);
 bool path_exists(const std::string &path);
 void make_folder(const std::string &path);
 void set_permissions(const std::string &path, unsigned mode);
+// Follows links. Includes the set-user, set-group and sticky bits.
+unsigned permissions_of(const std::string &path);
 // Names without "." and "..", sorted by their bytes.
 std::vector<std::string> list_folder(const std::string &path);
 // The number of open descriptors of this process.

@@ -25,9 +25,7 @@ TEST_F(PrivateFiles, AreCreatedForTheirOwnerOnlyAndKeepTheirContent) {
   const mode_t old_mask = umask(0);
   EXPECT_NE(v_private_files_create(path.c_str()), nullptr);
   umask(old_mask);
-  struct stat status;
-  ASSERT_EQ(stat(path.c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 07777, 0600U);
+  EXPECT_EQ(permissions_of(path), 0600U);
   write_file(path, "content");
   EXPECT_NE(v_private_files_create(path.c_str()), nullptr);
   EXPECT_EQ(read_file(path), "content");

@@ -621,28 +621,30 @@ TEST(FileCopy, OntoTheSamePathChangesNothing) {
   EXPECT_FALSE(path_exists(folder / "missing"));
 }
 
-class CopyOntoItself : public testing::TestWithParam<const char *> {};
+// The parameter is another path of inner/file.
+class CopyOntoItself : public testing::TestWithParam<const char *> {
+protected:
+  void write_file_and_links(const std::string &content) const {
+    make_folder(folder / "inner");
+    write_file(folder / "inner/file", content);
+    ASSERT_EQ(symlink("inner", (folder / "link").c_str()), 0);
+    ASSERT_EQ(symlink("file", (folder / "inner/link").c_str()), 0);
+    ASSERT_EQ(link((folder / "inner/file").c_str(), (folder / "inner/hard").c_str()), 0);
+  }
+
+  TemporaryFolder folder;
+};
 
 TEST_P(CopyOntoItself, UnderAnotherSpellingKeepsTheFile) {
-  const TemporaryFolder folder;
-  make_folder(folder / "inner");
   const std::string data = varied_bytes(100'000);
-  write_file(folder / "inner/file", data);
-  ASSERT_EQ(symlink("inner", (folder / "link").c_str()), 0);
-  ASSERT_EQ(symlink("file", (folder / "inner/link").c_str()), 0);
-  ASSERT_EQ(link((folder / "inner/file").c_str(), (folder / "inner/hard").c_str()), 0);
+  ASSERT_NO_FATAL_FAILURE(write_file_and_links(data));
   EXPECT_EQ(copy(folder / "inner/file", folder / GetParam()), "done");
   EXPECT_EQ(read_file(folder / "inner/file"), data);
   EXPECT_EQ(read_file(folder / GetParam()), data);
 }
 
 TEST_P(CopyOntoItself, InAFolderWithoutWritePermissionKeepsTheFile) {
-  const TemporaryFolder folder;
-  make_folder(folder / "inner");
-  write_file(folder / "inner/file", "abc");
-  ASSERT_EQ(symlink("inner", (folder / "link").c_str()), 0);
-  ASSERT_EQ(symlink("file", (folder / "inner/link").c_str()), 0);
-  ASSERT_EQ(link((folder / "inner/file").c_str(), (folder / "inner/hard").c_str()), 0);
+  ASSERT_NO_FATAL_FAILURE(write_file_and_links("abc"));
   set_permissions(folder / "inner/file", 0666);
   set_permissions(folder / "inner", 0555);
   set_permissions(folder.path(), 0755);

@@ -59,6 +59,17 @@ protected:
     return v_xml_read_root_children(path.c_str(), reader);
   }
 
+  // Expects that read() succeeds or fails as the tree parser does, with the same message. Returns
+  // whether both succeed.
+  bool read_like_tree_parser(const std::string &bytes) {
+    const bool is_read_by_tree = parse(bytes) != nullptr;
+    const std::string message = is_read_by_tree ? "" : v_error_get();
+    v_error_clear();
+    EXPECT_EQ(read(bytes), is_read_by_tree);
+    EXPECT_EQ(v_error_get(), message);
+    return is_read_by_tree;
+  }
+
   std::vector<std::string> seen;
 };
 
@@ -152,13 +163,9 @@ TEST_F(XmlEvents, MalformedXmlFailsWithTheMessageOfTheTreeParser) {
         "<a><b xmlns='relative'><c></b></a>",
         "<a><?xml version='1.0'?></a>",
         "<a>\n<b c=d>\n</a>"}) {
-    write_file(path, bytes);
-    EXPECT_EQ(v_xml_parse_file(path.c_str()), nullptr) << bytes;
-    const std::string message = v_error_get();
-    EXPECT_THAT(message, StartsWith("Could not parse XML data.\n\n"));
-    v_error_clear();
-    EXPECT_FALSE(read(bytes)) << bytes;
-    EXPECT_EQ(v_error_get(), message) << bytes;
+    SCOPED_TRACE(bytes);
+    EXPECT_FALSE(read_like_tree_parser(bytes));
+    EXPECT_THAT(v_error_get(), StartsWith("Could not parse XML data.\n\n"));
   }
 }
 
@@ -186,13 +193,8 @@ TEST_F(XmlEvents, NestingHasTheLimitOfTheTreeParser) {
       start += "<a>";
       end += "</a>";
     }
-    write_file(path, start + end);
-    const bool is_read_by_tree = v_xml_parse_file(path.c_str()) != nullptr;
-    const std::string message = v_error_get();
-    EXPECT_EQ(is_read_by_tree, depth < 258) << depth;
-    v_error_clear();
-    EXPECT_EQ(read(start + end), is_read_by_tree) << depth;
-    EXPECT_EQ(v_error_get(), is_read_by_tree ? "" : message);
+    SCOPED_TRACE(depth);
+    EXPECT_EQ(read_like_tree_parser(start + end), depth < 258);
   }
 }
 
@@ -201,14 +203,9 @@ TEST_F(XmlEvents, TextsHaveTheLimitOfTheTreeParser) {
       {"<a><b>", "</b></a>"}, {"<a><x>", "</x></a>"}, {"<a>", "</a>"}};
   for (const auto &[start, end] : rows) {
     for (const std::size_t length : {9'999'000U, 10'500'000U}) {
-      const std::string bytes = start + std::string(length, 'x') + end;
-      write_file(path, bytes);
-      const bool is_read_by_tree = v_xml_parse_file(path.c_str()) != nullptr;
-      const std::string message = v_error_get();
-      EXPECT_EQ(is_read_by_tree, length < 10'000'000U);
-      v_error_clear();
-      EXPECT_EQ(read(bytes), is_read_by_tree);
-      EXPECT_EQ(v_error_get(), is_read_by_tree ? "" : message);
+      SCOPED_TRACE(testing::Message() << start << " " << length);
+      EXPECT_EQ(read_like_tree_parser(start + std::string(length, 'x') + end),
+                length < 10'000'000U);
     }
   }
 }

@@ -37,6 +37,11 @@ protected:
     return v_error_get();
   }
 
+  // "written", or the message on failure.
+  static std::string write_result(const VCodeset *codeset, const std::string &target) {
+    return v_codeset_io_write_to_file(codeset, target.c_str()) ? "written" : v_error_get();
+  }
+
   std::string written(const VCodeset *codeset) const {
     EXPECT_TRUE(v_codeset_io_write_to_file(codeset, path.c_str())) << v_error_get();
     return read_file(path);
@@ -596,22 +601,12 @@ TEST_F(CodesetIo, AFullDiskLeavesNoFile) {
   for (const unsigned long limit :
        {0UL, 1UL, 100UL, 4095UL, 4096UL, 4097UL, 65'535UL, 100'000UL, 200'000UL, size - 1}) {
     write_file(path, "old");
-    EXPECT_EQ(with_file_size_limit(limit,
-                                   [&] {
-                                     return v_codeset_io_write_to_file(codeset.get(), path.c_str())
-                                                ? "written"
-                                                : v_error_get();
-                                   }),
+    EXPECT_EQ(with_file_size_limit(limit, [&] { return write_result(codeset.get(), path); }),
               "File I/O error when writing to file.")
         << limit;
     EXPECT_EQ(list_folder(folder.path()), std::vector<std::string>()) << limit;
   }
-  EXPECT_EQ(with_file_size_limit(size,
-                                 [&] {
-                                   return v_codeset_io_write_to_file(codeset.get(), path.c_str())
-                                              ? "written"
-                                              : v_error_get();
-                                 }),
+  EXPECT_EQ(with_file_size_limit(size, [&] { return write_result(codeset.get(), path); }),
             "written");
   EXPECT_EQ(read_file(path).size(), size);
 }
@@ -648,9 +643,7 @@ TEST_F(CodesetIo, KeepsTheOldFileInAReadOnlyFolder) {
   write_file(path, "old");
   set_permissions(folder.path(), 0555);
   const auto save_as = [&](const std::string &target) {
-    return as_ordinary_user([&] {
-      return v_codeset_io_write_to_file(codeset.get(), target.c_str()) ? "written" : v_error_get();
-    });
+    return as_ordinary_user([&] { return write_result(codeset.get(), target); });
   };
   EXPECT_EQ(save_as(path), "Cannot access file.\n\nCannot unlink file.\n\n"
                            "Error 13: Permission denied");
@@ -669,19 +662,13 @@ TEST_F(CodesetIo, ReplacesALinkAndKeepsItsTarget) {
   EXPECT_EQ(read_file(target), "kept");
 }
 
-unsigned mode_of(const std::string &path) {
-  struct stat status;
-  EXPECT_EQ(stat(path.c_str(), &status), 0);
-  return status.st_mode & 07777U;
-}
-
 TEST_F(CodesetIo, ARewrittenFileKeepsItsPermissions) {
   for (const unsigned mode : {0600U, 0640U, 0644U, 0660U, 0666U, 0400U, 0755U}) {
     std::filesystem::remove(path);
     write_file(path, "old");
     set_permissions(path, mode);
     written(sizeable_codeset().get());
-    EXPECT_EQ(mode_of(path), mode);
+    EXPECT_EQ(permissions_of(path), mode);
   }
 }
 
@@ -691,7 +678,7 @@ TEST_F(CodesetIo, ANewFileHasTheUsualPermissions) {
     umask(taken);
     std::filesystem::remove(path);
     written(sizeable_codeset().get());
-    EXPECT_EQ(mode_of(path), 0666U & ~taken);
+    EXPECT_EQ(permissions_of(path), 0666U & ~taken);
   }
   umask(mask);
 }
@@ -700,7 +687,7 @@ TEST_F(CodesetIo, ARewrittenFileLosesItsSetUserAndSetGroupBits) {
   write_file(path, "old");
   set_permissions(path, 06755);
   written(sizeable_codeset().get());
-  EXPECT_EQ(mode_of(path), 0755U);
+  EXPECT_EQ(permissions_of(path), 0755U);
 }
 
 TEST_F(CodesetIo, AFileInPlaceOfALinkHasThePermissionsOfTheTarget) {
@@ -710,7 +697,7 @@ TEST_F(CodesetIo, AFileInPlaceOfALinkHasThePermissionsOfTheTarget) {
   ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
   written(sizeable_codeset().get());
   EXPECT_FALSE(std::filesystem::is_symlink(path));
-  EXPECT_EQ(mode_of(path), 0600U);
+  EXPECT_EQ(permissions_of(path), 0600U);
 }
 
 // Only the superuser can give a file to this group. Otherwise it keeps its group and permissions.
@@ -722,7 +709,7 @@ TEST_F(CodesetIo, AnotherGroupGetsOnlyThePermissionsOfOthers) {
     const bool is_given = chown(path.c_str(), static_cast<uid_t>(-1), another_group) == 0;
     set_permissions(path, before);
     written(sizeable_codeset().get());
-    EXPECT_EQ(mode_of(path), is_given ? after : before);
+    EXPECT_EQ(permissions_of(path), is_given ? after : before);
   }
 }
 

@@ -43,12 +43,6 @@ OwnedCodeset codeset_with(const Translations &name, const Remarks &of = remarks)
 
 OwnedCodeset paper(const char *name = "Paper") { return codeset_with({{"en-uk", name}}); }
 
-unsigned permissions_of(const std::string &path) {
-  struct stat status = {};
-  EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
-  return status.st_mode & 07777;
-}
-
 void set_time(const std::string &path, std::time_t seconds) {
   const timespec times[] = {{seconds, 0}, {seconds, 0}};
   ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0) << path;
@@ -65,6 +59,11 @@ protected:
     const std::vector<std::string> all = names();
     EXPECT_THAT(all, SizeIs(1));
     return all.empty() ? "" : path_of(all.front());
+  }
+  // Moves the file of the codeset into a folder of its own, which a test can delete.
+  void use_sub_folder() {
+    make_folder(folder / "codesets");
+    path = folder / "codesets/paper.codeset";
   }
   OwnedDraft open() const { return v_draft_open(path.c_str()); }
   // Leaves a draft like a program that ends without saving or closing the window. Returns the path
@@ -520,8 +519,7 @@ void fail_to_save_after_the_old_file_is_gone(VDraft *draft, const std::string &p
 } // namespace
 
 TEST_F(Drafts, RemovingKeepsTheOnlyCopyAfterAFailedSave) {
-  path = folder / "codesets/paper.codeset";
-  make_folder(folder / "codesets");
+  use_sub_folder();
   ASSERT_TRUE(v_codeset_io_write_to_file(paper("Old").get(), path.c_str()));
   OwnedDraft draft = open();
   fail_to_save_after_the_old_file_is_gone(draft.get(), path, paper("New").get());
@@ -535,8 +533,7 @@ TEST_F(Drafts, RemovingKeepsTheOnlyCopyAfterAFailedSave) {
 }
 
 TEST_F(Drafts, RemovingAfterAFailedFirstSaveLeavesNothing) {
-  path = folder / "codesets/paper.codeset";
-  make_folder(folder / "codesets");
+  use_sub_folder();
   const OwnedDraft draft = open();
   fail_to_save_after_the_old_file_is_gone(draft.get(), path, paper("New").get());
   EXPECT_THAT(names(), SizeIs(1));
@@ -545,8 +542,7 @@ TEST_F(Drafts, RemovingAfterAFailedFirstSaveLeavesNothing) {
 }
 
 TEST_F(Drafts, RemovingAfterALaterSaveLeavesNothing) {
-  path = folder / "codesets/paper.codeset";
-  make_folder(folder / "codesets");
+  use_sub_folder();
   ASSERT_TRUE(v_codeset_io_write_to_file(paper("Old").get(), path.c_str()));
   const OwnedDraft draft = open();
   fail_to_save_after_the_old_file_is_gone(draft.get(), path, paper("New").get());
@@ -555,8 +551,7 @@ TEST_F(Drafts, RemovingAfterALaterSaveLeavesNothing) {
 }
 
 TEST_F(Drafts, ARetriedSaveKeepsTheOldFilesPermissions) {
-  path = folder / "codesets/paper.codeset";
-  make_folder(folder / "codesets");
+  use_sub_folder();
   ASSERT_TRUE(v_codeset_io_write_to_file(paper("Old").get(), path.c_str()));
   set_permissions(path, 0600);
   const OwnedDraft draft = open();
@@ -570,8 +565,7 @@ TEST_F(Drafts, ARetriedSaveKeepsTheOldFilesPermissions) {
 }
 
 TEST_F(Drafts, AFailedDraftIsWrittenAfterTheSaveHasFailedToo) {
-  path = folder / "codesets/paper.codeset";
-  make_folder(folder / "codesets");
+  use_sub_folder();
   ASSERT_TRUE(v_codeset_io_write_to_file(paper("Old").get(), path.c_str()));
   OwnedDraft draft = open();
   // As on a full disk, where deleting the old file frees space.

@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "base/error.h"
@@ -50,9 +49,7 @@ TEST_F(WorkspaceLocation, MissingParentsOfThePointerFileAreCreatedForTheirOwnerO
   EXPECT_FALSE(path_exists(config_folder()));
   EXPECT_NE(get_workspace_pointer_file_path(FolderCreation::yes), nullptr) << v_error_get();
   for (const std::string &path : {config_folder(), pointer_folder}) {
-    struct stat status;
-    ASSERT_EQ(stat(path.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0700U) << path;
+    EXPECT_EQ(permissions_of(path), 0700U) << path;
   }
 }
 
@@ -187,9 +184,7 @@ TEST_F(WorkspaceLocation, SavingKeepsThePermissionsOfThePointerFile) {
   ASSERT_TRUE(v_workspace_save_folder_path("/old"));
   set_permissions(pointer_file, 0600);
   ASSERT_TRUE(v_workspace_save_folder_path("/w"));
-  struct stat status;
-  ASSERT_EQ(stat(pointer_file.c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777, 0600U);
+  EXPECT_EQ(permissions_of(pointer_file), 0600U);
 }
 
 struct PointerFile {

@@ -31,6 +31,10 @@ protected:
                      {"templates/c.template", "C"},
                      {"fonts/d.ttf", "D"}});
   }
+  // "created", or the message on failure.
+  std::string create_result() const {
+    return v_workspace_create(folder.c_str()) ? "created" : v_error_get();
+  }
   static std::string saved_path() {
     OwnedText path;
     EXPECT_TRUE(v_workspace_get_saved_folder_path(path));
@@ -257,10 +261,8 @@ TEST_F(Workspace, AFailedCreationKeepsTheSavedPath) {
 TEST_F(Workspace, AFullDiskKeepsThePointerToTheOldWorkspace) {
   deliver_some();
   save("/elsewhere");
-  EXPECT_THAT(
-      with_file_size_limit(
-          10, [&] { return v_workspace_create(folder.c_str()) ? "created" : v_error_get(); }),
-      testing::StartsWith("Could not write XML data."));
+  EXPECT_THAT(with_file_size_limit(10, [&] { return create_result(); }),
+              StartsWith("Could not write XML data."));
   EXPECT_EQ(list_folder(machine.folder.path()), std::vector<std::string>());
   EXPECT_EQ(saved_path(), "/elsewhere");
 }
@@ -268,10 +270,7 @@ TEST_F(Workspace, AFullDiskKeepsThePointerToTheOldWorkspace) {
 TEST_F(Workspace, AFullDiskLeavesNothing) {
   deliver_some();
   machine.deliver({{"templates/large", std::string(10'000, 'x')}});
-  EXPECT_EQ(
-      with_file_size_limit(
-          5000, [&] { return v_workspace_create(folder.c_str()) ? "created" : v_error_get(); }),
-      "File write error.");
+  EXPECT_EQ(with_file_size_limit(5000, [&] { return create_result(); }), "File write error.");
   EXPECT_EQ(list_folder(machine.folder.path()), std::vector<std::string>());
 }
 
