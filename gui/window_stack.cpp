@@ -114,16 +114,7 @@ void show_wait_cursor(VWindowStack *stack) {
 
 // ---- Focus --------------------------------------------------------------------------------------
 
-VTimeValue get_present_time() {
-  const std::int64_t now = g_get_real_time();
-  return {now / G_USEC_PER_SEC, now % G_USEC_PER_SEC};
-}
-
-long count_seconds_since(const VTimeValue &then) {
-  const VTimeValue now = get_present_time();
-  return static_cast<long>(now.seconds - then.seconds -
-                           (now.microseconds < then.microseconds ? 1 : 0));
-}
+VTimeValue get_present_time() { return v_time_value_from_microseconds(g_get_real_time()); }
 
 bool has_focus(const VWindowStack *stack) {
   for (WindowStackNode *node = stack->bottom->next.get(); node != stack->top;
@@ -172,8 +163,9 @@ gboolean focus_in_event_callback(GtkWidget *, GdkEventFocus *, WindowStackNode *
   if (stack->focus_lost != 0) {
     stack->focus_lost = 0;
     if (stack->focus_callback != nullptr) {
-      stack->focus_callback(count_seconds_since(stack->focus_lost_time),
-                            stack->focus_callback_data);
+      stack->focus_callback(
+          v_time_value_count_whole_seconds(stack->focus_lost_time, get_present_time()),
+          stack->focus_callback_data);
     }
   }
   return GDK_EVENT_PROPAGATE;

@@ -11,7 +11,6 @@
 // fires. A busy window is the stack's own, and goes when its busy state ends; a stack that is
 // destroyed before leaves it behind.
 
-#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -19,6 +18,7 @@
 
 #include "base/owned.h"
 #include "gui/owned_objects.h"
+#include "gui/time_value.h"
 
 enum class Maximize { no, yes };
 enum class ShowBusyWindow { no, yes };
@@ -31,12 +31,6 @@ using VCursorCallback = void (*)(bool cursor_is_set, void *data);
 
 struct VWindowStack;
 struct VWindowRun;
-
-// A point of wall-clock time.
-struct VTimeValue {
-  std::int64_t seconds = 0;
-  std::int64_t microseconds = 0; // 0 to 999999
-};
 
 // The widgets are all null until the busy window is first shown.
 struct VBusyRecord {
