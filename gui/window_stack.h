@@ -1,73 +1,23 @@
 #pragma once
 // The chain of open windows. Every window of the program is modal over the one below it: pushing a
 // window greys the one below out, popping gives it back, with the focus where it was. A window
-// below the top entry, whatever that is, ignores requests to close it. The stack also sets the
-// mouse cursor of all its windows, notices when the whole program has lost the keyboard focus, and
-// can put up a small busy window. Knows nothing of what the windows are for.
+// below the top entry ignores requests to close it. The stack also sets the mouse cursor of all its
+// windows, notices when the whole program has lost the keyboard focus, and can show a small busy
+// window. Knows nothing of the purpose of the windows.
 //
 // The stack never destroys a window that was pushed onto it. A window that is destroyed while its
-// entry is in the stack leaves a window-less entry behind until that is popped. Once an entry is
-// gone, or the stack, nothing of it remains connected to the window and no idle or timeout callback
-// fires. A busy window is the stack's own, and goes when its busy state ends; a stack that is
-// destroyed before leaves it behind.
-
-#include <memory>
-#include <vector>
+// entry is in the stack leaves a window-less entry behind until that is popped. Once an entry or
+// the stack is freed, none of its handlers is connected to a window and no idle or timeout callback
+// fires. The stack destroys a busy window when its busy state ends; a stack that is destroyed
+// before does not.
 
 #include <gtk/gtk.h>
 
 #include "base/owned.h"
-#include "gui/owned_objects.h"
-#include "gui/time_value.h"
+#include "gui/window_entries.h"
 
 enum class Maximize { no, yes };
 enum class ShowBusyWindow { no, yes };
-
-// Told that the program has the focus again, and for how many whole seconds it had not.
-using VFocusCallback = void (*)(long elapsed_seconds, void *data);
-// Told that the stack has set a cursor on the window (true), or cleared it, so that the window's
-// own shows again (false).
-using VCursorCallback = void (*)(bool cursor_is_set, void *data);
-
-struct VWindowStack;
-struct VWindowRun;
-
-// The widgets are all null until the busy window is first shown.
-struct VBusyRecord {
-  GtkWindow *window = nullptr;
-  GtkBox *content_box = nullptr; // holds the message and the abort button
-  GtkLabel *message_label = nullptr;
-  GtkAlignment *abort_button_alignment = nullptr;
-  GtkButton *abort_button = nullptr;
-  int abort_requested = 0;
-};
-
-struct WindowStackNode {
-  // Null for the place of a native dialog, for a busy entry, and once the window is destroyed.
-  GtkWindow *window = nullptr;
-  VCursorCallback cursor_callback = nullptr;
-  void *cursor_callback_data = nullptr;
-  std::unique_ptr<VBusyRecord> busy;     // null unless this is a busy entry
-  WindowStackNode *previous = nullptr;   // towards the bottom
-  std::unique_ptr<WindowStackNode> next; // towards the top
-
-  VWindowStack *stack = nullptr;
-  VWindowRun *run = nullptr; // the v_window_stack_run_window call that waits for this entry, if any
-  // What had the focus in the window when another window came over it; null otherwise.
-  OwnedObject<GtkWidget> focus_widget;
-};
-
-struct VWindowStack {
-  int focus_lost = 0; // 1 from the time the program lost the focus until one of its windows gets it
-  VTimeValue focus_lost_time; // of the last focus-out event
-  VFocusCallback focus_callback = nullptr;
-  void *focus_callback_data = nullptr;
-  std::unique_ptr<WindowStackNode> bottom; // sentinel; owns the chain of entries above it
-  WindowStackNode *top = nullptr;          // sentinel above all entries
-
-  std::vector<guint> sources; // ids of the idle and timeout callbacks under way
-  VWindowRun *innermost_run = nullptr;
-};
 
 void v_window_stack_destroy(VWindowStack *window_stack);
 using OwnedWindowStack = Owned<VWindowStack, v_window_stack_destroy>;
@@ -103,21 +53,18 @@ void v_window_stack_set_focus_callback(VWindowStack *window_stack, VFocusCallbac
 // Brings the topmost entry that has a window to the front.
 void v_window_stack_present(VWindowStack *window_stack);
 
-// Busy entries. A long task runs between begin and end; every window shows the "wait" cursor
-// meanwhile. What is said of "the busy window" does nothing unless the top entry is a busy entry,
-// and, except for showing it, unless its window exists.
+// Busy entries. A long task runs between begin and end; until the end every window shows the "wait"
+// cursor. A function for the busy window does nothing unless the top entry is a busy entry and,
+// except for showing it, unless its window exists.
 void v_window_stack_busy_begin(VWindowStack *window_stack, ShowBusyWindow show_window);
 void v_window_stack_show_busy_window(VWindowStack *window_stack);
 void v_window_stack_busy_end(VWindowStack *window_stack);
-// The text (UTF-8, shown bold) and title; null says "Please wait".
+// The text (UTF-8, shown bold) and title; null shows "Please wait".
 void v_window_stack_set_busy_window_message(VWindowStack *window_stack, const char *message);
 void v_window_stack_set_busy_window_message_utf8_printf(VWindowStack *window_stack,
                                                         const char *format, ...)
     G_GNUC_PRINTF(2, 3);
 void v_window_stack_show_abort_button(VWindowStack *window_stack);
 void v_window_stack_hide_abort_button(VWindowStack *window_stack);
-// True when the abort button was pressed: a request, which the task has to ask for.
+// True when the abort button was pressed, a request that the task has to check.
 bool v_window_stack_is_abort_requested(const VWindowStack *window_stack);
-
-// Runs the main loop until no event waits.
-void v_util_let_through_gtk_events();
