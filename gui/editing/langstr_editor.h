@@ -4,17 +4,16 @@
 // Ctrl+Return anywhere in it adds one as well.
 //
 // Signals, both without arguments:
-//   "changed": the user has changed what the rows hold, a text or a language, or deleted a row.
-//   "shrunk": a row has gone, the window may shrink.
+//   "changed": the user has changed a text or a language, or deleted a row.
+//   "shrunk": a row is deleted, so the window may shrink.
 
 #include <gtk/gtk.h>
 
+#include "gui/editing/langstr_editor_mode.h"
 #include "gui/widgets.h"
 #include "gui/window_stack.h"
 #include "langstr/langstr.h"
 #include "workspace/settings.h"
-
-enum class VLangstrEditorMode { single_line = 0, multi_line = 1 };
 
 #define V_TYPE_LANGSTR_EDITOR (v_langstr_editor_get_type())
 G_DECLARE_FINAL_TYPE(VLangstrEditor, v_langstr_editor, V, LANGSTR_EDITOR, GtkBox)

@@ -1,0 +1,109 @@
+#include "langstr_editor_focus.h"
+
+#include <algorithm>
+
+namespace {
+
+FocusKey to_focus_key(GtkDirectionType direction) {
+  switch (direction) {
+  case GTK_DIR_TAB_FORWARD:
+    return FocusKey::tab;
+  case GTK_DIR_TAB_BACKWARD:
+    return FocusKey::shift_tab;
+  case GTK_DIR_UP:
+    return FocusKey::up;
+  case GTK_DIR_DOWN:
+    return FocusKey::down;
+  case GTK_DIR_LEFT:
+    return FocusKey::left;
+  case GTK_DIR_RIGHT:
+    break;
+  }
+  return FocusKey::right;
+}
+
+// Null when the editor has no window or its window no focus.
+GtkWidget *get_focus_widget(GtkWidget *editor) {
+  GtkWidget *window = gtk_widget_get_toplevel(editor);
+  return GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+}
+
+bool is_inside(GtkWidget *widget, gpointer container) {
+  return widget != nullptr && container != nullptr &&
+         (widget == container || gtk_widget_is_ancestor(widget, GTK_WIDGET(container)));
+}
+
+// The widgets that can have the focus now.
+std::vector<GtkWidget *> list_stops(const LangstrEditorRows &rows, GtkButton *plus_button) {
+  std::vector<GtkWidget *> stops;
+  const auto add_if_sensitive = [&stops](gpointer widget) {
+    if (gtk_widget_is_sensitive(GTK_WIDGET(widget))) {
+      stops.push_back(GTK_WIDGET(widget));
+    }
+  };
+  for (const auto &row : rows) {
+    add_if_sensitive(row->text_field.get());
+    add_if_sensitive(row->language_combo.get());
+    add_if_sensitive(row->delete_button.get());
+  }
+  add_if_sensitive(plus_button);
+  return stops;
+}
+
+} // namespace
+
+FocusPosition v_langstr_editor_focus_find(GtkWidget *editor, const LangstrEditorRows &rows,
+                                          GtkButton *plus_button) {
+  GtkWidget *focus_widget = get_focus_widget(editor);
+  for (std::size_t i = 0; i < rows.size(); i++) {
+    if (is_inside(focus_widget, rows[i]->text_field.get())) {
+      return {FocusPlace::text_field, i};
+    }
+    if (is_inside(focus_widget, rows[i]->language_combo.get()) ||
+        is_inside(focus_widget, rows[i]->delete_button.get())) {
+      return {FocusPlace::row_button, i};
+    }
+  }
+  if (is_inside(focus_widget, plus_button) && !rows.empty()) {
+    return {FocusPlace::plus_button, rows.size() - 1};
+  }
+  return {};
+}
+
+bool v_langstr_editor_focus_move(GtkWidget *editor, const LangstrEditorRows &rows,
+                                 GtkButton *plus_button, GtkDirectionType direction) {
+  const FocusPosition position = v_langstr_editor_focus_find(editor, rows, plus_button);
+  const std::optional<std::size_t> row =
+      v_focus_order_find_row(position, to_focus_key(direction), rows.size());
+  return row && v_langstr_editor_row_grab_focus(rows[*row].get());
+}
+
+bool v_langstr_editor_focus_move_to_neighbour(GtkWidget *editor, const LangstrEditorRows &rows,
+                                              GtkButton *plus_button, FocusNeighbour neighbour) {
+  const bool backward = neighbour == FocusNeighbour::previous;
+  const std::vector<GtkWidget *> stops = list_stops(rows, plus_button);
+  GtkWidget *focus_widget = get_focus_widget(editor);
+  const auto current = std::find_if(stops.begin(), stops.end(), [focus_widget](GtkWidget *stop) {
+    return is_inside(focus_widget, stop);
+  });
+  if (current == stops.end() || current == (backward ? stops.begin() : stops.end() - 1)) {
+    return false;
+  }
+  gtk_widget_grab_focus(*(backward ? current - 1 : current + 1));
+  return true;
+}
+
+OwnedObject<GtkWidget> v_langstr_editor_focus_share(GtkWidget *editor) {
+  GtkWidget *focus_widget = get_focus_widget(editor);
+  return share(is_inside(focus_widget, editor) ? focus_widget : nullptr);
+}
+
+void v_langstr_editor_focus_restore(GtkWidget *editor, const LangstrEditorRows &rows,
+                                    GtkWidget *focus_widget, std::size_t deleted_index) {
+  if (focus_widget == nullptr) {
+    return;
+  }
+  const auto &replacement = rows[std::min(deleted_index, rows.size() - 1)];
+  v_gui_grab_focus_without_selecting(
+      is_inside(focus_widget, editor) ? focus_widget : replacement->text_field.get());
+}

@@ -1,0 +1,28 @@
+#pragma once
+// Finds the keyboard focus in the widgets of a VLangstrEditor, moves it between them, and keeps it
+// while the table is rebuilt.
+
+#include "gui/editing/focus_order.h"
+#include "langstr_editor_row.h"
+
+// The position of the focus of the editor's window.
+FocusPosition v_langstr_editor_focus_find(GtkWidget *editor, const LangstrEditorRows &rows,
+                                          GtkButton *plus_button);
+// Moves the focus to the text field that the key leads to; false when there is none or it does not
+// take the focus.
+bool v_langstr_editor_focus_move(GtkWidget *editor, const LangstrEditorRows &rows,
+                                 GtkButton *plus_button, GtkDirectionType direction);
+
+enum class FocusNeighbour { previous, next };
+
+// Moves the focus to the widget before or after the one that has it, row by row and from left to
+// right; false when there is none.
+bool v_langstr_editor_focus_move_to_neighbour(GtkWidget *editor, const LangstrEditorRows &rows,
+                                              GtkButton *plus_button, FocusNeighbour neighbour);
+
+// The widget in the editor that has the focus; null when none has.
+OwnedObject<GtkWidget> v_langstr_editor_focus_share(GtkWidget *editor);
+// Gives the focus back to that widget (null: does nothing) after the table, which held it, is
+// rebuilt. When its row is deleted, the row that is now at the same index gets the focus.
+void v_langstr_editor_focus_restore(GtkWidget *editor, const LangstrEditorRows &rows,
+                                    GtkWidget *focus_widget, std::size_t deleted_index);

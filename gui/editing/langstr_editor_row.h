@@ -1,0 +1,62 @@
+#pragma once
+// One row of a VLangstrEditor: a text field, its language and a delete button. Checks the text for
+// spelling in the row's language. Places no widget: that is for the table that it is shown in.
+
+#include <memory>
+#include <vector>
+
+#include <gspell/gspell.h>
+#include <gtk/gtk.h>
+
+#include "gui/editing/langstr_editor_mode.h"
+#include "gui/owned_objects.h"
+#include "gui/widgets.h"
+#include "langstr/langstr.h"
+#include "workspace/settings.h"
+
+typedef struct _VLangstrEditor VLangstrEditor;
+
+// A row holds a reference to each of its widgets, so that they outlive the tables that show them.
+struct LangstrEditorRow {
+  VLangstrEditor *editor = nullptr; // for the editor's own handlers
+  VLangstrEditorMode mode = VLangstrEditorMode::single_line;
+  bool text_locked = false; // the row cannot be deleted either
+  bool language_locked = false;
+  OwnedObject<GtkScrolledWindow> scroller; // around the text field; null unless multi-line
+  OwnedObject<GtkWidget> text_field;
+  OwnedObject<GtkComboBoxText> language_combo;
+  OwnedObject<GtkAlignment> delete_alignment; // around the delete button; null unless multi-line
+  OwnedObject<GtkButton> delete_button;
+  const GspellLanguage *spelling_language = nullptr; // null: the field is not checked
+  bool has_own_checker = false;                      // else it shares one with other fields
+};
+
+using LangstrEditorRows = std::vector<std::unique_ptr<LangstrEditorRow>>;
+
+// The choices are the preferred languages of the settings. The row has the text and the language of
+// the translation; for null it has no text and the first language that no other row has. Null when
+// the choice of the language cannot be made. The text field takes the focus.
+std::unique_ptr<LangstrEditorRow>
+v_langstr_editor_row_new(VLangstrEditor *editor, VLangstrEditorMode mode,
+                         ActivatesDefault activates_default, const VSettings *settings,
+                         const LangstrEditorRows &other_rows, const VLangstr *translation);
+// Disconnects all handlers that have the row as data, also the editor's. To be called before the
+// row is freed.
+void v_langstr_editor_row_detach(LangstrEditorRow *row);
+
+// As the user reads it (UTF-8); null when none is selected.
+OwnedText v_langstr_editor_row_get_language(const LangstrEditorRow *row);
+bool v_langstr_editor_row_has_language(const LangstrEditorRow *row, const char *language);
+// Adds the row's translation, unless its text is empty. False, with a message, when the text or the
+// language cannot be read or another row's text in that language is already there.
+bool v_langstr_editor_row_add_translation(const LangstrEditorRow *row, OwnedLangstr &collected);
+// The object that emits "changed" when the text changes.
+gpointer v_langstr_editor_row_get_text_object(const LangstrEditorRow *row);
+
+// True when the text field has the focus then: a locked one does not take it.
+bool v_langstr_editor_row_grab_focus(const LangstrEditorRow *row);
+// row_count: of the editor. The only row cannot be deleted.
+void v_langstr_editor_row_update_sensitivity(const LangstrEditorRow *row, std::size_t row_count);
+
+// A button for an editor, whose sign says what it does. description: for screen readers.
+GtkButton *v_langstr_editor_row_create_button(const char *sign, const char *description);

@@ -1,0 +1,11 @@
+#pragma once
+// The table that shows the rows of a VLangstrEditor and, beside the last one, its plus button.
+
+#include "langstr_editor_row.h"
+
+// plus_widget: the plus button, in multi-line mode the alignment around it. Floating, like every
+// new widget.
+GtkTable *v_langstr_editor_table_new(VLangstrEditorMode mode, const LangstrEditorRows &rows,
+                                     GtkWidget *plus_widget);
+// Removes all widgets from the table, and the hidden table from its container.
+void v_langstr_editor_table_drop(GtkTable *table, GtkContainer *container);
