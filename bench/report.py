@@ -18,8 +18,15 @@ def rows_of(path):
         if run.get("error_occurred"):
             sys.exit(f"{run['name']}: {run['error_message']}")
         what, size, baseline, unit = run["label"].split("\t")
-        yield (what, size, baseline, amount(run["baseline"], unit), amount(run["ours"], unit),
-               f"{run['ratio']:.2f}", *verdict(run["ratio"], run.get("target")))
+        yield (
+            what,
+            size,
+            baseline,
+            amount(run["baseline"], unit),
+            amount(run["ours"], unit),
+            f"{run['ratio']:.2f}",
+            *verdict(run["ratio"], run.get("target")),
+        )
 
 
 def verdict(ratio, target):
@@ -40,8 +47,10 @@ def amount(value, unit):
 
 def lines_of(rows, separator):
     widths = [max(len(cell) for cell in column) for column in zip(*rows)]
-    return [separator.join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip()
-            for row in rows]
+    return [
+        separator.join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip()
+        for row in rows
+    ]
 
 
 def markdown(rows):

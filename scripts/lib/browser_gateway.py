@@ -50,12 +50,17 @@ class Gateway:
         (await self.connect())[1].close()
         for self.port in PORTS:
             try:
-                self.listener = await asyncio.start_server(self.serve, ADDRESS, self.port, limit=HEAD_BYTES)
+                self.listener = await asyncio.start_server(
+                    self.serve, ADDRESS, self.port, limit=HEAD_BYTES
+                )
             except OSError as error:
                 if error.errno != errno.EADDRINUSE:
                     raise
             else:
-                print(f"Open http://{ADDRESS}:{self.port}/{self.secret}/ in a web browser.", flush=True)
+                print(
+                    f"Open http://{ADDRESS}:{self.port}/{self.secret}/ in a web browser.",
+                    flush=True,
+                )
                 return
         sys.exit(f"No free port was found from {PORTS[0]} on.")
 
@@ -136,10 +141,17 @@ def parse_head(head):
 def upgrade_fields(fields):
     """Those of a browser that asks for a WebSocket, which always tells its origin."""
     key = fields.get("sec-websocket-key", "")
-    if "origin" not in fields or fields.get("upgrade", "").lower() != "websocket" or not WEBSOCKET_KEY.fullmatch(key):
+    if (
+        "origin" not in fields
+        or fields.get("upgrade", "").lower() != "websocket"
+        or not WEBSOCKET_KEY.fullmatch(key)
+    ):
         raise Refused
     return (
-        "Upgrade: websocket", "Connection: Upgrade", "Sec-WebSocket-Version: 13", "Sec-WebSocket-Protocol: broadway",
+        "Upgrade: websocket",
+        "Connection: Upgrade",
+        "Sec-WebSocket-Version: 13",
+        "Sec-WebSocket-Protocol: broadway",
         "Sec-WebSocket-Key: " + key,
     )
 

@@ -52,7 +52,12 @@ class Album:
         settings = self.home / ".config" / "gtk-3.0" / "settings.ini"
         settings.parent.mkdir(parents=True)
         settings.write_text(SETTINGS)
-        self.program = Program(self.home, delivered_stage(), folder / "printed.txt", {"VANTORELLE_USER_LANGUAGE": "en-uk"})
+        self.program = Program(
+            self.home,
+            delivered_stage(),
+            folder / "printed.txt",
+            {"VANTORELLE_USER_LANGUAGE": "en-uk"},
+        )
 
     @property
     def codesets(self):
@@ -96,9 +101,28 @@ class Album:
         left, top, width, height = self.framed_extents()
         # Few colours make a small file; the smoothed edges of the letters do not suffer.
         subprocess.run(
-            ("import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{left}+{top}", "+repage", "-strip",
-             "+dither", "-colors", "64", "-depth", "8", "-define", "png:compression-level=9",
-             "-define", "png:exclude-chunks=date,time", f"png8:{self.picture}"), check=True)
+            (
+                "import",
+                "-silent",
+                "-window",
+                "root",
+                "-crop",
+                f"{width}x{height}+{left}+{top}",
+                "+repage",
+                "-strip",
+                "+dither",
+                "-colors",
+                "64",
+                "-depth",
+                "8",
+                "-define",
+                "png:compression-level=9",
+                "-define",
+                "png:exclude-chunks=date,time",
+                f"png8:{self.picture}",
+            ),
+            check=True,
+        )
 
     def framed_extents(self):
         """Left, top, width and height of the active window with what the window manager draws around it."""
@@ -107,10 +131,18 @@ class Album:
         facts = answer_of("xwininfo", "-id", window)
         left, top, width, height = (
             int(re.search(rf"{fact}: +(\d+)", facts).group(1))
-            for fact in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
-        frame = re.findall(r"\d+", answer_of("xprop", "-notype", "-id", window, "_NET_FRAME_EXTENTS"))
+            for fact in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
+        )
+        frame = re.findall(
+            r"\d+", answer_of("xprop", "-notype", "-id", window, "_NET_FRAME_EXTENTS")
+        )
         frame_left, frame_right, frame_top, frame_bottom = map(int, frame)
-        return left - frame_left, top - frame_top, width + frame_left + frame_right, height + frame_top + frame_bottom
+        return (
+            left - frame_left,
+            top - frame_top,
+            width + frame_left + frame_right,
+            height + frame_top + frame_bottom,
+        )
 
     def close(self):
         complaints = self.program.complaints()
@@ -126,7 +158,11 @@ def answer_of(*command):
 def own_codeset(delivered):
     """A user's own codeset in three languages, made from the delivered one."""
     text = re.sub(r'\t+<(\w+) lang="(fr|es|nl)">.*</\1>\n', "", delivered)
-    for tag, name in (("en-uk", "Town museum, paintings"), ("sv", "Stadsmuseet, målningar"), ("de", "Stadtmuseum, Gemälde")):
+    for tag, name in (
+        ("en-uk", "Town museum, paintings"),
+        ("sv", "Stadsmuseet, målningar"),
+        ("de", "Stadtmuseum, Gemälde"),
+    ):
         text = re.sub(f'<name lang="{tag}">.*<', f'<name lang="{tag}">{name}<', text)
     text = re.sub(r'\t<author lang="(sv|de)">.*\n', "", text)
     text = re.sub(r'<author lang="en-uk">.*<', '<author lang="en-uk">Vera Lind<', text)
@@ -164,7 +200,9 @@ def main_window(album):
 
 def incompatible_file(album):
     window = album.main_window()
-    (album.codesets / "from_a_letter.codeset").write_text("Dear colleague, please find attached our list of codes.\n")
+    (album.codesets / "from_a_letter.codeset").write_text(
+        "Dear colleague, please find attached our list of codes.\n"
+    )
     window.button("Refresh list").click()
     window.list().row("from_a_letter.codeset")
     window.list().row(re.compile("^Town museum")).select()
@@ -238,8 +276,21 @@ def question_close(album):
 PICTURES = {
     function.__name__.replace("_", "-"): function
     for function in (
-        first_start, workspace_location, workspace_created, main_window, incompatible_file, bundled_selector, new_file_name,
-        question_delete, question_bundled, editing_window, remark_code, spelling, error_message, question_close)
+        first_start,
+        workspace_location,
+        workspace_created,
+        main_window,
+        incompatible_file,
+        bundled_selector,
+        new_file_name,
+        question_delete,
+        question_bundled,
+        editing_window,
+        remark_code,
+        spelling,
+        error_message,
+        question_close,
+    )
 }
 
 if __name__ == "__main__":

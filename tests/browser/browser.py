@@ -9,8 +9,15 @@ import urllib.request
 from dataclasses import dataclass
 
 ARGUMENTS = (
-    "--headless=new", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--disable-background-networking",
-    "--disable-component-update", "--disable-sync", "--window-size=1280,900",
+    "--headless=new",
+    "--no-sandbox",
+    "--disable-gpu",
+    "--disable-quic",
+    "--no-first-run",
+    "--disable-background-networking",
+    "--disable-component-update",
+    "--disable-sync",
+    "--window-size=1280,900",
 )
 ANSWER_SECONDS = 60
 
@@ -52,8 +59,13 @@ class Browser:
     def __init__(self, folder):
         folder.mkdir()
         self.driver = subprocess.Popen(
-            ("chromedriver", "--port=0"), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-            text=True, env={"PATH": "/usr/bin:/bin", "HOME": str(folder), "TMPDIR": str(folder)})
+            ("chromedriver", "--port=0"),
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.STDOUT,
+            text=True,
+            env={"PATH": "/usr/bin:/bin", "HOME": str(folder), "TMPDIR": str(folder)},
+        )
         # A proxy is for other machines.
         self.http = urllib.request.build_opener(urllib.request.ProxyHandler({}))
         try:
@@ -61,7 +73,9 @@ class Browser:
             options = {"args": [*ARGUMENTS, f"--user-data-dir={folder / 'profile'}"]}
             # The page tells by an alert that its server is gone.
             capabilities = {
-                "browserName": "chrome", "goog:chromeOptions": options, "unhandledPromptBehavior": "accept",
+                "browserName": "chrome",
+                "goog:chromeOptions": options,
+                "unhandledPromptBehavior": "accept",
             }
             answer = self.call("POST", "", capabilities={"alwaysMatch": capabilities})
             self.session += "/" + answer["sessionId"]
@@ -80,7 +94,9 @@ class Browser:
     def call(self, method, path, **parameters):
         """The value of WebDriver's answer."""
         data = json.dumps(parameters).encode() if method == "POST" else None
-        request = urllib.request.Request(self.session + path, data, {"Content-Type": "application/json"}, method=method)
+        request = urllib.request.Request(
+            self.session + path, data, {"Content-Type": "application/json"}, method=method
+        )
         try:
             with self.http.open(request, timeout=ANSWER_SECONDS) as answer:
                 return json.load(answer)["value"]
@@ -126,15 +142,21 @@ class Browser:
     # Operating
 
     def click(self, x, y):
-        self.act("pointer", {"type": "pointerMove", "x": int(x), "y": int(y)}, {"type": "pointerDown", "button": 0},
-                 {"type": "pointerUp", "button": 0})
+        self.act(
+            "pointer",
+            {"type": "pointerMove", "x": int(x), "y": int(y)},
+            {"type": "pointerDown", "button": 0},
+            {"type": "pointerUp", "button": 0},
+        )
 
     def type(self, text):
         """Presses the keys one after the other."""
         self.act("key", *strokes(text))
 
     def press_alt(self, key):
-        self.act("key", {"type": "keyDown", "value": ALT}, *strokes(key), {"type": "keyUp", "value": ALT})
+        self.act(
+            "key", {"type": "keyDown", "value": ALT}, *strokes(key), {"type": "keyUp", "value": ALT}
+        )
 
     def act(self, device, *actions):
         self.call("POST", "/actions", actions=[{"type": device, "id": device, "actions": actions}])

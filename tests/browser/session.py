@@ -17,7 +17,14 @@ from support.journey import delivered_stage  # noqa: E402
 from support.program import EXECUTABLE  # noqa: E402
 
 # A caller in the background ignores the interrupt.
-START = ("env", "--default-signal=INT,QUIT", "bash", "-c", 'set -euo pipefail; source "$1"; run_in_browser "$2"', "run")
+START = (
+    "env",
+    "--default-signal=INT,QUIT",
+    "bash",
+    "-c",
+    'set -euo pipefail; source "$1"; run_in_browser "$2"',
+    "run",
+)
 LIBRARY = SOURCE / "scripts" / "lib" / "browser.bash"
 LISTENING = "0A"
 SHARED_MEMORY = "/dev/shm/bdw-*"  # the toolkit's names
@@ -29,18 +36,29 @@ class Session:
     def __init__(self, home, scratch, **environment):
         kept = {name: os.environ[name] for name in ("PATH", "LSAN_OPTIONS") if name in os.environ}
         own = {
-            "HOME": str(home), "TMPDIR": str(scratch), "LC_ALL": "C.UTF-8", "G_DEBUG": "fatal-criticals",
+            "HOME": str(home),
+            "TMPDIR": str(scratch),
+            "LC_ALL": "C.UTF-8",
+            "G_DEBUG": "fatal-criticals",
             "VANTORELLE_USER_LANGUAGE": "en-uk",
         }
         self.process = subprocess.Popen(
             (*START, LIBRARY, delivered_stage() / EXECUTABLE),
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, cwd=home,
-            env={**kept, **own, **environment}, start_new_session=True)
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.STDOUT,
+            text=True,
+            cwd=home,
+            env={**kept, **own, **environment},
+            start_new_session=True,
+        )
 
     def read_address(self):
         """The address that the user is told, and its port and secret."""
         line = self.process.stdout.readline()
-        told = re.fullmatch(r"Open (http://127\.0\.0\.1:(\d+)/([\w-]{43,})/) in a web browser\.\n", line, re.ASCII)
+        told = re.fullmatch(
+            r"Open (http://127\.0\.0\.1:(\d+)/([\w-]{43,})/) in a web browser\.\n", line, re.ASCII
+        )
         if not told:
             raise AssertionError(f"No address was printed, but {line!r}")
         return told[1], int(told[2]), told[3]
@@ -48,7 +66,9 @@ class Session:
     def processes(self):
         """The script and all that it started, by name: the script, the gateway, the server and the program, if all is
         well."""
-        return {pid: name for pid, name, session in running_processes() if session == self.process.pid}
+        return {
+            pid: name for pid, name, session in running_processes() if session == self.process.pid
+        }
 
     def listening(self):
         """Where any of the processes listens: (address, port) by socket, all of which have different names."""
@@ -57,7 +77,12 @@ class Session:
 
     def shared_memory(self):
         """The files, as the processes name them, by which the program and the server share pictures."""
-        return {path for pid in self.processes() for path in mapped_files(pid) if path.match(SHARED_MEMORY)}
+        return {
+            path
+            for pid in self.processes()
+            for path in mapped_files(pid)
+            if path.match(SHARED_MEMORY)
+        }
 
     def find(self, name):
         """The process of the name."""
@@ -71,14 +96,18 @@ class Session:
         """Keeps the process from doing any more until it is killed."""
         self.send(name, signal.SIGSTOP)
         stat = pathlib.Path(f"/proc/{self.find(name)}/stat")
-        wait_until(lambda: stat.read_text().rpartition(") ")[2].startswith("T"), lambda: f"{name} to stand still")
+        wait_until(
+            lambda: stat.read_text().rpartition(") ")[2].startswith("T"),
+            lambda: f"{name} to stand still",
+        )
 
     def expect_end(self, status, printed=""):
         """The exit status, nobody left, and nothing more printed than what the regular expression matches."""
         output, _ = self.process.communicate(timeout=20)
         if self.process.returncode != status or not re.fullmatch(printed, output):
             raise AssertionError(
-                f"The script ended with status {self.process.returncode}, not {status}, and printed {output!r}")
+                f"The script ended with status {self.process.returncode}, not {status}, and printed {output!r}"
+            )
         wait_until(lambda: not self.processes(), lambda: f"the end of {self.processes()!r}")
 
     def kill(self):
@@ -127,8 +156,11 @@ def listening_sockets():
     """Those of the whole machine."""
     return {
         f"socket:[{inode}]": read_place(local)
-        for table in ("tcp", "tcp6") if (path := pathlib.Path("/proc/net") / table).exists()
-        for _, local, _, state, _, _, _, _, _, inode, *_ in map(str.split, path.read_text().splitlines()[1:])
+        for table in ("tcp", "tcp6")
+        if (path := pathlib.Path("/proc/net") / table).exists()
+        for _, local, _, state, _, _, _, _, _, inode, *_ in map(
+            str.split, path.read_text().splitlines()[1:]
+        )
         if state == LISTENING
     }
 
@@ -136,5 +168,9 @@ def listening_sockets():
 def read_place(local):
     """The address and port of a line, where each four bytes of the address are in the machine's own order."""
     address, port = local.split(":")
-    packed = b"".join(struct.pack("=I", int(address[at:at + 8], 16)) for at in range(0, len(address), 8))
-    return socket.inet_ntop(socket.AF_INET if len(packed) == 4 else socket.AF_INET6, packed), int(port, 16)
+    packed = b"".join(
+        struct.pack("=I", int(address[at : at + 8], 16)) for at in range(0, len(address), 8)
+    )
+    return socket.inet_ntop(socket.AF_INET if len(packed) == 4 else socket.AF_INET6, packed), int(
+        port, 16
+    )

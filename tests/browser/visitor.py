@@ -3,13 +3,21 @@
 import socket
 
 ANSWER_SECONDS = 10
-WEBSOCKET = {"Upgrade": "websocket", "Connection": "Upgrade", "Sec-WebSocket-Version": "13",
-             "Sec-WebSocket-Key": "MDEyMzQ1Njc4OWFiY2RlZg==", "Sec-WebSocket-Protocol": "broadway"}
+WEBSOCKET = {
+    "Upgrade": "websocket",
+    "Connection": "Upgrade",
+    "Sec-WebSocket-Version": "13",
+    "Sec-WebSocket-Key": "MDEyMzQ1Njc4OWFiY2RlZg==",
+    "Sec-WebSocket-Protocol": "broadway",
+}
 
 
 def head(path, fields, method="GET"):
     """A request. Fields whose value is None are left out."""
-    lines = [f"{method} {path} HTTP/1.1", *(f"{name}: {value}" for name, value in fields.items() if value is not None)]
+    lines = [
+        f"{method} {path} HTTP/1.1",
+        *(f"{name}: {value}" for name, value in fields.items() if value is not None),
+    ]
     return "\r\n".join((*lines, "\r\n")).encode("latin-1")
 
 

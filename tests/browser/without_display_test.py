@@ -33,7 +33,8 @@ REFUSAL = b"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\nConnection: close\r\n
 NOBODY = 65534
 NOT_ENCLOSED = (
     "Other users of this machine cannot be kept from the program's display here: "
-    "unshare: unshare failed: Operation not permitted\n")
+    "unshare: unshare failed: Operation not permitted\n"
+)
 SAY_SO = "If this machine has no other user, set VANTORELLE_SOLE_USER=1 and start again.\n"
 
 # Dark pixels: of a window that is drawn at least, and more than a blinking caret has.
@@ -72,7 +73,10 @@ class WithoutDisplay(unittest.TestCase):
         self.browser.reopen(address)
         self.finish_codeset(self.expect_window(editing.number))
         written = codeset("Hafenmühle", remarks=[("H1", "Rusty crane")])
-        wait_until(lambda: path.exists() and path.read_bytes() == written, lambda: f"{written!r} in {path.name}")
+        wait_until(
+            lambda: path.exists() and path.read_bytes() == written,
+            lambda: f"{written!r} in {path.name}",
+        )
 
         window = self.expect_window(main_window.number)
         self.browser.click(window.right - CLOSE_WINDOW[0], window.top + CLOSE_WINDOW[1])
@@ -123,13 +127,25 @@ class WithoutDisplay(unittest.TestCase):
             "no host": head(page, {}),
             "another host": head(page, {"Host": f"rebound.example:{port}"}),
             "another host, its origin": head(
-                upgrade, {"Host": f"rebound.example:{port}", "Origin": f"http://rebound.example:{port}", **WEBSOCKET}),
+                upgrade,
+                {
+                    "Host": f"rebound.example:{port}",
+                    "Origin": f"http://rebound.example:{port}",
+                    **WEBSOCKET,
+                },
+            ),
             "a host without its port": head(page, {"Host": "127.0.0.1"}),
             "two hosts": head(page, {"host": "rebound.example", **own}),
             "another origin": head(page, {**own, "Origin": "http://foreign.example"}),
-            "another origin, upgrade": head(upgrade, {**own, "Origin": "http://foreign.example", **WEBSOCKET}),
-            "another port's origin": head(upgrade, {**own, "Origin": "http://127.0.0.1:1", **WEBSOCKET}),
-            "an origin that the browser hides": head(upgrade, {**own, "Origin": "null", **WEBSOCKET}),
+            "another origin, upgrade": head(
+                upgrade, {**own, "Origin": "http://foreign.example", **WEBSOCKET}
+            ),
+            "another port's origin": head(
+                upgrade, {**own, "Origin": "http://127.0.0.1:1", **WEBSOCKET}
+            ),
+            "an origin that the browser hides": head(
+                upgrade, {**own, "Origin": "null", **WEBSOCKET}
+            ),
             "no origin, upgrade": head(upgrade, {"Host": host, **WEBSOCKET}),
             "no upgrade": head(upgrade, own),
             "no HTTP": b"\0\xff\r\n\r\n",
@@ -140,20 +156,32 @@ class WithoutDisplay(unittest.TestCase):
                 self.assertEqual(ask(port, request), REFUSAL)
         served = {
             "the page": (head(page, {"Host": host}), b"HTTP/1.0 200 OK"),
-            "the page, by the machine's own name": (head(page, {"Host": f"localhost:{port}"}), b"HTTP/1.0 200 OK"),
+            "the page, by the machine's own name": (
+                head(page, {"Host": f"localhost:{port}"}),
+                b"HTTP/1.0 200 OK",
+            ),
             "the page's script": (head(page + "broadway.js", {"Host": host}), b"HTTP/1.0 200 OK"),
-            "the page, with others' cookies": (head(page, {"Host": host, "Cookie": "a=\u00e4; b=c"}), b"HTTP/1.0 200 OK"),
-            "the upgrade": (head(upgrade, {**own, **WEBSOCKET}), b"HTTP/1.1 101 Switching Protocols"),
+            "the page, with others' cookies": (
+                head(page, {"Host": host, "Cookie": "a=\u00e4; b=c"}),
+                b"HTTP/1.0 200 OK",
+            ),
+            "the upgrade": (
+                head(upgrade, {**own, **WEBSOCKET}),
+                b"HTTP/1.1 101 Switching Protocols",
+            ),
         }
         for name, (request, status) in served.items():
             with self.subTest(served=name):
                 self.assertEqual(ask(port, request).split(b"\r\n")[0], status)
         # Nothing that follows an admitted request is passed on without a look at it.
-        two = head(page, {"Host": host}) + head("/socket", {**own, "Origin": "http://foreign.example", **WEBSOCKET})
+        two = head(page, {"Host": host}) + head(
+            "/socket", {**own, "Origin": "http://foreign.example", **WEBSOCKET}
+        )
         self.assertEqual(ask(port, two).count(b"HTTP/1."), 1)
 
     # Only root can become another user.
     if os.geteuid() == 0:
+
         def test_another_user_of_the_machine_finds_no_way_in(self):
             session = self.start()
             _, port, secret = session.read_address()
@@ -165,8 +193,16 @@ class WithoutDisplay(unittest.TestCase):
                 folder.chmod(0o755)
             other_user = (pathlib.Path(__file__).parent / "other_user.py").read_text()
             found = subprocess.run(
-                ("/usr/bin/python3", "-c", other_user, str(port), self.scratch, *sockets), input=secret,
-                capture_output=True, text=True, check=True, cwd="/", user=NOBODY, group=NOBODY, extra_groups=[])
+                ("/usr/bin/python3", "-c", other_user, str(port), self.scratch, *sockets),
+                input=secret,
+                capture_output=True,
+                text=True,
+                check=True,
+                cwd="/",
+                user=NOBODY,
+                group=NOBODY,
+                extra_groups=[],
+            )
             self.assertEqual(found.stdout.split(), [])
 
     def test_where_other_users_cannot_be_kept_out_the_user_has_to_be_alone(self):
@@ -175,8 +211,16 @@ class WithoutDisplay(unittest.TestCase):
             # Root as an ordinary user, who has to say so.
             check = ("bash", "-c", 'source "$1"; check_enclosure', "check", LIBRARY)
             refused = subprocess.run(
-                check, capture_output=True, text=True, env={"PATH": path}, cwd="/", user=NOBODY, group=NOBODY,
-                extra_groups=[], check=False)
+                check,
+                capture_output=True,
+                text=True,
+                env={"PATH": path},
+                cwd="/",
+                user=NOBODY,
+                group=NOBODY,
+                extra_groups=[],
+                check=False,
+            )
             self.assertEqual((refused.returncode, refused.stderr), (1, NOT_ENCLOSED + SAY_SO))
             alone = self.start(PATH=path)
         else:
@@ -201,7 +245,9 @@ class WithoutDisplay(unittest.TestCase):
         for folder in (self.folder, programs):
             folder.chmod(0o755)
         unshare = programs / "unshare"
-        unshare.write_text("#!/bin/sh\necho 'unshare: unshare failed: Operation not permitted' >&2\nexit 1\n")
+        unshare.write_text(
+            "#!/bin/sh\necho 'unshare: unshare failed: Operation not permitted' >&2\nexit 1\n"
+        )
         unshare.chmod(0o755)
         return f"{programs}:{os.environ['PATH']}"
 
@@ -213,12 +259,16 @@ class WithoutDisplay(unittest.TestCase):
         self.expect_change(location)
         self.browser.click(*button)
         main_window = self.expect_window(above=assistant.number)
-        self.assertTrue((self.home / "Vantorelle Workspace" / "codesets" / "metals.codeset").exists())
+        self.assertTrue(
+            (self.home / "Vantorelle Workspace" / "codesets" / "metals.codeset").exists()
+        )
         return main_window
 
     def begin_codeset(self, main_window):
         """A new codeset that has a name and is not saved."""
-        self.browser.click(main_window.right - ADD_NEW_CODESET[0], main_window.top + ADD_NEW_CODESET[1])
+        self.browser.click(
+            main_window.right - ADD_NEW_CODESET[0], main_window.top + ADD_NEW_CODESET[1]
+        )
         naming = self.expect_window(above=main_window.number)
         self.browser.type(HOME + "harbour" + RETURN)
         editing = self.expect_window(above=naming.number)
@@ -241,7 +291,9 @@ class WithoutDisplay(unittest.TestCase):
             wanted = window and (window.number == number if number else window.number > above)
             return window if wanted and window.ink >= LEAST_INK else None
 
-        window = wait_until(find, lambda: f"window {number or above}; there are {self.browser.windows()!r}", 30)
+        window = wait_until(
+            find, lambda: f"window {number or above}; there are {self.browser.windows()!r}", 30
+        )
         width, height = self.browser.size()
         self.assertGreaterEqual((window.left, window.top), (0, 0))
         self.assertLessEqual(window.right, width, "reaches beyond the page")
@@ -253,9 +305,15 @@ class WithoutDisplay(unittest.TestCase):
 
         def find():
             now = self.browser.windows()[-1]
-            return now if now.number == window.number and abs(now.ink - window.ink) > CARET_INK else None
+            return (
+                now
+                if now.number == window.number and abs(now.ink - window.ink) > CARET_INK
+                else None
+            )
 
-        return wait_until(find, lambda: f"a change of {window!r}; there are {self.browser.windows()!r}")
+        return wait_until(
+            find, lambda: f"a change of {window!r}; there are {self.browser.windows()!r}"
+        )
 
     def expect_local(self, session, port):
         """Only this machine itself can reach the program, once it shows something. Returns the sockets by which it can."""
@@ -263,7 +321,9 @@ class WithoutDisplay(unittest.TestCase):
         self.assertCountEqual(session.processes().values(), PROCESSES)
         sockets = session.listening()
         self.assertEqual(list(sockets.values()), [("127.0.0.1", port)])
-        own_addresses = subprocess.run(("hostname", "-I"), capture_output=True, text=True, check=True).stdout.split()
+        own_addresses = subprocess.run(
+            ("hostname", "-I"), capture_output=True, text=True, check=True
+        ).stdout.split()
         for address in ("127.0.0.2", *own_addresses):
             with self.subTest(address=address), self.assertRaises(ConnectionRefusedError):
                 socket.create_connection((address, port), 5).close()
@@ -273,7 +333,9 @@ class WithoutDisplay(unittest.TestCase):
         # By the sockets: the port may be another session's by now.
         session.expect_end(status, printed)
         # A process that is killed shows no command line any more before the system has closed its sockets.
-        wait_until(lambda: sockets.isdisjoint(listening_sockets()), lambda: f"{sockets!r} to be closed")
+        wait_until(
+            lambda: sockets.isdisjoint(listening_sockets()), lambda: f"{sockets!r} to be closed"
+        )
         self.assertEqual(set(shared_memory()) - self.shared_memory, set())
         self.assertEqual(list(self.scratch.iterdir()), [])
 

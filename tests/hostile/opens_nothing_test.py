@@ -96,10 +96,23 @@ class OpensNothing(unittest.TestCase):
         # Looking for leaks is itself done by tracing, which nobody can do twice.
         environment = dict(os.environ, ASAN_OPTIONS="detect_leaks=0")
         result = subprocess.run(
-            ["strace", "-f", "-o", log, "-e", "trace=open,openat,openat2,connect,socket,execve",
-             READER, *files],
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, cwd=self.folder, env=environment,
-            timeout=PATIENCE, check=True)
+            [
+                "strace",
+                "-f",
+                "-o",
+                log,
+                "-e",
+                "trace=open,openat,openat2,connect,socket,execve",
+                READER,
+                *files,
+            ],
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            cwd=self.folder,
+            env=environment,
+            timeout=PATIENCE,
+            check=True,
+        )
         with open(log, encoding="utf-8", errors="replace") as lines:
             return result.stdout.decode("latin-1"), lines.read().splitlines()
 
@@ -113,7 +126,7 @@ class OpensNothing(unittest.TestCase):
             elif re.search(r"\b(?:connect|socket|execve)\(", line):
                 others.append(line)
         self.assertIn(first_file, paths, "strace sees what is opened")
-        return paths[paths.index(first_file):], others[1:]
+        return paths[paths.index(first_file) :], others[1:]
 
     def test_nothing_that_a_file_names_is_opened(self):
         files = [

@@ -13,7 +13,14 @@ LANGUAGES = ("English/United Kingdom [en-uk]", "Swedish [sv]", "German [de]")
 # What a user operates. A combo box takes the keys through a button inside it that is no object of its own.
 # A label that can have the focus is a text that can be copied.
 CONTROLS = (
-    *accessibility.BUTTONS, *accessibility.TEXTS, *accessibility.LISTS, "check box", "radio button", "slider", "link", "label",
+    *accessibility.BUTTONS,
+    *accessibility.TEXTS,
+    *accessibility.LISTS,
+    "check box",
+    "radio button",
+    "slider",
+    "link",
+    "label",
 )
 NAMED = (*CONTROLS, "combo box", "menu item", "alert", "dialog", "frame", "icon")
 
@@ -55,14 +62,17 @@ class Picture:
         data = subprocess.run(command, capture_output=True, check=True, timeout=20).stdout
         header = re.match(rb"P6\s(\d+)\s(\d+)\s255\s", data)
         self.width, self.height = int(header[1]), int(header[2])
-        self.pixels = data[header.end():]
+        self.pixels = data[header.end() :]
 
     def part(self, extents):
         """The pixels in and around the extents."""
         x, y, width, height = extents
         left, right = max(x - FOCUS_MARGIN, 0), min(x + width + FOCUS_MARGIN, self.width)
         rows = range(max(y - FOCUS_MARGIN, 0), min(y + height + FOCUS_MARGIN, self.height))
-        return b"".join(self.pixels[3 * (row * self.width + left):3 * (row * self.width + right)] for row in rows)
+        return b"".join(
+            self.pixels[3 * (row * self.width + left) : 3 * (row * self.width + right)]
+            for row in rows
+        )
 
 
 def visible_objects(accessible, wanted_state="showing"):
@@ -78,7 +88,11 @@ def visible_objects(accessible, wanted_state="showing"):
 
 def objects(window, roles):
     window.accessible.clear_cache()
-    return [Widget(window.program, o) for o in visible_objects(window.accessible) if accessibility.role(o) in roles]
+    return [
+        Widget(window.program, o)
+        for o in visible_objects(window.accessible)
+        if accessibility.role(o) in roles
+    ]
 
 
 def spoken(widget):
@@ -142,27 +156,50 @@ class Accessibility(Journey):
         widgets = [window, *objects(window, NAMED)]
         nameless = [f"{widget!r} at {widget.extents}" for widget in widgets if not spoken(widget)]
         self.assertEqual(nameless, [], f"nameless in {window!r}")
-        focusable = [widget for widget in objects(window, ("filler", "panel")) if "focusable" in widget.states]
-        self.assertEqual([widget for widget in focusable if not widget.name], [], f"groups without a name in {window!r}")
+        focusable = [
+            widget
+            for widget in objects(window, ("filler", "panel"))
+            if "focusable" in widget.states
+        ]
+        self.assertEqual(
+            [widget for widget in focusable if not widget.name],
+            [],
+            f"groups without a name in {window!r}",
+        )
 
     def check_tab(self, window):
         stops = self.walk(window)
         wanted = [
-            widget for widget in objects(window, CONTROLS)
+            widget
+            for widget in objects(window, CONTROLS)
             if {"sensitive", "focusable"} <= widget.states and widget.name not in SIGNS
         ]
-        self.assertEqual([widget for widget in wanted if widget not in stops], [], f"not reached with Tab in {window!r}")
-        self.assertEqual([widget for widget in stops if widget not in wanted], [], f"reached unasked in {window!r}")
+        self.assertEqual(
+            [widget for widget in wanted if widget not in stops],
+            [],
+            f"not reached with Tab in {window!r}",
+        )
+        self.assertEqual(
+            [widget for widget in stops if widget not in wanted],
+            [],
+            f"reached unasked in {window!r}",
+        )
         places = [widget.resting_extents() for widget in stops]
         leaps = [
-            f"{stops[i - 1]!r} -> {stops[i]!r}" for i in range(len(stops)) if not comes_after(places[i - 1], places[i])
+            f"{stops[i - 1]!r} -> {stops[i]!r}"
+            for i in range(len(stops))
+            if not comes_after(places[i - 1], places[i])
         ]
         self.assertLessEqual(len(leaps), 1, f"Tab leaps about in {window!r}: {leaps}")
 
     def walk(self, window):
         """Presses Tab until it comes round. Returns what got the focus, in order, each time seen on the screen."""
         program = window.program
-        controls = [widget for widget in objects(window, CONTROLS) if {"sensitive", "focusable"} <= widget.states]
+        controls = [
+            widget
+            for widget in objects(window, CONTROLS)
+            if {"sensitive", "focusable"} <= widget.states
+        ]
         if len(controls) == 1:
             controls[0].expect_focus()
             return controls
@@ -172,8 +209,10 @@ class Accessibility(Journey):
             focused = program.focused()
             window.press("Tab")
             stop = program.wait(
-                lambda focused=focused: program.focused() not in (None, focused) and program.focused(),
-                lambda focused=focused: f"Tab to move the focus from {focused!r} to something that can be named")
+                lambda focused=focused: program.focused() not in (None, focused)
+                and program.focused(),
+                lambda focused=focused: f"Tab to move the focus from {focused!r} to something that can be named",
+            )
             if stop in stops:
                 break
             stops.append(stop)
@@ -212,7 +251,10 @@ class Accessibility(Journey):
         self.check(assistant)
         assistant.button("Apply").click()
         refusal = program.dialog("Error")
-        self.check_dialog(refusal, "There is already a folder or a file with that name.\n\nPlease choose a new location.")
+        self.check_dialog(
+            refusal,
+            "There is already a folder or a file with that name.\n\nPlease choose a new location.",
+        )
         self.escape(refusal)
         assistant.button("Next").click()
         assistant.field("Workspace location").enter(str(self.home / "Mine"))
@@ -247,7 +289,9 @@ class Accessibility(Journey):
         program, window = self.open_main_window()
         window.button("Delete").click()
         question = program.dialog("Question")
-        self.check_dialog(question, 'Do you really want to delete "Own (Vera) 1" from your workspace?')
+        self.check_dialog(
+            question, 'Do you really want to delete "Own (Vera) 1" from your workspace?'
+        )
         self.escape(question)
         self.assertTrue(self.own_file.exists())
         window.list().row(re.compile("^Metals ")).select()
@@ -256,7 +300,8 @@ class Accessibility(Journey):
         self.check_dialog(
             question,
             "This item was bundled with Vantorelle. You might want to clone it first, to make your own independent copy.\n\n"
-            "Proceed anyway?")
+            "Proceed anyway?",
+        )
         self.escape(question)
         window.expect_active()
 
@@ -289,7 +334,8 @@ class Accessibility(Journey):
         self.check(editing)
         names = [field.name for field in editing.fields()]
         self.assertEqual(
-            names, [*LANGUAGES, LANGUAGES[0], "Version", "Description of the selected remark code"])
+            names, [*LANGUAGES, LANGUAGES[0], "Version", "Description of the selected remark code"]
+        )
         self.assertEqual([combo.description for combo in editing.combos()], ["Language"] * 4)
         for title in ("Codeset name", "Author", "Version", "Remark codes"):
             self.assertTrue(editing.frame(re.compile(f"^{title}:")).is_showing)
@@ -305,18 +351,32 @@ class Accessibility(Journey):
     def test_the_remark_dialog(self):
         program, dialog = self.open_remark_dialog()
         self.check(dialog)
-        self.assertEqual([spoken(field).strip() for field in dialog.fields()], ["Remark code: (Required)", *LANGUAGES[:2]])
+        self.assertEqual(
+            [spoken(field).strip() for field in dialog.fields()],
+            ["Remark code: (Required)", *LANGUAGES[:2]],
+        )
         self.assertTrue(dialog.frame("Short description").is_showing)
         self.assertEqual(
-            [(button.name, button.description) for button in dialog.find_all("push button") if button.name in SIGNS],
-            [(" - ", "Delete this translation"), (" - ", "Delete this translation"), (" + ", "Add a translation")])
+            [
+                (button.name, button.description)
+                for button in dialog.find_all("push button")
+                if button.name in SIGNS
+            ],
+            [
+                (" - ", "Delete this translation"),
+                (" - ", "Delete this translation"),
+                (" + ", "Add a translation"),
+            ],
+        )
         dialog.field("Remark code").enter("Fl1")
         dialog.press("Return")
         refusal = program.dialog("Error")
         self.check_dialog(refusal, "That code is already taken.")
         self.escape(refusal)
         self.escape(dialog)
-        program.window("Edit remark codeset - own.codeset").list("Remark codes").expect_texts(["Cr1. Crack", "Fl1. Flaking"])
+        program.window("Edit remark codeset - own.codeset").list("Remark codes").expect_texts(
+            ["Cr1. Crack", "Fl1. Flaking"]
+        )
 
     # By keys alone
 
@@ -418,7 +478,8 @@ class Accessibility(Journey):
         assistant.button("Apply").act()
         refusal = program.dialog("Error")
         self.assertEqual(
-            refusal.message, "There is already a folder or a file with that name.\n\nPlease choose a new location."
+            refusal.message,
+            "There is already a folder or a file with that name.\n\nPlease choose a new location.",
         )
         refusal.button("Close").act()
         refusal.expect_closed()
@@ -439,7 +500,9 @@ class Accessibility(Journey):
             if focused is not None and focused.name == name:
                 return
             window.press("Tab")
-            window.program.wait(lambda focused=focused: window.program.focused() != focused, "Tab to move the focus")
+            window.program.wait(
+                lambda focused=focused: window.program.focused() != focused, "Tab to move the focus"
+            )
         self.fail(f"Tab does not lead to {name!r}")
 
     def test_escape_ends_a_search_before_it_closes_the_window(self):
@@ -448,7 +511,10 @@ class Accessibility(Journey):
         selector = program.window("Select one to add")
         selector.list().expect_focus()
         display.type_text("met")
-        program.wait(lambda: [text.split()[0] for text in selector.list().selected_texts()] == ["Metals"], "the row to be found")
+        program.wait(
+            lambda: [text.split()[0] for text in selector.list().selected_texts()] == ["Metals"],
+            "the row to be found",
+        )
         display.press("Escape")
         settle()
         self.assertTrue(selector.is_open)

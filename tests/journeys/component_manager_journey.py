@@ -7,17 +7,28 @@ from support.journey import delivered_stage
 
 NOTICE = "Some incompatible files found. They are marked with red in the list:"
 RED = (65535, 0, 0)
-BUTTONS = ["Add from file", "Add bundled", "Add new", "Clone", "Edit", "Save a copy", "Delete", "Refresh list"]
+BUTTONS = [
+    "Add from file",
+    "Add bundled",
+    "Add new",
+    "Clone",
+    "Edit",
+    "Save a copy",
+    "Delete",
+    "Refresh list",
+]
 BUNDLED_QUESTION = (
     "This item was bundled with Vantorelle. You might want to clone it first, to make your own independent copy.\n\n"
-    "Proceed anyway?")
+    "Proceed anyway?"
+)
 
 WOOD = codeset("Wood", "Vera", "2", [("W1", "Split")])
 GLASS = codeset({"en-uk": "Glass", "sv": "Glas"}, version="1.5", remarks=[("G1", "Chip")])
 # Texts of the root element before and after its elements, as other programs may write them.
 SURROUNDED = (
     b"<codeset><name lang='sv'>N</name><![CDATA[a]]><remark><code>7</code><description lang='sv'>text</description></remark>"
-    b"<![CDATA[b]]></codeset>")
+    b"<![CDATA[b]]></codeset>"
+)
 METALS = re.compile(r"^Metals \(")
 
 
@@ -47,7 +58,9 @@ class ComponentManager(WorkspaceJourney):
         window.list().expect_focus()
         self.expect_nothing_selected(window)
         self.assertEqual([button.name for button in window.find_all("push button")], BUTTONS)
-        self.expect_sensitivity(window, Add_from_file=True, Add_bundled=True, Add_new=True, Refresh_list=True)
+        self.expect_sensitivity(
+            window, Add_from_file=True, Add_bundled=True, Add_new=True, Refresh_list=True
+        )
         self.assertEqual(window.labels(), ["File name of selected item:"])
         self.assertFalse(self.file_name(window).is_editable)
 
@@ -66,14 +79,18 @@ class ComponentManager(WorkspaceJourney):
         window.list().expect_texts(["Glas 1.5"])
 
     def test_texts_are_shown_as_they_are(self):
-        texts = ["100 % <b>wood</b> & \"%s\"", "Ébène & chêne", "&amp;"]
+        texts = ['100 % <b>wood</b> & "%s"', "Ébène & chêne", "&amp;"]
         for number, text in enumerate(texts):
             self.put(f"{number}.codeset", codeset(text, "<i>%n</i>", remarks=[("1", "One")]))
         program, window = self.open()
         self.assertCountEqual(window.list().texts(), [f"{text} (<i>%n</i>)" for text in texts])
         self.ask_to_delete(window, f"{texts[0]} (<i>%n</i>)")
         self.expect_message(
-            program, "Question", f'Do you really want to delete "{texts[0]} (<i>%n</i>)" from your workspace?', "No")
+            program,
+            "Question",
+            f'Do you really want to delete "{texts[0]} (<i>%n</i>)" from your workspace?',
+            "No",
+        )
 
     def test_incompatible_files_come_and_go(self):
         self.put("wood.codeset", WOOD)
@@ -96,11 +113,17 @@ class ComponentManager(WorkspaceJourney):
         self.expect_sensitivity(window, Clone=True, Edit=True, Save_a_copy=True, Delete=True)
         window.button("Delete").click()
         self.expect_message(
-            program, "Question", 'Do you really want to delete "strange.codeset" from your workspace?', "Yes")
+            program,
+            "Question",
+            'Do you really want to delete "strange.codeset" from your workspace?',
+            "Yes",
+        )
         window.list().expect_texts(["Wood (Vera) 2"])
         self.assertFalse(strange.exists())
         self.assertNotIn(NOTICE, window.labels())
-        program.wait(lambda: window.extents[3] == height, "the window to shrink to its former height")
+        program.wait(
+            lambda: window.extents[3] == height, "the window to shrink to its former height"
+        )
         self.expect_nothing_selected(window)
 
     def test_an_incompatible_file_is_mended_outside(self):
@@ -116,7 +139,11 @@ class ComponentManager(WorkspaceJourney):
 
     def test_an_incompatible_file_of_a_strange_name(self):
         name = "two\nlines\t<b>&.codeset"
-        neighbours = {"two": b"2", "lines\t<b>&.codeset": WOOD, "two\nlines\t&lt;b&gt;&amp;.codeset": GLASS}
+        neighbours = {
+            "two": b"2",
+            "lines\t<b>&.codeset": WOOD,
+            "two\nlines\t&lt;b&gt;&amp;.codeset": GLASS,
+        }
         for other, data in {**neighbours, name: b"a letter"}.items():
             self.put(other, data)
         program, window = self.open()
@@ -181,7 +208,10 @@ class ComponentManager(WorkspaceJourney):
         # The folder was used before, so the chooser begins there.
         window.button("Add from file").click()
         chooser = program.file_chooser("Select a file to add")
-        program.wait(lambda: chooser.folder == elsewhere.name, lambda: f"the last used folder; it is {chooser.folder!r}")
+        program.wait(
+            lambda: chooser.folder == elsewhere.name,
+            lambda: f"the last used folder; it is {chooser.folder!r}",
+        )
         chooser.choose(elsewhere / "glass.CodeSet")
         window.list().expect_texts(["Glass 1.5", "Wood (Vera) 2"])
         self.assertEqual(self.contents(), {"wood.codeset": WOOD, "glass.CodeSet": GLASS})
@@ -213,7 +243,9 @@ class ComponentManager(WorkspaceJourney):
         program, window = self.open()
         window.button("Add from file").click()
         program.file_chooser().choose(source)
-        self.expect_message(program, "Question", f'Really overwrite "{own}" with "{source}"?', "Yes")
+        self.expect_message(
+            program, "Question", f'Really overwrite "{own}" with "{source}"?', "Yes"
+        )
         program.wait(lambda: own.read_bytes() == b"new <b>", "the file to be overwritten")
         window.list().expect_texts(["odd.codeset"])
         window.label(NOTICE)
@@ -251,7 +283,9 @@ class ComponentManager(WorkspaceJourney):
             selector = program.window("Select one to add")
             selector.list().row(METALS).select()
             selector.button("OK").click()
-            self.expect_message(program, "Question", f'Really overwrite "Glass 1.5" with "{text}"?', answer)
+            self.expect_message(
+                program, "Question", f'Really overwrite "Glass 1.5" with "{text}"?', answer
+            )
             window.expect_active()
             self.assertEqual(own.read_bytes(), expected)
 
@@ -303,7 +337,9 @@ class ComponentManager(WorkspaceJourney):
         editing.button("Save codeset").click()
         editing.expect_closed()
         window.list().expect_texts(["Mine"])
-        self.assertEqual(self.contents(), {"mine.codeset": codeset("Mine", remarks=[("M1", "Worn")])})
+        self.assertEqual(
+            self.contents(), {"mine.codeset": codeset("Mine", remarks=[("M1", "Worn")])}
+        )
 
     def test_cancelling_add_new_refreshes_the_list(self):
         program, window = self.open()
@@ -318,7 +354,11 @@ class ComponentManager(WorkspaceJourney):
         editing = program.window("Edit remark codeset - mine.codeset")
         editing.button("Close").click()
         self.expect_message(
-            program, "Really close?", "Are you sure you want to close the codeset without saving?", "Close")
+            program,
+            "Really close?",
+            "Are you sure you want to close the codeset without saving?",
+            "Close",
+        )
         editing.expect_closed()
         self.assertEqual(self.contents(), {"wood.codeset": WOOD})
 
@@ -332,7 +372,10 @@ class ComponentManager(WorkspaceJourney):
         naming.button("Cancel").click()
         naming.expect_closed()
         self.expect_nothing_selected(window)
-        for text, name in (("strange.codeset", "copy.codeset"), ("Wood (Vera) 2", "wood_2.codeset")):
+        for text, name in (
+            ("strange.codeset", "copy.codeset"),
+            ("Wood (Vera) 2", "wood_2.codeset"),
+        ):
             window.list().row(text).select()
             window.button("Clone").click()
             naming = program.window("Add new")
@@ -341,11 +384,18 @@ class ComponentManager(WorkspaceJourney):
             naming.expect_closed()
             self.expect_nothing_selected(window)
         self.assertCountEqual(
-            window.list().texts(), ["copy.codeset", "strange.codeset", "Wood (Vera) 2", "Wood (Vera) 2"])
-        self.assertEqual(self.contents(), {
-            "wood.codeset": WOOD, "wood_2.codeset": WOOD,
-            "strange.codeset": b"\x00strange\xff", "copy.codeset": b"\x00strange\xff",
-        })
+            window.list().texts(),
+            ["copy.codeset", "strange.codeset", "Wood (Vera) 2", "Wood (Vera) 2"],
+        )
+        self.assertEqual(
+            self.contents(),
+            {
+                "wood.codeset": WOOD,
+                "wood_2.codeset": WOOD,
+                "strange.codeset": b"\x00strange\xff",
+                "copy.codeset": b"\x00strange\xff",
+            },
+        )
 
     def test_cloning_a_file_that_is_gone(self):
         path = self.put("wood.codeset", WOOD)
@@ -433,7 +483,10 @@ class ComponentManager(WorkspaceJourney):
             program.wait(lambda chooser=chooser: chooser.folder == "target", "the last used folder")
             chooser.accept(taken)
             question = program.dialog()
-            self.assertIn('A file named “taken.codeset” already exists.  Do you want to replace it?', question.message)
+            self.assertIn(
+                "A file named “taken.codeset” already exists.  Do you want to replace it?",
+                question.message,
+            )
             question.answer(answer)
             if answer == "Cancel":
                 chooser.expect_active()
@@ -451,7 +504,11 @@ class ComponentManager(WorkspaceJourney):
         # A folder in which nobody can make a file.
         program.file_chooser("Save As").choose("/proc/copy.codeset")
         self.expect_message(
-            program, "Error", "An error occured when saving the copy of the file.\n\n/proc/copy.codeset", "Close")
+            program,
+            "Error",
+            "An error occured when saving the copy of the file.\n\n/proc/copy.codeset",
+            "Close",
+        )
         self.expect_nothing_selected(window)
 
     def test_a_copy_onto_itself_keeps_the_file(self):
@@ -531,7 +588,11 @@ class ComponentManager(WorkspaceJourney):
         window.button("Add from file").click()
         program.file_chooser().choose(source)
         self.expect_message(
-            program, "Error", "The workspace fonts folder does not exist and could not be created.", "Close")
+            program,
+            "Error",
+            "The workspace fonts folder does not exist and could not be created.",
+            "Close",
+        )
         window.list().expect_texts([])
         self.assertEqual(self.codesets.read_bytes(), b"in the way")
         self.end(program, window)

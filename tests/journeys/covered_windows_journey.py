@@ -107,7 +107,10 @@ class CoveredWindows(WorkspaceJourney):
 
     def test_the_main_window_below_a_file_chooser_and_a_selector(self):
         program, window = self.open()
-        for button, title in (("Add from file", "Select a file to add"), ("Add bundled", "Select one to add")):
+        for button, title in (
+            ("Add from file", "Select a file to add"),
+            ("Add bundled", "Select one to add"),
+        ):
             window.button(button).click()
             above = program.window(title)
             self.expect_no_way_past(program, above)

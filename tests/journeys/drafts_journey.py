@@ -95,8 +95,22 @@ class Drafts(WorkspaceJourney):
         reading, writing = os.pipe()
         with open(self.folder / "server.log", "ab") as log:
             server = subprocess.Popen(
-                ("Xvfb", "-screen", "0", "1400x1100x24", "-nolisten", "tcp", "-noreset", "-displayfd", str(writing)),
-                stdin=subprocess.DEVNULL, stdout=log, stderr=log, pass_fds=(writing,))
+                (
+                    "Xvfb",
+                    "-screen",
+                    "0",
+                    "1400x1100x24",
+                    "-nolisten",
+                    "tcp",
+                    "-noreset",
+                    "-displayfd",
+                    str(writing),
+                ),
+                stdin=subprocess.DEVNULL,
+                stdout=log,
+                stderr=log,
+                pass_fds=(writing,),
+            )
         os.close(writing)
         self.addCleanup(server.wait)
         self.addCleanup(server.kill)
@@ -109,11 +123,18 @@ class Drafts(WorkspaceJourney):
         own_display = os.environ["DISPLAY"]
         self.addCleanup(os.environ.__setitem__, "DISPLAY", own_display)
         os.environ["DISPLAY"] = f":{number}"
-        manager = subprocess.Popen(("openbox", "--sm-disable", "--config-file", settings), stderr=subprocess.DEVNULL)
+        manager = subprocess.Popen(
+            ("openbox", "--sm-disable", "--config-file", settings), stderr=subprocess.DEVNULL
+        )
         self.addCleanup(manager.wait)
         self.addCleanup(manager.kill)
-        wait_until(lambda: b"window id" in subprocess.run(
-            ("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), capture_output=True, check=False).stdout, "the window manager")
+        wait_until(
+            lambda: b"window id"
+            in subprocess.run(
+                ("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), capture_output=True, check=False
+            ).stdout,
+            "the window manager",
+        )
         program, editing = self.open_wood()
         self.change(program, editing)
         server.kill()
@@ -125,8 +146,20 @@ class Drafts(WorkspaceJourney):
         name = f"wayland-{os.getpid()}"
         with open(self.folder / "weston.log", "wb") as log:
             compositor = subprocess.Popen(
-                ("weston", "--backend=x11-backend.so", "--use-pixman", "--width=1200", "--height=900", "--no-config",
-                 "--idle-time=0", f"--socket={name}"), stdin=subprocess.DEVNULL, stdout=log, stderr=log)
+                (
+                    "weston",
+                    "--backend=x11-backend.so",
+                    "--use-pixman",
+                    "--width=1200",
+                    "--height=900",
+                    "--no-config",
+                    "--idle-time=0",
+                    f"--socket={name}",
+                ),
+                stdin=subprocess.DEVNULL,
+                stdout=log,
+                stderr=log,
+            )
         self.addCleanup(compositor.wait)
         self.addCleanup(compositor.kill)
         socket = pathlib.Path(os.environ["XDG_RUNTIME_DIR"]) / name
@@ -211,7 +244,7 @@ class Drafts(WorkspaceJourney):
         for folder in (self.state, self.state / "vantorelle", self.state / "vantorelle" / "drafts"):
             self.assertEqual(permissions(folder), 0o700, folder)
             self.assertEqual(len(list(folder.iterdir())), 1)
-        draft, = (self.state / "vantorelle" / "drafts").iterdir()
+        (draft,) = (self.state / "vantorelle" / "drafts").iterdir()
         self.assertEqual(permissions(draft), 0o600)
         self.assertTrue(draft.name.endswith(".wood.codeset"))
 
@@ -221,7 +254,9 @@ class Drafts(WorkspaceJourney):
         program, editing = self.open_wood()
         editing.field(UK).enter("Changed")
         time.sleep(DRAFT_SECONDS)
-        self.assertEqual([window.title for window in program.windows() if window.is_active], [TITLE])
+        self.assertEqual(
+            [window.title for window in program.windows() if window.is_active], [TITLE]
+        )
         editing.button("Save codeset").click()
         window = program.window(MAIN_WINDOW)
         self.assertEqual(self.contents(), {"wood.codeset": CHANGED})
@@ -251,7 +286,9 @@ class Drafts(WorkspaceJourney):
     # Any moment
 
     def many(self, version):
-        return codeset("Many", version=version, remarks=[(str(i), f"Remark {i}") for i in range(REMARK_COUNT)])
+        return codeset(
+            "Many", version=version, remarks=[(str(i), f"Remark {i}") for i in range(REMARK_COUNT)]
+        )
 
     @staticmethod
     def version_of(data):
@@ -265,7 +302,9 @@ class Drafts(WorkspaceJourney):
     def versions_left(self):
         """Those of the file and of the drafts."""
         files = [self.wood.read_bytes()] if self.wood.exists() else []
-        return {self.version_of(data) for data in files}, {self.version_of(data) for data in self.drafts()}
+        return {self.version_of(data) for data in files}, {
+            self.version_of(data) for data in self.drafts()
+        }
 
     def test_killed_at_any_moment(self):
         kills = int(os.environ.get("VANTORELLE_KILLS", 12))
@@ -275,7 +314,9 @@ class Drafts(WorkspaceJourney):
         for number in range(kills):
             is_saving = number % 2 == 0
             wait = moments.uniform(0, SAVE_SECONDS if is_saving else DRAFT_SECONDS + 1)
-            with self.subTest(f"VANTORELLE_SEED={seed}", number=number, is_saving=is_saving, wait=wait):
+            with self.subTest(
+                f"VANTORELLE_SEED={seed}", number=number, is_saving=is_saving, wait=wait
+            ):
                 self.wood.write_bytes(old)
                 for draft in (self.state / "vantorelle" / "drafts").glob("*"):
                     draft.unlink()

@@ -61,25 +61,54 @@ class Editing(WorkspaceJourney):
         editing.field(UK).expect_focus()
         self.assertEqual(
             [(field.name, field.text) for field in editing.fields()],
-            [(UK, "Own"), (SWEDISH, "Egen"), (UK, "Vera"), ("Version", "3"), ("Description of the selected remark code", "")])
+            [
+                (UK, "Own"),
+                (SWEDISH, "Egen"),
+                (UK, "Vera"),
+                ("Version", "3"),
+                ("Description of the selected remark code", ""),
+            ],
+        )
         self.assertEqual([combo.text for combo in editing.combos()], [UK, SWEDISH, UK])
         self.assertEqual(
             [button.name for button in editing.find_all("push button")],
-            [" - ", " - ", " + ", " - ", " + ", "Add new", "Edit", "Delete", "Save codeset", "Close"])
+            [
+                " - ",
+                " - ",
+                " + ",
+                " - ",
+                " + ",
+                "Add new",
+                "Edit",
+                "Delete",
+                "Save codeset",
+                "Close",
+            ],
+        )
         self.assertEqual(
             [button.is_sensitive for button in editing.find_all("push button")],
-            [True, True, True, False, True, True, False, False, True, True])
+            [True, True, True, False, True, True, False, False, True, True],
+        )
         codes = editing.list("Remark codes")
         codes.expect_texts(["1. One", "2. Two", "10. Ten"])
         codes.expect_selected([])
-        for title in ("Codeset name: (Required)", "Author:", "Version:", "Remark codes: (Required)"):
+        for title in (
+            "Codeset name: (Required)",
+            "Author:",
+            "Version:",
+            "Remark codes: (Required)",
+        ):
             self.assertTrue(editing.frame(title).is_showing)
 
     def test_a_row_that_goes_gives_its_room_back(self):
         program, editing = self.open_own()
-        program.wait(lambda: editing.extents[2:] == display.screen_size(), "the window to fill the screen")
+        program.wait(
+            lambda: editing.extents[2:] == display.screen_size(), "the window to fill the screen"
+        )
         editing.toggle_maximized()
-        program.wait(lambda: editing.extents[2:] != display.screen_size(), "the window to leave room")
+        program.wait(
+            lambda: editing.extents[2:] != display.screen_size(), "the window to leave room"
+        )
         # As low as it can be, the list has no room to give.
         size = editing.resize(1, 1)[2:]
         for added, gone in ((0, 2), (1, 3)):
@@ -114,7 +143,9 @@ class Editing(WorkspaceJourney):
                 display.click(x + width // 2, y + height // 2, wheel, times=3)
         settle()
         self.assertEqual([combo.text for combo in editing.combos()], [UK, SWEDISH, UK])
-        self.assertEqual([field.text for field in editing.fields()], ["Own", "Egen", "Vera", "3", ""])
+        self.assertEqual(
+            [field.text for field in editing.fields()], ["Own", "Egen", "Vera", "3", ""]
+        )
         # Nothing was changed that could be lost.
         self.assertEqual(self.drafts(), [])
         editing.button("Close").click()
@@ -145,7 +176,8 @@ class Editing(WorkspaceJourney):
         self.save(editing)
         self.assertEqual(
             self.contents(),
-            {name: codeset("100 % <i>", version="&lt;", remarks=[("%d", "<b>%s</b> & é")])})
+            {name: codeset("100 % <i>", version="&lt;", remarks=[("%d", "<b>%s</b> & é")])},
+        )
         self.assertEqual(program.active_window().title, MAIN_WINDOW)
 
     # Codes
@@ -153,11 +185,29 @@ class Editing(WorkspaceJourney):
     def test_codes_are_added_moved_and_deleted(self):
         program, editing = self.open_own()
         codes = editing.list("Remark codes")
-        for code, text in (("9", "Nine"), ("1a", "One A"), ("A1", "Big"), ("a1", "Small"), ("07", "Oh seven"), ("7", "Seven")):
+        for code, text in (
+            ("9", "Nine"),
+            ("1a", "One A"),
+            ("A1", "Big"),
+            ("a1", "Small"),
+            ("07", "Oh seven"),
+            ("7", "Seven"),
+        ):
             self.add(program, editing, code, text)
             codes.expect_selected([])
-        codes.expect_texts([
-            "1. One", "1a. One A", "2. Two", "07. Oh seven", "7. Seven", "9. Nine", "10. Ten", "A1. Big", "a1. Small"])
+        codes.expect_texts(
+            [
+                "1. One",
+                "1a. One A",
+                "2. Two",
+                "07. Oh seven",
+                "7. Seven",
+                "9. Nine",
+                "10. Ten",
+                "A1. Big",
+                "a1. Small",
+            ]
+        )
 
         dialog = self.dialog(program, editing, "Edit", "1. One")
         dialog.field("Remark code").expect_text("1")
@@ -170,18 +220,35 @@ class Editing(WorkspaceJourney):
         for text in ("07. Oh seven", "7. Seven", "A1. Big", "1a. One A"):
             codes.row(text).select()
             editing.button("Delete").click()
-            program.wait(lambda text=text: text not in codes.texts(), f"the row {text!r} to be gone")
+            program.wait(
+                lambda text=text: text not in codes.texts(), f"the row {text!r} to be gone"
+            )
         codes.expect_texts(["2. Two", "9. Nine", "10. Ten", "100. One", "a1. Small"])
         self.save(editing)
-        self.assertEqual(self.own.read_bytes(), codeset(NAME, "Vera", "3", [
-            ("2", "Two"), ("9", "Nine"), ("10", "Ten"), ("100", {"en-uk": "One", "sv": "Ett"}), ("a1", "Small")]))
+        self.assertEqual(
+            self.own.read_bytes(),
+            codeset(
+                NAME,
+                "Vera",
+                "3",
+                [
+                    ("2", "Two"),
+                    ("9", "Nine"),
+                    ("10", "Ten"),
+                    ("100", {"en-uk": "One", "sv": "Ett"}),
+                    ("a1", "Small"),
+                ],
+            ),
+        )
 
     def test_what_the_remark_dialog_refuses(self):
         program, editing = self.open_own()
         dialog = self.dialog(program, editing, "Add new")
         code = dialog.field("Remark code")
         code.expect_focus()
-        self.assertEqual(dialog.labels(), ["Remark code: (Required)", "Short description: (Required)"])
+        self.assertEqual(
+            dialog.labels(), ["Remark code: (Required)", "Short description: (Required)"]
+        )
         dialog.press("Return")
         self.expect_message(program, "Error", "Missing a code.", "Close")
         code.type("   ")
@@ -203,7 +270,11 @@ class Editing(WorkspaceJourney):
         display.type_text("Three again")
         dialog.press("Return")
         self.expect_message(
-            program, "Error", 'Each language may only appear once. Language "en-uk" appears several times.', "Close")
+            program,
+            "Error",
+            'Each language may only appear once. Language "en-uk" appears several times.',
+            "Close",
+        )
         dialog.field(UK, index=1).clear()
         dialog.press("Return")
         dialog.expect_closed()
@@ -242,7 +313,9 @@ class Editing(WorkspaceJourney):
         program, editing = self.open_own()
         self.add(program, editing, "a&b", "Ampersand")
         self.save(editing)
-        self.assertEqual(self.own.read_bytes(), codeset(NAME, "Vera", "3", [*REMARKS, ("a&b", "Ampersand")]))
+        self.assertEqual(
+            self.own.read_bytes(), codeset(NAME, "Vera", "3", [*REMARKS, ("a&b", "Ampersand")])
+        )
         # Such a file is not well-formed, and the list tells so at once.
         window = program.window(MAIN_WINDOW)
         window.list().expect_texts(["own.codeset"])
@@ -251,7 +324,9 @@ class Editing(WorkspaceJourney):
 
     def test_translations_are_added_and_deleted(self):
         program, editing = self.open_own()
-        delete, add = (lambda index: editing.button(" - ", index)), (lambda index: editing.button(" + ", index))
+        delete, add = (lambda index: editing.button(" - ", index)), (
+            lambda index: editing.button(" + ", index)
+        )
         add(0).click()
         editing.field(EN).expect_focus()
         # Every language of the user is shown now, so the first one comes again.
@@ -277,8 +352,13 @@ class Editing(WorkspaceJourney):
         self.assertEqual(editing.combos()[3].text, "Swedish [sv]")
         editing.button(" + ", 1).click()
         editing.field("German/Germany [de-de]").expect_focus()
-        self.assertEqual(editing.combos()[4].choices(), ["Swedish [sv]", "German/Germany [de-de]", "French [fr]"])
-        self.assertEqual(editing.combos()[0].choices(), ["Swedish [sv]", "German/Germany [de-de]", "French [fr]", UK])
+        self.assertEqual(
+            editing.combos()[4].choices(), ["Swedish [sv]", "German/Germany [de-de]", "French [fr]"]
+        )
+        self.assertEqual(
+            editing.combos()[0].choices(),
+            ["Swedish [sv]", "German/Germany [de-de]", "French [fr]", UK],
+        )
 
     def test_a_language_outside_the_table(self):
         data = codeset({"en-uk": "Own", "pl": "Moje"}, "Vera", "3", [("1", {"pl": "Raz"})])
@@ -306,7 +386,9 @@ class Editing(WorkspaceJourney):
     # Saving
 
     def test_refusals_come_in_their_order(self):
-        program, editing = self.open_own(codeset("Own", "Vera", remarks=[("1", "One")]), "Own (Vera)")
+        program, editing = self.open_own(
+            codeset("Own", "Vera", remarks=[("1", "One")]), "Own (Vera)"
+        )
         codes = editing.list("Remark codes")
         codes.row("1. One").select()
         editing.button("Delete").click()
@@ -319,14 +401,19 @@ class Editing(WorkspaceJourney):
         editing.field(UK, index=2).type("Verus")
         editing.field("Version").enter("   ")
 
-        self.expect_refused(program, editing, "There must be at least one remark code in the codeset.")
+        self.expect_refused(
+            program, editing, "There must be at least one remark code in the codeset."
+        )
         self.add(program, editing, "2", "Two")
         self.expect_refused(program, editing, "The codeset must have a name.")
         editing.field(UK).type("  ")
         self.expect_refused(program, editing, "The codeset must have a name.")
         editing.field(UK).enter(" Mine  own ")
         self.expect_refused(
-            program, editing, 'Each language may only appear once. Language "en-uk" appears several times.')
+            program,
+            editing,
+            'Each language may only appear once. Language "en-uk" appears several times.',
+        )
         editing.field(UK, index=2).clear()
         self.save(editing)
         # Blanks make no version.
@@ -337,8 +424,13 @@ class Editing(WorkspaceJourney):
         program, editing = self.open_own()
         editing.combos()[1].choose(UK)
         self.expect_refused(
-            program, editing, 'Each language may only appear once. Language "en-uk" appears several times.')
-        self.assertEqual([field.text for field in editing.fields()][:4], ["Own", "Egen", "Vera", "3"])
+            program,
+            editing,
+            'Each language may only appear once. Language "en-uk" appears several times.',
+        )
+        self.assertEqual(
+            [field.text for field in editing.fields()][:4], ["Own", "Egen", "Vera", "3"]
+        )
 
     def test_saving_unchanged_and_without_author(self):
         program, editing = self.open_own()
@@ -368,13 +460,21 @@ class Editing(WorkspaceJourney):
         moved = self.codesets.rename(self.workspace / "moved")
         editing.button("Save codeset").click()
         self.expect_message(
-            program, "Error", "Cannot create file.\n\nCannot open file.\n\nError 2: No such file or directory", "Close")
+            program,
+            "Error",
+            "Cannot create file.\n\nCannot open file.\n\nError 2: No such file or directory",
+            "Close",
+        )
         moved.rename(self.codesets)
         self.own.unlink()
         self.own.mkdir()
         editing.button("Save codeset").click()
         self.expect_message(
-            program, "Error", "Cannot access file.\n\nCannot unlink file.\n\nError 21: Is a directory", "Close")
+            program,
+            "Error",
+            "Cannot access file.\n\nCannot unlink file.\n\nError 21: Is a directory",
+            "Close",
+        )
         self.own.rmdir()
         # What could not be saved is not lost: the next attempt succeeds.
         self.save(editing)
@@ -384,7 +484,9 @@ class Editing(WorkspaceJourney):
         program, editing = self.open_own(ignored_signals=(signal.SIGXFSZ,))
         limits = resource.prlimit(program.pid, resource.RLIMIT_FSIZE, (100, resource.RLIM_INFINITY))
         editing.button("Save codeset").click()
-        self.expect_message(program, "Error", re.compile("^File I/O error when writing to file."), "Close")
+        self.expect_message(
+            program, "Error", re.compile("^File I/O error when writing to file."), "Close"
+        )
         self.assertEqual(self.contents(), {})
         resource.prlimit(program.pid, resource.RLIMIT_FSIZE, limits)
         self.save(editing)
@@ -397,15 +499,31 @@ class Editing(WorkspaceJourney):
         shown = "Error when loading the codeset file:\n\n%s\n\n%s"
         for data, message in (
             (b"<codesets/>", "Not a codeset file."),
-            (OWN.replace(b"<remark>", b"<other>").replace(b"</remark>", b"</other>"),
-             "Error parsing codeset file.\n\nMissing remarks."),
-            (OWN.replace(b"<code>2<", b"<code>1<"), "Error parsing codeset file.\n\nDuplicate remark codes."),
-            (OWN.replace(b"name", b"title"), "Error parsing codeset file.\n\nMissing XML node: name"),
-            (OWN.replace(b">3<", b"> <"),
-             "Error parsing codeset file.\n\nMissing text content in XML.\n\nText content is empty."),
-            (b"a letter", re.compile("Error loading codeset file\\.\n\nCould not parse XML data\\.\n\n.")),
+            (
+                OWN.replace(b"<remark>", b"<other>").replace(b"</remark>", b"</other>"),
+                "Error parsing codeset file.\n\nMissing remarks.",
+            ),
+            (
+                OWN.replace(b"<code>2<", b"<code>1<"),
+                "Error parsing codeset file.\n\nDuplicate remark codes.",
+            ),
+            (
+                OWN.replace(b"name", b"title"),
+                "Error parsing codeset file.\n\nMissing XML node: name",
+            ),
+            (
+                OWN.replace(b">3<", b"> <"),
+                "Error parsing codeset file.\n\nMissing text content in XML.\n\nText content is empty.",
+            ),
+            (
+                b"a letter",
+                re.compile("Error loading codeset file\\.\n\nCould not parse XML data\\.\n\n."),
+            ),
             (b"", re.compile("Error loading codeset file\\.\n\nCould not parse XML data\\.")),
-            (OWN.replace(b"Own", b"<b>%s</b> \xff &nosuch;"), re.compile("Could not parse XML data\\.\n\n.*nosuch")),
+            (
+                OWN.replace(b"Own", b"<b>%s</b> \xff &nosuch;"),
+                re.compile("Could not parse XML data\\.\n\n.*nosuch"),
+            ),
         ):
             with self.subTest(message=message):
                 path = self.put("own.codeset", data)
@@ -416,7 +534,11 @@ class Editing(WorkspaceJourney):
                 if isinstance(message, str):
                     self.assertEqual(error.message, shown % (path, message))
                 else:
-                    self.assertTrue(error.message.startswith(f"Error when loading the codeset file:\n\n{path}\n\n"))
+                    self.assertTrue(
+                        error.message.startswith(
+                            f"Error when loading the codeset file:\n\n{path}\n\n"
+                        )
+                    )
                     self.assertRegex(error.message, message)
                 error.answer("Close")
                 window.list().expect_selected([])
@@ -431,7 +553,11 @@ class Editing(WorkspaceJourney):
         path.symlink_to(path)
         window.button("Edit").click()
         self.expect_message(
-            program, "Error", f"Something went wrong when accessing the codeset file:\n\n{path}", "Close")
+            program,
+            "Error",
+            f"Something went wrong when accessing the codeset file:\n\n{path}",
+            "Close",
+        )
         window.list().expect_texts([])
         path.unlink()
         path.write_bytes(OWN)
@@ -442,7 +568,9 @@ class Editing(WorkspaceJourney):
         editing = program.window(TITLE)
         editing.list("Remark codes").expect_texts([])
         self.assertEqual([field.text for field in editing.fields()], ["", "", "", ""])
-        self.expect_refused(program, editing, "There must be at least one remark code in the codeset.")
+        self.expect_refused(
+            program, editing, "There must be at least one remark code in the codeset."
+        )
 
     # Closing
 
@@ -457,7 +585,9 @@ class Editing(WorkspaceJourney):
                 editing.press(way_out)
             question = program.dialog("Really close?")
             self.assertEqual(question.message, QUESTION)
-            self.assertEqual([button.name for button in question.find_all("push button")], ["Close", "Cancel"])
+            self.assertEqual(
+                [button.name for button in question.find_all("push button")], ["Close", "Cancel"]
+            )
             return question
 
         for way_out in ("Close", "alt+F4", "Escape"):

@@ -43,7 +43,11 @@ class FileNames(WorkspaceJourney):
         program, window, naming = self.open_naming()
         self.assertEqual(
             naming.labels(),
-            ["Enter new file name:", "Permitted characters: Lowercase letters, digits and underscores."])
+            [
+                "Enter new file name:",
+                "Permitted characters: Lowercase letters, digits and underscores.",
+            ],
+        )
         field = naming.field("Enter new file name")
         field.expect_text(".codeset")
         field.expect_focus()
@@ -52,34 +56,57 @@ class FileNames(WorkspaceJourney):
         # The extension stays when a name is typed.
         display.type_text("abc")
         field.expect_text("abc.codeset")
-        self.assertEqual([button.name for button in naming.find_all("push button")], ["OK", "Cancel"])
+        self.assertEqual(
+            [button.name for button in naming.find_all("push button")], ["OK", "Cancel"]
+        )
 
     def test_names_of_the_wrong_form(self):
         program, _, naming = self.open_naming()
-        self.expect_refusals(program, naming, [
-            ("", TOO_SHORT),
-            ("   ", TOO_SHORT),
-            (".codeset", TOO_SHORT),
-            ("  .codeset  ", TOO_SHORT),
-            ("abc", TOO_SHORT),
-            ("codeset", TOO_SHORT),
-            ("abc.codese", TOO_SHORT),
-            ("abc.codeset.txt", TOO_SHORT),
-            ("abc,codeset", TOO_SHORT),
-        ])
+        self.expect_refusals(
+            program,
+            naming,
+            [
+                ("", TOO_SHORT),
+                ("   ", TOO_SHORT),
+                (".codeset", TOO_SHORT),
+                ("  .codeset  ", TOO_SHORT),
+                ("abc", TOO_SHORT),
+                ("codeset", TOO_SHORT),
+                ("abc.codese", TOO_SHORT),
+                ("abc.codeset.txt", TOO_SHORT),
+                ("abc,codeset", TOO_SHORT),
+            ],
+        )
         self.assertEqual(self.contents(), {})
 
     def test_characters_that_are_not_permitted(self):
         program, _, naming = self.open_naming()
-        self.expect_refusals(program, naming, [
-            (name, f'The character "{character}" is not permitted.') for name, character in (
-                ("Abc.codeset", "A"), ("åbc.codeset", "å"), ("abc-1.codeset", "-"), ("a b.codeset", " "),
-                ("a/b.codeset", "/"), ("../a.codeset", "."), ("a.codeset.codeset", "."), ("a<b>.codeset", "<"),
-                ("%s.codeset", "%"), ("a&b.codeset", "&"), ("abcZ.CODESET", "Z"), ("naïve.codeset", "ï"),
-                ("10€.codeset", "€"), ("a\u00a0b.codeset", "\u00a0"), ("x\U0001f600.codeset", "\U0001f600"),
-                ("\u0131.codeset", "\u0131"), ("a١.codeset", "١"),
-            )
-        ])
+        self.expect_refusals(
+            program,
+            naming,
+            [
+                (name, f'The character "{character}" is not permitted.')
+                for name, character in (
+                    ("Abc.codeset", "A"),
+                    ("åbc.codeset", "å"),
+                    ("abc-1.codeset", "-"),
+                    ("a b.codeset", " "),
+                    ("a/b.codeset", "/"),
+                    ("../a.codeset", "."),
+                    ("a.codeset.codeset", "."),
+                    ("a<b>.codeset", "<"),
+                    ("%s.codeset", "%"),
+                    ("a&b.codeset", "&"),
+                    ("abcZ.CODESET", "Z"),
+                    ("naïve.codeset", "ï"),
+                    ("10€.codeset", "€"),
+                    ("a\u00a0b.codeset", "\u00a0"),
+                    ("x\U0001f600.codeset", "\U0001f600"),
+                    ("\u0131.codeset", "\u0131"),
+                    ("a١.codeset", "١"),
+                )
+            ],
+        )
         self.assertEqual(self.contents(), {})
 
     def test_names_that_are_taken(self):
@@ -87,12 +114,16 @@ class FileNames(WorkspaceJourney):
         self.put("odd.codeset", b"odd")
         (self.codesets / "folder.codeset").mkdir()
         program, window, naming = self.open_naming()
-        self.expect_refusals(program, naming, [
-            ("wood.codeset", 'That file name is already taken for "Wood (Vera) 2"'),
-            (" wood.codeset ", 'That file name is already taken for "Wood (Vera) 2"'),
-            ("odd.codeset", "That file name is already taken."),
-            ("folder.codeset", "That file name is already taken."),
-        ])
+        self.expect_refusals(
+            program,
+            naming,
+            [
+                ("wood.codeset", 'That file name is already taken for "Wood (Vera) 2"'),
+                (" wood.codeset ", 'That file name is already taken for "Wood (Vera) 2"'),
+                ("odd.codeset", "That file name is already taken."),
+                ("folder.codeset", "That file name is already taken."),
+            ],
+        )
         # A name that no folder can hold cannot be asked about.
         self.fill(naming, "a" * 250 + ".codeset")
         naming.button("OK").click()
@@ -106,8 +137,11 @@ class FileNames(WorkspaceJourney):
     def test_names_that_are_accepted(self):
         program, window = self.open()
         for typed, name in (
-            ("abc.codeset", "abc.codeset"), ("  abc.codeset\t ", "abc.codeset"), ("abc.CODESET", "abc.CODESET"),
-            ("_0.codeset", "_0.codeset"), ("codeset.codeset", "codeset.codeset"),
+            ("abc.codeset", "abc.codeset"),
+            ("  abc.codeset\t ", "abc.codeset"),
+            ("abc.CODESET", "abc.CODESET"),
+            ("_0.codeset", "_0.codeset"),
+            ("codeset.codeset", "codeset.codeset"),
             ("a" * 247 + ".codeset", "a" * 247 + ".codeset"),
         ):
             with self.subTest(name=typed):

@@ -64,7 +64,9 @@ class FirstDay(Journey):
         program.window(MAIN_WINDOW)
         for folder in ("codesets", "layouts", "documents", "templates"):
             self.assertEqual(stat.S_IMODE((workspace / folder).stat().st_mode), 0o700)
-        pointer = ElementTree.parse(self.home / ".config" / "vantorelle" / "vantorelle.xml").getroot()
+        pointer = ElementTree.parse(
+            self.home / ".config" / "vantorelle" / "vantorelle.xml"
+        ).getroot()
         self.assertEqual(pointer.find("workspace").get("path"), str(workspace))
 
     def delete(self, program, window, summary, path):
@@ -72,7 +74,9 @@ class FirstDay(Journey):
         window.field("File name of selected item").expect_text(path.name)
         window.button("Delete").click()
         question = program.dialog("Question")
-        self.assertEqual(question.message, f'Do you really want to delete "{summary}" from your workspace?')
+        self.assertEqual(
+            question.message, f'Do you really want to delete "{summary}" from your workspace?'
+        )
         question.answer("Yes")
         program.wait(lambda: not path.exists(), f"{path.name} to be gone")
 
@@ -106,12 +110,20 @@ class FirstDay(Journey):
         self.add_code(program, editing)
         codes = editing.list("Remark codes")
         codes.expect_selected([])
-        program.wait(lambda: codes.texts()[-1:] == ["Zz1. Ny kod, provisorisk"], "the new row at the end")
+        program.wait(
+            lambda: codes.texts()[-1:] == ["Zz1. Ny kod, provisorisk"], "the new row at the end"
+        )
         self.move_code(program, editing)
-        program.wait(lambda: codes.texts()[:1] and codes.texts()[0].startswith("Aa1. "), "the moved row at the top")
+        program.wait(
+            lambda: codes.texts()[:1] and codes.texts()[0].startswith("Aa1. "),
+            "the moved row at the top",
+        )
         codes.row(re.compile(r"Cr2\. ")).select()
         editing.button("Delete").click()
-        program.wait(lambda: not any(text.startswith("Cr2. ") for text in codes.texts()), "the row to be gone")
+        program.wait(
+            lambda: not any(text.startswith("Cr2. ") for text in codes.texts()),
+            "the row to be gone",
+        )
         editing.button("Save codeset").click()
         editing.expect_closed()
 
@@ -138,9 +150,13 @@ class FirstDay(Journey):
     def edited(self, original):
         """What the edited file must hold, made from the delivered one."""
         text = original.decode("iso-8859-1")
-        text = text.replace('<name lang="sv">Metaller</name>', '<name lang="sv">Mina metaller</name>')
+        text = text.replace(
+            '<name lang="sv">Metaller</name>', '<name lang="sv">Mina metaller</name>'
+        )
         head, *remarks = text.removesuffix("\n</codeset>\n").split("\n\t<remark>\n")
-        by_code = {re.match(r"\t\t<code>(.*)</code>\n", remark).group(1): remark for remark in remarks}
+        by_code = {
+            re.match(r"\t\t<code>(.*)</code>\n", remark).group(1): remark for remark in remarks
+        }
         moved = by_code.pop("Cr15").replace("<code>Cr15<", "<code>Aa1<")
         by_code.pop("Cr2")
         added = (

@@ -7,7 +7,14 @@ from support.waiting import settle
 LANGUAGES = ("en-uk", "sv", "de")
 
 CODES = [
-    (f"W{number:02}", {"en-uk": f"Worm damage {number}", "sv": f"Maskskada {number}", "de": f"Wurmschaden {number}"})
+    (
+        f"W{number:02}",
+        {
+            "en-uk": f"Worm damage {number}",
+            "sv": f"Maskskada {number}",
+            "de": f"Wurmschaden {number}",
+        },
+    )
     for number in range(1, 61)
 ]
 
@@ -72,7 +79,9 @@ class Hour(WorkspaceJourney):
         keyboard.type("Worms")
         for code, texts in CODES:
             self.add_code(program, keyboard, code, texts)
-        print(f"{keyboard.presses / len(CODES):.2f} presses for each new code, {pause} ms from key to key")
+        print(
+            f"{keyboard.presses / len(CODES):.2f} presses for each new code, {pause} ms from key to key"
+        )
         self.assertLessEqual(keyboard.presses, 5 * len(CODES))
         keyboard.press("ctrl+s")
         editing.expect_closed()
@@ -104,12 +113,17 @@ class Hour(WorkspaceJourney):
         dialog.field("Remark code").expect_focus()
         display.press("Tab", "Tab")
         for number in range(1, 61):
-            program.wait(lambda: program.focused() and program.focused().text == f"Maskskada {number}", "the next code")
+            program.wait(
+                lambda: program.focused() and program.focused().text == f"Maskskada {number}",
+                "the next code",
+            )
             keyboard.type(f"Tramask {number}" if number % 20 == 0 else f"Maskar {number}")
             keyboard.press("ctrl+Down")
         dialog.expect_closed()
         editing.expect_active()
-        print(f"{keyboard.presses / len(CODES):.2f} presses for each changed code, {pause} ms from key to key")
+        print(
+            f"{keyboard.presses / len(CODES):.2f} presses for each changed code, {pause} ms from key to key"
+        )
         self.assertEqual(keyboard.presses, len(CODES))
         display.press("ctrl+s")
         editing.expect_closed()

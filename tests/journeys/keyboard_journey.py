@@ -17,7 +17,11 @@ class Keys:
     """Finding one's way with the keyboard. A widget without a name of its own goes by its label."""
 
     def name_of(self, widget):
-        return None if widget is None else next(filter(None, [widget.name, *labels_of(widget.accessible, None)]), "")
+        return (
+            None
+            if widget is None
+            else next(filter(None, [widget.name, *labels_of(widget.accessible, None)]), "")
+        )
 
     def go(self, window, name, key="Tab"):
         """Presses the key until the widget of that name has the focus. Nothing has it after the button that had it became
@@ -30,7 +34,10 @@ class Keys:
             if self.name_of(focused) == name:
                 return focused
             window.press(key)
-            program.wait(lambda focused=focused: program.focused() not in (None, focused), f"{key} to move the focus")
+            program.wait(
+                lambda focused=focused: program.focused() not in (None, focused),
+                f"{key} to move the focus",
+            )
         self.fail(f"{key} does not lead to {name!r}")
 
     def push(self, window, name):
@@ -45,7 +52,8 @@ class Keys:
             window.press(key)
             program.wait(
                 lambda name=name: self.name_of(program.focused()) == name,
-                lambda name=name: f"the focus on {name!r}; it is on {program.focused()!r}")
+                lambda name=name: f"the focus on {name!r}; it is on {program.focused()!r}",
+            )
 
 
 class FirstStart(Keys, Journey):
@@ -70,7 +78,9 @@ class FirstStart(Keys, Journey):
         self.push(assistant, "Apply")
         error = program.dialog("Error")
         self.assertEqual(
-            error.message, "There is already a folder or a file with that name.\n\nPlease choose a new location.")
+            error.message,
+            "There is already a folder or a file with that name.\n\nPlease choose a new location.",
+        )
         display.press("Return")
         error.expect_closed()
 
@@ -127,12 +137,21 @@ class Keyboard(Keys, WorkspaceJourney):
         program, window = self.open()
         rows = window.list()
         rows.expect_focus()
-        always = ["Remark codeset files", "File name of selected item", "Add from file", "Add bundled", "Add new"]
+        always = [
+            "Remark codeset files",
+            "File name of selected item",
+            "Add from file",
+            "Add bundled",
+            "Add new",
+        ]
         rows.expect_selected([])
         self.expect_order(window, [*always, "Refresh list"])
         self.go(window, "Remark codeset files")
         for key, text in (
-            ("Down", "Glass 1.5"), ("Down", "Wood (Vera) 2"), ("Up", "Glass 1.5"), ("End", "Wood (Vera) 2"),
+            ("Down", "Glass 1.5"),
+            ("Down", "Wood (Vera) 2"),
+            ("Up", "Glass 1.5"),
+            ("End", "Wood (Vera) 2"),
             ("Home", "Glass 1.5"),
         ):
             display.press(key)
@@ -150,7 +169,9 @@ class Keyboard(Keys, WorkspaceJourney):
         # What a button was pressed for leads back to the button.
         self.push(window, "Delete")
         question = program.dialog("Question")
-        self.assertEqual(question.message, 'Do you really want to delete "Glass 1.5" from your workspace?')
+        self.assertEqual(
+            question.message, 'Do you really want to delete "Glass 1.5" from your workspace?'
+        )
         self.push(question, "No")
         question.expect_closed()
         rows.expect_selected([])
@@ -214,7 +235,10 @@ class Keyboard(Keys, WorkspaceJourney):
             self.push(window, "Add from file")
             chooser = program.file_chooser("Select a file to add")
             chooser.list().expect_focus()
-            program.wait(lambda: len(chooser.list()) == rows, lambda: f"{rows} entries, not {len(chooser.list())}")
+            program.wait(
+                lambda: len(chooser.list()) == rows,
+                lambda: f"{rows} entries, not {len(chooser.list())}",
+            )
             return chooser
 
         chooser = chooser_with(3)
@@ -243,13 +267,19 @@ class Keyboard(Keys, WorkspaceJourney):
         chooser = chooser_with(3)
         self.expect_row(chooser, "End", 2)
         display.press("Return")
-        program.wait(lambda: chooser.folder == "zoo" and len(chooser.list()) == 1, "the other folder")
+        program.wait(
+            lambda: chooser.folder == "zoo" and len(chooser.list()) == 1, "the other folder"
+        )
         display.press("alt+Up")
-        program.wait(lambda: chooser.folder == "home" and len(chooser.list()) == 3, "the first folder")
+        program.wait(
+            lambda: chooser.folder == "home" and len(chooser.list()) == 3, "the first folder"
+        )
         self.go(chooser, "Files")
         self.expect_row(chooser, "End", 2)
         display.press("Return")
-        program.wait(lambda: chooser.folder == "zoo" and len(chooser.list()) == 1, "the other folder")
+        program.wait(
+            lambda: chooser.folder == "zoo" and len(chooser.list()) == 1, "the other folder"
+        )
         self.go(chooser, "Files")
         self.expect_row(chooser, "Home", 0)
         # The button by its underlined letter.
@@ -274,7 +304,9 @@ class Keyboard(Keys, WorkspaceJourney):
         rows = chooser.list()
         display.press(key)
         chooser.program.wait(
-            lambda: rows.selected_indices() == [index], lambda: f"row {index} after {key}, not {rows.selected_indices()}")
+            lambda: rows.selected_indices() == [index],
+            lambda: f"row {index} after {key}, not {rows.selected_indices()}",
+        )
 
     def test_saving_a_copy_over_another_file(self):
         self.put("wood.codeset", WOOD)
@@ -367,7 +399,10 @@ class Keyboard(Keys, WorkspaceJourney):
         error.expect_closed()
         self.go(selector, "Remark codeset files")
         display.type_text("ston")
-        program.wait(lambda: [text.split()[0] for text in rows.selected_texts()] == ["Stone"], "the row to be found")
+        program.wait(
+            lambda: [text.split()[0] for text in rows.selected_texts()] == ["Stone"],
+            "the row to be found",
+        )
         display.press("Escape")
         self.go(selector, "OK")
         display.press("Return")
@@ -395,8 +430,16 @@ class Keyboard(Keys, WorkspaceJourney):
         editing.field(UK).expect_focus()
         # Coming to the list selects its first row, so there is something to edit and to delete.
         stops = [
-            UK, UK, "Version", "Remark codes", "Description of the selected remark code", "Add new", "Edit", "Delete",
-            "Save codeset", "Close",
+            UK,
+            UK,
+            "Version",
+            "Remark codes",
+            "Description of the selected remark code",
+            "Add new",
+            "Edit",
+            "Delete",
+            "Save codeset",
+            "Close",
         ]
         self.expect_order(editing, stops)
         self.expect_order(editing, [stops[0], *stops[:0:-1]], "shift+Tab")
@@ -447,8 +490,17 @@ class Keyboard(Keys, WorkspaceJourney):
         display.press("Return")
         editing.expect_closed()
         program.window(MAIN_WINDOW).list().expect_texts(["Wood (Vera) 2"])
-        self.assertEqual(self.contents(), {"wood.codeset": codeset(
-            {"en-uk": "Wood", "en": "Timber"}, "Vera", "2", [("W0", "Stain"), ("W1", "Split"), ("W3", "Hole")])})
+        self.assertEqual(
+            self.contents(),
+            {
+                "wood.codeset": codeset(
+                    {"en-uk": "Wood", "en": "Timber"},
+                    "Vera",
+                    "2",
+                    [("W0", "Stain"), ("W1", "Split"), ("W3", "Hole")],
+                )
+            },
+        )
 
     def test_the_search_in_a_list(self):
         self.put("wood.codeset", WOOD)
@@ -487,11 +539,16 @@ class Keyboard(Keys, WorkspaceJourney):
 
         def expect_seen(index):
             program.wait(
-                lambda: codes.selected_indices() == [index], lambda: f"row {index}, not {codes.selected_indices()}")
+                lambda: codes.selected_indices() == [index],
+                lambda: f"row {index}, not {codes.selected_indices()}",
+            )
             _, y, _, height = codes.resting_extents()
             program.wait(
-                lambda: (place := codes.rows()[index].extents) and y <= place[1] and place[1] + place[3] <= y + height,
-                f"row {index} to be scrolled into view")
+                lambda: (place := codes.rows()[index].extents)
+                and y <= place[1]
+                and place[1] + place[3] <= y + height,
+                f"row {index} to be scrolled into view",
+            )
 
         for key, index in (("End", 99), ("Up", 98), ("Home", 0), ("Down", 1)):
             display.press(key)
@@ -545,7 +602,10 @@ class Keyboard(Keys, WorkspaceJourney):
         error.button("Close").expect_focus()
         self.go(error, error.message)
         display.press("ctrl+c")
-        program.wait(lambda: self.copied() == 'The character "-" is not permitted.', "the message on the clipboard")
+        program.wait(
+            lambda: self.copied() == 'The character "-" is not permitted.',
+            "the message on the clipboard",
+        )
         # Return is the button's, wherever the focus is.
         display.press("Return")
         error.expect_closed()
@@ -583,7 +643,10 @@ class Keyboard(Keys, WorkspaceJourney):
         display.type_text("s")
         self.push(editing, "Save codeset")
         editing.expect_closed()
-        self.assertEqual(self.contents(), {"wood.codeset": WOOD.replace(b'<name lang="en-uk">Wood', b'<name lang="sv">Woods')})
+        self.assertEqual(
+            self.contents(),
+            {"wood.codeset": WOOD.replace(b'<name lang="en-uk">Wood', b'<name lang="sv">Woods')},
+        )
 
     def go_to_field(self, window, index):
         """Tab until the text field of that index has the focus: several have the same name."""
@@ -593,7 +656,9 @@ class Keyboard(Keys, WorkspaceJourney):
                 return
             focused = window.program.focused()
             window.press("Tab")
-            window.program.wait(lambda focused=focused: window.program.focused() != focused, "Tab to move the focus")
+            window.program.wait(
+                lambda focused=focused: window.program.focused() != focused, "Tab to move the focus"
+            )
         self.fail(f"Tab does not lead to the field {index}")
 
     def test_a_language_is_changed_and_a_translation_deleted(self):
@@ -616,7 +681,9 @@ class Keyboard(Keys, WorkspaceJourney):
         self.assertTrue(editing.is_open)
         self.push(editing, "Save codeset")
         editing.expect_closed()
-        self.assertEqual(self.contents(), {"wood.codeset": codeset("Timber", remarks=[("1", "One")])})
+        self.assertEqual(
+            self.contents(), {"wood.codeset": codeset("Timber", remarks=[("1", "One")])}
+        )
 
     def test_the_answers_of_a_question(self):
         self.put("wood.codeset", WOOD)

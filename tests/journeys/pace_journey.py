@@ -36,7 +36,9 @@ class Pace(WorkspaceJourney):
                 dialog.expect_closed()
                 settle(0.5)
                 editing.list("Remark codes").expect_texts([shown, "2. Two"])
-                self.assertEqual([field.text for field in editing.fields()[:3]], ["Own", "Vera", "1"])
+                self.assertEqual(
+                    [field.text for field in editing.fields()[:3]], ["Own", "Vera", "1"]
+                )
                 # The first click ends the search that the letters have begun in the list.
                 editing.field(UK).click()
                 editing.field(UK).focus()
@@ -48,8 +50,25 @@ class Pace(WorkspaceJourney):
         dialog.field(UK).clear()
         dialog.field(UK).type("txt")
         display.xdotool(
-            "keydown", "Return", "sleep", 0.03, "keydown", "space", "sleep", 0.03, "keyup", "Return", "keydown", "Q", "sleep",
-            0.03, "keyup", "space", "keyup", "Q")
+            "keydown",
+            "Return",
+            "sleep",
+            0.03,
+            "keydown",
+            "space",
+            "sleep",
+            0.03,
+            "keyup",
+            "Return",
+            "keydown",
+            "Q",
+            "sleep",
+            0.03,
+            "keyup",
+            "space",
+            "keyup",
+            "Q",
+        )
         dialog.expect_closed()
         editing.list("Remark codes").expect_texts(["1. txt", "2. Two"])
 
@@ -75,7 +94,9 @@ class Pace(WorkspaceJourney):
                 window.button("Add new").click()
                 naming = program.window("Add new")
                 naming.field().expect_focus()
-                display.press_at_pace(pace, "a", "minus", "Return", "space", "Q", "7", "Tab", "x", "Return", "u", "v")
+                display.press_at_pace(
+                    pace, "a", "minus", "Return", "space", "Q", "7", "Tab", "x", "Return", "u", "v"
+                )
                 error = program.dialog("Error")
                 settle(0.6)
                 self.assertTrue(error.is_open)

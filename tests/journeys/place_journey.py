@@ -25,7 +25,12 @@ class Lists(WorkspaceJourney):
 
         def is_in_view():
             row = next((row for row in rows.rows() if row.text == text), None)
-            return row and (place := row.extents) and y <= place[1] and place[1] + place[3] <= y + height
+            return (
+                row
+                and (place := row.extents)
+                and y <= place[1]
+                and place[1] + place[3] <= y + height
+            )
 
         rows.program.wait(is_in_view, f"{text!r} to be in view")
 
@@ -43,7 +48,9 @@ class Lists(WorkspaceJourney):
         """The row of that number, by keys alone, in a list that has the focus."""
         display.press("End", "Home", *["Down"] * number)
         rows.program.wait(
-            lambda: rows.selected_indices() == [number], lambda: f"row {number}, not {rows.selected_indices()}")
+            lambda: rows.selected_indices() == [number],
+            lambda: f"row {number}, not {rows.selected_indices()}",
+        )
 
     def go(self, window, widget, key="Tab"):
         """Presses the key until the widget has the focus."""
@@ -54,7 +61,10 @@ class Lists(WorkspaceJourney):
                 return
             focused = window.program.focused()
             display.press(key)
-            window.program.wait(lambda focused=focused: window.program.focused() != focused, f"{key} to move the focus")
+            window.program.wait(
+                lambda focused=focused: window.program.focused() != focused,
+                f"{key} to move the focus",
+            )
         self.fail(f"{key} does not lead to {widget!r}")
 
     def push(self, window, name):
@@ -86,7 +96,9 @@ class MainWindowPlaces(Lists):
             display.press("Return")
             self.close_editing(program, f"case_{number:02}.codeset")
             self.expect_place(window, rows, name_of(number), name_of(min(number + 1, 59)))
-            window.field("File name of selected item").expect_text(f"case_{min(number + 1, 59):02}.codeset")
+            window.field("File name of selected item").expect_text(
+                f"case_{min(number + 1, 59):02}.codeset"
+            )
         self.go_to(rows, 40)
         display.press("Return")
         self.close_editing(program, "case_40.codeset")
@@ -203,8 +215,12 @@ class MainWindowPlaces(Lists):
         program.wait(lambda: rows.selected_texts() == [], "the list to be refreshed")
         # The last row in view may be cut by a pixel before, and is shown whole then.
         program.wait(
-            lambda: abs(next(row for row in rows.rows() if row.text == name_of(43)).extents[1] - before[1]) <= 1,
-            lambda: f"the row to be at {before} again, in {[row.extents for row in rows.rows()][41:45]}")
+            lambda: abs(
+                next(row for row in rows.rows() if row.text == name_of(43)).extents[1] - before[1]
+            )
+            <= 1,
+            lambda: f"the row to be at {before} again, in {[row.extents for row in rows.rows()][41:45]}",
+        )
         self.expect_place(window, rows, name_of(43), name_of(44))
         for number in (10, 11, 44):
             (self.codesets / f"case_{number:02}.codeset").unlink()
@@ -270,7 +286,8 @@ class Keys(Lists):
         self.expect_place(window, rows, name_of(3), name_of(4))
         display.press("Delete")
         self.expect_message(
-            program, "Question", 'Do you really want to delete "Case 04" from your workspace?', "No")
+            program, "Question", 'Do you really want to delete "Case 04" from your workspace?', "No"
+        )
         settle()
         rows.expect_selected([])
         display.press("Delete")
@@ -338,7 +355,11 @@ class Keys(Lists):
         with display.held("Delete"):
             settle(1.5)
         self.expect_message(
-            program, "Question", 'Do you really want to delete "Case 04" from your workspace?', "Yes")
+            program,
+            "Question",
+            'Do you really want to delete "Case 04" from your workspace?',
+            "Yes",
+        )
         settle()
         self.assertEqual(program.windows(), [window])
         self.assertEqual(len(self.contents()), 20)
@@ -380,9 +401,13 @@ class Keys(Lists):
         self.put("wood.codeset", codeset("Wood", remarks=[("1", "One")]))
         program, window = self.open()
         keys = {
-            "Add new": ("Ctrl+N", "Key: Ctrl+N"), "Refresh list": ("F5", "Key: F5"),
-            "Edit": ("Return", "Key: Return (in the list)"), "Delete": ("Delete", "Key: Delete (in the list)"),
-            "Clone": (None, ""), "Save a copy": (None, ""), "Add from file": (None, ""),
+            "Add new": ("Ctrl+N", "Key: Ctrl+N"),
+            "Refresh list": ("F5", "Key: F5"),
+            "Edit": ("Return", "Key: Return (in the list)"),
+            "Delete": ("Delete", "Key: Delete (in the list)"),
+            "Clone": (None, ""),
+            "Save a copy": (None, ""),
+            "Add from file": (None, ""),
         }
         for name, (key, description) in keys.items():
             button = window.button(name)
@@ -470,14 +495,23 @@ class Codes(Lists):
         self.assertEqual(len(codes), 59)
 
     def test_codes_are_found_by_what_they_contain(self):
-        _, _, codes = self.open_codes([
-            ("A1", "Waxed"), ("B1", "Old Varnish, yellowed"), ("B2", "\xc9clat perdu"), ("C1", "Spot in the varnish"),
-            ("Va", "Something"), ("X1", "Vanished"), ("X2", "Varnish"),
-        ])
+        _, _, codes = self.open_codes(
+            [
+                ("A1", "Waxed"),
+                ("B1", "Old Varnish, yellowed"),
+                ("B2", "\xc9clat perdu"),
+                ("C1", "Spot in the varnish"),
+                ("Va", "Something"),
+                ("X1", "Vanished"),
+                ("X2", "Varnish"),
+            ]
+        )
         display.type_text("varnish")
         codes.expect_selected(["B1. Old Varnish, yellowed"])
         for key, text in (
-            ("Down", "C1. Spot in the varnish"), ("Down", "X2. Varnish"), ("Down", "X2. Varnish"),
+            ("Down", "C1. Spot in the varnish"),
+            ("Down", "X2. Varnish"),
+            ("Down", "X2. Varnish"),
             ("Up", "C1. Spot in the varnish"),
         ):
             display.press(key)

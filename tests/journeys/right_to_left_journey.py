@@ -30,13 +30,19 @@ class RightToLeft(Mirrored, small_screen_journey.SmallScreen):
         naming.press("Escape")
         naming.expect_closed()
         editing = self.edit(program, window, "Plain", "plain.codeset")
-        self.expect_order(editing.field(UK), editing.combo(), editing.button(" - "), editing.button(" + "))
-        self.expect_order(editing.button("Add new"), editing.button("Edit"), editing.button("Delete"))
+        self.expect_order(
+            editing.field(UK), editing.combo(), editing.button(" - "), editing.button(" + ")
+        )
+        self.expect_order(
+            editing.button("Add new"), editing.button("Edit"), editing.button("Delete")
+        )
         self.expect_order(editing.button("Save codeset"), editing.button("Close"))
         self.expect_order(editing.list("Remark codes"), editing.fields()[-1])
         editing.button("Add new").click()
         dialog = program.window("Edit remark code")
-        self.expect_order(dialog.field(UK), dialog.combo(), dialog.button(" - "), dialog.button(" + "))
+        self.expect_order(
+            dialog.field(UK), dialog.combo(), dialog.button(" - "), dialog.button(" + ")
+        )
         self.expect_order(dialog.button("OK"), dialog.button("Cancel"))
 
 

@@ -31,7 +31,14 @@ GLASS_TEXT = "Glass 1.5"
 
 # What put_hostile_entries() makes. The memory alone is a regular file.
 MEMORY = "memory.codeset"
-HOSTILE_ENTRIES = [MEMORY, "dangling.codeset", "endless.codeset", "loop.codeset", "pipe.codeset", "socket.codeset"]
+HOSTILE_ENTRIES = [
+    MEMORY,
+    "dangling.codeset",
+    "endless.codeset",
+    "loop.codeset",
+    "pipe.codeset",
+    "socket.codeset",
+]
 
 
 def leave(window, way_out):
@@ -45,7 +52,10 @@ def leave(window, way_out):
 
 def tree(folder):
     """Everything below the folder: the bytes of each file, None for a folder."""
-    return {str(path.relative_to(folder)): path.read_bytes() if path.is_file() else None for path in folder.rglob("*")}
+    return {
+        str(path.relative_to(folder)): path.read_bytes() if path.is_file() else None
+        for path in folder.rglob("*")
+    }
 
 
 class Robustness(WorkspaceJourney):
@@ -83,14 +93,26 @@ class Robustness(WorkspaceJourney):
     def delete(self, program, window, text, answer="Yes"):
         self.push(window, "Delete", text)
         self.expect_message(
-            program, "Question", f'Do you really want to delete "{text}" from your workspace?', answer)
+            program,
+            "Question",
+            f'Do you really want to delete "{text}" from your workspace?',
+            answer,
+        )
 
     def expect_nothing_selected(self, window):
         window.list().expect_selected([])
         window.field("File name of selected item").expect_text("")
         self.expect_sensitivity(
-            window, Clone=False, Edit=False, Save_a_copy=False, Delete=False, Add_from_file=True, Add_bundled=True,
-            Add_new=True, Refresh_list=True)
+            window,
+            Clone=False,
+            Edit=False,
+            Save_a_copy=False,
+            Delete=False,
+            Add_from_file=True,
+            Add_bundled=True,
+            Add_new=True,
+            Refresh_list=True,
+        )
 
     def outside(self, name, data):
         """A file outside the workspace."""
@@ -152,7 +174,11 @@ class Robustness(WorkspaceJourney):
         self.save_copy(program, window, None, taken)
         program.dialog("Question").answer("Replace")
         self.expect_message(
-            program, "Error", f"An error occured when saving the copy of the file.\n\n{taken}", "alt+F4")
+            program,
+            "Error",
+            f"An error occured when saving the copy of the file.\n\n{taken}",
+            "alt+F4",
+        )
         self.assertEqual(taken.read_bytes(), b"taken")
         self.expect_nothing_selected(window)
 
@@ -207,7 +233,9 @@ class Robustness(WorkspaceJourney):
         other_editing.field("Version").enter("3")
         self.save(editing)
         self.assertEqual(
-            self.contents(), {"wood.codeset": codeset("Timber", "Vera", "2", [("W1", "Split"), ("W2", "Worm")])})
+            self.contents(),
+            {"wood.codeset": codeset("Timber", "Vera", "2", [("W1", "Split"), ("W2", "Worm")])},
+        )
         # Whoever saves last wins, with all that was in that window and nothing of the other.
         self.save(other_editing)
         both = {"wood.codeset": codeset("Wood", "Vera", "3", [("W1", "Split"), ("W2", "Worm")])}
@@ -230,7 +258,9 @@ class Robustness(WorkspaceJourney):
         editing.list("Remark codes").row("W2. Worm").select()
         editing.button("Delete").click()
         self.save(editing)
-        self.assertEqual(self.contents(), {"wood.codeset": codeset("Wood", "Vera", "2", [("W1", "Split")])})
+        self.assertEqual(
+            self.contents(), {"wood.codeset": codeset("Wood", "Vera", "2", [("W1", "Split")])}
+        )
         window.list().expect_texts([WOOD_TEXT])
 
     def test_both_programs_take_the_same_name(self):
@@ -242,14 +272,19 @@ class Robustness(WorkspaceJourney):
         other_window.list().expect_texts([WOOD_TEXT] * 2)
         naming.activate()
         naming.button("OK").click()
-        self.expect_message(program, "Error", f'That file name is already taken for "{WOOD_TEXT}"', "alt+F4")
+        self.expect_message(
+            program, "Error", f'That file name is already taken for "{WOOD_TEXT}"', "alt+F4"
+        )
         naming.expect_active()
         naming.field().expect_text("mine.codeset")
         naming.field().enter("other.codeset")
         naming.press("Return")
         naming.expect_closed()
         window.list().expect_texts([WOOD_TEXT] * 3)
-        self.assertEqual(self.contents(), {name: WOOD for name in ("wood.codeset", "mine.codeset", "other.codeset")})
+        self.assertEqual(
+            self.contents(),
+            {name: WOOD for name in ("wood.codeset", "mine.codeset", "other.codeset")},
+        )
 
     # A sudden end
 
@@ -331,7 +366,9 @@ class Robustness(WorkspaceJourney):
                 leave(program.window("Select one to add"), way_out)
                 window.expect_active()
                 window.list().expect_selected([WOOD_TEXT])
-                self.expect_sensitivity(window, Clone=True, Edit=True, Save_a_copy=True, Delete=True)
+                self.expect_sensitivity(
+                    window, Clone=True, Edit=True, Save_a_copy=True, Delete=True
+                )
                 self.push(window, "Save a copy")
                 leave(program.file_chooser("Save As"), way_out)
                 window.expect_active()
@@ -363,7 +400,10 @@ class Robustness(WorkspaceJourney):
                 editing = self.edit(program, window, WOOD_TEXT, "wood.codeset")
                 editing.button("Add new").click()
                 dialog = program.window("Edit remark code")
-                for code, message in (("W1", "That code is already taken."), ("W3", "Missing a description.")):
+                for code, message in (
+                    ("W1", "That code is already taken."),
+                    ("W3", "Missing a description."),
+                ):
                     dialog.field("Remark code").enter(code)
                     dialog.press("Return")
                     self.expect_message(program, "Error", message, answer)
@@ -412,13 +452,19 @@ class Robustness(WorkspaceJourney):
         dialog.expect_closed()
         editing.button("Save codeset").click()
         self.expect_message(
-            program, "Error", "Cannot create file.\n\nCannot open file.\n\nError 2: No such file or directory", "Escape")
+            program,
+            "Error",
+            "Cannot create file.\n\nCannot open file.\n\nError 2: No such file or directory",
+            "Escape",
+        )
         moved.rename(self.workspace)
         # What could not be saved is still there, and so is the rest.
         self.save(editing)
         window.list().expect_texts(["Mine", WOOD_TEXT])
         self.assertEqual(
-            self.contents(), {"wood.codeset": WOOD, "mine.codeset": codeset("Mine", remarks=[("1", "One")])})
+            self.contents(),
+            {"wood.codeset": WOOD, "mine.codeset": codeset("Mine", remarks=[("1", "One")])},
+        )
         self.end(program, window)
 
     def test_a_file_in_place_of_the_workspace(self):
@@ -430,14 +476,21 @@ class Robustness(WorkspaceJourney):
         self.workspace.write_bytes(b"in the way")
         editing.button("Save codeset").click()
         self.expect_message(
-            program, "Error", "Cannot access file.\n\nCannot unlink file.\n\nError 20: Not a directory", "Close")
+            program,
+            "Error",
+            "Cannot access file.\n\nCannot unlink file.\n\nError 20: Not a directory",
+            "Close",
+        )
         editing.expect_active()
         leave_unsaved(self, program, editing)
         window.list().expect_texts([])
         self.add_file(program, window, source)
         self.expect_message(
-            program, "Error",
-            "Can not access the workspace fonts folder.\n\nCannot get file status.\n\nError 20: Not a directory", "Close")
+            program,
+            "Error",
+            "Can not access the workspace fonts folder.\n\nCannot get file status.\n\nError 20: Not a directory",
+            "Close",
+        )
         # A name that cannot be asked about counts as taken.
         naming = self.name_new(program, window, "Add new", "mine.codeset")
         naming.press("Return")
@@ -454,10 +507,16 @@ class Robustness(WorkspaceJourney):
             if action == "Edit":
                 self.push(window, "Edit")
                 self.expect_message(
-                    program, "Error", f"Something went wrong when accessing the codeset file:\n\n{path}", "Close")
+                    program,
+                    "Error",
+                    f"Something went wrong when accessing the codeset file:\n\n{path}",
+                    "Close",
+                )
             else:
                 self.delete(program, window, WOOD_TEXT)
-                self.expect_message(program, "Error", f"Couldn't delete the file.\n\n{path}", "Close")
+                self.expect_message(
+                    program, "Error", f"Couldn't delete the file.\n\n{path}", "Close"
+                )
             window.expect_active()
             window.list().expect_texts([])
         self.assertEqual(self.workspace.read_bytes(), b"in the way")
@@ -472,16 +531,26 @@ class Robustness(WorkspaceJourney):
         program, window = self.open()
         self.add_file(program, window, folder)
         self.expect_message(
-            program, "Question", f'Really overwrite "{self.codesets}/folder.codeset" with "{GLASS_TEXT}"?', "Yes")
+            program,
+            "Question",
+            f'Really overwrite "{self.codesets}/folder.codeset" with "{GLASS_TEXT}"?',
+            "Yes",
+        )
         self.expect_message(
-            program, "Error", f"An error occured when writing file.\n\n{self.codesets}/folder.codeset", "Close")
+            program,
+            "Error",
+            f"An error occured when writing file.\n\n{self.codesets}/folder.codeset",
+            "Close",
+        )
         self.assertEqual(list((self.codesets / "folder.codeset").iterdir()), [])
 
         self.add_file(program, window, glass)
         self.assertEqual(program.dialog("Question").message, OVERWRITE)
         glass.unlink()
         program.dialog("Question").answer("Yes")
-        self.expect_message(program, "Error", f"An error occured when writing file.\n\n{wood}", "Escape")
+        self.expect_message(
+            program, "Error", f"An error occured when writing file.\n\n{wood}", "Escape"
+        )
         window.expect_active()
         window.list().expect_texts([WOOD_TEXT])
         self.assertEqual(self.contents(), {"glass.codeset": WOOD})
@@ -498,10 +567,18 @@ class Robustness(WorkspaceJourney):
         self.expect_message(program, "Error", "An error occured when copying the file.", "Close")
         self.add_file(program, window, source)
         self.expect_message(
-            program, "Error", f"An error occured when writing file.\n\n{self.codesets}/glass.codeset", "Close")
+            program,
+            "Error",
+            f"An error occured when writing file.\n\n{self.codesets}/glass.codeset",
+            "Close",
+        )
         self.save_copy(program, window, WOOD_TEXT, target)
         self.expect_message(
-            program, "Error", f"An error occured when saving the copy of the file.\n\n{target}", "Close")
+            program,
+            "Error",
+            f"An error occured when saving the copy of the file.\n\n{target}",
+            "Close",
+        )
         # Half a file is not left behind.
         window.list().expect_texts([WOOD_TEXT])
         self.assertEqual(self.contents(), {"wood.codeset": WOOD})
@@ -521,7 +598,11 @@ class Robustness(WorkspaceJourney):
         (delivered / "glass.codeset").unlink()
         selector.button("OK").click()
         self.expect_message(
-            program, "Error", f"An error occured when writing file.\n\n{self.codesets}/glass.codeset", "Close")
+            program,
+            "Error",
+            f"An error occured when writing file.\n\n{self.codesets}/glass.codeset",
+            "Close",
+        )
         window.expect_active()
         self.assertEqual(self.contents(), {})
 
@@ -535,7 +616,10 @@ class Robustness(WorkspaceJourney):
             endpoint.bind(str(self.folder / "socket"))
         (self.folder / "socket").rename(folder / "socket.codeset")
         for name, target in (
-            ("endless", "/dev/zero"), ("dangling", "nowhere"), ("loop", "loop.codeset"), ("memory", "/proc/self/mem"),
+            ("endless", "/dev/zero"),
+            ("dangling", "nowhere"),
+            ("loop", "loop.codeset"),
+            ("memory", "/proc/self/mem"),
         ):
             (folder / f"{name}.codeset").symlink_to(target)
 
@@ -543,7 +627,8 @@ class Robustness(WorkspaceJourney):
         """In any order, which is the locale's."""
         window.program.wait(
             lambda: sorted(window.list().texts()) == sorted(texts),
-            lambda: f"the rows {texts!r}; they are {window.list().texts()!r}")
+            lambda: f"the rows {texts!r}; they are {window.list().texts()!r}",
+        )
 
     def test_hostile_entries_in_the_workspace(self):
         self.put("wood.codeset", WOOD)
@@ -552,14 +637,18 @@ class Robustness(WorkspaceJourney):
 
         def expect_listed(*texts):
             window.list().expect_texts([MEMORY, *texts])
-            self.assertEqual([row.colour for row in window.list().rows()], [RED, *[None] * len(texts)])
+            self.assertEqual(
+                [row.colour for row in window.list().rows()], [RED, *[None] * len(texts)]
+            )
             window.label(NOTICE)
 
         expect_listed(WOOD_TEXT)
         self.put("glass.codeset", GLASS)
         self.push(window, "Refresh list")
         expect_listed(GLASS_TEXT, WOOD_TEXT)
-        self.assertCountEqual(os.listdir(self.codesets), ["wood.codeset", "glass.codeset", *HOSTILE_ENTRIES])
+        self.assertCountEqual(
+            os.listdir(self.codesets), ["wood.codeset", "glass.codeset", *HOSTILE_ENTRIES]
+        )
         self.end(program, window)
 
     def test_hostile_entries_among_the_delivered(self):
@@ -585,7 +674,11 @@ class Robustness(WorkspaceJourney):
             with self.subTest(name=name):
                 choose(name)
                 self.expect_message(
-                    program, "Error", f"An error occured when writing file.\n\n{self.codesets}/{name}", "Close")
+                    program,
+                    "Error",
+                    f"An error occured when writing file.\n\n{self.codesets}/{name}",
+                    "Close",
+                )
                 window.expect_active()
                 window.list().expect_texts([WOOD_TEXT])
                 self.assertEqual(os.listdir(self.codesets), ["wood.codeset"])
@@ -606,13 +699,14 @@ class Robustness(WorkspaceJourney):
             window.button("Refresh list").click()
             program.wait(
                 lambda: window.list().texts()[:-1] in (list(strange), list(reversed(strange))),
-                lambda: f"the rows {strange!r}; they are {window.list().texts()!r}")
+                lambda: f"the rows {strange!r}; they are {window.list().texts()!r}",
+            )
             self.assertEqual(window.list().texts()[-1], WOOD_TEXT)
             self.assertEqual(NOTICE in window.labels(), bool(strange))
             self.expect_nothing_selected(window)
 
         (self.codesets / "a.codeset").write_bytes(b"")
-        (self.codesets / "z.codeset").write_bytes(WOOD[:-1 - len("</codeset>")])
+        (self.codesets / "z.codeset").write_bytes(WOOD[: -1 - len("</codeset>")])
         refresh("a.codeset", "z.codeset")
         (self.codesets / "a.codeset").unlink()
         refresh("z.codeset")
@@ -622,7 +716,9 @@ class Robustness(WorkspaceJourney):
         window.resize(extents[2] + 100, extents[3] + 100)
         (self.codesets / "z.codeset").unlink()
         refresh()
-        program.wait(lambda: window.extents[2:] == extents[2:], "the window to shrink to its first size")
+        program.wait(
+            lambda: window.extents[2:] == extents[2:], "the window to shrink to its first size"
+        )
         filling = window.toggle_maximized()
         self.put("a.codeset", b"<codeset/>")
         refresh("a.codeset")
@@ -638,10 +734,14 @@ class Robustness(WorkspaceJourney):
         self.name_new(program, window, "Clone", "copy.codeset").press("Return")
         # Copied byte for byte all the same.
         program.wait(
-            lambda: window.list().texts() in (["wood.codeset", "copy.codeset"], ["copy.codeset", "wood.codeset"]),
-            "both files to be listed by name")
+            lambda: window.list().texts()
+            in (["wood.codeset", "copy.codeset"], ["copy.codeset", "wood.codeset"]),
+            "both files to be listed by name",
+        )
         window.label(NOTICE)
-        self.assertEqual(self.contents(), {"wood.codeset": b"a letter", "copy.codeset": b"a letter"})
+        self.assertEqual(
+            self.contents(), {"wood.codeset": b"a letter", "copy.codeset": b"a letter"}
+        )
         naming = self.name_new(program, window, "Add new", "copy.codeset")
         naming.press("Return")
         self.expect_message(program, "Error", "That file name is already taken.", "Close")
@@ -720,7 +820,9 @@ class Beginnings(Journey):
                 shutil.rmtree(self.workspace)
                 assistant.button("Close").click()
                 message = program.dialog("Error")
-                self.assertEqual(message.message, "Something went wrong when opening your new workspace.")
+                self.assertEqual(
+                    message.message, "Something went wrong when opening your new workspace."
+                )
                 self.assertEqual(program.windows(), [message])
                 leave(message, answer)
                 program.expect_exit(0)
@@ -735,7 +837,9 @@ class Beginnings(Journey):
             with self.subTest(answer=answer):
                 program = self.start_program()
                 warning = program.dialog("Warning")
-                self.assertEqual(warning.message, "Something went wrong when reading your personal settings.")
+                self.assertEqual(
+                    warning.message, "Something went wrong when reading your personal settings."
+                )
                 leave(warning, answer)
                 program.window(MAIN_WINDOW).close()
                 program.expect_exit(0)
@@ -748,7 +852,9 @@ class Beginnings(Journey):
             with self.subTest(answer=answer):
                 program = self.start_program(stage=stage)
                 message = program.dialog("Error")
-                self.assertEqual(message.message, "Startup failed.\n\nCouldn't open required fonts.")
+                self.assertEqual(
+                    message.message, "Startup failed.\n\nCouldn't open required fonts."
+                )
                 leave(message, answer)
                 program.expect_exit(0)
 

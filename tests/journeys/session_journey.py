@@ -97,7 +97,9 @@ class Session(Journey):
         program = self.start_program()
         assistant = program.window(ASSISTANT)
         self.apply(assistant, self.home / "missing" / "place")
-        self.expect_refusal(program, assistant, "Creating a workspace at the chosen location failed.")
+        self.expect_refusal(
+            program, assistant, "Creating a workspace at the chosen location failed."
+        )
         self.assertFalse((self.home / "missing").exists())
         self.assertFalse(self.pointer_file.exists())
         assistant.button("Next").click()
@@ -110,8 +112,10 @@ class Session(Journey):
         (self.home / "file").write_text("kept")
         self.apply(assistant, self.home / "file" / "place")
         self.expect_refusal(
-            program, assistant,
-            "Cannot access the specified location.\n\nCannot get file status.\n\nError 20: Not a directory")
+            program,
+            assistant,
+            "Cannot access the specified location.\n\nCannot get file status.\n\nError 20: Not a directory",
+        )
         self.assertEqual((self.home / "file").read_text(), "kept")
         self.cancel(program, assistant)
 
@@ -162,7 +166,9 @@ class Session(Journey):
         (self.default_workspace / "settings.xml").write_text("<settings")
         program = self.start_program()
         warning = program.dialog("Warning")
-        self.assertEqual(warning.message, "Something went wrong when reading your personal settings.")
+        self.assertEqual(
+            warning.message, "Something went wrong when reading your personal settings."
+        )
         warning.button("Close").click()
         window = program.window(MAIN_WINDOW)
         self.assertEqual(program.windows(), [window])
@@ -174,9 +180,11 @@ class Session(Journey):
         (self.default_workspace / "codesets").mkdir(parents=True)
         (self.default_workspace / "codesets" / "a.codeset").write_text(
             '<codeset><name lang="de">Papier &lt;b&gt; &amp; 100%s</name><name lang="sv">Papper</name>'
-            '<remark><code>1</code><description lang="de">Riss</description></remark></codeset>')
+            '<remark><code>1</code><description lang="de">Riss</description></remark></codeset>'
+        )
         (self.default_workspace / "settings.xml").write_text(
-            '<settings><preferred-languages><language tag="de"/></preferred-languages></settings>')
+            '<settings><preferred-languages><language tag="de"/></preferred-languages></settings>'
+        )
         program = self.start_program(VANTORELLE_USER_LANGUAGE="sv")
         window = program.window(MAIN_WINDOW)
         window.list().expect_texts(["Papier <b> & 100%s"])

@@ -12,28 +12,77 @@ UK = "English/United Kingdom [en-uk]"
 ASSISTANT = "Vantorelle Workspace Setup"
 QUESTION = "Are you sure you want to close the codeset without saving?"
 TITLE_BAR = 30
-PARTS = (*accessibility.BUTTONS, *accessibility.TEXTS, *accessibility.LISTS, "combo box", "label", "icon")
+PARTS = (
+    *accessibility.BUTTONS,
+    *accessibility.TEXTS,
+    *accessibility.LISTS,
+    "combo box",
+    "label",
+    "icon",
+)
 
 # 300 characters, of which no two stretches are the same.
 LONG = " ".join(f"Beschreibung {number:02}" for number in range(19))[:299] + "."
 TAGS = (
-    "en-uk", "en", "sv", "de", "de-de", "fr", "es", "da", "nb", "nn", "fi", "it", "pt", "is", "fo", "ga", "gd", "af", "eu",
-    "ca", "sq", "sw", "nl", "en-us", "en-au", "en-ca", "en-ie", "de-at", "de-ch", "fr-fr",
+    "en-uk",
+    "en",
+    "sv",
+    "de",
+    "de-de",
+    "fr",
+    "es",
+    "da",
+    "nb",
+    "nn",
+    "fi",
+    "it",
+    "pt",
+    "is",
+    "fo",
+    "ga",
+    "gd",
+    "af",
+    "eu",
+    "ca",
+    "sq",
+    "sw",
+    "nl",
+    "en-us",
+    "en-au",
+    "en-ca",
+    "en-ie",
+    "de-at",
+    "de-ch",
+    "fr-fr",
 )
 LONG_NAMED = codeset(LONG, "Vera", "2", [("W1", "Split"), ("W2", {tag: LONG for tag in TAGS[:3]})])
 MANY = codeset(
-    {tag: f"Name {tag}" for tag in TAGS}, "Vera", "2", [("W1", {tag: f"Split {tag}" for tag in TAGS}), ("W2", "Worm")])
+    {tag: f"Name {tag}" for tag in TAGS},
+    "Vera",
+    "2",
+    [("W1", {tag: f"Split {tag}" for tag in TAGS}), ("W2", "Worm")],
+)
 SIX = ("en-uk", "sv", "de", "fr", "es", "da")
 SIX_LANGUAGES = codeset(
-    {tag: f"Name {tag}" for tag in SIX}, {tag: f"Author {tag}" for tag in SIX}, "2",
-    [(f"W{number:02}", {tag: f"Damage {number} {tag}" for tag in SIX}) for number in range(60)])
-FEW_LANGUAGES = codeset("Wood", "Vera", "2", [(f"W{number:02}", f"Damage {number}") for number in range(60)])
+    {tag: f"Name {tag}" for tag in SIX},
+    {tag: f"Author {tag}" for tag in SIX},
+    "2",
+    [(f"W{number:02}", {tag: f"Damage {number} {tag}" for tag in SIX}) for number in range(60)],
+)
+FEW_LANGUAGES = codeset(
+    "Wood", "Vera", "2", [(f"W{number:02}", f"Damage {number}") for number in range(60)]
+)
 LONG_FILE_NAME = "a" * 247 + ".codeset"
 
 
 def overlap(first, second):
     x, y, width, height = first
-    return x < second[0] + second[2] and second[0] < x + width and y < second[1] + second[3] and second[1] < y + height
+    return (
+        x < second[0] + second[2]
+        and second[0] < x + width
+        and y < second[1] + second[3]
+        and second[1] < y + height
+    )
 
 
 class Fitting:
@@ -51,12 +100,21 @@ class Fitting:
 
     def expect_inside(self, what, extents, around):
         x, y, width, height = extents
-        left, top, right, bottom = around[0], around[1], around[0] + around[2], around[1] + around[3]
+        left, top, right, bottom = (
+            around[0],
+            around[1],
+            around[0] + around[2],
+            around[1] + around[3],
+        )
         # On a doubled screen the toolkit rounds places to its own pixels.
         slack = what.program.scale if what.program.scale > 1 else 0
         self.assertTrue(
-            x >= left - slack and y >= top - slack and x + width <= right + slack and y + height <= bottom + slack,
-            f"{what!r} at {extents} reaches out of {around}")
+            x >= left - slack
+            and y >= top - slack
+            and x + width <= right + slack
+            and y + height <= bottom + slack,
+            f"{what!r} at {extents} reaches out of {around}",
+        )
 
     def expect_fitting(self, window):
         """The window is on the screen, and so is all that is in it."""
@@ -71,18 +129,31 @@ class Fitting:
         for is_scrolled, part, place in parts:
             if not is_scrolled:
                 self.expect_inside(part, place, extents)
-        for (scrolled, part, place), (other_scrolled, other_part, other_place) in itertools.combinations(parts, 2):
+        for (scrolled, part, place), (
+            other_scrolled,
+            other_part,
+            other_place,
+        ) in itertools.combinations(parts, 2):
             if scrolled == other_scrolled:
-                self.assertFalse(overlap(place, other_place), f"{part!r} and {other_part!r} overlap")
+                self.assertFalse(
+                    overlap(place, other_place), f"{part!r} and {other_part!r} overlap"
+                )
 
     def parts(self, widget, is_scrolled=False):
         """Whatever is operated or read in the window: whether it can be scrolled, the widget, and its place."""
-        for child in (Widget(widget.program, child) for child in accessibility.children(widget.accessible)):
+        for child in (
+            Widget(widget.program, child) for child in accessibility.children(widget.accessible)
+        ):
             place = child.extents
             # A viewport does not tell where it is, but what scrolls it does.
             scrolls = child.role == "scroll pane" and "viewport" in map(
-                accessibility.role, accessibility.children(child.accessible))
-            if (child.role in PARTS or scrolls) and place and "showing" in accessibility.states(child.accessible):
+                accessibility.role, accessibility.children(child.accessible)
+            )
+            if (
+                (child.role in PARTS or scrolls)
+                and place
+                and "showing" in accessibility.states(child.accessible)
+            ):
                 yield is_scrolled, child, place
             if child.role not in PARTS:
                 yield from self.parts(child, is_scrolled or child.role == "viewport")
@@ -134,7 +205,12 @@ class SmallScreen(Fitting, WorkspaceJourney):
             size = place[axis + 2]
             wanted = around[axis] + (around[axis + 2] - size) / 2
             wanted = min(max(wanted, 0), screen[axis] - size)
-            self.assertAlmostEqual(place[axis], wanted, delta=TITLE_BAR, msg=f"{window!r} at {place}, its parent at {around}")
+            self.assertAlmostEqual(
+                place[axis],
+                wanted,
+                delta=TITLE_BAR,
+                msg=f"{window!r} at {place}, its parent at {around}",
+            )
 
     def test_windows_open_over_their_parent(self):
         self.put("plain.codeset", codeset("Plain", remarks=[("1", "One")]))
@@ -143,10 +219,18 @@ class SmallScreen(Fitting, WorkspaceJourney):
         right, bottom = display.screen_size()
         # The window manager keeps a tenth of a window on the screen.
         far = 60 * program.scale
-        for x, y in ((10, 30), (right - width - 10, bottom - height - 10), (far - width, 60), (right - 20 - far, bottom - 60)):
+        for x, y in (
+            (10, 30),
+            (right - width - 10, bottom - height - 10),
+            (far - width, 60),
+            (right - 20 - far, bottom - 60),
+        ):
             with self.subTest(x=x, y=y):
                 display.move_window(window.window_id, x, y)
-                program.wait(lambda x=x: abs(window.resting_extents()[0] - x) < TITLE_BAR, "the main window to move")
+                program.wait(
+                    lambda x=x: abs(window.resting_extents()[0] - x) < TITLE_BAR,
+                    "the main window to move",
+                )
                 for button, title in (("Add new", "Add new"), ("Add bundled", "Select one to add")):
                     window.press("Home")
                     window.button(button).act()
@@ -187,7 +271,8 @@ class SmallScreen(Fitting, WorkspaceJourney):
         window.list().row(text).select()
         window.button("Delete").click()
         self.expect_fitting_message(
-            program, "Question", f'Do you really want to delete "{text}" from your workspace?', "No")
+            program, "Question", f'Do you really want to delete "{text}" from your workspace?', "No"
+        )
         window.list().row(text).select()
         window.button("Clone").click()
         naming = program.window("Add new")
@@ -195,7 +280,9 @@ class SmallScreen(Fitting, WorkspaceJourney):
         self.expect_shrinking(naming)
         naming.field().enter("long.codeset")
         naming.button("OK").click()
-        self.expect_fitting_message(program, "Error", f'That file name is already taken for "{text}"', "Close")
+        self.expect_fitting_message(
+            program, "Error", f'That file name is already taken for "{text}"', "Close"
+        )
         naming.field().enter(LONG_FILE_NAME)
         self.expect_fitting(naming)
         naming.button("OK").click()
@@ -220,19 +307,31 @@ class SmallScreen(Fitting, WorkspaceJourney):
         window.field("File name of selected item").expect_text(LONG_FILE_NAME)
         window.button("Edit").click()
         self.expect_fitting_message(
-            program, "Error", f"Error when loading the codeset file:\n\n{path}\n\nNot a codeset file.", "Close")
+            program,
+            "Error",
+            f"Error when loading the codeset file:\n\n{path}\n\nNot a codeset file.",
+            "Close",
+        )
         window.button("Add from file").click()
         chooser = program.file_chooser()
         self.expect_fitting_chooser(chooser, "Cancel", "Open")
         chooser.choose(source)
-        self.expect_fitting_message(program, "Question", f'Really overwrite "{path}" with "{source}"?', "No")
+        self.expect_fitting_message(
+            program, "Question", f'Really overwrite "{path}" with "{source}"?', "No"
+        )
         window.list().row(LONG_FILE_NAME).select()
         path.unlink()
         path.mkdir()
         window.button("Delete").click()
         self.expect_fitting_message(
-            program, "Question", f'Do you really want to delete "{LONG_FILE_NAME}" from your workspace?', "Yes")
-        self.expect_fitting_message(program, "Error", f"Couldn't delete the file.\n\n{path}", "Close")
+            program,
+            "Question",
+            f'Do you really want to delete "{LONG_FILE_NAME}" from your workspace?',
+            "Yes",
+        )
+        self.expect_fitting_message(
+            program, "Error", f"Couldn't delete the file.\n\n{path}", "Close"
+        )
         self.expect_shrinking(window)
 
     def test_a_message_higher_than_the_screen(self):
@@ -264,7 +363,9 @@ class SmallScreen(Fitting, WorkspaceJourney):
         (stage / "codesets" / "long.codeset").write_bytes(LONG_NAMED)
         (stage / "codesets" / LONG_FILE_NAME).write_bytes(b"a letter")
         for number in range(30):
-            (stage / "codesets" / f"more{number}.codeset").write_bytes(codeset(f"More {number}", remarks=[("1", "One")]))
+            (stage / "codesets" / f"more{number}.codeset").write_bytes(
+                codeset(f"More {number}", remarks=[("1", "One")])
+            )
         program, window = self.open(stage=stage)
         window.button("Add bundled").click()
         selector = program.window("Select one to add")
@@ -312,19 +413,32 @@ class SmallScreen(Fitting, WorkspaceJourney):
 
     def expect_buttons_in_view(self, editing):
         for button in ("Add new", "Edit", "Delete", "Save codeset", "Close"):
-            self.expect_inside(editing.button(button), editing.button(button).resting_extents(), (0, 0, *display.screen_size()))
+            self.expect_inside(
+                editing.button(button),
+                editing.button(button).resting_extents(),
+                (0, 0, *display.screen_size()),
+            )
 
     def count_codes_in_view(self, editing):
         codes = editing.list("Remark codes")
         x, y, width, height = codes.resting_extents()
         tops = [row.extents for row in codes.rows()]
-        return sum(place is not None and place[1] >= y and place[1] + place[3] <= y + height for place in tops)
+        return sum(
+            place is not None and place[1] >= y and place[1] + place[3] <= y + height
+            for place in tops
+        )
 
     def fields_in_view(self, editing):
         """Those of the name, the author and the version that are shown whole, from top to bottom."""
         x, y, width, height = self.scroller(editing).resting_extents()
-        places = [(field, field.extents) for field in editing.find_all(accessibility.TEXTS) if field.is_editable]
-        return [field for field, place in places if place[1] >= y and place[1] + place[3] <= y + height]
+        places = [
+            (field, field.extents)
+            for field in editing.find_all(accessibility.TEXTS)
+            if field.is_editable
+        ]
+        return [
+            field for field, place in places if place[1] >= y and place[1] + place[3] <= y + height
+        ]
 
     def test_many_codes_in_six_languages(self):
         self.prefer(*SIX)
@@ -334,7 +448,9 @@ class SmallScreen(Fitting, WorkspaceJourney):
         self.expect_fitting(editing)
         self.expect_buttons_in_view(editing)
         height = display.screen_size()[1] // program.scale
-        self.assertGreaterEqual(self.count_codes_in_view(editing), 12 if height >= 900 and self.scale == 1 else 8)
+        self.assertGreaterEqual(
+            self.count_codes_in_view(editing), 12 if height >= 900 and self.scale == 1 else 8
+        )
         if height >= 1440:
             self.assertEqual(len(self.fields_in_view(editing)), 13)
         self.assertGreaterEqual(len(self.fields_in_view(editing)), 3)
@@ -444,7 +560,8 @@ class Beginnings(Fitting, Journey):
         refusal = program.dialog("Error")
         self.assertEqual(
             refusal.message,
-            "Cannot access the specified location.\n\nCannot get file status.\n\nError 36: File name too long")
+            "Cannot access the specified location.\n\nCannot get file status.\n\nError 36: File name too long",
+        )
         self.expect_fitting(refusal)
         refusal.answer("Close")
         assistant.button("Next").click()

@@ -79,19 +79,30 @@ class Startup(Journey):
         stage = self.copy_stage()
         real = stage / "real-program"
         shutil.move(stage / EXECUTABLE, real)
-        arguments = ["--help", "--version", "--display=:77", "--gtk-no-such-option", "--gapplication-service", "/nowhere/a.codeset"]
+        arguments = [
+            "--help",
+            "--version",
+            "--display=:77",
+            "--gtk-no-such-option",
+            "--gapplication-service",
+            "/nowhere/a.codeset",
+        ]
         (stage / EXECUTABLE).write_text(f"#!/bin/sh\nexec {shlex.join([str(real), *arguments])}\n")
         (stage / EXECUTABLE).chmod(0o755)
         program = self.start_program(stage=stage)
         window = program.window(MAIN_WINDOW)
-        self.assertIn(b"--gtk-no-such-option", pathlib.Path(f"/proc/{program.pid}/cmdline").read_bytes())
+        self.assertIn(
+            b"--gtk-no-such-option", pathlib.Path(f"/proc/{program.pid}/cmdline").read_bytes()
+        )
         window.close()
         program.expect_exit(0)
         self.assertEqual(program.printed, "")
 
     def test_the_theme_is_not_the_users_to_choose(self):
         self.make_workspace()
-        pictures = [self.picture_under(theme) for theme in (None, "HighContrastInverse", "Adwaita:dark")]
+        pictures = [
+            self.picture_under(theme) for theme in (None, "HighContrastInverse", "Adwaita:dark")
+        ]
         # Light for one and dark for the others, if the variable counted.
         self.assertEqual(pictures[1], pictures[0])
         self.assertEqual(pictures[2], pictures[0])
@@ -107,7 +118,11 @@ class Startup(Journey):
         button = window.button("Refresh list").extents
         region = f"{button[2]}x{button[3]}+{button[0]}+{button[1]}"
         colours = subprocess.run(
-            ("convert", str(picture), "-crop", region, "-resize", "1x1!", "txt:-"), capture_output=True, check=True, text=True)
+            ("convert", str(picture), "-crop", region, "-resize", "1x1!", "txt:-"),
+            capture_output=True,
+            check=True,
+            text=True,
+        )
         window.close()
         program.expect_exit(0)
         return re.search(r"#[0-9A-F]{6}", colours.stdout).group()
@@ -119,12 +134,16 @@ class Startup(Journey):
         own_size = pathlib.Path("/proc/self/exe").stat().st_size & 0x7FFFFFFF
         # The number of this process keeps them apart from those of another run of this test.
         stale = [
-            f"vantorelle-{ABSENT_PROCESS}.{own_id}.out", f"vantorelle-{ABSENT_PROCESS}.{own_id}.odt",
-            f"vantorelle-{own_id}.{own_size + 1}.out"
+            f"vantorelle-{ABSENT_PROCESS}.{own_id}.out",
+            f"vantorelle-{ABSENT_PROCESS}.{own_id}.odt",
+            f"vantorelle-{own_id}.{own_size + 1}.out",
         ]
         kept = [
-            f"vantorelle-{own_id}.{own_size}.out", f"vantorelle-{own_id}.{own_size}.odt", f"vantorelle-{ABSENT_PROCESS}.{own_id}.txt",
-            f"vantorelle-{own_id}.out", f"vantorelle-a{own_id}.1.out"
+            f"vantorelle-{own_id}.{own_size}.out",
+            f"vantorelle-{own_id}.{own_size}.odt",
+            f"vantorelle-{ABSENT_PROCESS}.{own_id}.txt",
+            f"vantorelle-{own_id}.out",
+            f"vantorelle-a{own_id}.1.out",
         ]
         for name in stale + kept:
             path = TEMP_FOLDER / name
@@ -142,7 +161,9 @@ class Startup(Journey):
         program = self.start_program()
         program.window(MAIN_WINDOW)
         program.kill()
-        wait_until(lambda: not pathlib.Path(f"/proc/{program.pid}").exists(), "the process to be gone")
+        wait_until(
+            lambda: not pathlib.Path(f"/proc/{program.pid}").exists(), "the process to be gone"
+        )
         program = self.start_program()
         program.window(MAIN_WINDOW).close()
         program.expect_exit(0)

@@ -72,9 +72,13 @@ class Typing(WorkspaceJourney):
                 codes = editing.list("Remark codes")
                 codes.expect_texts([f"1. {saved}"])
                 codes.row(f"1. {saved}").select()
-                editing.field("Description of the selected remark code").expect_text(f"{UK}\n\n{saved}")
+                editing.field("Description of the selected remark code").expect_text(
+                    f"{UK}\n\n{saved}"
+                )
                 self.save(editing)
-                self.assertEqual(self.own.read_bytes(), codeset(saved, saved, saved, [("1", saved)]))
+                self.assertEqual(
+                    self.own.read_bytes(), codeset(saved, saved, saved, [("1", saved)])
+                )
 
                 # It comes back as it was saved.
                 window = program.window(MAIN_WINDOW)
@@ -106,10 +110,19 @@ class Typing(WorkspaceJourney):
             dialog.press("Return")
             dialog.expect_closed()
         # Outside ASCII letters come first: their bytes are negative.
-        editing.list("Remark codes").expect_texts(["Å Ä. T", "é ü. T", "1. One", "7 7. T", "n. T", "xy. T"])
+        editing.list("Remark codes").expect_texts(
+            ["Å Ä. T", "é ü. T", "1. One", "7 7. T", "n. T", "xy. T"]
+        )
         self.save(editing)
-        self.assertEqual(self.own.read_bytes(), codeset("Own", "Vera", "1", [
-            ("Å Ä", "T"), ("é ü", "T"), ("1", "One"), ("7 7", "T"), ("n", "T"), ("xy", "T")]))
+        self.assertEqual(
+            self.own.read_bytes(),
+            codeset(
+                "Own",
+                "Vera",
+                "1",
+                [("Å Ä", "T"), ("é ü", "T"), ("1", "One"), ("7 7", "T"), ("n", "T"), ("xy", "T")],
+            ),
+        )
 
     def test_typed_codes(self):
         program, editing = self.open_own()
@@ -121,7 +134,10 @@ class Typing(WorkspaceJourney):
             dialog.expect_closed()
         editing.list("Remark codes").expect_texts(["«½». à é", "é ü. Fällt", "1. One"])
         self.save(editing)
-        self.assertEqual(self.own.read_bytes(), codeset("Own", "Vera", "1", [("«½»", "à é"), ("é ü", "Fällt"), ("1", "One")]))
+        self.assertEqual(
+            self.own.read_bytes(),
+            codeset("Own", "Vera", "1", [("«½»", "à é"), ("é ü", "Fällt"), ("1", "One")]),
+        )
 
     def test_what_cannot_be_kept_is_nothing(self):
         program, editing = self.open_own()
@@ -165,7 +181,12 @@ class Typing(WorkspaceJourney):
         name = editing.field(UK)
         name.clear()
         # The last is no letter of Western Europe.
-        for keys in (("dead_acute", "e"), ("dead_diaeresis", "U"), ("dead_cedilla", "c"), ("dead_caron", "z")):
+        for keys in (
+            ("dead_acute", "e"),
+            ("dead_diaeresis", "U"),
+            ("dead_cedilla", "c"),
+            ("dead_caron", "z"),
+        ):
             display.press(*keys)
         name.expect_text("éÜç")
 
@@ -183,7 +204,9 @@ class Typing(WorkspaceJourney):
         editing.field("Version").enter("½")
         self.save(editing)
         self.assertEqual(
-            self.own.read_bytes(), codeset("«1» Zoë's naïve façade, 5", "ærø þór", "½", [("1", "One")]))
+            self.own.read_bytes(),
+            codeset("«1» Zoë's naïve façade, 5", "ærø þór", "½", [("1", "One")]),
+        )
         program.window(MAIN_WINDOW).list().expect_texts(["«1» Zoë's naïve façade, 5 (ærø þór) ½"])
 
     def test_a_paste_replaces_what_is_marked(self):
@@ -192,7 +215,10 @@ class Typing(WorkspaceJourney):
         name.enter("one two three")
         display.press("Home", "ctrl+Right", "ctrl+shift+Right")
         program = editing.program
-        program.wait(lambda: name.selected_text == " two", lambda: f"the second word to be marked, not {name.selected_text!r}")
+        program.wait(
+            lambda: name.selected_text == " two",
+            lambda: f"the second word to be marked, not {name.selected_text!r}",
+        )
         name.paste(" €2\t")
         name.expect_text("one 2  three")
         # The cursor stands behind what was inserted.
@@ -219,22 +245,40 @@ class Typing(WorkspaceJourney):
 
     def expect_marks(self, field, *words):
         """These words, and only these, are marked as misspelt."""
+
         def marked():
             text = field.text
             return [word for word in text.split() if self.is_marked(field, word)]
 
-        field.program.wait(lambda: marked() == list(words), lambda: f"marks on {words}; they are on {marked()}")
+        field.program.wait(
+            lambda: marked() == list(words), lambda: f"marks on {words}; they are on {marked()}"
+        )
 
     def test_spelling_is_checked_where_there_is_a_dictionary(self):
         self.prefer("en-uk", "en-us", "sv", "de-de", "fr-fr", "en", "fi")
-        self.put("own.codeset", codeset({
-            "en-uk": "colour color spricka", "en-us": "colour color spricka", "sv": "colour spricka",
-            "de-de": "Farbe colour", "fr-fr": "couleur Farbe", "en": "colour xyzzyq", "fi": "xyzzyq", "": "zyxxyq",
-        }, remarks=[("1", {"sv": "spricka crackk", "en": "crackk"})]))
+        self.put(
+            "own.codeset",
+            codeset(
+                {
+                    "en-uk": "colour color spricka",
+                    "en-us": "colour color spricka",
+                    "sv": "colour spricka",
+                    "de-de": "Farbe colour",
+                    "fr-fr": "couleur Farbe",
+                    "en": "colour xyzzyq",
+                    "fi": "xyzzyq",
+                    "": "zyxxyq",
+                },
+                remarks=[("1", {"sv": "spricka crackk", "en": "crackk"})],
+            ),
+        )
         program, editing = self.open_editing("own.codeset", "colour color spricka")
         for language, words in (
-            (UK, ["color", "spricka"]), ("English/United States [en-us]", ["colour", "spricka"]),
-            ("Swedish [sv]", ["colour"]), ("German/Germany [de-de]", ["colour"]), ("French/France [fr-fr]", ["Farbe"]),
+            (UK, ["color", "spricka"]),
+            ("English/United States [en-us]", ["colour", "spricka"]),
+            ("Swedish [sv]", ["colour"]),
+            ("German/Germany [de-de]", ["colour"]),
+            ("French/France [fr-fr]", ["Farbe"]),
         ):
             with self.subTest(language=language):
                 self.expect_marks(editing.field(language), *words)

@@ -17,13 +17,29 @@ import unittest
 
 from layout import PROGRAM, InstalledProgramJourney, installed_files, main
 
-DICTIONARIES = {f"hunspell-{language}" for language in ("en-gb", "en-us", "sv", "de-de", "fr", "es", "nl")}
+DICTIONARIES = {
+    f"hunspell-{language}" for language in ("en-gb", "en-us", "sv", "de-de", "fr", "es", "nl")
+}
 LIBRARIES = {
-    "libcairo2", "libfreetype6", "libglib2.0-0", "libgspell-1-2", "libgtk-3-0", "libjpeg62-turbo", "libpango-1.0-0",
-    "libpng16-16", "librsvg2-2", "libxml2", "libxslt1.1", "libzip4",
+    "libcairo2",
+    "libfreetype6",
+    "libglib2.0-0",
+    "libgspell-1-2",
+    "libgtk-3-0",
+    "libjpeg62-turbo",
+    "libpango-1.0-0",
+    "libpng16-16",
+    "librsvg2-2",
+    "libxml2",
+    "libxslt1.1",
+    "libzip4",
 }
 ROOT_ENVIRONMENT = {
-    "PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "HOME": "/root", "LC_ALL": "C.UTF-8", "DEBIAN_FRONTEND": "noninteractive"}
+    "PATH": "/usr/sbin:/usr/bin:/sbin:/bin",
+    "HOME": "/root",
+    "LC_ALL": "C.UTF-8",
+    "DEBIAN_FRONTEND": "noninteractive",
+}
 TYPES_INDEX = "usr/share/mime/globs2"
 # What the package manager notes down of everything that it does.
 JOURNALS = ("var/log/", "var/lib/dpkg/", "var/lib/apt/", "var/cache/")
@@ -32,7 +48,11 @@ JOURNALS = ("var/log/", "var/lib/dpkg/", "var/lib/apt/", "var/cache/")
 def packaged_files():
     """An installation as Debian wants it: documents compressed, its own copyright file, the font from the font's package."""
     files = installed_files() - {f"lib/vantorelle/fonts/{name}" for name in ("copyright", "GPL-2")}
-    files -= {f"share/man/man1/{PROGRAM}.1", f"share/doc/{PROGRAM}/LICENSE", f"share/doc/{PROGRAM}/changelog"}
+    files -= {
+        f"share/man/man1/{PROGRAM}.1",
+        f"share/doc/{PROGRAM}/LICENSE",
+        f"share/doc/{PROGRAM}/changelog",
+    }
     files |= {f"share/man/man1/{PROGRAM}.1.gz", f"share/lintian/overrides/{PROGRAM}"}
     files |= {f"share/doc/{PROGRAM}/{name}" for name in ("copyright", "changelog.Debian.gz")}
     if f"share/doc/{PROGRAM}/changelog" in installed_files():
@@ -41,7 +61,9 @@ def packaged_files():
 
 
 def read(*command):
-    return subprocess.run([str(part) for part in command], stdout=subprocess.PIPE, text=True, check=True).stdout
+    return subprocess.run(
+        [str(part) for part in command], stdout=subprocess.PIPE, text=True, check=True
+    ).stdout
 
 
 def field(name):
@@ -55,10 +77,18 @@ def names_in(relation):
 def in_root(*command):
     """Runs the command in the clean Debian and shows what it prints only when it fails."""
     answer = subprocess.run(
-        ("chroot", root, *command), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-        check=False, env=ROOT_ENVIRONMENT)
+        ("chroot", root, *command),
+        stdin=subprocess.DEVNULL,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
+        text=True,
+        check=False,
+        env=ROOT_ENVIRONMENT,
+    )
     if answer.returncode != 0:
-        raise AssertionError(f"{' '.join(command)} ended with status {answer.returncode}:\n{answer.stdout}")
+        raise AssertionError(
+            f"{' '.join(command)} ended with status {answer.returncode}:\n{answer.stdout}"
+        )
     return answer.stdout
 
 
@@ -77,17 +107,27 @@ class Package(unittest.TestCase):
         self.assertEqual(field("Version"), "3.2.3-1")
         self.assertEqual(field("Section"), "editors")
         self.assertEqual(field("Priority"), "optional")
-        self.assertEqual(field("Maintainer"), "The Vantorelle developers <developers@vantorelle.org>")
+        self.assertEqual(
+            field("Maintainer"), "The Vantorelle developers <developers@vantorelle.org>"
+        )
 
     def test_it_asks_for_what_the_program_needs(self):
-        self.assertLessEqual(LIBRARIES | {"fonts-liberation", "librsvg2-common"}, names_in(field("Depends")))
+        self.assertLessEqual(
+            LIBRARIES | {"fonts-liberation", "librsvg2-common"}, names_in(field("Depends"))
+        )
         self.assertEqual(names_in(field("Recommends")), DICTIONARIES)
 
     def test_it_holds_every_file_and_no_other(self):
-        lines = [line.split(maxsplit=5) for line in read("dpkg-deb", "--contents", package).splitlines()]
-        self.assertEqual({line[5].split(" -> ")[0] for line in lines if line[0][0] != "d"}, packaged_files())
+        lines = [
+            line.split(maxsplit=5) for line in read("dpkg-deb", "--contents", package).splitlines()
+        ]
+        self.assertEqual(
+            {line[5].split(" -> ")[0] for line in lines if line[0][0] != "d"}, packaged_files()
+        )
         self.assertEqual({line[1] for line in lines}, {"root/root"})
-        self.assertEqual({line[0] for line in lines}, {"drwxr-xr-x", "-rw-r--r--", "-rwxr-xr-x", "lrwxrwxrwx"})
+        self.assertEqual(
+            {line[0] for line in lines}, {"drwxr-xr-x", "-rw-r--r--", "-rwxr-xr-x", "lrwxrwxrwx"}
+        )
 
     def test_it_runs_no_scripts(self):
         with tempfile.TemporaryDirectory() as folder:
@@ -117,7 +157,9 @@ class CleanDebian(InstalledProgramJourney):
 
     def check_desktop(self):
         """The desktop's index of types has the codeset, although no script of the package told it."""
-        self.assertIn(":application/x-vantorelle-codeset:*.codeset\n", (root / TYPES_INDEX).read_text())
+        self.assertIn(
+            ":application/x-vantorelle-codeset:*.codeset\n", (root / TYPES_INDEX).read_text()
+        )
         page = gzip.decompress((root / f"usr/share/man/man1/{PROGRAM}.1.gz").read_bytes())
         self.assertTrue(page.startswith(b".TH VANTORELLE"))
 

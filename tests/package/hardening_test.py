@@ -22,7 +22,9 @@ def build_release():
 
 def read(*options, file=None):
     command = ("readelf", "--wide", *options, file or program)
-    return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True, env={**os.environ, "LC_ALL": "C"}).stdout
+    return subprocess.run(
+        command, stdout=subprocess.PIPE, text=True, check=True, env={**os.environ, "LC_ALL": "C"}
+    ).stdout
 
 
 def setUpModule():
@@ -32,11 +34,17 @@ def setUpModule():
 
 class Hardening(unittest.TestCase):
     def test_the_stack_cannot_be_executed(self):
-        flags = re.search(r"^ *GNU_STACK(?: +0x[0-9a-f]+){5} +([RWE ]+?) +0x", read("--program-headers"), re.MULTILINE)
+        flags = re.search(
+            r"^ *GNU_STACK(?: +0x[0-9a-f]+){5} +([RWE ]+?) +0x",
+            read("--program-headers"),
+            re.MULTILINE,
+        )
         self.assertEqual(flags.group(1).strip(), "RW")
 
     def test_nothing_can_be_written_and_executed(self):
-        segments = re.findall(r"^ *LOAD(?: +0x[0-9a-f]+){5} ([RWE ]{3}) ", read("--program-headers"), re.MULTILINE)
+        segments = re.findall(
+            r"^ *LOAD(?: +0x[0-9a-f]+){5} ([RWE ]{3}) ", read("--program-headers"), re.MULTILINE
+        )
         self.assertGreater(len(segments), 1)
         for flags in segments:
             self.assertFalse("W" in flags and "E" in flags, flags)

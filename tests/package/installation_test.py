@@ -13,8 +13,17 @@ import unittest
 from xml.etree import ElementTree
 
 from layout import (
-    APPLICATION, ICON_SIZES, MEDIA_TYPE_ICON, PROGRAM, SOURCE, InstalledProgramJourney, files_below, install, installed_files,
-    main)
+    APPLICATION,
+    ICON_SIZES,
+    MEDIA_TYPE_ICON,
+    PROGRAM,
+    SOURCE,
+    InstalledProgramJourney,
+    files_below,
+    install,
+    installed_files,
+    main,
+)
 
 FREEDESKTOP_TYPES = pathlib.Path("/usr/share/mime/packages/freedesktop.org.xml")
 MEDIA_TYPE = "application/x-vantorelle-codeset"
@@ -34,10 +43,17 @@ def setUpModule():
 def run(*command, **environment):
     """What the command prints, which must succeed."""
     answer = subprocess.run(
-        [str(part) for part in command], env={**os.environ, **environment}, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-        text=True, check=False)
+        [str(part) for part in command],
+        env={**os.environ, **environment},
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
+        text=True,
+        check=False,
+    )
     if answer.returncode != 0:
-        raise AssertionError(f"{command[0]} ended with status {answer.returncode}:\n{answer.stdout}")
+        raise AssertionError(
+            f"{command[0]} ended with status {answer.returncode}:\n{answer.stdout}"
+        )
     return answer.stdout
 
 
@@ -48,7 +64,9 @@ class Files(unittest.TestCase):
     def test_all_may_read_and_only_the_program_may_be_run(self):
         for name in files_below(prefix):
             mode = (prefix / name).stat().st_mode
-            self.assertEqual(stat.S_IMODE(mode), 0o755 if pathlib.Path(name).name == PROGRAM else 0o644, name)
+            self.assertEqual(
+                stat.S_IMODE(mode), 0o755 if pathlib.Path(name).name == PROGRAM else 0o644, name
+            )
 
     def test_the_link_is_relative(self):
         self.assertEqual(os.readlink(prefix / "bin" / PROGRAM), f"../lib/vantorelle/{PROGRAM}")
@@ -67,10 +85,18 @@ class Desktop(unittest.TestCase):
         return parser["Desktop Entry"]
 
     def metainfo(self):
-        return ElementTree.parse(prefix / "share" / "metainfo" / f"{APPLICATION}.metainfo.xml").getroot()
+        return ElementTree.parse(
+            prefix / "share" / "metainfo" / f"{APPLICATION}.metainfo.xml"
+        ).getroot()
 
     def test_the_desktop_entry_is_valid(self):
-        self.assertEqual(run("desktop-file-validate", prefix / "share" / "applications" / f"{APPLICATION}.desktop"), "")
+        self.assertEqual(
+            run(
+                "desktop-file-validate",
+                prefix / "share" / "applications" / f"{APPLICATION}.desktop",
+            ),
+            "",
+        )
 
     def test_the_desktop_entry_names_what_is_installed(self):
         self.assertTrue(os.access(prefix / "bin" / self.entry()["Exec"], os.X_OK))
@@ -80,7 +106,12 @@ class Desktop(unittest.TestCase):
         self.assertEqual(self.entry()["StartupWMClass"], APPLICATION)
 
     def test_the_metainfo_is_valid(self):
-        run("appstreamcli", "validate", "--no-net", prefix / "share" / "metainfo" / f"{APPLICATION}.metainfo.xml")
+        run(
+            "appstreamcli",
+            "validate",
+            "--no-net",
+            prefix / "share" / "metainfo" / f"{APPLICATION}.metainfo.xml",
+        )
 
     def test_the_metainfo_speaks_of_this_program(self):
         component = self.metainfo()
@@ -88,7 +119,9 @@ class Desktop(unittest.TestCase):
         self.assertEqual(component.findtext("launchable"), f"{APPLICATION}.desktop")
         self.assertEqual(component.findtext("provides/binary"), PROGRAM)
         opened = [element.text for element in component.iterfind("provides/mediatype")]
-        self.assertEqual(opened, [name for name in self.entry().get("MimeType", "").split(";") if name])
+        self.assertEqual(
+            opened, [name for name in self.entry().get("MimeType", "").split(";") if name]
+        )
         self.assertEqual(component.find("releases/release").get("version"), "3.2.3")
 
     def test_the_metainfo_names_no_address_that_cannot_be_reached(self):
@@ -104,7 +137,9 @@ class Desktop(unittest.TestCase):
     def test_every_icon_has_the_size_of_its_folder(self):
         for context, icon in (("apps", APPLICATION), ("mimetypes", MEDIA_TYPE_ICON)):
             for size in ICON_SIZES:
-                data = (prefix / f"share/icons/hicolor/{size}x{size}/{context}/{icon}.png").read_bytes()
+                data = (
+                    prefix / f"share/icons/hicolor/{size}x{size}/{context}/{icon}.png"
+                ).read_bytes()
                 self.assertEqual(data[:8], b"\x89PNG\r\n\x1a\n")
                 self.assertEqual(struct.unpack(">II", data[16:24]), (size, size))
 
@@ -118,10 +153,16 @@ class MediaType(unittest.TestCase):
         cls.addClassCleanup(work.cleanup)
         cls.work = pathlib.Path(work.name)
         cls.variables = {
-            "XDG_DATA_DIRS": str(cls.work / "share"), "XDG_DATA_HOME": str(cls.work / "none"), "PKGSYSTEM_ENABLE_FSYNC": "0"}
+            "XDG_DATA_DIRS": str(cls.work / "share"),
+            "XDG_DATA_HOME": str(cls.work / "none"),
+            "PKGSYSTEM_ENABLE_FSYNC": "0",
+        }
         cls.database = cls.work / "share" / "mime"
         (cls.database / "packages").mkdir(parents=True)
-        for source in (FREEDESKTOP_TYPES, prefix / "share" / "mime" / "packages" / "vantorelle-codeset.xml"):
+        for source in (
+            FREEDESKTOP_TYPES,
+            prefix / "share" / "mime" / "packages" / "vantorelle-codeset.xml",
+        ):
             shutil.copy(source, cls.database / "packages")
         cls.complaints = run("update-mime-database", cls.database, **cls.variables)
         cls.codeset = (SOURCE / "data" / "codesets" / "metals.codeset").read_bytes()
@@ -140,7 +181,9 @@ class MediaType(unittest.TestCase):
 
     def test_a_codeset_is_known_by_its_name(self):
         self.assertEqual(self.content_type("mine.codeset", self.codeset), MEDIA_TYPE)
-        self.assertEqual(self.content_type("damaged.codeset", b"nothing that looks like one"), MEDIA_TYPE)
+        self.assertEqual(
+            self.content_type("damaged.codeset", b"nothing that looks like one"), MEDIA_TYPE
+        )
 
     def test_a_codeset_is_known_by_its_root_element(self):
         self.assertEqual(self.content_type("attachment", self.codeset), MEDIA_TYPE)
@@ -152,7 +195,9 @@ class MediaType(unittest.TestCase):
         self.assertEqual(self.content_type("page.html", b"<html></html>"), "text/html")
 
     def test_a_codeset_has_its_own_icon(self):
-        self.assertEqual(self.ask("standard::icon", "mine.codeset", self.codeset).split(", ")[0], MEDIA_TYPE_ICON)
+        self.assertEqual(
+            self.ask("standard::icon", "mine.codeset", self.codeset).split(", ")[0], MEDIA_TYPE_ICON
+        )
 
 
 class InstalledProgram(InstalledProgramJourney):

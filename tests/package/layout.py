@@ -12,8 +12,16 @@ from support import MAIN_WINDOW, Journey, main  # noqa: E402  (found only now)
 from support.journey import delivered_stage  # noqa: E402
 
 __all__ = [
-    "APPLICATION", "ICON_SIZES", "MEDIA_TYPE_ICON", "PROGRAM", "SOURCE", "InstalledProgramJourney", "files_below", "install",
-    "installed_files", "main",
+    "APPLICATION",
+    "ICON_SIZES",
+    "MEDIA_TYPE_ICON",
+    "PROGRAM",
+    "SOURCE",
+    "InstalledProgramJourney",
+    "files_below",
+    "install",
+    "installed_files",
+    "main",
 ]
 
 PROGRAM = "vantorelle-remark-codesets-manager"
@@ -25,7 +33,8 @@ ICON_SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
 def delivered():
     """What lies beside the executable, apart from the fonts."""
     return {
-        f"{kind}s/{path.name}" for kind in ("codeset", "layout", "template")
+        f"{kind}s/{path.name}"
+        for kind in ("codeset", "layout", "template")
         for path in (SOURCE / "data" / f"{kind}s").glob(f"*.{kind}")
     }
 
@@ -34,10 +43,15 @@ def installed_files():
     """Every file and link that an installation has below its prefix."""
     files = {f"bin/{PROGRAM}", f"lib/vantorelle/{PROGRAM}"}
     files |= {f"lib/vantorelle/{name}" for name in delivered()}
-    files |= {f"lib/vantorelle/fonts/{name}" for name in ("LiberationSans-Bold.ttf", "copyright", "GPL-2")}
     files |= {
-        f"share/applications/{APPLICATION}.desktop", f"share/metainfo/{APPLICATION}.metainfo.xml",
-        "share/mime/packages/vantorelle-codeset.xml", f"share/man/man1/{PROGRAM}.1", f"share/doc/{PROGRAM}/LICENSE",
+        f"lib/vantorelle/fonts/{name}" for name in ("LiberationSans-Bold.ttf", "copyright", "GPL-2")
+    }
+    files |= {
+        f"share/applications/{APPLICATION}.desktop",
+        f"share/metainfo/{APPLICATION}.metainfo.xml",
+        "share/mime/packages/vantorelle-codeset.xml",
+        f"share/man/man1/{PROGRAM}.1",
+        f"share/doc/{PROGRAM}/LICENSE",
     }
     documents = [SOURCE / "docs" / name for name in ("user-guide.md", "codeset-format.md")]
     documents += (SOURCE / "docs" / "pictures").iterdir()
@@ -52,7 +66,8 @@ def installed_files():
 
 def files_below(folder):
     return {
-        os.path.relpath(os.path.join(path, name), folder) for path, folders, files in os.walk(folder)
+        os.path.relpath(os.path.join(path, name), folder)
+        for path, folders, files in os.walk(folder)
         for name in files + [name for name in folders if os.path.islink(os.path.join(path, name))]
     }
 
@@ -61,7 +76,10 @@ def install(destination, *arguments):
     """Installs the build that the stage belongs to, below a folder that is not the place it is meant for."""
     subprocess.run(
         (os.environ["VANTORELLE_CMAKE"], "--install", delivered_stage().parent, *arguments),
-        env={**os.environ, "DESTDIR": str(destination)}, stdout=subprocess.DEVNULL, check=True)
+        env={**os.environ, "DESTDIR": str(destination)},
+        stdout=subprocess.DEVNULL,
+        check=True,
+    )
 
 
 class InstalledProgramJourney(Journey):

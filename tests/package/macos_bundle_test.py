@@ -11,7 +11,15 @@ import subprocess
 import tempfile
 import unittest
 
-from layout import APPLICATION, MEDIA_TYPE_ICON, PROGRAM, InstalledProgramJourney, files_below, install, main
+from layout import (
+    APPLICATION,
+    MEDIA_TYPE_ICON,
+    PROGRAM,
+    InstalledProgramJourney,
+    files_below,
+    install,
+    main,
+)
 from support.journey import delivered_stage
 
 BUNDLE_NAME = "Vantorelle Remark Codesets Manager.app"
@@ -35,8 +43,8 @@ def icon_elements(data):
     elements = {}
     offset = 8
     while offset < len(data):
-        kind, length = struct.unpack(">4sI", data[offset:offset + 8])
-        elements[kind.decode()] = data[offset + 8:offset + length]
+        kind, length = struct.unpack(">4sI", data[offset : offset + 8])
+        elements[kind.decode()] = data[offset + 8 : offset + length]
         offset += length
     return elements
 
@@ -49,17 +57,26 @@ class Bundle(unittest.TestCase):
         self.assertEqual([path.name for path in applications.iterdir()], [BUNDLE_NAME])
 
     def test_it_holds_what_is_staged_and_nothing_else(self):
-        self.assertEqual({path.name for path in contents().iterdir()}, {"Info.plist", "MacOS", "Resources"})
+        self.assertEqual(
+            {path.name for path in contents().iterdir()}, {"Info.plist", "MacOS", "Resources"}
+        )
         names = files_below(contents() / "MacOS")
         self.assertEqual(names, files_below(delivered_stage()))
-        _, differing, unreadable = filecmp.cmpfiles(contents() / "MacOS", delivered_stage(), names, shallow=False)
+        _, differing, unreadable = filecmp.cmpfiles(
+            contents() / "MacOS", delivered_stage(), names, shallow=False
+        )
         self.assertEqual((differing, unreadable), ([], []))
-        self.assertEqual(files_below(contents() / "Resources"), {f"{APPLICATION}.icns", f"{MEDIA_TYPE_ICON}.icns"})
+        self.assertEqual(
+            files_below(contents() / "Resources"),
+            {f"{APPLICATION}.icns", f"{MEDIA_TYPE_ICON}.icns"},
+        )
 
     def test_it_starts_the_program(self):
         self.assertEqual(self.properties["CFBundlePackageType"], "APPL")
         self.assertEqual(self.properties["CFBundleExecutable"], PROGRAM)
-        self.assertTrue(os.access(contents() / "MacOS" / self.properties["CFBundleExecutable"], os.X_OK))
+        self.assertTrue(
+            os.access(contents() / "MacOS" / self.properties["CFBundleExecutable"], os.X_OK)
+        )
 
     def test_it_says_who_it_is(self):
         self.assertEqual(self.properties["CFBundleIdentifier"], APPLICATION)
@@ -77,12 +94,19 @@ class Bundle(unittest.TestCase):
         self.assertEqual(document["CFBundleTypeExtensions"], ["codeset"])
         self.assertEqual(document["LSItemContentTypes"], [declared["UTTypeIdentifier"]])
         self.assertEqual(declared["UTTypeConformsTo"], ["public.xml"])
-        self.assertEqual(declared["UTTypeTagSpecification"]["public.filename-extension"], ["codeset"])
+        self.assertEqual(
+            declared["UTTypeTagSpecification"]["public.filename-extension"], ["codeset"]
+        )
 
     def test_the_icons_it_names_are_there_in_every_size(self):
         named = {self.properties["CFBundleIconFile"]}
-        named |= {document["CFBundleTypeIconFile"] for document in self.properties["CFBundleDocumentTypes"]}
-        named |= {declared["UTTypeIconFile"] for declared in self.properties["UTExportedTypeDeclarations"]}
+        named |= {
+            document["CFBundleTypeIconFile"]
+            for document in self.properties["CFBundleDocumentTypes"]
+        }
+        named |= {
+            declared["UTTypeIconFile"] for declared in self.properties["UTExportedTypeDeclarations"]
+        }
         self.assertEqual(named, files_below(contents() / "Resources"))
         for name in named:
             path = contents() / "Resources" / name
@@ -90,8 +114,13 @@ class Bundle(unittest.TestCase):
             self.assertEqual(struct.unpack(">4sI", data[:8]), (b"icns", len(data)), name)
             self.assertNotIn(b"", icon_elements(data).values(), name)
             with tempfile.TemporaryDirectory() as folder:
-                subprocess.run(("icns2png", "-x", "-o", folder, path), stdout=subprocess.DEVNULL, check=True)
-                sizes = sorted(struct.unpack(">II", image.read_bytes()[16:24]) for image in pathlib.Path(folder).glob("*.png"))
+                subprocess.run(
+                    ("icns2png", "-x", "-o", folder, path), stdout=subprocess.DEVNULL, check=True
+                )
+                sizes = sorted(
+                    struct.unpack(">II", image.read_bytes()[16:24])
+                    for image in pathlib.Path(folder).glob("*.png")
+                )
             self.assertEqual(sizes, [(size, size) for size in ICON_SIZES], name)
 
     def test_no_value_was_left_unfilled(self):

@@ -24,8 +24,15 @@ ENVIRONMENT = {**os.environ, "GLIBC_TUNABLES": "glibc.malloc.mxfast=0"}
 
 
 def count_instructions(program, way, function, codeset):
-    command = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null",
-               f"--toggle-collect={function}", program, way, codeset]
+    command = [
+        "valgrind",
+        "--tool=callgrind",
+        "--callgrind-out-file=/dev/null",
+        f"--toggle-collect={function}",
+        program,
+        way,
+        codeset,
+    ]
     run = subprocess.run(command, env=ENVIRONMENT, capture_output=True, text=True, check=False)
     collected = re.search(r"Collected : (\d+)", run.stderr)
     if run.returncode != 0 or collected is None or int(collected[1]) == 0:
@@ -40,8 +47,10 @@ def main(program):
         parsing = count_instructions(program, "parse", "parse_alone", codeset)
         reading = count_instructions(program, "read", "read_as_codeset", codeset)
     ratio = reading / parsing
-    print(f"parsing {parsing:,}, reading {reading:,} instructions: ratio {ratio:.3f}, "
-          f"recorded {RECORDED_RATIO:.3f}")
+    print(
+        f"parsing {parsing:,}, reading {reading:,} instructions: ratio {ratio:.3f}, "
+        f"recorded {RECORDED_RATIO:.3f}"
+    )
     if ratio > RECORDED_RATIO * (1 + MARGIN):
         sys.exit(f"Reading takes over {MARGIN:.0%} more instructions than before.")
 

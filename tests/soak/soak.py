@@ -31,7 +31,9 @@ HEAP_TRIMMING = pathlib.Path("tests") / "soak" / "heap_trimming.so"
 # A name in the languages of the user and of the delivered codesets. Each brings a dictionary of some megabytes when it is
 # shown first, and that is before the first measurement.
 EVERY_LANGUAGE = "every_language.codeset"
-NAME_IN_EVERY_LANGUAGE = {tag: f"Every language {tag}" for tag in ("en-uk", "en", "de", "es", "fr", "nl", "sv")}
+NAME_IN_EVERY_LANGUAGE = {
+    tag: f"Every language {tag}" for tag in ("en-uk", "en", "de", "es", "fr", "nl", "sv")
+}
 
 IDLE_SECONDS = 0.5
 
@@ -64,10 +66,19 @@ class Soak(WorkspaceJourney):
         try:
             self.soak(program, user)
         except BaseException:
-            print(f"The seed was {self.seed}. The last of {user.count} actions:", *user.last, sep="\n    ", file=sys.stderr)
+            print(
+                f"The seed was {self.seed}. The last of {user.count} actions:",
+                *user.last,
+                sep="\n    ",
+                file=sys.stderr,
+            )
             raise
         finally:
-            print(*(f"{kind:<20}{count:>6}" for kind, count in user.done.most_common()), sep="\n", flush=True)
+            print(
+                *(f"{kind:<20}{count:>6}" for kind, count in user.done.most_common()),
+                sep="\n",
+                flush=True,
+            )
 
     def soak(self, program, user):
         started = time.monotonic()
@@ -79,18 +90,23 @@ class Soak(WorkspaceJourney):
                 measured.append(self.memory_at_rest(program, user))
                 print(
                     f"after {number:5} actions: {measured[-1]:,} KiB, {len(self.contents())} codesets, "
-                    f"{time.monotonic() - started:.0f} s", flush=True)
+                    f"{time.monotonic() - started:.0f} s",
+                    flush=True,
+                )
         window = user.return_to_main_window()
         self.refresh(window)
         self.assertEqual(len(window.list()), len(self.contents()))
         self.end(program, window)
         self.assertEqual(program.printed, "")
         if len(measured) > 1:
-            self.assertLessEqual(measured[-1], measured[0] * TOLERATED_GROWTH, f"the program grows: {measured} KiB")
+            self.assertLessEqual(
+                measured[-1], measured[0] * TOLERATED_GROWTH, f"the program grows: {measured} KiB"
+            )
 
     def memory_at_rest(self, program, user):
         """What the program alone has written into its memory and not freed, in KiB, with the main window on top and nothing to
-        do. Pages that it shares with the files they come from do not count: the system takes and gives them as it likes."""
+        do. Pages that it shares with the files they come from do not count: the system takes and gives them as it likes.
+        """
         self.show_every_language(program, user)
         self.refresh(user.return_to_main_window())
         time.sleep(UNOBSERVED_SECONDS)
@@ -131,8 +147,13 @@ def heap_trimming():
 
 
 def own_codeset(number):
-    remarks = [(f"W{code}", {"en-uk": f"Damage {code}", "sv": f"Skada {code}"}) for code in range(1, 2 + number % 30)]
-    return codeset({"en-uk": f"Codeset {number}", "sv": f"Kodlista {number}"}, "Vera", f"{number}.0", remarks)
+    remarks = [
+        (f"W{code}", {"en-uk": f"Damage {code}", "sv": f"Skada {code}"})
+        for code in range(1, 2 + number % 30)
+    ]
+    return codeset(
+        {"en-uk": f"Codeset {number}", "sv": f"Kodlista {number}"}, "Vera", f"{number}.0", remarks
+    )
 
 
 if __name__ == "__main__":

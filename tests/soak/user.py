@@ -11,27 +11,71 @@ from support.widgets import as_widget
 # What kind of action a button of the main window is, and how often it is pressed. The list must neither run empty nor
 # grow without end: what adds to it is pressed more often the emptier it is.
 MAIN_BUTTONS = {
-    "Add from file": ("add", 2), "Add bundled": ("add", 2), "Add new": ("add", 3), "Clone": ("clone", 8),
-    "Edit": ("edit", 8), "Save a copy": ("save a copy", 2), "Delete": ("delete", 5), "Refresh list": ("refresh", 2),
+    "Add from file": ("add", 2),
+    "Add bundled": ("add", 2),
+    "Add new": ("add", 3),
+    "Clone": ("clone", 8),
+    "Edit": ("edit", 8),
+    "Save a copy": ("save a copy", 2),
+    "Delete": ("delete", 5),
+    "Refresh list": ("refresh", 2),
 }
 ADDING = ("add", "clone")
 KEPT_CODESETS = 50
 
 # Of the other windows. Each translation has a " - ", each text a " + ".
 BUTTONS = {
-    "Save codeset": ("save", 14), "Close": ("close", 8), "Cancel": ("close", 2), "OK": ("confirm", 8),
-    "Add new": ("add a code", 6), "Edit": ("edit a code", 10), "Delete": ("delete a code", 3), " + ": ("add a language", 1),
+    "Save codeset": ("save", 14),
+    "Close": ("close", 8),
+    "Cancel": ("close", 2),
+    "OK": ("confirm", 8),
+    "Add new": ("add a code", 6),
+    "Edit": ("edit a code", 10),
+    "Delete": ("delete a code", 3),
+    " + ": ("add a language", 1),
     " - ": ("delete a language", 0.7),
 }
 
-WORDS = ("W1", "worm holes", "Split  end", "100 % & <b>", "%s%n", "x" * 40, "1.5", "G10", "åäö", " ")
+WORDS = (
+    "W1",
+    "worm holes",
+    "Split  end",
+    "100 % & <b>",
+    "%s%n",
+    "x" * 40,
+    "1.5",
+    "G10",
+    "åäö",
+    " ",
+)
 PASTED = (
-    "Ébène & chêne", "one\ntwo\tthree", "\u4e2d\u6587 €", "a \"b\" 'c' &amp; ]]>", "\u00a0\u00a0", "word " * 50,
-    "e\u0301t\u00e9", "\U0001f600",
+    "Ébène & chêne",
+    "one\ntwo\tthree",
+    "\u4e2d\u6587 €",
+    "a \"b\" 'c' &amp; ]]>",
+    "\u00a0\u00a0",
+    "word " * 50,
+    "e\u0301t\u00e9",
+    "\U0001f600",
 )
 FIELD_KEYS = (
-    "Left", "Right", "Home", "End", "BackSpace", "Delete", "ctrl+a", "ctrl+c", "ctrl+x", "ctrl+v", "ctrl+z", "shift+Left",
-    "shift+End", "ctrl+shift+Left", "Up", "Down", "Insert",
+    "Left",
+    "Right",
+    "Home",
+    "End",
+    "BackSpace",
+    "Delete",
+    "ctrl+a",
+    "ctrl+c",
+    "ctrl+x",
+    "ctrl+v",
+    "ctrl+z",
+    "shift+Left",
+    "shift+End",
+    "ctrl+shift+Left",
+    "Up",
+    "Down",
+    "Insert",
 )
 LIST_KEYS = ("Up", "Down", "Home", "End", "Next", "Prior", "space")
 WINDOW_KEYS = ("Tab", "shift+Tab", "ctrl+Tab", "Return", "alt")
@@ -81,7 +125,12 @@ class User:
 
         def at_rest():
             looks.append(self.program.active_window())
-            return looks[-1] is not None and looks[-1] == looks[-2] and self.program.is_asleep and looks[-1]
+            return (
+                looks[-1] is not None
+                and looks[-1] == looks[-2]
+                and self.program.is_asleep
+                and looks[-1]
+            )
 
         try:
             return wait_until(at_rest, "a window to come to rest", LOST_SECONDS)
@@ -93,7 +142,10 @@ class User:
                 self.last.append(f"click on {left[0]!r}, which is left")
                 self.done["activate"] += 1
                 display.click(*(place + 2 for place in left[0].extents[:2]))
-            return self.program.wait(at_rest, lambda: f"a window to come to rest; the windows are {self.program.windows()!r}")
+            return self.program.wait(
+                at_rest,
+                lambda: f"a window to come to rest; the windows are {self.program.windows()!r}",
+            )
 
     def return_to_main_window(self):
         """Gives up whatever is being done."""
@@ -116,14 +168,23 @@ class User:
             return self.dialog_offers(window)
         if not window.title:
             return self.menu_offers()
-        return [*self.window_offers(window), *(
-            offer for widget in self.widgets(window) for offer in self.widget_offers(window, widget))]
+        return [
+            *self.window_offers(window),
+            *(
+                offer
+                for widget in self.widgets(window)
+                for offer in self.widget_offers(window, widget)
+            ),
+        ]
 
     def widgets(self, window):
         """What can be operated in the window."""
         window.accessible.clear_cache()
         for accessible in accessibility.descendants(window.accessible, CLOSED):
-            if accessibility.role(accessible) in CLOSED and {"showing", "sensitive"} <= accessibility.states(accessible):
+            if accessibility.role(accessible) in CLOSED and {
+                "showing",
+                "sensitive",
+            } <= accessibility.states(accessible):
                 yield as_widget(self.program, accessible)
 
     def widget_offers(self, window, widget):
@@ -158,9 +219,24 @@ class User:
             typed = self.random.choice(WORDS)
             pasted = self.random.choice(PASTED)
             offers += [
-                Offer(0.6, "type", f"type {typed!r} into {field!r}", lambda: self.type_into(field, "ctrl+a", typed)),
-                Offer(0.2, "type", f"add {typed!r} to {field!r}", lambda: self.type_into(field, "End", typed)),
-                Offer(0.4, "paste", f"paste {pasted!r} into {field!r}", lambda: self.paste_into(field, pasted)),
+                Offer(
+                    0.6,
+                    "type",
+                    f"type {typed!r} into {field!r}",
+                    lambda: self.type_into(field, "ctrl+a", typed),
+                ),
+                Offer(
+                    0.2,
+                    "type",
+                    f"add {typed!r} to {field!r}",
+                    lambda: self.type_into(field, "End", typed),
+                ),
+                Offer(
+                    0.4,
+                    "paste",
+                    f"paste {pasted!r} into {field!r}",
+                    lambda: self.paste_into(field, pasted),
+                ),
             ]
         return offers
 
@@ -169,9 +245,16 @@ class User:
         searched = self.random.choice(("c", "w1", "m", "zz"))
         return [
             Offer(12, "select", f"click in {rows!r}", lambda: self.click_somewhere(rows, 1)),
-            Offer(0.5, "select", f"double click in {rows!r}", lambda: self.click_somewhere(rows, 2)),
+            Offer(
+                0.5, "select", f"double click in {rows!r}", lambda: self.click_somewhere(rows, 2)
+            ),
             Offer(2, "select", f"{keys} in {rows!r}", lambda: self.press_in(rows, *keys)),
-            Offer(1, "search", f"search {searched!r} in {rows!r}", lambda: self.search_in(rows, searched)),
+            Offer(
+                1,
+                "search",
+                f"search {searched!r} in {rows!r}",
+                lambda: self.search_in(rows, searched),
+            ),
         ]
 
     def window_offers(self, window):
@@ -179,14 +262,21 @@ class User:
         width, height = self.random.randint(200, 1300), self.random.randint(150, 1000)
         offers = [
             Offer(2, "keys", key, lambda: display.press(key)),
-            Offer(1, "resize", f"{width} x {height}", lambda: display.resize(window.window_id, width, height)),
+            Offer(
+                1,
+                "resize",
+                f"{width} x {height}",
+                lambda: display.resize(window.window_id, width, height),
+            ),
             Offer(0.5, "resize", "maximize or not", lambda: display.press("alt+F10")),
         ]
         if window.title != MAIN_WINDOW:
             offers += self.leaving_offers(window)
         if window.title == "Add new":
             name = f"c{self.random.randrange(10000)}.codeset"
-            offers.append(Offer(12, "type", f"name it {name}", lambda: self.name_file(window, name)))
+            offers.append(
+                Offer(12, "type", f"name it {name}", lambda: self.name_file(window, name))
+            )
         return offers
 
     def leaving_offers(self, window):
@@ -199,9 +289,14 @@ class User:
     def dialog_offers(self, dialog):
         answers = [
             Offer(3, "answer", f"answer {button.name!r}", lambda button=button: self.click(button))
-            for button in self.widgets(dialog) if button.role in accessibility.BUTTONS
+            for button in self.widgets(dialog)
+            if button.role in accessibility.BUTTONS
         ]
-        return [*answers, *self.leaving_offers(dialog), Offer(0.5, "keys", "Tab", lambda: display.press("Tab"))]
+        return [
+            *answers,
+            *self.leaving_offers(dialog),
+            Offer(0.5, "keys", "Tab", lambda: display.press("Tab")),
+        ]
 
     def menu_offers(self):
         """The menu of a field is a window without a name."""

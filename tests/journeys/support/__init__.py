@@ -7,6 +7,18 @@ from .widgets import Dialog, FileChooser, Row, Widget, Window
 from .workspace import MAIN_WINDOW, RESTORE, WorkspaceJourney, codeset
 
 __all__ = [
-    "Dialog", "FileChooser", "Journey", "JourneyTimeout", "MAIN_WINDOW", "Program", "RESTORE", "Row", "Widget",
-    "Window", "WorkspaceJourney", "codeset", "main", "wait_until",
+    "Dialog",
+    "FileChooser",
+    "Journey",
+    "JourneyTimeout",
+    "MAIN_WINDOW",
+    "Program",
+    "RESTORE",
+    "Row",
+    "Widget",
+    "Window",
+    "WorkspaceJourney",
+    "codeset",
+    "main",
+    "wait_until",
 ]

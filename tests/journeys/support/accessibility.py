@@ -73,7 +73,11 @@ def interfaces(accessible):
 
 def text(accessible):
     """The text that the object shows, or None when it shows none."""
-    return attempt(Atspi.Text.get_text, accessible, 0, -1) if "Text" in interfaces(accessible) else None
+    return (
+        attempt(Atspi.Text.get_text, accessible, 0, -1)
+        if "Text" in interfaces(accessible)
+        else None
+    )
 
 
 def extents(accessible):
@@ -108,4 +112,11 @@ def dump(accessible, depth=0):
         parts.append(f"labelled by {labels_of(accessible)!r}")
     parts.append(" ".join(sorted(states(accessible) - {"enabled", "visible"})))
     parts.append(str(extents(accessible) or "off screen"))
-    return "".join(["  " * depth, " ".join(parts), "\n", *(dump(child, depth + 1) for child in children(accessible))])
+    return "".join(
+        [
+            "  " * depth,
+            " ".join(parts),
+            "\n",
+            *(dump(child, depth + 1) for child in children(accessible)),
+        ]
+    )

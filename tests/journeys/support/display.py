@@ -74,7 +74,12 @@ def type_run(text):
 
 def set_clipboard(text):
     subprocess.run(
-        ("xclip", "-selection", "clipboard", "-in"), input=text.encode(), stdout=subprocess.DEVNULL, check=True, timeout=10)
+        ("xclip", "-selection", "clipboard", "-in"),
+        input=text.encode(),
+        stdout=subprocess.DEVNULL,
+        check=True,
+        timeout=10,
+    )
     # It returns before it owns the clipboard.
     wait_until(lambda: read_clipboard().stdout == text.encode(), "the clipboard to hold the text")
 
@@ -87,21 +92,35 @@ def clipboard():
 
 def read_clipboard():
     return subprocess.run(
-        ("xclip", "-selection", "clipboard", "-out", "-target", "UTF8_STRING"), capture_output=True, check=False, timeout=10)
+        ("xclip", "-selection", "clipboard", "-out", "-target", "UTF8_STRING"),
+        capture_output=True,
+        check=False,
+        timeout=10,
+    )
 
 
 def window_id(pid, title):
     """The X window of that title that the process shows."""
     pattern = "^" + re.sub(r"([][\\^$.*+?(){}|])", r"\\\1", title) + "$"
     answer = subprocess.run(
-        ("xdotool", "search", "--all", "--onlyvisible", "--pid", str(pid), "--name", pattern), capture_output=True, check=True,
-        text=True, timeout=10)
+        ("xdotool", "search", "--all", "--onlyvisible", "--pid", str(pid), "--name", pattern),
+        capture_output=True,
+        check=True,
+        text=True,
+        timeout=10,
+    )
     return answer.stdout.split()[-1]
 
 
 def window_class(window):
     """The instance and the class that an X window tells the desktop."""
-    answer = subprocess.run(("xprop", "-id", str(window), "WM_CLASS"), capture_output=True, check=True, text=True, timeout=10)
+    answer = subprocess.run(
+        ("xprop", "-id", str(window), "WM_CLASS"),
+        capture_output=True,
+        check=True,
+        text=True,
+        timeout=10,
+    )
     return tuple(re.findall(r'"([^"]*)"', answer.stdout))
 
 
@@ -113,7 +132,15 @@ def activate(window):
 def ask_manager_to_close(window):
     """Asks the window manager to close an X window, as its task bar button does. The window need not be active."""
     with x_display() as (x11, display):
-        send_message(x11, display, x11.XDefaultRootWindow(display), int(window), "_NET_CLOSE_WINDOW", (0, 2), TO_MANAGER)
+        send_message(
+            x11,
+            display,
+            x11.XDefaultRootWindow(display),
+            int(window),
+            "_NET_CLOSE_WINDOW",
+            (0, 2),
+            TO_MANAGER,
+        )
 
 
 def ask_client_to_close(window):
@@ -127,8 +154,14 @@ class ClientMessage(ctypes.Structure):
     """XClientMessageEvent of Xlib, with room for the largest XEvent."""
 
     _fields_ = [
-        ("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int), ("display", ctypes.c_void_p),
-        ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong), ("format", ctypes.c_int), ("data", ctypes.c_long * 5),
+        ("type", ctypes.c_int),
+        ("serial", ctypes.c_ulong),
+        ("send_event", ctypes.c_int),
+        ("display", ctypes.c_void_p),
+        ("window", ctypes.c_ulong),
+        ("message_type", ctypes.c_ulong),
+        ("format", ctypes.c_int),
+        ("data", ctypes.c_long * 5),
         ("room", ctypes.c_long * 24),
     ]
 
@@ -145,7 +178,13 @@ def x_display():
     x11.XDefaultRootWindow.argtypes = x11.XCloseDisplay.argtypes = (ctypes.c_void_p,)
     x11.XDefaultRootWindow.restype = x11.XInternAtom.restype = ctypes.c_ulong
     x11.XInternAtom.argtypes = (ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int)
-    x11.XSendEvent.argtypes = (ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.c_void_p)
+    x11.XSendEvent.argtypes = (
+        ctypes.c_void_p,
+        ctypes.c_ulong,
+        ctypes.c_int,
+        ctypes.c_long,
+        ctypes.c_void_p,
+    )
     display = x11.XOpenDisplay(None)
     if not display:
         raise AssertionError("There is no X display.")
@@ -175,7 +214,9 @@ def resize(window, width, height):
 
 def screen_size():
     """(width, height) in pixels."""
-    answer = subprocess.run(("xdotool", "getdisplaygeometry"), capture_output=True, check=True, text=True, timeout=10)
+    answer = subprocess.run(
+        ("xdotool", "getdisplaygeometry"), capture_output=True, check=True, text=True, timeout=10
+    )
     width, height = answer.stdout.split()
     return int(width), int(height)
 

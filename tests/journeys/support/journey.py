@@ -30,7 +30,9 @@ class Journey(unittest.TestCase):
         """Starts the program in the test's home. `stage` is a folder from copy_stage(); environment variables are given by
         name, with None to unset one."""
         output = self.folder / f"printed-{len(self.programs)}.txt"
-        program = Program(home or self.home, stage or delivered_stage(), output, environment, ignored_signals)
+        program = Program(
+            home or self.home, stage or delivered_stage(), output, environment, ignored_signals
+        )
         self.programs.append(program)
         return program
 
@@ -85,7 +87,9 @@ def artifacts_folder():
     """JOURNEY_ARTIFACTS, or the folder journey-artifacts in the build folder that the stage lies in."""
     named = os.environ.get("JOURNEY_ARTIFACTS")
     script = pathlib.Path(sys.argv[0]).stem
-    return (pathlib.Path(named) if named else delivered_stage().parent / "journey-artifacts") / script
+    return (
+        pathlib.Path(named) if named else delivered_stage().parent / "journey-artifacts"
+    ) / script
 
 
 def main():

@@ -19,7 +19,9 @@ START_SECONDS = 30
 CHOOSER_PAUSE = 0.7
 
 # Lines that a clean run never prints: the toolkit's complaints and the reports of a build with checks.
-COMPLAINTS = re.compile(r"(WARNING|CRITICAL|ERROR) \*\*|\*\* (WARNING|CRITICAL|ERROR)|runtime error:|Sanitizer")
+COMPLAINTS = re.compile(
+    r"(WARNING|CRITICAL|ERROR) \*\*|\*\* (WARNING|CRITICAL|ERROR)|runtime error:|Sanitizer"
+)
 
 
 class Program:
@@ -43,8 +45,14 @@ class Program:
 
         with open(self.output, "wb") as stream:
             self.process = subprocess.Popen(
-                [self.stage / EXECUTABLE], stdin=subprocess.DEVNULL, stdout=stream, stderr=subprocess.STDOUT, cwd=self.home,
-                env={name: value for name, value in variables.items() if value is not None}, preexec_fn=ignore_signals)
+                [self.stage / EXECUTABLE],
+                stdin=subprocess.DEVNULL,
+                stdout=stream,
+                stderr=subprocess.STDOUT,
+                cwd=self.home,
+                env={name: value for name, value in variables.items() if value is not None},
+                preexec_fn=ignore_signals,
+            )
 
     @property
     def pid(self):
@@ -68,7 +76,9 @@ class Program:
     def private_memory(self):
         """KiB that it alone has written to."""
         lines = pathlib.Path(f"/proc/{self.pid}/smaps_rollup").read_text().splitlines()
-        return sum(int(line.split()[1]) for line in lines if line.startswith(("Private_Dirty:", "Swap:")))
+        return sum(
+            int(line.split()[1]) for line in lines if line.startswith(("Private_Dirty:", "Swap:"))
+        )
 
     def scheduling(self):
         """The system's account of it, from the third field on: what stands before may hold blanks."""
@@ -87,7 +97,8 @@ class Program:
             if not value and not self.is_running:
                 raise AssertionError(
                     f"The program ended with status {self.process.returncode} before {what() if callable(what) else what}.\n"
-                    f"{self.printed}")
+                    f"{self.printed}"
+                )
             return value
 
         return wait_until(with_program, what, seconds)
@@ -100,15 +111,26 @@ class Program:
         if application is None:
             return []
         return [
-            widgets.as_window(self, child) for child in accessibility.children(application)
-            if accessibility.role(child) in widgets.WINDOW_ROLES and "showing" in accessibility.states(child)
+            widgets.as_window(self, child)
+            for child in accessibility.children(application)
+            if accessibility.role(child) in widgets.WINDOW_ROLES
+            and "showing" in accessibility.states(child)
         ]
 
     def window(self, title, kind=widgets.Window, seconds=START_SECONDS):
         """The window of that title (or pattern) and kind, waited for until it is there and active."""
         window = self.wait(
-            lambda: next((w for w in self.windows() if widgets.matches(title, w.title) and isinstance(w, kind)), None),
-            lambda: f"a window {title!r}; the windows are {self.windows()!r}", seconds)
+            lambda: next(
+                (
+                    w
+                    for w in self.windows()
+                    if widgets.matches(title, w.title) and isinstance(w, kind)
+                ),
+                None,
+            ),
+            lambda: f"a window {title!r}; the windows are {self.windows()!r}",
+            seconds,
+        )
         return window.expect_active()
 
     def dialog(self, title=None):
@@ -136,10 +158,14 @@ class Program:
     def expect_exit(self, status=0, seconds=DEFAULT_SECONDS):
         wait_until(
             lambda: not self.is_running,
-            lambda: f"the program to end; its windows are {self.windows()!r}", seconds)
+            lambda: f"the program to end; its windows are {self.windows()!r}",
+            seconds,
+        )
         self.ended_by_journey = True
         if self.process.returncode != status:
-            raise AssertionError(f"The program ended with status {self.process.returncode}, not {status}.\n{self.printed}")
+            raise AssertionError(
+                f"The program ended with status {self.process.returncode}, not {status}.\n{self.printed}"
+            )
 
     def kill(self, number=signal.SIGKILL):
         """Ends the program as a crash or a log-out would."""
@@ -153,9 +179,13 @@ class Program:
     def check(self):
         """Fails when the program ended by itself unasked, or printed a complaint that the journey did not expect."""
         if not self.is_running and not self.ended_by_journey:
-            raise AssertionError(f"The program ended by itself with status {self.process.returncode}.\n{self.printed}")
+            raise AssertionError(
+                f"The program ended by itself with status {self.process.returncode}.\n{self.printed}"
+            )
         unexpected = [
-            line for line in self.complaints() if not (self.expected_complaints and self.expected_complaints.search(line))
+            line
+            for line in self.complaints()
+            if not (self.expected_complaints and self.expected_complaints.search(line))
         ]
         if unexpected:
             raise AssertionError("The program complained:\n" + "\n".join(unexpected))
@@ -169,6 +199,9 @@ class Program:
 def home_environment(home):
     """A home of its own means XDG folders of its own."""
     return {
-        "HOME": str(home), "XDG_CONFIG_HOME": str(home / ".config"), "XDG_DATA_HOME": str(home / ".local/share"),
-        "XDG_CACHE_HOME": str(home / ".cache"), "XDG_STATE_HOME": str(home / ".local/state"),
+        "HOME": str(home),
+        "XDG_CONFIG_HOME": str(home / ".config"),
+        "XDG_DATA_HOME": str(home / ".local/share"),
+        "XDG_CACHE_HOME": str(home / ".cache"),
+        "XDG_STATE_HOME": str(home / ".local/state"),
     }

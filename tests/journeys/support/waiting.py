@@ -22,7 +22,9 @@ def wait_until(condition, what, seconds=DEFAULT_SECONDS):
         if value:
             return value
         if time.monotonic() > deadline:
-            raise JourneyTimeout(f"Waited in vain for {what() if callable(what) else what} ({seconds} s)")
+            raise JourneyTimeout(
+                f"Waited in vain for {what() if callable(what) else what} ({seconds} s)"
+            )
         time.sleep(PAUSE_SECONDS)
 
 

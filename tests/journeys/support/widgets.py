@@ -8,7 +8,15 @@ from gi.repository import Atspi
 from . import accessibility, display
 from .waiting import DEFAULT_SECONDS, settle, wait_until
 
-WINDOW_ROLES = ("frame", "dialog", "alert", "window", "file chooser", "file chooser dialog", "color chooser")
+WINDOW_ROLES = (
+    "frame",
+    "dialog",
+    "alert",
+    "window",
+    "file chooser",
+    "file chooser dialog",
+    "color chooser",
+)
 DIALOG_ROLES = ("dialog", "alert")
 
 
@@ -131,8 +139,15 @@ class Widget:
             own_role = accessibility.role(accessible)
             if showing and "showing" not in accessibility.states(accessible):
                 continue
-            if (roles is None or own_role in roles) and matches(name, accessibility.name(accessible)) and (
-                labelled is None or any(matches(labelled, label) for label in labels_of(accessible, label_before))
+            if (
+                (roles is None or own_role in roles)
+                and matches(name, accessibility.name(accessible))
+                and (
+                    labelled is None
+                    or any(
+                        matches(labelled, label) for label in labels_of(accessible, label_before)
+                    )
+                )
             ):
                 found.append(as_widget(self.program, accessible))
             if own_role == "label":
@@ -143,15 +158,27 @@ class Widget:
             return found
         # Containers tell of their children in any order; a person reads from the top.
         places = [(widget.extents, widget) for widget in found]
-        return [widget for _, widget in sorted((place for place in places if place[0]), key=lambda place: place[0][1::-1])]
+        return [
+            widget
+            for _, widget in sorted(
+                (place for place in places if place[0]), key=lambda place: place[0][1::-1]
+            )
+        ]
 
     def find(self, role=None, name=None, labelled=None, index=0, seconds=DEFAULT_SECONDS):
         """The widget of that index among those that fit, waiting until it is there."""
-        wanted = ", ".join(f"{key} {value!r}" for key, value in (("role", role), ("name", name), ("label", labelled)) if value)
+        wanted = ", ".join(
+            f"{key} {value!r}"
+            for key, value in (("role", role), ("name", name), ("label", labelled))
+            if value
+        )
         found = self.program.wait(
-            lambda: self.find_all(role, name, labelled)[index:] or None if index >= 0
+            lambda: self.find_all(role, name, labelled)[index:] or None
+            if index >= 0
             else self.find_all(role, name, labelled)[index:][:1],
-            lambda: f"a widget with {wanted}, index {index}, in {self!r}", seconds)
+            lambda: f"a widget with {wanted}, index {index}, in {self!r}",
+            seconds,
+        )
         return found[0]
 
     def has(self, role=None, name=None, labelled=None):
@@ -263,14 +290,23 @@ class Widget:
 
     def expect_text(self, text, seconds=DEFAULT_SECONDS):
         self.program.wait(
-            lambda: matches(text, self.text), lambda: f"{self!r} to show {text!r}; it shows {self.text!r}", seconds)
+            lambda: matches(text, self.text),
+            lambda: f"{self!r} to show {text!r}; it shows {self.text!r}",
+            seconds,
+        )
 
     def expect_focus(self, seconds=DEFAULT_SECONDS):
-        self.program.wait(lambda: self.is_focused, lambda: f"the focus on {self!r}; it is on {self.program.focused()!r}", seconds)
+        self.program.wait(
+            lambda: self.is_focused,
+            lambda: f"the focus on {self!r}; it is on {self.program.focused()!r}",
+            seconds,
+        )
 
     def expect_sensitive(self, sensitive=True, seconds=DEFAULT_SECONDS):
         state = "sensitive" if sensitive else "insensitive"
-        self.program.wait(lambda: self.is_sensitive == sensitive, lambda: f"{self!r} to become {state}", seconds)
+        self.program.wait(
+            lambda: self.is_sensitive == sensitive, lambda: f"{self!r} to become {state}", seconds
+        )
 
 
 class Row(Widget):
@@ -335,7 +371,10 @@ class List(Widget):
         return max(accessibility.attempt(Atspi.Table.get_n_rows, self.accessible, default=0), 0)
 
     def rows(self):
-        cells = ((index, accessibility.attempt(Atspi.Table.get_accessible_at, self.accessible, index, 0)) for index in range(len(self)))
+        cells = (
+            (index, accessibility.attempt(Atspi.Table.get_accessible_at, self.accessible, index, 0))
+            for index in range(len(self))
+        )
         return [Row(self, index, cell) for index, cell in cells if cell is not None]
 
     def texts(self):
@@ -346,11 +385,14 @@ class List(Widget):
         """The first row with that text (or pattern), waiting until there is one."""
         return self.program.wait(
             lambda: next((row for row in self.rows() if matches(text, row.text)), None),
-            lambda: f"a row {text!r} among {self.texts()!r}")
+            lambda: f"a row {text!r} among {self.texts()!r}",
+        )
 
     def selected_indices(self):
         self.accessible.clear_cache()
-        return list(accessibility.attempt(Atspi.Table.get_selected_rows, self.accessible, default=[]))
+        return list(
+            accessibility.attempt(Atspi.Table.get_selected_rows, self.accessible, default=[])
+        )
 
     def selected_texts(self):
         chosen = self.selected_indices()
@@ -358,11 +400,17 @@ class List(Widget):
 
     def expect_texts(self, texts, seconds=DEFAULT_SECONDS):
         self.program.wait(
-            lambda: self.texts() == texts, lambda: f"the rows {texts!r}; they are {self.texts()!r}", seconds)
+            lambda: self.texts() == texts,
+            lambda: f"the rows {texts!r}; they are {self.texts()!r}",
+            seconds,
+        )
 
     def expect_selected(self, texts, seconds=DEFAULT_SECONDS):
         self.program.wait(
-            lambda: self.selected_texts() == texts, lambda: f"the selection {texts!r}; it is {self.selected_texts()!r}", seconds)
+            lambda: self.selected_texts() == texts,
+            lambda: f"the selection {texts!r}; it is {self.selected_texts()!r}",
+            seconds,
+        )
 
 
 class Window(Widget):
@@ -383,7 +431,9 @@ class Window(Widget):
     def expect_active(self, seconds=DEFAULT_SECONDS):
         self.program.wait(
             lambda: self.is_active,
-            lambda: f"{self!r} to be the active window; the windows are {self.program.windows()!r}", seconds)
+            lambda: f"{self!r} to be the active window; the windows are {self.program.windows()!r}",
+            seconds,
+        )
         return self
 
     def expect_closed(self, seconds=DEFAULT_SECONDS):
@@ -488,7 +538,9 @@ class FileChooser(Window):
             display.set_clipboard(path)
             display.press("ctrl+v")
         field = self.name_field()
-        self.program.wait(lambda: field.text.startswith(path), lambda: f"the path {path!r}; it is {field.text!r}")
+        self.program.wait(
+            lambda: field.text.startswith(path), lambda: f"the path {path!r}; it is {field.text!r}"
+        )
         # The chooser may have completed the path to that of a longer name. The completion is marked, so it can be deleted.
         settle()
         if field.text != path:
@@ -511,7 +563,11 @@ class FileChooser(Window):
 
 
 def as_widget(program, accessible):
-    return List(program, accessible) if accessibility.role(accessible) in accessibility.LISTS else Widget(program, accessible)
+    return (
+        List(program, accessible)
+        if accessibility.role(accessible) in accessibility.LISTS
+        else Widget(program, accessible)
+    )
 
 
 def as_window(program, accessible):

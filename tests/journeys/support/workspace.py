@@ -23,14 +23,23 @@ def codeset(name, author=None, version=None, remarks=()):
     if version is not None:
         lines.append(f"\t<version>{escape(version, QUOTES)}</version>")
     for code, description in remarks:
-        lines += ["", "\t<remark>", f"\t\t<code>{code}</code>", *translations("description", description, 2), "\t</remark>"]
+        lines += [
+            "",
+            "\t<remark>",
+            f"\t\t<code>{code}</code>",
+            *translations("description", description, 2),
+            "\t</remark>",
+        ]
     lines += ["", "</codeset>", ""]
     return "\n".join(lines).encode("iso-8859-1")
 
 
 def translations(element, texts, depth):
     texts = {"en-uk": texts} if isinstance(texts, str) else texts
-    return [f'{depth * chr(9)}<{element} lang="{tag}">{escape(text, QUOTES)}</{element}>' for tag, text in texts.items()]
+    return [
+        f'{depth * chr(9)}<{element} lang="{tag}">{escape(text, QUOTES)}</{element}>'
+        for tag, text in texts.items()
+    ]
 
 
 class WorkspaceJourney(Journey):
@@ -44,7 +53,9 @@ class WorkspaceJourney(Journey):
             (self.workspace / folder).mkdir(parents=True)
         pointer_file = self.home / ".config" / "vantorelle" / "vantorelle.xml"
         pointer_file.parent.mkdir(parents=True)
-        pointer_file.write_text(f"<vantorelle><workspace path={quoteattr(str(self.workspace))}/></vantorelle>\n")
+        pointer_file.write_text(
+            f"<vantorelle><workspace path={quoteattr(str(self.workspace))}/></vantorelle>\n"
+        )
 
     def put(self, name, data):
         """A file in the workspace's folder of codesets."""
@@ -60,7 +71,11 @@ class WorkspaceJourney(Journey):
 
     def contents(self, folder=None):
         """The bytes of every file in the folder of codesets (or another), by name."""
-        return {path.name: path.read_bytes() for path in (folder or self.codesets).iterdir() if path.is_file()}
+        return {
+            path.name: path.read_bytes()
+            for path in (folder or self.codesets).iterdir()
+            if path.is_file()
+        }
 
     def drafts(self):
         """The bytes of every draft."""
