@@ -2,8 +2,9 @@
 
     browser_gateway.py FOLDER
 
-Waits for the server's socket FOLDER/page, prints the address to open and relays what comes by it. The address holds a
-secret that is made here and is known to nobody but the reader of what is printed. The folder is removed at the end.
+Waits for the server's socket FOLDER/page, prints the address to open and relays what comes by it.
+The address holds a secret that is made here and is known to nobody but the reader of what is
+printed. The folder is removed at the end.
 """
 
 import asyncio
@@ -89,10 +90,11 @@ class Gateway:
             writer.close()
 
     def admit(self, head):
-        """The wanted page, and the request to send to the server in place of the browser's: only what was checked gets
-        there."""
+        """The wanted page, and the request to send to the server in place of the browser's: only
+        what was checked gets there."""
         path, fields = parse_head(head)
-        # A web page of another site can have its own name lead to this address, but not change the name that is sent.
+        # A web page of another site can have its own name lead to this address, but not change the
+        # name that is sent.
         host = fields.get("host")
         if host not in (f"{ADDRESS}:{self.port}", f"localhost:{self.port}"):
             raise Refused

@@ -2,7 +2,8 @@
 
     VANTORELLE_STAGE=FOLDER pictures.py TARGET_FOLDER [PICTURE...]
 
-The program works on a prepared workspace in a fresh home, so that a picture comes out the same each time.
+The program works on a prepared workspace in a fresh home, so that a picture comes out the same each
+time.
 """
 
 import pathlib
@@ -64,7 +65,8 @@ class Album:
         return self.home / "Vantorelle Workspace" / "codesets"
 
     def main_window(self):
-        """The main window on a workspace that holds the delivered codesets and one of the user's own."""
+        """The main window on a workspace that holds the delivered codesets and one of the user's
+        own."""
         assistant = self.program.window(ASSISTANT)
         for button in ("Next", "Apply", "Close"):
             assistant.button(button).click()
@@ -125,7 +127,8 @@ class Album:
         )
 
     def framed_extents(self):
-        """Left, top, width and height of the active window with what the window manager draws around it."""
+        """Left, top, width and height of the active window with what the window manager draws
+        around it."""
         self.program.active_window().resting_extents()
         window = answer_of("xdotool", "getactivewindow").strip()
         facts = answer_of("xwininfo", "-id", window)

@@ -1,4 +1,5 @@
-"""A web browser that shows the program: headless, with a profile of its own, driven through WebDriver."""
+"""A web browser that shows the program: headless, with a profile of its own, driven through
+WebDriver."""
 
 import base64
 import json
@@ -24,8 +25,8 @@ ANSWER_SECONDS = 60
 # Keys that type nothing, as WebDriver writes them.
 TAB, RETURN, ALT, HOME = "\ue004", "\ue006", "\ue00a", "\ue011"
 
-# Each window of the program is a canvas; "ink" is the number of its dark pixels, nearly all of them text. Those smaller
-# than any window are aids of the toolkit.
+# Each window of the program is a canvas; "ink" is the number of its dark pixels, nearly all of them
+# text. Those smaller than any window are aids of the toolkit.
 WINDOWS = """
     const shown = [...document.querySelectorAll("canvas")].filter(canvas =>
         canvas.style.visibility == "visible" && canvas.width > 50 && canvas.height > 50);

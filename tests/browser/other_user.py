@@ -2,8 +2,9 @@
 
     other_user.py PORT FOLDER [SOCKET...] <SECRET
 
-Prints what was found, one line each: the sockets, among those named and the abstract ones below the folder, that accept a
-connection; the pages that are served without the secret; and the files about processes that hold it.
+Prints what was found, one line each: the sockets, among those named and the abstract ones below the
+folder, that accept a connection; the pages that are served without the secret; and the files about
+processes that hold it.
 """
 
 import http.client
@@ -14,7 +15,7 @@ import sys
 
 def abstract_sockets(folder):
     """Their names, which are shown with an at sign for the null byte."""
-    for line in pathlib.Path("/proc/net/unix").read_text().splitlines()[1:]:
+    for line in pathlib.Path("/proc/net/unix").read_text(encoding="utf-8").splitlines()[1:]:
         for name in line.split(maxsplit=7)[7:]:
             if name.startswith("@" + folder):
                 yield "\0" + name[1:]

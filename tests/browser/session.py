@@ -31,7 +31,8 @@ SHARED_MEMORY = "/dev/shm/bdw-*"  # the toolkit's names
 
 
 class Session:
-    """Started at once, in the home and with nothing else of the caller's desktop. Temporary files lie in `scratch`."""
+    """Started at once, in the home and with nothing else of the caller's desktop. Temporary files
+    lie in `scratch`."""
 
     def __init__(self, home, scratch, **environment):
         kept = {name: os.environ[name] for name in ("PATH", "LSAN_OPTIONS") if name in os.environ}
@@ -64,19 +65,21 @@ class Session:
         return told[1], int(told[2]), told[3]
 
     def processes(self):
-        """The script and all that it started, by name: the script, the gateway, the server and the program, if all is
-        well."""
+        """The script and all that it started, by name: the script, the gateway, the server and the
+        program, if all is well."""
         return {
             pid: name for pid, name, session in running_processes() if session == self.process.pid
         }
 
     def listening(self):
-        """Where any of the processes listens: (address, port) by socket, all of which have different names."""
+        """Where any of the processes listens: (address, port) by socket, all of which have
+        different names."""
         names = {link for pid in self.processes() for link in open_files(pid)}
         return {name: place for name, place in listening_sockets().items() if name in names}
 
     def shared_memory(self):
-        """The files, as the processes name them, by which the program and the server share pictures."""
+        """The files, as the processes name them, by which the program and the server share
+        pictures."""
         return {
             path
             for pid in self.processes()
@@ -97,16 +100,18 @@ class Session:
         self.send(name, signal.SIGSTOP)
         stat = pathlib.Path(f"/proc/{self.find(name)}/stat")
         wait_until(
-            lambda: stat.read_text().rpartition(") ")[2].startswith("T"),
+            lambda: stat.read_text(encoding="utf-8").rpartition(") ")[2].startswith("T"),
             lambda: f"{name} to stand still",
         )
 
     def expect_end(self, status, printed=""):
-        """The exit status, nobody left, and nothing more printed than what the regular expression matches."""
+        """The exit status, nobody left, and nothing more printed than what the regular expression
+        matches."""
         output, _ = self.process.communicate(timeout=20)
         if self.process.returncode != status or not re.fullmatch(printed, output):
             raise AssertionError(
-                f"The script ended with status {self.process.returncode}, not {status}, and printed {output!r}"
+                f"The script ended with status {self.process.returncode}, not {status}, "
+                f"and printed {output!r}"
             )
         wait_until(lambda: not self.processes(), lambda: f"the end of {self.processes()!r}")
 
@@ -139,7 +144,7 @@ def open_files(pid):
 def mapped_files(pid):
     """Those that still have a name."""
     try:
-        lines = pathlib.Path(f"/proc/{pid}/maps").read_text().splitlines()
+        lines = pathlib.Path(f"/proc/{pid}/maps").read_text(encoding="utf-8").splitlines()
     except OSError:
         return
     for line in lines:
@@ -166,7 +171,8 @@ def listening_sockets():
 
 
 def read_place(local):
-    """The address and port of a line, where each four bytes of the address are in the machine's own order."""
+    """The address and port of a line, where each four bytes of the address are in the machine's own
+    order."""
     address, port = local.split(":")
     packed = b"".join(
         struct.pack("=I", int(address[at : at + 8], 16)) for at in range(0, len(address), 8)

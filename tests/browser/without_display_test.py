@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""A session in a web browser, from the first start to the last byte; who else gets in, and what it leaves behind."""
+"""A session in a web browser, from the first start to the last byte; who else gets in, and what it
+leaves behind."""
 
 import os
 import pathlib
@@ -16,7 +17,8 @@ from support import codeset, main, wait_until
 from support.journey import artifacts_folder
 from visitor import WEBSOCKET, ask, head
 
-# How far buttons lie from the corners of their windows, in pixels, the shadow of a window that is not maximized included.
+# How far buttons lie from the corners of their windows, in pixels, the shadow of a window that is
+# not maximized included.
 ASSISTANT_BUTTON = (72, 53)  # from right and bottom: Next, Apply or Close
 ADD_NEW_CODESET = (93, 168)  # from right and top
 CLOSE_WINDOW = (44, 41)  # from right and top
@@ -229,7 +231,8 @@ class WithoutDisplay(unittest.TestCase):
         self.assertEqual(alone.process.stdout.readline(), NOT_ENCLOSED)
         _, port, _ = alone.read_address()
         self.expect_local(alone, port)
-        # The machine's own memory is used here, of which the toolkit leaves some behind. A program at rest takes no more.
+        # The machine's own memory is used here, of which the toolkit leaves some behind. A program
+        # at rest takes no more.
         alone.stop(PROGRAM)
         memory = alone.shared_memory()
         alone.send(PROGRAM, signal.SIGKILL)
@@ -239,7 +242,8 @@ class WithoutDisplay(unittest.TestCase):
         self.assertEqual(list(self.scratch.iterdir()), [])
 
     def path_without_namespaces(self):
-        """A search path on which the command that makes them fails, as where the system forbids them."""
+        """A search path on which the command that makes them fails, as where the system forbids
+        them."""
         programs = self.folder / "programs"
         programs.mkdir()
         for folder in (self.folder, programs):
@@ -284,7 +288,8 @@ class WithoutDisplay(unittest.TestCase):
         self.browser.click(editing.left + SAVE_CODESET[0], editing.bottom - SAVE_CODESET[1])
 
     def expect_window(self, number=None, above=0):
-        """The topmost window, waited for until it is drawn: that of the number, or one that was made later than another."""
+        """The topmost window, waited for until it is drawn: that of the number, or one that was
+        made later than another."""
 
         def find():
             window = next(iter(self.browser.windows()[-1:]), None)
@@ -316,7 +321,8 @@ class WithoutDisplay(unittest.TestCase):
         )
 
     def expect_local(self, session, port):
-        """Only this machine itself can reach the program, once it shows something. Returns the sockets by which it can."""
+        """Only this machine itself can reach the program, once it shows something. Returns the
+        sockets by which it can."""
         wait_until(session.shared_memory, lambda: f"a picture by any of {session.processes()!r}")
         self.assertCountEqual(session.processes().values(), PROCESSES)
         sockets = session.listening()
@@ -332,7 +338,8 @@ class WithoutDisplay(unittest.TestCase):
     def expect_nothing_left(self, session, status, sockets, printed=""):
         # By the sockets: the port may be another session's by now.
         session.expect_end(status, printed)
-        # A process that is killed shows no command line any more before the system has closed its sockets.
+        # A process that is killed shows no command line any more before the system has closed its
+        # sockets.
         wait_until(
             lambda: sockets.isdisjoint(listening_sockets()), lambda: f"{sockets!r} to be closed"
         )

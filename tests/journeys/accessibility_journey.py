@@ -1,4 +1,5 @@
-"""Every window without a mouse and without a screen: what is spoken, what the keys reach, and that the focus is seen."""
+"""Every window without a mouse and without a screen: what is spoken, what the keys reach, and that
+the focus is seen."""
 
 import re
 import subprocess
@@ -10,8 +11,8 @@ from support.waiting import settle
 ASSISTANT = "Vantorelle Workspace Setup"
 LANGUAGES = ("English/United Kingdom [en-uk]", "Swedish [sv]", "German [de]")
 
-# What a user operates. A combo box takes the keys through a button inside it that is no object of its own.
-# A label that can have the focus is a text that can be copied.
+# What a user operates. A combo box takes the keys through a button inside it that is no object of
+# its own. A label that can have the focus is a text that can be copied.
 CONTROLS = (
     *accessibility.BUTTONS,
     *accessibility.TEXTS,
@@ -24,7 +25,8 @@ CONTROLS = (
 )
 NAMED = (*CONTROLS, "combo box", "menu item", "alert", "dialog", "frame", "icon")
 
-# Tab goes from text to text in the language editor; what stands beside a text is reached with Ctrl+Tab.
+# Tab goes from text to text in the language editor; what stands beside a text is reached with
+# Ctrl+Tab.
 SIGNS = (" + ", " - ")
 
 # Pixels around a widget within which its focus may be drawn.
@@ -76,7 +78,8 @@ class Picture:
 
 
 def visible_objects(accessible, wanted_state="showing"):
-    """All that belongs to what is shown, also where it must be scrolled to; not the cells of lists."""
+    """All that belongs to what is shown, also where it must be scrolled to; not the cells of
+    lists."""
     for child in accessibility.children(accessible):
         if wanted_state in accessibility.states(child):
             yield child
@@ -104,7 +107,8 @@ def spoken(widget):
 
 
 def comes_after(first, second):
-    """Whether a reader's eye, going down and to the right, meets the second extents after the first."""
+    """Whether a reader's eye, going down and to the right, meets the second extents after the
+    first."""
     x, y, width, height = first
     return second[1] >= y + height or second[0] >= x + width
 
@@ -193,7 +197,8 @@ class Accessibility(Journey):
         self.assertLessEqual(len(leaps), 1, f"Tab leaps about in {window!r}: {leaps}")
 
     def walk(self, window):
-        """Presses Tab until it comes round. Returns what got the focus, in order, each time seen on the screen."""
+        """Presses Tab until it comes round. Returns what got the focus, in order, each time seen on
+        the screen."""
         program = window.program
         controls = [
             widget
@@ -211,7 +216,7 @@ class Accessibility(Journey):
             stop = program.wait(
                 lambda focused=focused: program.focused() not in (None, focused)
                 and program.focused(),
-                lambda focused=focused: f"Tab to move the focus from {focused!r} to something that can be named",
+                lambda focused=focused: f"Tab to move the focus from {focused!r} to a named widget",
             )
             if stop in stops:
                 break
@@ -299,7 +304,8 @@ class Accessibility(Journey):
         question = program.dialog("Question")
         self.check_dialog(
             question,
-            "This item was bundled with Vantorelle. You might want to clone it first, to make your own independent copy.\n\n"
+            "This item was bundled with Vantorelle. You might want to clone it first, "
+            "to make your own independent copy.\n\n"
             "Proceed anyway?",
         )
         self.escape(question)
@@ -381,7 +387,7 @@ class Accessibility(Journey):
     # By keys alone
 
     def test_ctrl_tab_walks_through_a_translation(self):
-        program, dialog = self.open_remark_dialog()
+        _, dialog = self.open_remark_dialog()
         before = Picture()
         dialog.press("Tab")
         buttons = [button for button in dialog.find_all("push button") if button.name in SIGNS]

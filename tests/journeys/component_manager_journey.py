@@ -1,4 +1,5 @@
-"""The main window: what it lists, and what each of its buttons does to the files in the workspace."""
+"""The main window: what it lists, and what each of its buttons does to the files in the
+workspace."""
 
 import re
 
@@ -18,7 +19,8 @@ BUTTONS = [
     "Refresh list",
 ]
 BUNDLED_QUESTION = (
-    "This item was bundled with Vantorelle. You might want to clone it first, to make your own independent copy.\n\n"
+    "This item was bundled with Vantorelle. You might want to clone it first, "
+    "to make your own independent copy.\n\n"
     "Proceed anyway?"
 )
 
@@ -26,7 +28,8 @@ WOOD = codeset("Wood", "Vera", "2", [("W1", "Split")])
 GLASS = codeset({"en-uk": "Glass", "sv": "Glas"}, version="1.5", remarks=[("G1", "Chip")])
 # Texts of the root element before and after its elements, as other programs may write them.
 SURROUNDED = (
-    b"<codeset><name lang='sv'>N</name><![CDATA[a]]><remark><code>7</code><description lang='sv'>text</description></remark>"
+    b"<codeset><name lang='sv'>N</name><![CDATA[a]]>"
+    b"<remark><code>7</code><description lang='sv'>text</description></remark>"
     b"<![CDATA[b]]></codeset>"
 )
 METALS = re.compile(r"^Metals \(")

@@ -1,4 +1,5 @@
-"""Every window on a screen of twice the density, where the toolkit draws each of its pixels with two by two."""
+"""Every window on a screen of twice the density, where the toolkit draws each of its pixels with
+two by two."""
 
 import small_screen_journey
 from support import main

@@ -1,5 +1,5 @@
-"""Unsaved work, whatever ends the program. VANTORELLE_KILLS sets how often the program is killed at a random moment,
-VANTORELLE_SEED repeats the moments of an earlier run."""
+"""Unsaved work, whatever ends the program. VANTORELLE_KILLS sets how often the program is killed at
+a random moment, VANTORELLE_SEED repeats the moments of an earlier run."""
 
 import os
 import pathlib
@@ -42,7 +42,7 @@ class Drafts(WorkspaceJourney):
     def open_wood(self, **options):
         return self.open_editing("wood.codeset", WOOD_TEXT, **options)
 
-    def change(self, program, editing):
+    def change(self, editing):
         """Makes the one change of CHANGED and waits until it must be in the draft."""
         editing.field(UK).enter("Changed")
         time.sleep(DRAFT_SECONDS)
@@ -71,7 +71,7 @@ class Drafts(WorkspaceJourney):
 
     def expect_restored_after(self, number):
         program, editing = self.open_wood()
-        self.change(program, editing)
+        self.change(editing)
         program.kill(number)
         self.assertEqual(program.process.returncode, -number)
         self.assertEqual(self.contents(), {"wood.codeset": WOOD})
@@ -136,7 +136,7 @@ class Drafts(WorkspaceJourney):
             "the window manager",
         )
         program, editing = self.open_wood()
-        self.change(program, editing)
+        self.change(editing)
         server.kill()
         program.expect_exit(1)
         os.environ["DISPLAY"] = own_display
@@ -186,7 +186,7 @@ class Drafts(WorkspaceJourney):
 
     def test_unwanted_changes_are_gone_for_good(self):
         program, editing = self.open_wood()
-        self.change(program, editing)
+        self.change(editing)
         program.kill()
         program, editing = self.reopen("No")
         editing.field(UK).expect_text("Wood")
@@ -197,7 +197,7 @@ class Drafts(WorkspaceJourney):
 
     def test_what_was_restored_survives_another_end(self):
         program, editing = self.open_wood()
-        self.change(program, editing)
+        self.change(editing)
         for answer in ("Yes", "Escape"):
             program.kill()
             program, editing = self.reopen(answer)
@@ -208,7 +208,7 @@ class Drafts(WorkspaceJourney):
 
     def test_closing_without_saving_leaves_nothing(self):
         program, editing = self.open_wood()
-        self.change(program, editing)
+        self.change(editing)
         editing.button("Close").click()
         self.expect_message(program, "Really close?", QUESTION, "Cancel")
         self.assertEqual(self.drafts(), [CHANGED])
@@ -222,7 +222,7 @@ class Drafts(WorkspaceJourney):
 
     def test_the_file_is_gone_or_broken(self):
         program, editing = self.open_wood()
-        self.change(program, editing)
+        self.change(editing)
         program.kill()
         self.wood.unlink()
         program, window = self.open()
@@ -239,8 +239,8 @@ class Drafts(WorkspaceJourney):
     # The drafts' place
 
     def test_only_the_user_can_read_them(self):
-        program, editing = self.open_wood()
-        self.change(program, editing)
+        _, editing = self.open_wood()
+        self.change(editing)
         for folder in (self.state, self.state / "vantorelle", self.state / "vantorelle" / "drafts"):
             self.assertEqual(permissions(folder), 0o700, folder)
             self.assertEqual(len(list(folder.iterdir())), 1)
@@ -265,7 +265,7 @@ class Drafts(WorkspaceJourney):
 
     def test_two_programs_on_one_file(self):
         program, editing = self.open_wood()
-        self.change(program, editing)
+        self.change(editing)
         other, other_editing = self.open_wood()
         other_editing.field("Version").enter("3")
         other_draft = codeset("Wood", "Vera", "3", REMARKS)
@@ -292,7 +292,8 @@ class Drafts(WorkspaceJourney):
 
     @staticmethod
     def version_of(data):
-        """The version of a whole codeset; None for anything else, read by another parser than the program's."""
+        """The version of a whole codeset; None for anything else, read by another parser than the
+        program's."""
         try:
             root = ElementTree.fromstring(data)
         except ElementTree.ParseError:

@@ -1,5 +1,5 @@
-"""The editing window and its dialog: codes and translations, what saving refuses, the question on closing, and what is
-saved to the byte."""
+"""The editing window and its dialog: codes and translations, what saving refuses, the question on
+closing, and what is saved to the byte."""
 
 import re
 import resource
@@ -57,7 +57,7 @@ class Editing(WorkspaceJourney):
     # What is shown
 
     def test_the_window_at_the_start(self):
-        program, editing = self.open_own()
+        _, editing = self.open_own()
         editing.field(UK).expect_focus()
         self.assertEqual(
             [(field.name, field.text) for field in editing.fields()],
@@ -324,9 +324,13 @@ class Editing(WorkspaceJourney):
 
     def test_translations_are_added_and_deleted(self):
         program, editing = self.open_own()
-        delete, add = (lambda index: editing.button(" - ", index)), (
-            lambda index: editing.button(" + ", index)
-        )
+
+        def delete(index):
+            return editing.button(" - ", index)
+
+        def add(index):
+            return editing.button(" + ", index)
+
         add(0).click()
         editing.field(EN).expect_focus()
         # Every language of the user is shown now, so the first one comes again.
@@ -513,7 +517,8 @@ class Editing(WorkspaceJourney):
             ),
             (
                 OWN.replace(b">3<", b"> <"),
-                "Error parsing codeset file.\n\nMissing text content in XML.\n\nText content is empty.",
+                "Error parsing codeset file.\n\nMissing text content in XML.\n\n"
+                "Text content is empty.",
             ),
             (
                 b"a letter",

@@ -1,4 +1,5 @@
-"""The window that asks for the name of a new file: what it refuses, what it takes, and the ways out of it."""
+"""The window that asks for the name of a new file: what it refuses, what it takes, and the ways out
+of it."""
 
 from support import WorkspaceJourney, codeset, main
 from support import display
@@ -40,7 +41,7 @@ class FileNames(WorkspaceJourney):
         editing.expect_closed()
 
     def test_how_the_window_begins(self):
-        program, window, naming = self.open_naming()
+        _, window, naming = self.open_naming()
         self.assertEqual(
             naming.labels(),
             [
@@ -113,7 +114,7 @@ class FileNames(WorkspaceJourney):
         self.put("wood.codeset", WOOD)
         self.put("odd.codeset", b"odd")
         (self.codesets / "folder.codeset").mkdir()
-        program, window, naming = self.open_naming()
+        program, _, naming = self.open_naming()
         self.expect_refusals(
             program,
             naming,

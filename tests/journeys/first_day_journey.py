@@ -1,4 +1,5 @@
-"""From the first start to the last byte: assistant, delivered codesets, add, clone, edit, save, delete, close."""
+"""From the first start to the last byte: assistant, delivered codesets, add, clone, edit, save,
+delete, close."""
 
 import re
 import stat

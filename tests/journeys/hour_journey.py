@@ -1,5 +1,5 @@
-"""A large codeset by keyboard alone: sixty codes in three languages are entered, and later each of them is changed. The journey
-counts what is pressed besides the texts."""
+"""A large codeset by keyboard alone: sixty codes in three languages are entered, and later each of
+them is changed. The journey counts what is pressed besides the texts."""
 
 from support import WorkspaceJourney, codeset, display, main
 from support.waiting import settle
@@ -80,7 +80,8 @@ class Hour(WorkspaceJourney):
         for code, texts in CODES:
             self.add_code(program, keyboard, code, texts)
         print(
-            f"{keyboard.presses / len(CODES):.2f} presses for each new code, {pause} ms from key to key"
+            f"{keyboard.presses / len(CODES):.2f} presses for each new code, "
+            f"{pause} ms from key to key"
         )
         self.assertLessEqual(keyboard.presses, 5 * len(CODES))
         keyboard.press("ctrl+s")
@@ -114,7 +115,8 @@ class Hour(WorkspaceJourney):
         display.press("Tab", "Tab")
         for number in range(1, 61):
             program.wait(
-                lambda: program.focused() and program.focused().text == f"Maskskada {number}",
+                lambda number=number: program.focused()
+                and program.focused().text == f"Maskskada {number}",
                 "the next code",
             )
             keyboard.type(f"Tramask {number}" if number % 20 == 0 else f"Maskar {number}")
@@ -122,7 +124,8 @@ class Hour(WorkspaceJourney):
         dialog.expect_closed()
         editing.expect_active()
         print(
-            f"{keyboard.presses / len(CODES):.2f} presses for each changed code, {pause} ms from key to key"
+            f"{keyboard.presses / len(CODES):.2f} presses for each changed code, "
+            f"{pause} ms from key to key"
         )
         self.assertEqual(keyboard.presses, len(CODES))
         display.press("ctrl+s")

@@ -13,7 +13,7 @@ WOOD = codeset("Wood", "Vera", "2", [("W1", "Split"), ("W2", "Worm"), ("W10", "S
 GLASS = codeset("Glass", version="1.5", remarks=[("G1", "Chip")])
 
 
-class Keys:
+class Keys(Journey):
     """Finding one's way with the keyboard. A widget without a name of its own goes by its label."""
 
     def name_of(self, widget):
@@ -24,8 +24,9 @@ class Keys:
         )
 
     def go(self, window, name, key="Tab"):
-        """Presses the key until the widget of that name has the focus. Nothing has it after the button that had it became
-        insensitive; then the key leads to the window's first or last widget."""
+        """Presses the key until the widget of that name has the focus. Nothing has it after the
+        button that had it became insensitive; then the key leads to the window's first or last
+        widget."""
         program = window.program
         window.expect_active()
         settle()
@@ -38,7 +39,7 @@ class Keys:
                 lambda focused=focused: program.focused() not in (None, focused),
                 f"{key} to move the focus",
             )
-        self.fail(f"{key} does not lead to {name!r}")
+        raise AssertionError(f"{key} does not lead to {name!r}")
 
     def push(self, window, name):
         self.go(window, name)

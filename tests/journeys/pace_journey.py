@@ -1,4 +1,5 @@
-"""Keys at the pace of real hands: confirming a field and typing on, keys that are held down, and reading a message."""
+"""Keys at the pace of real hands: confirming a field and typing on, keys that are held down, and
+reading a message."""
 
 from support import MAIN_WINDOW, Journey, WorkspaceJourney, codeset, main
 from support import display

@@ -1,4 +1,5 @@
-"""Lists by keyboard: the place in a list is kept over every action, rows are found by typing, and keys press buttons."""
+"""Lists by keyboard: the place in a list is kept over every action, rows are found by typing, and
+keys press buttons."""
 
 import re
 
@@ -219,7 +220,7 @@ class MainWindowPlaces(Lists):
                 next(row for row in rows.rows() if row.text == name_of(43)).extents[1] - before[1]
             )
             <= 1,
-            lambda: f"the row to be at {before} again, in {[row.extents for row in rows.rows()][41:45]}",
+            lambda: f"the row at {before}; it is in {[row.extents for row in rows.rows()][41:45]}",
         )
         self.expect_place(window, rows, name_of(43), name_of(44))
         for number in (10, 11, 44):
@@ -231,7 +232,7 @@ class MainWindowPlaces(Lists):
 
     def test_the_file_that_a_new_notice_speaks_of_is_in_view(self):
         self.put_many()
-        program, window = self.open()
+        _, window = self.open()
         rows = window.list()
         self.go_to(rows, 45)
         self.put("strange.codeset", b"a letter")
@@ -387,8 +388,9 @@ class Keys(Lists):
                 selector.list().expect_focus()
                 # Not at the beginning of the row.
                 display.type_text("work")
-                program.wait(lambda: selector.list().selected_texts(), "the row to be found")
-                self.assertRegex(selector.list().selected_texts()[0], "^Works|paper")
+                codesets = selector.list()
+                program.wait(codesets.selected_texts, "the row to be found")
+                self.assertRegex(codesets.selected_texts()[0], "^Works|paper")
                 display.press("Escape")
                 settle()
                 display.press("Return")
@@ -399,7 +401,7 @@ class Keys(Lists):
 
     def test_buttons_name_their_keys(self):
         self.put("wood.codeset", codeset("Wood", remarks=[("1", "One")]))
-        program, window = self.open()
+        _, window = self.open()
         keys = {
             "Add new": ("Ctrl+N", "Key: Ctrl+N"),
             "Refresh list": ("F5", "Key: F5"),

@@ -8,8 +8,8 @@ from support import codeset, main
 
 
 class Mirrored:
-    """The texts stay English: the toolkit takes the direction from a module (right_to_left.cpp, whose path is in the
-    environment) instead of the user's language."""
+    """The texts stay English: the toolkit takes the direction from a module (right_to_left.cpp,
+    whose path is in the environment) instead of the user's language."""
 
     environment = {"GTK_MODULES": os.environ["VANTORELLE_RIGHT_TO_LEFT"]}
 

@@ -1,5 +1,5 @@
-"""What happens around the program while it runs: a second program on the same workspace, a sudden end, files and folders that
-come, go and change. And every way out of every dialog."""
+"""What happens around the program while it runs: a second program on the same workspace, a sudden
+end, files and folders that come, go and change. And every way out of every dialog."""
 
 import os
 import re
@@ -289,8 +289,8 @@ class Robustness(WorkspaceJourney):
     # A sudden end
 
     def expect_untouched_by_killing(self, lead_to, leaves_draft=True):
-        """`lead_to` brings a program to where it is killed. The workspace is as before, and the next start is as the first, but
-        for the question about a draft of wood.codeset."""
+        """`lead_to` brings a program to where it is killed. The workspace is as before, and the
+        next start is as the first, but for the question about a draft of wood.codeset."""
         self.put("wood.codeset", WOOD)
         program, window = self.open()
         before = tree(self.workspace)
@@ -488,7 +488,8 @@ class Robustness(WorkspaceJourney):
         self.expect_message(
             program,
             "Error",
-            "Can not access the workspace fonts folder.\n\nCannot get file status.\n\nError 20: Not a directory",
+            "Can not access the workspace fonts folder.\n\nCannot get file status.\n\n"
+            "Error 20: Not a directory",
             "Close",
         )
         # A name that cannot be asked about counts as taken.
@@ -609,7 +610,8 @@ class Robustness(WorkspaceJourney):
     # Entries that cannot be read
 
     def put_hostile_entries(self, folder):
-        """Codesets by name that never end, never answer, lead nowhere or refuse to be read, by the superuser too."""
+        """Codesets by name that never end, never answer, lead nowhere or refuse to be read, by the
+        superuser too."""
         os.mkfifo(folder / "pipe.codeset")
         # Made where its path is short enough for a socket's address.
         with socket.socket(socket.AF_UNIX) as endpoint:
@@ -712,7 +714,8 @@ class Robustness(WorkspaceJourney):
         refresh("z.codeset")
         self.delete(program, window, "z.codeset", "Escape")
         refresh("z.codeset")
-        # A window that was made larger shrinks when the notice goes; one that fills the screen does not.
+        # A window that was made larger shrinks when the notice goes; one that fills the screen does
+        # not.
         window.resize(extents[2] + 100, extents[3] + 100)
         (self.codesets / "z.codeset").unlink()
         refresh()

@@ -1,4 +1,5 @@
-"""From the start to the main window, or not: the assistant's answers, and workspaces and settings that are not as they should be."""
+"""From the start to the main window, or not: the assistant's answers, and workspaces and settings
+that are not as they should be."""
 
 from xml.etree import ElementTree
 
@@ -114,7 +115,8 @@ class Session(Journey):
         self.expect_refusal(
             program,
             assistant,
-            "Cannot access the specified location.\n\nCannot get file status.\n\nError 20: Not a directory",
+            "Cannot access the specified location.\n\nCannot get file status.\n\n"
+            "Error 20: Not a directory",
         )
         self.assertEqual((self.home / "file").read_text(), "kept")
         self.cancel(program, assistant)
@@ -179,7 +181,8 @@ class Session(Journey):
     def test_settings_decide_the_language_of_the_list(self):
         (self.default_workspace / "codesets").mkdir(parents=True)
         (self.default_workspace / "codesets" / "a.codeset").write_text(
-            '<codeset><name lang="de">Papier &lt;b&gt; &amp; 100%s</name><name lang="sv">Papper</name>'
+            '<codeset><name lang="de">Papier &lt;b&gt; &amp; 100%s</name>'
+            '<name lang="sv">Papper</name>'
             '<remark><code>1</code><description lang="de">Riss</description></remark></codeset>'
         )
         (self.default_workspace / "settings.xml").write_text(

@@ -1,5 +1,5 @@
-"""Every window on the screen that is there, with all that is in it: long names, long paths, many languages. Once with the usual
-text and once with larger text."""
+"""Every window on the screen that is there, with all that is in it: long names, long paths, many
+languages. Once with the usual text and once with larger text."""
 
 import itertools
 import re
@@ -85,7 +85,7 @@ def overlap(first, second):
     )
 
 
-class Fitting:
+class Fitting(Journey):
     """What is expected of every window."""
 
     scale = 1
@@ -95,8 +95,10 @@ class Fitting:
         super().setUp()
         self.assertEqual(len(LONG), 300)
 
-    def start_program(self, **options):
-        return super().start_program(GDK_DPI_SCALE=str(self.scale), **self.environment, **options)
+    def start_program(self, *arguments, **options):
+        return super().start_program(
+            *arguments, GDK_DPI_SCALE=str(self.scale), **self.environment, **options
+        )
 
     def expect_inside(self, what, extents, around):
         x, y, width, height = extents
@@ -140,7 +142,8 @@ class Fitting:
                 )
 
     def parts(self, widget, is_scrolled=False):
-        """Whatever is operated or read in the window: whether it can be scrolled, the widget, and its place."""
+        """Whatever is operated or read in the window: whether it can be scrolled, the widget, and
+        its place."""
         for child in (
             Widget(widget.program, child) for child in accessibility.children(widget.accessible)
         ):
@@ -163,7 +166,8 @@ class Fitting:
         return window.find("scroll pane")
 
     def expect_shrinking(self, window):
-        """However small the user makes the window, it is no larger than it was, or than the screen, and all is still there."""
+        """However small the user makes the window, it is no larger than it was, or than the screen,
+        and all is still there."""
         before = window.resting_extents()
         self.expect_fitting_inside(window)
         after = window.resize(1, 1)
@@ -197,7 +201,8 @@ class SmallScreen(Fitting, WorkspaceJourney):
         dialog.answer(answer)
 
     def expect_centred(self, window, parent):
-        """The window is on the screen, and in the middle of its parent as far as the screen allows."""
+        """The window is on the screen, and in the middle of its parent as far as the screen
+        allows."""
         screen = display.screen_size()
         place, around = window.resting_extents(), parent.resting_extents()
         self.expect_inside(window, place, (0, 0, *screen))
@@ -250,7 +255,8 @@ class SmallScreen(Fitting, WorkspaceJourney):
         error.answer("Close")
 
     def go_back_to(self, window, label, index=0):
-        """Presses Shift+Tab until the text field of that label has the focus, wherever it is scrolled to."""
+        """Presses Shift+Tab until the text field of that label has the focus, wherever it is
+        scrolled to."""
         field = window.find_all(accessibility.TEXTS, labelled=label, showing=False)[index]
         for _ in range(15):
             window.press("shift+Tab")
@@ -421,7 +427,7 @@ class SmallScreen(Fitting, WorkspaceJourney):
 
     def count_codes_in_view(self, editing):
         codes = editing.list("Remark codes")
-        x, y, width, height = codes.resting_extents()
+        _, y, _, height = codes.resting_extents()
         tops = [row.extents for row in codes.rows()]
         return sum(
             place is not None and place[1] >= y and place[1] + place[3] <= y + height
@@ -429,8 +435,9 @@ class SmallScreen(Fitting, WorkspaceJourney):
         )
 
     def fields_in_view(self, editing):
-        """Those of the name, the author and the version that are shown whole, from top to bottom."""
-        x, y, width, height = self.scroller(editing).resting_extents()
+        """Those of the name, the author and the version that are shown whole, from top to
+        bottom."""
+        _, y, _, height = self.scroller(editing).resting_extents()
         places = [
             (field, field.extents)
             for field in editing.find_all(accessibility.TEXTS)
@@ -560,7 +567,8 @@ class Beginnings(Fitting, Journey):
         refusal = program.dialog("Error")
         self.assertEqual(
             refusal.message,
-            "Cannot access the specified location.\n\nCannot get file status.\n\nError 36: File name too long",
+            "Cannot access the specified location.\n\nCannot get file status.\n\n"
+            "Error 36: File name too long",
         )
         self.expect_fitting(refusal)
         refusal.answer("Close")

@@ -1,4 +1,5 @@
-"""What happens around the tool's windows: a start that fails, two programs at once, and what a start ignores and cleans up."""
+"""What happens around the tool's windows: a start that fails, two programs at once, and what a
+start ignores and cleans up."""
 
 import os
 import pathlib
@@ -43,8 +44,8 @@ class Startup(Journey):
         self.assertEqual(list(self.home.glob("Vantorelle*")), [])
 
     def test_the_desktop_knows_the_windows_for_the_programs(self):
-        # It finds name and icon in the entry that is called like the windows' class, of which the toolkit writes the first
-        # letter as a capital.
+        # It finds name and icon in the entry that is called like the windows' class, of which the
+        # toolkit writes the first letter as a capital.
         own = (APPLICATION, "O" + APPLICATION[1:])
         self.make_workspace()
         program = self.start_program()

@@ -1,4 +1,5 @@
-"""What can be typed and pasted into the fields, what is saved of it, and where spelling is checked."""
+"""What can be typed and pasted into the fields, what is saved of it, and where spelling is
+checked."""
 
 import re
 
@@ -316,7 +317,8 @@ class Typing(WorkspaceJourney):
         self.expect_marks(version)
 
     def choose_in_spelling_menu(self, field, *keys):
-        """Opens the menu of the field's first word, in which the suggestions are chosen already, and goes on by keys."""
+        """Opens the menu of the field's first word, in which the suggestions are chosen already,
+        and goes on by keys."""
         # The toolkit's own menu waits for the clipboard, and then complains of what it waited for.
         field.program.expected_complaints = re.compile("not holding a GdkSeat")
         field.focus()

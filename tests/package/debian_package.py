@@ -3,7 +3,8 @@
 
     debian_package.py PACKAGE ROOT
 
-ROOT is the folder of a Debian with nothing but its base on it. To be run by root in a mount namespace of its own.
+ROOT is the folder of a Debian with nothing but its base on it. To be run by root in a mount
+namespace of its own.
 """
 
 import gzip
@@ -44,9 +45,13 @@ TYPES_INDEX = "usr/share/mime/globs2"
 # What the package manager notes down of everything that it does.
 JOURNALS = ("var/log/", "var/lib/dpkg/", "var/lib/apt/", "var/cache/")
 
+package, root = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+mounted = root / "proc", root / tempfile.gettempdir().lstrip("/")
+
 
 def packaged_files():
-    """An installation as Debian wants it: documents compressed, its own copyright file, the font from the font's package."""
+    """An installation as Debian wants it: documents compressed, its own copyright file, the font
+    from the font's package."""
     files = installed_files() - {f"lib/vantorelle/fonts/{name}" for name in ("copyright", "GPL-2")}
     files -= {
         f"share/man/man1/{PROGRAM}.1",
@@ -93,7 +98,8 @@ def in_root(*command):
 
 
 def everything_in_root():
-    """Each file and folder of the clean Debian, apart from what is mounted there and from journals."""
+    """Each file and folder of the clean Debian, apart from what is mounted there and from
+    journals."""
     found = set()
     for path, folders, files in os.walk(root):
         folders[:] = [name for name in folders if pathlib.Path(path, name) not in mounted]
@@ -156,7 +162,8 @@ class CleanDebian(InstalledProgramJourney):
         self.assertNotIn("vantorelle", (root / TYPES_INDEX).read_text())
 
     def check_desktop(self):
-        """The desktop's index of types has the codeset, although no script of the package told it."""
+        """The desktop's index of types has the codeset, although no script of the package told
+        it."""
         self.assertIn(
             ":application/x-vantorelle-codeset:*.codeset\n", (root / TYPES_INDEX).read_text()
         )
@@ -164,7 +171,8 @@ class CleanDebian(InstalledProgramJourney):
         self.assertTrue(page.startswith(b".TH VANTORELLE"))
 
     def use_installed(self):
-        """The program sees the clean Debian only, and in it the display, the session's bus and the test's home."""
+        """The program sees the clean Debian only, and in it the display, the session's bus and the
+        test's home."""
         entry = self.folder / "entry"
         entry.mkdir()
         script = entry / PROGRAM
@@ -181,6 +189,7 @@ def prepare():
     ):
         (root / name).write_text(text)
         (root / name).chmod(0o755)
+    processes, temporary = mounted
     for folder in mounted:
         folder.mkdir(parents=True, exist_ok=True)
     subprocess.run(("mount", "-t", "proc", "proc", processes), check=True)
@@ -188,9 +197,7 @@ def prepare():
 
 
 if __name__ == "__main__":
-    package, root = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
     del sys.argv[1:3]
     os.environ.setdefault("JOURNEY_ARTIFACTS", str(package.parent / "journey-artifacts"))
-    mounted = processes, temporary = root / "proc", root / tempfile.gettempdir().lstrip("/")
     prepare()
     main()

@@ -1,4 +1,5 @@
-"""The program of a release build: what an attacker who has found a fault in it would have to get past."""
+"""The program of a release build: what an attacker who has found a fault in it would have to get
+past."""
 
 import os
 import pathlib
@@ -10,6 +11,8 @@ import unittest
 from layout import PROGRAM, SOURCE
 
 BUILD = pathlib.Path(os.environ["VANTORELLE_RELEASE_BUILD"])
+
+program = None
 
 
 def build_release():
@@ -66,7 +69,8 @@ class Hardening(unittest.TestCase):
 
     @unittest.skipUnless(platform.machine() == "x86_64", "other processors have other means")
     def test_jumps_and_returns_lead_only_where_they_should(self):
-        """The program as a whole says so only where the C library's own start files do, which they do not on Debian 12."""
+        """The program as a whole says so only where the C library's own start files do, which they
+        do not on Debian 12."""
         # What the build tries out first is made with flags of its own.
         objects = [path for path in BUILD.rglob("*.o") if "_CMakeLTOTest-CXX" not in path.parts]
         self.assertGreater(len(objects), 50)

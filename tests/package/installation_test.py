@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""An installation into a prefix of its own: its files, what it tells the desktop, and the program run from it."""
+"""An installation into a prefix of its own: its files, what it tells the desktop, and the program
+run from it."""
 
 import configparser
 import os
@@ -28,10 +29,13 @@ from layout import (
 FREEDESKTOP_TYPES = pathlib.Path("/usr/share/mime/packages/freedesktop.org.xml")
 MEDIA_TYPE = "application/x-vantorelle-codeset"
 
+prefix = None
+
 
 def setUpModule():
-    """Installs below one folder and moves the tree to another, as the making of any package does."""
-    global folder, prefix
+    """Installs below one folder and moves the tree to another, as the making of any package
+    does."""
+    global prefix
     folder = tempfile.TemporaryDirectory(prefix="installation.")
     unittest.addModuleCleanup(folder.cleanup)
     root = pathlib.Path(folder.name)
@@ -145,7 +149,8 @@ class Desktop(unittest.TestCase):
 
 
 class MediaType(unittest.TestCase):
-    """Asked of GIO with a database of its own, made of the desktop's types and the installed one."""
+    """Asked of GIO with a database of its own, made of the desktop's types and the installed
+    one."""
 
     @classmethod
     def setUpClass(cls):

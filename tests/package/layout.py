@@ -73,7 +73,8 @@ def files_below(folder):
 
 
 def install(destination, *arguments):
-    """Installs the build that the stage belongs to, below a folder that is not the place it is meant for."""
+    """Installs the build that the stage belongs to, below a folder that is not the place it is
+    meant for."""
     subprocess.run(
         (os.environ["VANTORELLE_CMAKE"], "--install", delivered_stage().parent, *arguments),
         env={**os.environ, "DESTDIR": str(destination)},
@@ -84,8 +85,8 @@ def install(destination, *arguments):
 
 class InstalledProgramJourney(Journey):
     def use(self, folder, beside, **environment):
-        """Starts the program of the folder, has a workspace made and ends it. What the workspace receives must be what lies in
-        the folder `beside`."""
+        """Starts the program of the folder, has a workspace made and ends it. What the workspace
+        receives must be what lies in the folder `beside`."""
         program = self.start_program(stage=folder, **environment)
         assistant = program.window("Vantorelle Workspace Setup")
         assistant.button("Next").click()

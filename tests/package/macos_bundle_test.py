@@ -25,6 +25,8 @@ from support.journey import delivered_stage
 BUNDLE_NAME = "Vantorelle Remark Codesets Manager.app"
 ICON_SIZES = (16, 32, 48, 128, 256, 512, 1024)
 
+applications = None
+
 
 def setUpModule():
     global applications

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""instruction_count_test.py COUNTED_READING: reading 10,000 remarks must not take more instructions than
-it did when it was last worked on.
+"""instruction_count_test.py COUNTED_READING: reading 10,000 remarks must not take more instructions
+than it did when it was last worked on.
 
 Counts differ from one processor and one C library to the next: the library picks its copying and
 searching functions by what the processor can do. So the count is taken relative to that of the
@@ -18,8 +18,8 @@ import tempfile
 RECORDED_RATIO = 0.812
 MARGIN = 0.05
 
-# When the allocator tidies up its short free lists depends on chance neighbours in memory, and costs
-# more than the margin. Without these lists every run does the same.
+# When the allocator tidies up its short free lists depends on chance neighbours in memory, and
+# costs more than the margin. Without these lists every run does the same.
 ENVIRONMENT = {**os.environ, "GLIBC_TUNABLES": "glibc.malloc.mxfast=0"}
 
 

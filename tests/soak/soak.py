@@ -2,8 +2,9 @@
 
     tests/support/headless /usr/bin/python3 tests/soak/soak.py [ACTIONS [SEED]]
 
-VANTORELLE_STAGE is the folder with the program, in a build folder. After all actions it must still answer, must have printed
-nothing, must not have grown since the first measurement, and must end well.
+VANTORELLE_STAGE is the folder with the program, in a build folder. After all actions it must still
+answer, must have printed nothing, must not have grown since the first measurement, and must end
+well.
 """
 
 import pathlib
@@ -25,11 +26,12 @@ DEFAULT_SEED = 1
 MEASURED_EVERY = 500
 TOLERATED_GROWTH = 1.05
 
-# Upon SIGUSR2 this makes the program give back what it has freed. It lies beside the stage in the build folder.
+# Upon SIGUSR2 this makes the program give back what it has freed. It lies beside the stage in the
+# build folder.
 HEAP_TRIMMING = pathlib.Path("tests") / "soak" / "heap_trimming.so"
 
-# A name in the languages of the user and of the delivered codesets. Each brings a dictionary of some megabytes when it is
-# shown first, and that is before the first measurement.
+# A name in the languages of the user and of the delivered codesets. Each brings a dictionary of
+# some megabytes when it is shown first, and that is before the first measurement.
 EVERY_LANGUAGE = "every_language.codeset"
 NAME_IN_EVERY_LANGUAGE = {
     tag: f"Every language {tag}" for tag in ("en-uk", "en", "de", "es", "fr", "nl", "sv")
@@ -89,7 +91,8 @@ class Soak(WorkspaceJourney):
             if number % MEASURED_EVERY == 0:
                 measured.append(self.memory_at_rest(program, user))
                 print(
-                    f"after {number:5} actions: {measured[-1]:,} KiB, {len(self.contents())} codesets, "
+                    f"after {number:5} actions: {measured[-1]:,} KiB, "
+                    f"{len(self.contents())} codesets, "
                     f"{time.monotonic() - started:.0f} s",
                     flush=True,
                 )
@@ -104,8 +107,9 @@ class Soak(WorkspaceJourney):
             )
 
     def memory_at_rest(self, program, user):
-        """What the program alone has written into its memory and not freed, in KiB, with the main window on top and nothing to
-        do. Pages that it shares with the files they come from do not count: the system takes and gives them as it likes.
+        """What the program alone has written into its memory and not freed, in KiB, with the main
+        window on top and nothing to do. Pages that it shares with the files they come from do not
+        count: the system takes and gives them as it likes.
         """
         self.show_every_language(program, user)
         self.refresh(user.return_to_main_window())

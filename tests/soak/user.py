@@ -1,4 +1,5 @@
-"""A user who does whatever comes to mind: picks one action after the other among those that the active window offers."""
+"""A user who does whatever comes to mind: picks one action after the other among those that the
+active window offers."""
 
 import collections
 import random
@@ -8,8 +9,8 @@ from support import MAIN_WINDOW, Dialog, FileChooser, JourneyTimeout, accessibil
 from support.waiting import settle, wait_until
 from support.widgets import as_widget
 
-# What kind of action a button of the main window is, and how often it is pressed. The list must neither run empty nor
-# grow without end: what adds to it is pressed more often the emptier it is.
+# What kind of action a button of the main window is, and how often it is pressed. The list must
+# neither run empty nor grow without end: what adds to it is pressed more often the emptier it is.
 MAIN_BUTTONS = {
     "Add from file": ("add", 2),
     "Add bundled": ("add", 2),
@@ -90,7 +91,8 @@ Offer = collections.namedtuple("Offer", "weight kind what act")
 
 
 class User:
-    """`codesets` is the folder that the program lists, `outside` one with files to be added and copies to be saved."""
+    """`codesets` is the folder that the program lists, `outside` one with files to be added and
+    copies to be saved."""
 
     def __init__(self, program, codesets, outside, seed):
         self.program = program
@@ -135,8 +137,9 @@ class User:
         try:
             return wait_until(at_rest, "a window to come to rest", LOST_SECONDS)
         except JourneyTimeout:
-            # When a question and the window that it is about close in the same moment, the window manager may find the
-            # second gone before it can activate it. A user then clicks on what is left.
+            # When a question and the window that it is about close in the same moment, the window
+            # manager may find the second gone before it can activate it. A user then clicks on what
+            # is left.
             left = self.program.windows()[-1:]
             if left and not left[0].is_active:
                 self.last.append(f"click on {left[0]!r}, which is left")
@@ -321,7 +324,8 @@ class User:
     # How it is done
 
     def click(self, widget, button=1, times=1, place=(0.5, 0.5)):
-        """Clicks it where it is just now. What is scrolled away or behind the window's edge is left alone."""
+        """Clicks it where it is just now. What is scrolled away or behind the window's edge is left
+        alone."""
         active = self.program.active_window()
         own, window = widget.extents, active and active.extents
         if not own or not window:
@@ -360,7 +364,8 @@ class User:
             display.press("Home", *["Down"] * place, "Return")
 
     def choose_file(self, chooser, path):
-        """The slash brings the location field up where there is none; the chooser looks at the path in its own time."""
+        """The slash brings the location field up where there is none; the chooser looks at the path
+        in its own time."""
         display.set_clipboard(str(path))
         display.press("slash")
         settle(CHOOSER_SECONDS)

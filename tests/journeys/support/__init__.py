@@ -1,4 +1,5 @@
-"""Drives the real program from outside: finds its widgets in the accessibility tree and operates them with X events."""
+"""Drives the real program from outside: finds its widgets in the accessibility tree and operates
+them with X events."""
 
 from .journey import Journey, main
 from .program import Program

@@ -1,12 +1,13 @@
-"""The accessibility tree as plain functions over accessible objects. Whatever vanishes while it is read reads as absent."""
+"""The accessibility tree as plain functions over accessible objects. Whatever vanishes while it is
+read reads as absent."""
 
 import gi
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
-# A program that vanishes in the middle of a question makes the accessibility library complain in this process. That is
-# not the program's fault, and must not end the journey.
+# A program that vanishes in the middle of a question makes the accessibility library complain in
+# this process. That is not the program's fault, and must not end the journey.
 GLib.log_set_always_fatal(GLib.LogLevelFlags.LEVEL_ERROR)
 
 LISTS = ("table", "tree table")
@@ -41,8 +42,8 @@ def children(accessible):
 
 
 def descendants(accessible, closed=LISTS):
-    """All below the object in reading order. Objects of the closed roles are not entered: the cells of a list are many, and
-    found by row instead."""
+    """All below the object in reading order. Objects of the closed roles are not entered: the cells
+    of a list are many, and found by row instead."""
     for child in children(accessible):
         yield child
         if role(child) not in closed:
@@ -81,7 +82,8 @@ def text(accessible):
 
 
 def extents(accessible):
-    """(x, y, width, height) on the screen in the toolkit's pixels, or None when it is not on the screen."""
+    """(x, y, width, height) on the screen in the toolkit's pixels, or None when it is not on the
+    screen."""
     if "Component" not in interfaces(accessible):
         return None
     box = attempt(Atspi.Component.get_extents, accessible, Atspi.CoordType.SCREEN)

@@ -8,8 +8,8 @@ import time
 
 from .waiting import settle, wait_until
 
-# A pause between keystrokes, in milliseconds. Characters outside the keyboard's layout are typed by remapping a key, which
-# the program has to notice before the key arrives.
+# A pause between keystrokes, in milliseconds. Characters outside the keyboard's layout are typed by
+# remapping a key, which the program has to notice before the key arrives.
 KEY_DELAY = 8
 REMAPPED_KEY_DELAY = 100
 
@@ -30,7 +30,8 @@ def move(x, y):
 
 
 def press(*keys):
-    """Presses keys one after the other, each named as X names it: "Tab", "Return", "ctrl+a", "alt+F4"."""
+    """Presses keys one after the other, each named as X names it: "Tab", "Return", "ctrl+a",
+    "alt+F4"."""
     xdotool("key", "--delay", KEY_DELAY, *keys)
 
 
@@ -130,7 +131,8 @@ def activate(window):
 
 
 def ask_manager_to_close(window):
-    """Asks the window manager to close an X window, as its task bar button does. The window need not be active."""
+    """Asks the window manager to close an X window, as its task bar button does. The window need
+    not be active."""
     with x_display() as (x11, display):
         send_message(
             x11,
@@ -195,8 +197,8 @@ def x_display():
 
 
 def send_message(x11, display, receiver, window, kind, data, mask):
-    event = ClientMessage(type=CLIENT_MESSAGE, window=window, format=32)
-    event.message_type = x11.XInternAtom(display, kind.encode(), False)
+    kind_atom = x11.XInternAtom(display, kind.encode(), False)
+    event = ClientMessage(type=CLIENT_MESSAGE, window=window, message_type=kind_atom, format=32)
     event.data[:2] = data
     if not x11.XSendEvent(display, receiver, False, mask, ctypes.byref(event)):
         raise AssertionError(f"The message {kind} was not sent.")
@@ -208,7 +210,8 @@ def move_window(window, x, y):
 
 
 def resize(window, width, height):
-    """Asks the window manager for a size, as dragging a corner does. The program may insist on more."""
+    """Asks the window manager for a size, as dragging a corner does. The program may insist on
+    more."""
     xdotool("windowsize", window, width, height)
 
 
@@ -226,7 +229,8 @@ def screenshot(path):
 
 
 def read_message():
-    """Waits as long after the last key as a user needs to read. A message that opens while the user types takes no keys."""
+    """Waits as long after the last key as a user needs to read. A message that opens while the user
+    types takes no keys."""
     settle(max(0, last_key_time + READING_PAUSE - time.monotonic()))
 
 

@@ -27,8 +27,8 @@ class Journey(unittest.TestCase):
         self.addCleanup(self.end_programs)
 
     def start_program(self, home=None, stage=None, ignored_signals=(), **environment):
-        """Starts the program in the test's home. `stage` is a folder from copy_stage(); environment variables are given by
-        name, with None to unset one."""
+        """Starts the program in the test's home. `stage` is a folder from copy_stage(); environment
+        variables are given by name, with None to unset one."""
         output = self.folder / f"printed-{len(self.programs)}.txt"
         program = Program(
             home or self.home, stage or delivered_stage(), output, environment, ignored_signals
@@ -72,7 +72,8 @@ class Journey(unittest.TestCase):
             for number, program in enumerate(self.programs):
                 (folder / f"tree-{number}.txt").write_text(program.dump())
                 (folder / f"printed-{number}.txt").write_text(program.printed)
-        except Exception as error:  # the journey's own failure is what is to be reported
+        # The journey's own failure must be reported, so nothing may escape here.
+        except Exception as error:  # pylint: disable=broad-exception-caught
             print(f"no complete picture of the failure: {error}", file=sys.stderr)
 
 
@@ -84,7 +85,8 @@ def delivered_stage():
 
 
 def artifacts_folder():
-    """JOURNEY_ARTIFACTS, or the folder journey-artifacts in the build folder that the stage lies in."""
+    """JOURNEY_ARTIFACTS, or the folder journey-artifacts in the build folder that the stage lies
+    in."""
     named = os.environ.get("JOURNEY_ARTIFACTS")
     script = pathlib.Path(sys.argv[0]).stem
     return (
@@ -93,6 +95,7 @@ def artifacts_folder():
 
 
 def main():
-    """Runs the journeys of the calling file. None found is a failure, and so is one that was skipped."""
+    """Runs the journeys of the calling file. None found is a failure, and so is one that was
+    skipped."""
     ended = unittest.main(module="__main__", exit=False, verbosity=2).result
     sys.exit(0 if ended.wasSuccessful() and ended.testsRun > 0 and not ended.skipped else 1)

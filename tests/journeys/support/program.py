@@ -12,22 +12,26 @@ from .waiting import DEFAULT_SECONDS, settle, wait_until
 EXECUTABLE = "vantorelle-remark-codesets-manager"
 START_SECONDS = 30
 
-# The toolkit's chooser unselects its files half a second after the name in it was set. When that moment comes in the few
-# milliseconds in which a chooser that was closed is taken down, it does so with a list that is gone already, and complains of
-# itself ("gtk_tree_view_get_selection: assertion 'GTK_IS_TREE_VIEW (tree_view)' failed", GTK 3.24.38). A program of the
-# toolkit's alone does the same. No user closes a chooser just then; the journeys, at their pace, did once in some fifty times.
+# The toolkit's chooser unselects its files half a second after the name in it was set. When that
+# moment comes in the few milliseconds in which a chooser that was closed is taken down, it does so
+# with a list that is gone already, and complains of itself ("gtk_tree_view_get_selection: assertion
+# 'GTK_IS_TREE_VIEW (tree_view)' failed", GTK 3.24.38). A program of the toolkit's alone does the
+# same. No user closes a chooser just then; the journeys, at their pace, did once in some fifty
+# times.
 CHOOSER_PAUSE = 0.7
 
-# Lines that a clean run never prints: the toolkit's complaints and the reports of a build with checks.
+# Lines that a clean run never prints: the toolkit's complaints and the reports of a build with
+# checks.
 COMPLAINTS = re.compile(
     r"(WARNING|CRITICAL|ERROR) \*\*|\*\* (WARNING|CRITICAL|ERROR)|runtime error:|Sanitizer"
 )
 
 
 class Program:
-    """Started at once. `home` is the user's home folder, `stage` the folder with the executable and what lies beside it,
-    `output` the file that takes what is printed, `environment` what is set (or, with None, unset) beyond the caller's.
-    Signals that the program's parent ignored stay ignored in it."""
+    """Started at once. `home` is the user's home folder, `stage` the folder with the executable and
+    what lies beside it, `output` the file that takes what is printed, `environment` what is set
+    (or, with None, unset) beyond the caller's. Signals that the program's parent ignored stay
+    ignored in it."""
 
     def __init__(self, home, stage, output, environment=None, ignored_signals=()):
         self.home = pathlib.Path(home)
@@ -36,7 +40,8 @@ class Program:
         self.ended_by_journey = False
         self.expected_complaints = None
         variables = {**os.environ, **home_environment(self.home), **(environment or {})}
-        # Pixels of the screen for each that the toolkit, and with it the accessibility tree, reckons with.
+        # Pixels of the screen for each that the toolkit, and with it the accessibility tree,
+        # reckons with.
         self.scale = int(variables.get("GDK_SCALE") or 1)
 
         def ignore_signals():
@@ -75,19 +80,27 @@ class Program:
     @property
     def private_memory(self):
         """KiB that it alone has written to."""
-        lines = pathlib.Path(f"/proc/{self.pid}/smaps_rollup").read_text().splitlines()
+        lines = (
+            pathlib.Path(f"/proc/{self.pid}/smaps_rollup").read_text(encoding="utf-8").splitlines()
+        )
         return sum(
             int(line.split()[1]) for line in lines if line.startswith(("Private_Dirty:", "Swap:"))
         )
 
     def scheduling(self):
-        """The system's account of it, from the third field on: what stands before may hold blanks."""
-        return pathlib.Path(f"/proc/{self.pid}/stat").read_text().rpartition(")")[2].split()
+        """The system's account of it, from the third field on: what stands before may hold
+        blanks."""
+        return (
+            pathlib.Path(f"/proc/{self.pid}/stat")
+            .read_text(encoding="utf-8")
+            .rpartition(")")[2]
+            .split()
+        )
 
     @property
     def printed(self):
         """All that the program has printed so far."""
-        return self.output.read_text(errors="replace")
+        return self.output.read_text(encoding="utf-8", errors="replace")
 
     def wait(self, condition, what, seconds=DEFAULT_SECONDS):
         """Like wait_until, but gives up as soon as the program has ended."""
@@ -96,7 +109,8 @@ class Program:
             value = condition()
             if not value and not self.is_running:
                 raise AssertionError(
-                    f"The program ended with status {self.process.returncode} before {what() if callable(what) else what}.\n"
+                    f"The program ended with status {self.process.returncode} before "
+                    f"{what() if callable(what) else what}.\n"
                     f"{self.printed}"
                 )
             return value
@@ -118,7 +132,8 @@ class Program:
         ]
 
     def window(self, title, kind=widgets.Window, seconds=START_SECONDS):
-        """The window of that title (or pattern) and kind, waited for until it is there and active."""
+        """The window of that title (or pattern) and kind, waited for until it is there and
+        active."""
         window = self.wait(
             lambda: next(
                 (
@@ -164,7 +179,8 @@ class Program:
         self.ended_by_journey = True
         if self.process.returncode != status:
             raise AssertionError(
-                f"The program ended with status {self.process.returncode}, not {status}.\n{self.printed}"
+                f"The program ended with status {self.process.returncode}, not {status}.\n"
+                f"{self.printed}"
             )
 
     def kill(self, number=signal.SIGKILL):
@@ -177,10 +193,12 @@ class Program:
         return [line for line in self.printed.splitlines() if COMPLAINTS.search(line)]
 
     def check(self):
-        """Fails when the program ended by itself unasked, or printed a complaint that the journey did not expect."""
+        """Fails when the program ended by itself unasked, or printed a complaint that the journey
+        did not expect."""
         if not self.is_running and not self.ended_by_journey:
             raise AssertionError(
-                f"The program ended by itself with status {self.process.returncode}.\n{self.printed}"
+                f"The program ended by itself with status {self.process.returncode}.\n"
+                f"{self.printed}"
             )
         unexpected = [
             line

@@ -13,8 +13,8 @@ class JourneyTimeout(AssertionError):
 
 
 def wait_until(condition, what, seconds=DEFAULT_SECONDS):
-    """Calls `condition` until it returns something true, and returns that. `what` completes "Waited in vain for ...";
-    it may be a function, called only on failure."""
+    """Calls `condition` until it returns something true, and returns that. `what` completes "Waited
+    in vain for ..."; it may be a function, called only on failure."""
     deadline = time.monotonic() + seconds
     while True:
         pump()
@@ -29,7 +29,8 @@ def wait_until(condition, what, seconds=DEFAULT_SECONDS):
 
 
 def settle(seconds=0.1):
-    """For the few things that announce themselves nowhere, such as a keystroke that must change nothing."""
+    """For the few things that announce themselves nowhere, such as a keystroke that must change
+    nothing."""
     deadline = time.monotonic() + seconds
     while time.monotonic() < deadline:
         pump()

@@ -6,7 +6,7 @@ import time
 from gi.repository import Atspi
 
 from . import accessibility, display
-from .waiting import DEFAULT_SECONDS, settle, wait_until
+from .waiting import DEFAULT_SECONDS, settle
 
 WINDOW_ROLES = (
     "frame",
@@ -28,8 +28,8 @@ def matches(wanted, actual):
 
 
 def labels_of(accessible, label_before):
-    """What tells a person which widget this is: the labels related to it, the one directly before it, the name that is
-    spoken. A field's colon and mark are left out."""
+    """What tells a person which widget this is: the labels related to it, the one directly before
+    it, the name that is spoken. A field's colon and mark are left out."""
     labels = [*accessibility.labels_of(accessible), accessibility.name(accessible)]
     if label_before is not None:
         labels.append(label_before)
@@ -37,7 +37,8 @@ def labels_of(accessible, label_before):
 
 
 class Widget:
-    """One accessible object of the program. What is asked is asked anew each time; what is found is waited for."""
+    """One accessible object of the program. What is asked is asked anew each time; what is found is
+    waited for."""
 
     def __init__(self, program, accessible):
         self.program = program
@@ -67,7 +68,8 @@ class Widget:
 
     @property
     def key(self):
-        """The key that does its first action, as assistive technology is told; None when there is none."""
+        """The key that does its first action, as assistive technology is told; None when there is
+        none."""
         binding = self.accessible.get_action_iface().get_key_binding(0)
         return binding.removeprefix(";;") or None
 
@@ -78,7 +80,8 @@ class Widget:
 
     @property
     def text(self):
-        """What it shows: the content of a field, the words of a label, the choice of a combo box."""
+        """What it shows: the content of a field, the words of a label, the choice of a combo
+        box."""
         self.accessible.clear_cache()
         shown = accessibility.text(self.accessible)
         return self.name if shown is None else shown
@@ -122,15 +125,16 @@ class Widget:
         return Atspi.Text.get_text(self.accessible, marked.start_offset, marked.end_offset)
 
     def text_attributes(self, offset=0):
-        """The attributes of the text at an offset, such as {"underline": "single", "fg-color": "65535,0,0"}."""
+        """The attributes of the text at an offset, such as {"underline": "single", "fg-color":
+        "65535,0,0"}."""
         run = accessibility.attempt(Atspi.Text.get_attribute_run, self.accessible, offset, False)
         return run[0] if run else {}
 
     # Finding inside
 
     def find_all(self, role=None, name=None, labelled=None, showing=True):
-        """The widgets inside that fit now, in reading order. `role` is one role name or several; `labelled` is the text of
-        a label that belongs to the widget, without its colon."""
+        """The widgets inside that fit now, in reading order. `role` is one role name or several;
+        `labelled` is the text of a label that belongs to the widget, without its colon."""
         roles = (role,) if isinstance(role, str) else role
         self.accessible.clear_cache()
         found = []
@@ -173,9 +177,7 @@ class Widget:
             if value
         )
         found = self.program.wait(
-            lambda: self.find_all(role, name, labelled)[index:] or None
-            if index >= 0
-            else self.find_all(role, name, labelled)[index:][:1],
+            lambda: self.find_all(role, name, labelled)[index:][:1],
             lambda: f"a widget with {wanted}, index {index}, in {self!r}",
             seconds,
         )
@@ -211,7 +213,8 @@ class Widget:
         return self.find(accessibility.LISTS, labelled=labelled, index=index)
 
     def frame(self, title):
-        """The box whose frame bears the title. A required field's mark is part of the title: give a pattern to leave it out."""
+        """The box whose frame bears the title. A required field's mark is part of the title: give a
+        pattern to leave it out."""
         return self.find("panel", title)
 
     # Operating
@@ -274,8 +277,8 @@ class Widget:
         display.type_text(text)
 
     def choose(self, choice):
-        """Opens a combo box and goes to the item of that name by keys: near the edge of the screen part of the list is
-        hidden."""
+        """Opens a combo box and goes to the item of that name by keys: near the edge of the screen
+        part of the list is hidden."""
         place = self.choices().index(choice)
         self.click()
         self.program.wait(lambda: self.find_all("menu item"), lambda: f"{self!r} to open")
@@ -325,7 +328,8 @@ class Row(Widget):
 
     @property
     def colour(self):
-        """Its own text colour as (red, green, blue) of 0-65535, or None when it has none of its own."""
+        """Its own text colour as (red, green, blue) of 0-65535, or None when it has none of its
+        own."""
         value = self.text_attributes().get("fg-color")
         return tuple(map(int, value.split(","))) if value else None
 
@@ -347,7 +351,8 @@ class Row(Widget):
         return bool(seen) and self.index <= seen[0]
 
     def click_as_it_is(self, button=1, times=1):
-        """A click soon after the last one in the same place would be taken for the second half of a double one."""
+        """A click soon after the last one in the same place would be taken for the second half of a
+        double one."""
         self.reveal()
         settle(max(0, Row.next_click - time.monotonic()))
         super().click_as_it_is(button, times)
@@ -471,7 +476,8 @@ class Window(Widget):
         self.press("alt+F4")
 
     def ask_to_close(self):
-        """Asks the window manager to close it, as a task bar does. It need not be the active window."""
+        """Asks the window manager to close it, as a task bar does. It need not be the active
+        window."""
         display.ask_manager_to_close(self.window_id)
 
     def ask_directly_to_close(self):
@@ -525,7 +531,8 @@ class FileChooser(Window):
         path = str(path)
         self.expect_active()
         if not self.has("text"):
-            # The first character brings the location field up; keys that come before it is there are lost.
+            # The first character brings the location field up; keys that come before it is there
+            # are lost.
             display.press("slash")
             self.name_field().expect_focus()
         else:
@@ -541,7 +548,8 @@ class FileChooser(Window):
         self.program.wait(
             lambda: field.text.startswith(path), lambda: f"the path {path!r}; it is {field.text!r}"
         )
-        # The chooser may have completed the path to that of a longer name. The completion is marked, so it can be deleted.
+        # The chooser may have completed the path to that of a longer name. The completion is
+        # marked, so it can be deleted.
         settle()
         if field.text != path:
             display.press("Delete")
@@ -552,9 +560,9 @@ class FileChooser(Window):
         self.enter_path(path)
         display.press("Return")
 
-    def choose(self, path):
+    def choose(self, choice):
         """Chooses an absolute path and waits until the chooser is gone."""
-        self.accept(path)
+        self.accept(choice)
         self.expect_closed()
 
     def cancel(self):

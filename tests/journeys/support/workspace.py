@@ -1,4 +1,5 @@
-"""Journeys that begin with a workspace that is there already, instead of walking through the assistant."""
+"""Journeys that begin with a workspace that is there already, instead of walking through the
+assistant."""
 
 import re
 from xml.sax.saxutils import escape, quoteattr
@@ -15,8 +16,8 @@ SUB_FOLDERS = ("codesets", "layouts", "documents", "templates")
 
 
 def codeset(name, author=None, version=None, remarks=()):
-    """The bytes of a codeset file. `name` and `author` are {tag: text} or a text in the language en-uk, `remarks` are
-    (code, description) with a description of the same kind."""
+    """The bytes of a codeset file. `name` and `author` are {tag: text} or a text in the language
+    en-uk, `remarks` are (code, description) with a description of the same kind."""
     lines = ['<?xml version="1.0" encoding="iso-8859-1"?>', "", "<codeset>", ""]
     lines += translations("name", name, 1)
     lines += translations("author", author or {}, 1)
@@ -43,7 +44,8 @@ def translations(element, texts, depth):
 
 
 class WorkspaceJourney(Journey):
-    """The user speaks British English. What is put into `self.codesets` before the start is what the program lists."""
+    """The user speaks British English. What is put into `self.codesets` before the start is what
+    the program lists."""
 
     def setUp(self):
         super().setUp()
@@ -88,14 +90,16 @@ class WorkspaceJourney(Journey):
         return program, program.window(MAIN_WINDOW)
 
     def open_editing(self, name, text, **options):
-        """The program, and the editing window of the file `name`, which the list shows as `text`."""
+        """The program, and the editing window of the file `name`, which the list shows as
+        `text`."""
         program, window = self.open(**options)
         window.list().row(text).select()
         window.button("Edit").click()
         return program, program.window(f"Edit remark codeset - {name}")
 
     def expect_message(self, program, title, message, answer):
-        """A dialog that says just this (or fits the pattern), answered with a button, or with a key such as "Escape"."""
+        """A dialog that says just this (or fits the pattern), answered with a button, or with a key
+        such as "Escape"."""
         dialog = program.dialog(title)
         if isinstance(message, re.Pattern):
             self.assertRegex(dialog.message, message)
