@@ -62,6 +62,9 @@ check   clang-tidy
 check   clang-format
 check   cppcheck
 check   shellcheck
+check   black
+check   pylint
+check   python3-gi
 coverage gcovr
 coverage python3
 fuzz    clang
