@@ -1,22 +1,23 @@
 """The user's hands and eyes: mouse, keyboard, clipboard and screen of the X display."""
 
 import contextlib
-import ctypes
 import re
 import subprocess
 import time
 
+from . import xlib
 from .waiting import settle, wait_until
 
-# A pause between keystrokes, in milliseconds. Characters outside the keyboard's layout are typed by
-# remapping a key, which the program has to notice before the key arrives.
+# A pause between keystrokes, in milliseconds.
 KEY_DELAY = 8
-REMAPPED_KEY_DELAY = 100
 
 # Seconds without a key before a message takes keys; see read_message.
 READING_PAUSE = 0.45
 
 last_key_time = 0
+
+# Key symbols that the keyboard is known to have.
+provided = set()
 
 CONTROL_KEYS = {"\n": "Return", "\t": "Tab"}
 
@@ -32,11 +33,14 @@ def move(x, y):
 def press(*keys):
     """Presses keys one after the other, each named as X names it: "Tab", "Return", "ctrl+a",
     "alt+F4"."""
-    xdotool("key", "--delay", KEY_DELAY, *keys)
+    press_at_pace(KEY_DELAY, *keys)
 
 
 def press_at_pace(milliseconds, *keys):
     """Presses keys one after the other; each goes down that long after the one before it."""
+    names = {name for key in keys for name in key.split("+")}
+    # xdotool's own short names, such as "ctrl", are keys of every keyboard and unknown to X.
+    provide({keysym for keysym in map(xlib.keysym_of_name, names) if keysym})
     xdotool("key", "--delay", milliseconds, *keys)
 
 
@@ -70,7 +74,16 @@ def type_text(text):
 
 def type_run(text):
     if text:
-        xdotool("type", "--delay", KEY_DELAY if text.isascii() else REMAPPED_KEY_DELAY, "--", text)
+        provide(set(map(xlib.keysym_of_character, text)))
+        xdotool("type", "--delay", KEY_DELAY, "--", text)
+
+
+def provide(keysyms):
+    """Makes sure that the keyboard has keys with these symbols."""
+    missing = keysyms - provided
+    if missing:
+        xlib.add_keys(missing)
+        provided.update(missing)
 
 
 def set_clipboard(text):
@@ -133,75 +146,23 @@ def activate(window):
 def ask_manager_to_close(window):
     """Asks the window manager to close an X window, as its task bar button does. The window need
     not be active."""
-    with x_display() as (x11, display):
-        send_message(
+    with xlib.connection() as (x11, display):
+        xlib.send_message(
             x11,
             display,
             x11.XDefaultRootWindow(display),
             int(window),
             "_NET_CLOSE_WINDOW",
             (0, 2),
-            TO_MANAGER,
+            xlib.TO_MANAGER,
         )
 
 
 def ask_client_to_close(window):
     """Sends an X window what the window manager sends it when it is to be closed."""
-    with x_display() as (x11, display):
+    with xlib.connection() as (x11, display):
         delete = x11.XInternAtom(display, b"WM_DELETE_WINDOW", False)
-        send_message(x11, display, int(window), int(window), "WM_PROTOCOLS", (delete, 0), 0)
-
-
-class ClientMessage(ctypes.Structure):
-    """XClientMessageEvent of Xlib, with room for the largest XEvent."""
-
-    _fields_ = [
-        ("type", ctypes.c_int),
-        ("serial", ctypes.c_ulong),
-        ("send_event", ctypes.c_int),
-        ("display", ctypes.c_void_p),
-        ("window", ctypes.c_ulong),
-        ("message_type", ctypes.c_ulong),
-        ("format", ctypes.c_int),
-        ("data", ctypes.c_long * 5),
-        ("room", ctypes.c_long * 24),
-    ]
-
-
-CLIENT_MESSAGE = 33
-TO_MANAGER = 1 << 19 | 1 << 20  # SubstructureNotifyMask | SubstructureRedirectMask
-
-
-@contextlib.contextmanager
-def x_display():
-    """Xlib and a connection of its own to the display."""
-    x11 = ctypes.CDLL("libX11.so.6")
-    x11.XOpenDisplay.restype = ctypes.c_void_p
-    x11.XDefaultRootWindow.argtypes = x11.XCloseDisplay.argtypes = (ctypes.c_void_p,)
-    x11.XDefaultRootWindow.restype = x11.XInternAtom.restype = ctypes.c_ulong
-    x11.XInternAtom.argtypes = (ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int)
-    x11.XSendEvent.argtypes = (
-        ctypes.c_void_p,
-        ctypes.c_ulong,
-        ctypes.c_int,
-        ctypes.c_long,
-        ctypes.c_void_p,
-    )
-    display = x11.XOpenDisplay(None)
-    if not display:
-        raise AssertionError("There is no X display.")
-    try:
-        yield x11, display
-    finally:
-        x11.XCloseDisplay(display)
-
-
-def send_message(x11, display, receiver, window, kind, data, mask):
-    kind_atom = x11.XInternAtom(display, kind.encode(), False)
-    event = ClientMessage(type=CLIENT_MESSAGE, window=window, message_type=kind_atom, format=32)
-    event.data[:2] = data
-    if not x11.XSendEvent(display, receiver, False, mask, ctypes.byref(event)):
-        raise AssertionError(f"The message {kind} was not sent.")
+        xlib.send_message(x11, display, int(window), int(window), "WM_PROTOCOLS", (delete, 0), 0)
 
 
 def move_window(window, x, y):
