@@ -48,6 +48,29 @@ class ComponentManager(WorkspaceJourney):
         window.list().row(text).select()
         window.button("Delete").click()
 
+    def delete(self, program, window, text, answer="Yes"):
+        self.ask_to_delete(window, text)
+        self.expect_message(
+            program,
+            "Question",
+            f'Do you really want to delete "{text}" from your workspace?',
+            answer,
+        )
+
+    def refresh(self, program, window, *strange):
+        """Refreshes a list of "Wood" and the incompatible files, which have no order."""
+        window.button("Refresh list").click()
+        program.wait(
+            lambda: window.list().texts()[:-1] in (list(strange), list(reversed(strange))),
+            lambda: f"the rows {strange!r}; they are {window.list().texts()!r}",
+        )
+        self.assertEqual(window.list().texts()[-1], "Wood (Vera) 2")
+        self.assertEqual(NOTICE in window.labels(), bool(strange))
+        self.expect_nothing_selected(window)
+        self.expect_sensitivity(
+            window, Add_from_file=True, Add_bundled=True, Add_new=True, Refresh_list=True
+        )
+
     # What is listed
 
     def test_the_list_at_the_start(self):
@@ -114,13 +137,7 @@ class ComponentManager(WorkspaceJourney):
         window.list().row("strange.codeset").select()
         self.file_name(window).expect_text("strange.codeset")
         self.expect_sensitivity(window, Clone=True, Edit=True, Save_a_copy=True, Delete=True)
-        window.button("Delete").click()
-        self.expect_message(
-            program,
-            "Question",
-            'Do you really want to delete "strange.codeset" from your workspace?',
-            "Yes",
-        )
+        self.delete(program, window, "strange.codeset")
         window.list().expect_texts(["Wood (Vera) 2"])
         self.assertFalse(strange.exists())
         self.assertNotIn(NOTICE, window.labels())
@@ -128,6 +145,33 @@ class ComponentManager(WorkspaceJourney):
             lambda: window.extents[3] == height, "the window to shrink to its former height"
         )
         self.expect_nothing_selected(window)
+
+        (self.codesets / "a.codeset").write_bytes(b"")
+        (self.codesets / "z.codeset").write_bytes(WOOD[: -1 - len("</codeset>")])
+        self.refresh(program, window, "a.codeset", "z.codeset")
+        (self.codesets / "a.codeset").unlink()
+        self.refresh(program, window, "z.codeset")
+        self.delete(program, window, "z.codeset", "Escape")
+        self.refresh(program, window, "z.codeset")
+
+    def test_the_window_shrinks_with_the_notice_unless_it_fills_the_screen(self):
+        self.put("wood.codeset", WOOD)
+        program, window = self.open()
+        width, height = window.extents[2:]
+        strange = self.put("z.codeset", b"")
+        self.refresh(program, window, "z.codeset")
+        window.resize(width + 100, height + 100)
+        strange.unlink()
+        self.refresh(program, window)
+        program.wait(
+            lambda: window.extents[2:] == (width, height), "the window to shrink to its first size"
+        )
+        filling = window.toggle_maximized()
+        self.put("a.codeset", b"<codeset/>")
+        self.refresh(program, window, "a.codeset")
+        self.delete(program, window, "a.codeset")
+        self.refresh(program, window)
+        self.assertEqual(window.resting_extents(), filling)
 
     def test_an_incompatible_file_is_mended_outside(self):
         path = self.put("wood.codeset", WOOD[:-3])

@@ -41,15 +41,6 @@ HOSTILE_ENTRIES = [
 ]
 
 
-def leave(window, way_out):
-    """Closes a window by its button or by keys."""
-    if window.has("push button", way_out):
-        window.button(way_out).click()
-    else:
-        window.press(way_out)
-    window.expect_closed()
-
-
 def tree(folder):
     """Everything below the folder: the bytes of each file, None for a folder."""
     return {
@@ -360,17 +351,17 @@ class Robustness(WorkspaceJourney):
             with self.subTest(way_out=way_out):
                 # Cancelled, these two leave even the selection as it is.
                 self.push(window, "Add from file", WOOD_TEXT)
-                leave(program.file_chooser("Select a file to add"), way_out)
+                program.file_chooser("Select a file to add").leave(way_out)
                 window.expect_active()
                 self.push(window, "Add bundled")
-                leave(program.window("Select one to add"), way_out)
+                program.window("Select one to add").leave(way_out)
                 window.expect_active()
                 window.list().expect_selected([WOOD_TEXT])
                 self.expect_sensitivity(
                     window, Clone=True, Edit=True, Save_a_copy=True, Delete=True
                 )
                 self.push(window, "Save a copy")
-                leave(program.file_chooser("Save As"), way_out)
+                program.file_chooser("Save As").leave(way_out)
                 window.expect_active()
                 self.expect_nothing_selected(window)
                 self.assertEqual(program.windows(), [window])
@@ -386,7 +377,7 @@ class Robustness(WorkspaceJourney):
                 selector.button("OK").click()
                 self.expect_message(program, "Error", "None selected.", answer)
                 selector.expect_active()
-                leave(selector, "Cancel")
+                selector.leave("Cancel")
 
                 self.push(window, "Add new")
                 naming = program.window("Add new")
@@ -395,7 +386,7 @@ class Robustness(WorkspaceJourney):
                 naming.expect_active()
                 naming.field().expect_focus()
                 self.assertEqual((naming.field().text, naming.field().caret), (".codeset", 0))
-                leave(naming, "Cancel")
+                naming.leave("Cancel")
 
                 editing = self.edit(program, window, WOOD_TEXT, "wood.codeset")
                 editing.button("Add new").click()
@@ -410,7 +401,7 @@ class Robustness(WorkspaceJourney):
                     dialog.expect_active()
                     dialog.field("Remark code").expect_focus()
                     dialog.field("Remark code").expect_text(code)
-                leave(dialog, "Cancel")
+                dialog.leave("Cancel")
                 editing.field(UK).clear()
                 editing.button("Save codeset").click()
                 self.expect_message(program, "Error", "The codeset must have a name.", answer)
@@ -496,7 +487,7 @@ class Robustness(WorkspaceJourney):
         naming = self.name_new(program, window, "Add new", "mine.codeset")
         naming.press("Return")
         self.expect_message(program, "Error", "That file name is already taken.", "Close")
-        leave(naming, "Escape")
+        naming.leave("Escape")
 
         for action in ("Edit", "Delete"):
             self.workspace.unlink()
@@ -692,43 +683,6 @@ class Robustness(WorkspaceJourney):
 
     # Incompatible files
 
-    def test_incompatible_files_come_and_go(self):
-        self.put("wood.codeset", WOOD)
-        program, window = self.open()
-        extents = window.extents
-
-        def refresh(*strange):
-            window.button("Refresh list").click()
-            program.wait(
-                lambda: window.list().texts()[:-1] in (list(strange), list(reversed(strange))),
-                lambda: f"the rows {strange!r}; they are {window.list().texts()!r}",
-            )
-            self.assertEqual(window.list().texts()[-1], WOOD_TEXT)
-            self.assertEqual(NOTICE in window.labels(), bool(strange))
-            self.expect_nothing_selected(window)
-
-        (self.codesets / "a.codeset").write_bytes(b"")
-        (self.codesets / "z.codeset").write_bytes(WOOD[: -1 - len("</codeset>")])
-        refresh("a.codeset", "z.codeset")
-        (self.codesets / "a.codeset").unlink()
-        refresh("z.codeset")
-        self.delete(program, window, "z.codeset", "Escape")
-        refresh("z.codeset")
-        # A window that was made larger shrinks when the notice goes; one that fills the screen does
-        # not.
-        window.resize(extents[2] + 100, extents[3] + 100)
-        (self.codesets / "z.codeset").unlink()
-        refresh()
-        program.wait(
-            lambda: window.extents[2:] == extents[2:], "the window to shrink to its first size"
-        )
-        filling = window.toggle_maximized()
-        self.put("a.codeset", b"<codeset/>")
-        refresh("a.codeset")
-        self.delete(program, window, "a.codeset")
-        refresh()
-        self.assertEqual(window.resting_extents(), filling)
-
     def test_a_codeset_that_becomes_incompatible_while_it_is_selected(self):
         path = self.put("wood.codeset", WOOD)
         program, window = self.open()
@@ -748,7 +702,7 @@ class Robustness(WorkspaceJourney):
         naming = self.name_new(program, window, "Add new", "copy.codeset")
         naming.press("Return")
         self.expect_message(program, "Error", "That file name is already taken.", "Close")
-        leave(naming, "alt+F4")
+        naming.leave("alt+F4")
 
 
 def leave_unsaved(journey, program, editing):
@@ -777,7 +731,7 @@ class Beginnings(Journey):
             for way_out in WAYS_OUT:
                 with self.subTest(page=page, way_out=way_out):
                     program, assistant = self.start_assistant(page)
-                    leave(assistant, way_out)
+                    assistant.leave(way_out)
                     program.expect_exit(0)
                     self.assertEqual(program.printed, "")
                     self.assertFalse(self.workspace.exists())
@@ -787,7 +741,7 @@ class Beginnings(Journey):
         for way_out in ANSWERS:
             with self.subTest(way_out=way_out):
                 program, assistant = self.start_assistant(2)
-                leave(assistant, way_out)
+                assistant.leave(way_out)
                 window = program.window(MAIN_WINDOW)
                 self.assertGreater(len(window.list()), 0)
                 window.close()
@@ -804,7 +758,7 @@ class Beginnings(Journey):
             assistant.button("Browse...").click()
             chooser = program.file_chooser("Select a parent folder for your workspace")
             self.assertFalse(assistant.is_sensitive)
-            leave(chooser, way_out)
+            chooser.leave(way_out)
             assistant.expect_active()
             location.expect_text("typed")
         assistant.button("Browse...").click()
@@ -827,7 +781,7 @@ class Beginnings(Journey):
                     message.message, "Something went wrong when opening your new workspace."
                 )
                 self.assertEqual(program.windows(), [message])
-                leave(message, answer)
+                message.leave(answer)
                 program.expect_exit(0)
                 self.assertEqual(program.printed, "")
                 self.assertFalse(self.workspace.exists())
@@ -843,7 +797,7 @@ class Beginnings(Journey):
                 self.assertEqual(
                     warning.message, "Something went wrong when reading your personal settings."
                 )
-                leave(warning, answer)
+                warning.leave(answer)
                 program.window(MAIN_WINDOW).close()
                 program.expect_exit(0)
         self.assertEqual(settings.read_text(), "<settings")
@@ -858,7 +812,7 @@ class Beginnings(Journey):
                 self.assertEqual(
                     message.message, "Startup failed.\n\nCouldn't open required fonts."
                 )
-                leave(message, answer)
+                message.leave(answer)
                 program.expect_exit(0)
 
 

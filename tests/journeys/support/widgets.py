@@ -475,6 +475,14 @@ class Window(Widget):
         """Asks the window manager to close it, as its title bar's button does."""
         self.press("alt+F4")
 
+    def leave(self, way_out):
+        """Closes it by its button of that name, or by keys such as "Escape"."""
+        if self.has("push button", way_out):
+            self.button(way_out).click()
+        else:
+            self.press(way_out)
+        self.expect_closed()
+
     def ask_to_close(self):
         """Asks the window manager to close it, as a task bar does. It need not be the active
         window."""
