@@ -1,6 +1,6 @@
 #pragma once
-// What a window of ours costs at least: a window with the same widgets of the toolkit, in the same
-// boxes and with the same texts, and nothing behind them.
+// The lowest cost of one of the program's windows: a window with the same widgets of the toolkit,
+// in the same boxes and with the same texts, but without any logic.
 
 #include <gtk/gtk.h>
 

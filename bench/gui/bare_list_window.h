@@ -1,6 +1,6 @@
 #pragma once
-// What a list of so many rows costs at least: a window with nothing but a view of fixed-height
-// rows; and what a text beside it costs at least.
+// The lowest cost of a list of a given number of rows, and of a text beside it: a window with only
+// a view of fixed-height rows.
 
 #include <string>
 #include <vector>
@@ -18,7 +18,7 @@ public:
   BareListWindow(const BareListWindow &) = delete;
   BareListWindow &operator=(const BareListWindow &) = delete;
 
-  // Makes all rows anew while the store is off the view.
+  // Rebuilds all rows while the view has no store.
   void refill(const std::vector<std::string> &rows);
   // Removes the row (from 0) and makes a new one in its place, while the store is on the view.
   void replace_row(int place, const std::string &row);

@@ -248,7 +248,7 @@ private:
 };
 
 // The list answers when it is drawn with the new row. From then on the theme fades the window in
-// from insensitive, frame by frame for 200 ms, and every key acts meanwhile.
+// from insensitive, frame by frame for 200 ms, and keys already work.
 double measure_answer(const Vocabulary &vocabulary) {
   double result = 0;
   GtkWidget *window = nullptr;
@@ -268,8 +268,8 @@ double measure_answer(const Vocabulary &vocabulary) {
   return result;
 }
 
-// Of the editing window and of the dialog for one remark; never shown, but copied for each
-// measuring.
+// Models of the editing window and of the dialog for one remark. They are never shown; each
+// measurement copies them.
 struct BareCopies {
   explicit BareCopies(const Vocabulary &vocabulary) {
     GtkWidget *covered = nullptr;

@@ -1,4 +1,4 @@
-// What the user waits for. Needs a display with a window manager: run it through
+// Measures the times that a user waits. Needs a display with a window manager: run it through
 // tests/support/headless.
 
 #include <cstdio>

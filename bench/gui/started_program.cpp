@@ -55,8 +55,8 @@ private:
     return event;
   }
 
-  // The window manager puts a window into a frame before it maps it, so that only the window itself
-  // tells. Frames and menus are not managed.
+  // The window manager puts a window into a frame before it maps it, so only the map event of the
+  // window itself counts. Frames and menus are not managed.
   bool is_map_of_client(const XEvent &event) {
     if (event.type == CreateNotify && !event.xcreatewindow.override_redirect) {
       XSelectInput(display.get(), event.xcreatewindow.window, StructureNotifyMask);

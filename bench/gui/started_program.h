@@ -1,6 +1,6 @@
 #pragma once
-// Another program, from its start until its window is on the screen, and its memory. What it does
-// is seen by the X server and the kernel only: it needs no hook of any kind.
+// Another program, from its start until its window is on the screen, and its memory. Observed
+// through the X server and the kernel only, so the program needs no hook.
 
 #include <string>
 

@@ -121,7 +121,8 @@ void add_growth(int small, int large, CodeOrder order) {
   v_bench_add_row(row, 3, [=] {
     const auto small_file = std::make_shared<CodesetFile>(small, order);
     const auto large_file = std::make_shared<CodesetFile>(large, order);
-    // As many remarks on either side, so that both see the same of what else goes on.
+    // The same number of remarks on both sides, so that other work on the machine affects both
+    // alike.
     return Comparison{
         [=] { return measure_reading_often(small_file->path, large / small) / large; },
         [=] { return measure_reading(large_file->path) / large; }};
@@ -171,7 +172,7 @@ double measure_writing(const CodesetFile &file, const VCodeset *codeset) {
   return stopwatch.seconds();
 }
 
-// What a save does but for forcing both files onto the disk.
+// The steps of a save except forcing both files onto the disk.
 double measure_writing_with_draft(const CodesetFile &file, const VCodeset *codeset) {
   const std::string path = file.folder.path_of("saved_by_us.codeset");
   std::remove(path.c_str());

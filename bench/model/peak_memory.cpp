@@ -1,6 +1,7 @@
 // peak_memory parse|read FILE: reads the file with libxml2 alone or as a codeset, and prints the
-// greatest memory that this process ever held, in KiB. The kernel's own figure in /proc is that of
-// this program alone; the one that a parent is told includes what the parent was before.
+// greatest memory that this process ever held, in KiB. The kernel's figure in /proc counts this
+// program alone; the one reported to the parent includes the memory of the parent's image before
+// exec.
 
 #include <cstdio>
 #include <cstring>

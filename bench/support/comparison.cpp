@@ -8,7 +8,7 @@
 
 namespace {
 
-// Each measurement begins with an empty heap, whatever the one before it has left there.
+// Each measurement starts with an empty heap, independent of the one before it.
 double measure(const std::function<double()> &function) {
   malloc_trim(0);
   return function();
@@ -25,7 +25,7 @@ void run(benchmark::State &state, const Row &row, const std::function<Comparison
   std::vector<double> baseline;
   std::vector<double> ours;
   for ([[maybe_unused]] const auto _ : state) {
-    // Whoever comes second may find something warm: they take turns at that as well.
+    // The second one may profit from warm caches, so the order alternates.
     const bool baseline_first = ours.size() % 2 == 0;
     if (baseline_first) {
       baseline.push_back(measure(comparison.measure_baseline));

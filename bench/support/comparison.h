@@ -8,7 +8,7 @@
 
 #include <benchmark/benchmark.h>
 
-// What stands in the table besides the figures.
+// The texts of a row in the table of results.
 struct Row {
   std::string what;
   std::string size;
@@ -18,8 +18,7 @@ struct Row {
 };
 
 struct Comparison {
-  // Each does its work once and returns what it measured, in the row's unit. What it leaves behind
-  // is gone when it returns.
+  // Each does its work once, cleans up, and returns the measured value in the row's unit.
   std::function<double()> measure_baseline;
   std::function<double()> measure_ours;
 };

@@ -1,5 +1,5 @@
 #pragma once
-// A folder for the files of a benchmark, which goes with all that lies in it.
+// A folder for the files of a benchmark; it is removed with its contents.
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #pragma once
-// Processor time of this thread, the kernel's share included: what other programs do meanwhile does
-// not count.
+// Processor time of this thread, the kernel's share included: the work of other programs does not
+// count.
 
 #include <ctime>
 
