@@ -46,7 +46,7 @@ std::string text_of(const VCodeset &codeset) {
   return text;
 }
 
-// What the file holds, written by the program itself while nothing fails.
+// The contents of the file when the program writes it without a fault.
 std::string file_text() {
   const TemporaryFolder folder;
   EXPECT_TRUE(v_codeset_io_write_to_file(make_codeset().get(), (folder / "file").c_str()));

@@ -11,8 +11,8 @@
 
 namespace {
 
-// What earlier versions delivered. No file can be made to a given digest, so the digest of these
-// texts is taken for the one that the file is known by.
+// A file as an earlier version delivered it. No file can be made for a given digest, so the tests
+// replace the known digest by that of these texts.
 struct EarlierFile {
   const char *text;
   const char *digest;

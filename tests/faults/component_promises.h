@@ -1,5 +1,5 @@
 #pragma once
-// What installing the delivered components of one kind promises; creating a workspace installs
+// The promises of installing the delivered components of one kind. Creating a workspace installs
 // three kinds.
 
 #include <string>

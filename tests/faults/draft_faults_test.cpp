@@ -1,5 +1,5 @@
-// Whatever call of the system fails while a codeset is saved through its draft, the old file, the
-// new one or the draft is whole, and the save fails only where it would without drafts.
+// When any system call fails while a codeset is saved through its draft, the old file, the new one
+// or the draft is whole, and the save fails only where it would fail without drafts.
 
 #include <cerrno>
 #include <filesystem>
@@ -54,7 +54,7 @@ protected:
   const std::string file = on_ground(file_name);
 };
 
-TEST_P(DraftFaults, LeaveTheWorkSomewhereWhole) {
+TEST_P(DraftFaults, KeepOneWholeCopyOfTheWork) {
   const OwnedCodeset drafted = codeset_of_version("2");
   const OwnedCodeset saved = codeset_of_version("3");
   int injected_faults = 0;

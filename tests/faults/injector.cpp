@@ -31,7 +31,7 @@ struct BufferedFile {
   std::string path;
 };
 
-// What is watched between start and stop.
+// State between start and stop.
 struct Watch {
   std::string folder;
   Fault fault;
@@ -89,7 +89,7 @@ Result fail(Result result) {
 
 bool is_first_failure() { return watch->count == watch->fault.nth; }
 
-// The function that stands behind ours.
+// The function that ours replaces.
 template <typename Function>
 Function *next(const char *name) {
   return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
@@ -268,7 +268,7 @@ std::size_t fread(void *buffer, std::size_t size, std::size_t count, std::FILE *
   return real(buffer, size, count, file);
 }
 
-// A failing write has written a part, as on a disk that becomes full.
+// A failing write still writes a part, as on a disk that becomes full.
 ssize_t write(int descriptor, const void *buffer, std::size_t size) {
   static auto *const real = next<ssize_t(int, const void *, std::size_t)>("write");
   const std::string *path = find(&Watch::descriptors, descriptor);

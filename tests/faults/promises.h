@@ -1,5 +1,5 @@
 #pragma once
-// What is promised of an operation under which a call fails, and the sweep that proves it for every
+// The promises of an operation in which a call fails, and the sweep that checks them for every
 // call, one after the other.
 
 #include <functional>
@@ -14,7 +14,7 @@
 // "home" in it, the configuration folder "home/.config", the state folder "home/.local/state", the
 // installation "install".
 std::string ground_folder();
-// The full path of what lies there.
+// The full path of an entry of the folder.
 std::string on_ground(const std::string &name);
 
 // How the folder looked before and after one call had failed, and how it looks when none does.
@@ -25,7 +25,7 @@ struct Trial {
   const Hit &hit;
 };
 
-// What is wrong with the folder, "" when nothing is.
+// Returns the broken promise, "" if none is broken.
 using Outcome = std::function<std::string(const Trial &)>;
 
 // As before, byte for byte.
@@ -58,18 +58,18 @@ struct Promise {
 struct Operation {
   std::string name;
   Contents ground;
-  // What it gave, as text; none when it failed.
+  // Returns the operation's result as text, none when it failed.
   std::function<std::optional<std::string>()> run;
   // The first that fits counts. A failing call that none fits is a fault of its own.
   std::vector<Promise> promises;
-  // What every message begins with when memory could not be had, "*" stands for any text.
+  // The start of every message about exhausted memory; "*" stands for any text.
   std::string message_without_memory = "?*";
-  // Some answer no and leave it at that, with whatever message there was.
+  // False for operations that only return false and set no message.
   bool tells_causes = true;
 };
 
 // Lets each call fail in turn until the operation runs through without a fault, and checks after
-// each: the result, the message, what lies on disk, and that nothing is left open or allocated.
+// each: the result, the message, the files on disk, and that nothing is left open or allocated.
 // Besides the single faults, all calls of the file system fail from the Nth on, as on a disk that
-// is gone. Allocations fail one at a time: when nothing can be had at all, libxml2 itself crashes.
+// is gone. Allocations fail one at a time: when every allocation fails, libxml2 itself crashes.
 void sweep(const Operation &operation);

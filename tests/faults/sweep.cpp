@@ -51,10 +51,10 @@ private:
 
 const Ground ground;
 
-// Makes the ground what it is to be, from what lies there.
+// Changes the folder from its present contents to the given ones.
 void lay_ground(const Contents &present, const Contents &contents) {
   Contents missing = contents;
-  // What lies in a folder comes behind it.
+  // Entries of a folder come after the folder itself.
   for (auto entry = present.rbegin(); entry != present.rend(); ++entry) {
     const auto wanted = contents.find(entry->first);
     if (wanted != contents.end() && wanted->second == entry->second) {
@@ -85,7 +85,7 @@ std::set<std::string> names_of(const Trial &trial) {
   return names;
 }
 
-// What lies at one name before, after, and if nothing fails; null for nothing.
+// The entry of one name before, after, and without a fault; null for none.
 using Fits = std::function<bool(const std::optional<std::string> &before,
                                 const std::optional<std::string> &after,
                                 const std::optional<std::string> &undisturbed)>;
@@ -110,8 +110,7 @@ std::string differences(const Trial &trial, const Contents &expected) {
       [](const auto &before, const auto &after, const auto &) { return before == after; });
 }
 
-// An operation that takes a file away, or writes it anew, may have come to the one and not yet to
-// the other.
+// An operation that removes a file and then writes it again may have done only the first.
 bool is_before_or_after_or_between(const std::optional<std::string> &before,
                                    const std::optional<std::string> &after,
                                    const std::optional<std::string> &undisturbed) {
@@ -227,8 +226,8 @@ private:
   }
 
   // A file that is to be renamed is written beside the one that it replaces, under its name with a
-  // period and six characters. On a disk that is gone it cannot be removed. What is not written yet
-  // of its length is zeros.
+  // period and six characters. On a disk that is gone it cannot be removed. The part that is not
+  // written yet is zeros.
   void forget_files_beside(Contents &after) const {
     for (const auto &[name, content] : undisturbed.after) {
       std::erase_if(after, [&](const auto &entry) {

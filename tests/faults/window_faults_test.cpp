@@ -1,6 +1,5 @@
-// What the main window's buttons do while the system fails them: whatever call fails, no file is
-// left half written, nothing that is not the action's own is touched, and the user is told when the
-// action was not done.
+// The main window's buttons while system calls fail: no file is left half written, no other file is
+// touched, and the user sees a message when the action was not done.
 
 #include <cerrno>
 #include <cstring>
@@ -49,7 +48,7 @@ class User {
 public:
   User(const char *row_text, const char *button_label) : row(row_text), button(button_label) {}
 
-  // What is to happen from the moment at which the user has pressed the button.
+  // Called when the user has pressed the button.
   std::function<void()> begin = [] {};
   std::function<void()> end = [] {};
   std::vector<std::string> told; // the messages of errors
@@ -182,7 +181,7 @@ const Call all_calls[] = {Call::open,   Call::fopen,   Call::read,    Call::frea
 
 } // namespace
 
-TEST_P(WindowFaults, LeaveNoFileHalfWrittenAndNoFailureUntold) {
+TEST_P(WindowFaults, LeaveNoFileHalfWrittenAndReportEachFailure) {
   const Action action = GetParam();
   lay_ground();
   const Contents before = outcome();

@@ -221,7 +221,7 @@ TEST_F(WorkspaceFaults, Create) {
 
 TEST_F(WorkspaceFaults, CreateWithoutTemplates) {
   std::vector<Promise> promises = {
-      // What is taken for there because it cannot be asked about cannot be opened then.
+      // An entry whose status cannot be read counts as present, and then cannot be opened.
       {{Call::stat},
        "install/templates",
        0,
