@@ -243,7 +243,7 @@ TEST_F(HostileFiles, EveryEncodingThatIsDeclaredRightIsRead) {
   }
 }
 
-TEST_F(HostileFiles, WhatIsNotInTheDeclaredEncodingIsRefused) {
+TEST_F(HostileFiles, RefusesBytesOutsideTheDeclaredEncoding) {
   std::string cut_off = "\xFF\xFE" + as_utf16(declared("utf-16"), false);
   cut_off.pop_back();
   struct {
@@ -266,7 +266,7 @@ TEST_F(HostileFiles, WhatIsNotInTheDeclaredEncodingIsRefused) {
   }
 }
 
-// Every byte is a character there, so nobody can tell.
+// Every byte is a character of ISO-8859-1, so the mistake cannot be detected.
 TEST_F(HostileFiles, Utf8ThatClaimsLatin1IsTakenAtItsWord) {
   EXPECT_EQ(read_codeset(declared("iso-8859-1", "M\xC3\xA5l")), "");
   ASSERT_NE(codeset, nullptr);
@@ -286,9 +286,9 @@ TEST_F(HostileFiles, ZeroBytesAreRefused) {
   EXPECT_THAT(read_codeset(std::string(5 * megabyte, '\0')), StartsWith(could_not_load));
 }
 
-// The parser forgives some faults and may come to forgive others. What matters then is that nothing
-// of the codeset is lost.
-TEST_F(HostileFiles, WhatIsForgivenIsReadWhole) {
+// The parser tolerates some faults, and later versions may tolerate others. Then nothing of the
+// codeset may be lost.
+TEST_F(HostileFiles, ReadsToleratedFaultsWithoutLoss) {
   const std::string zeros(5 * megabyte, '\0');
   for (const std::string &bytes :
        {declared("iso-8859-1") + zeros, declared("iso-8859-1") + "\xFF\xFE",

@@ -1,5 +1,5 @@
-// Reads codeset files and tells of each what came of it, for whoever watches from outside what is
-// opened meanwhile.
+// Reads codeset files and prints the result of each, while opens_nothing_test.py watches which
+// files it opens.
 //
 //     hostile_reader FILE...
 
