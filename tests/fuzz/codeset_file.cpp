@@ -1,5 +1,5 @@
-// Codeset files. What the reader accepts is a proper codeset, and reads back equal when it is
-// written.
+// Codeset files. Each file that the reader accepts gives a valid codeset, and reads back equal when
+// it is written.
 
 #include <algorithm>
 #include <set>
@@ -46,7 +46,7 @@ void require_proper(const OwnedCodeset &codeset) {
           "a codeset that was read stands alone");
 }
 
-// Codes are written as they are. What means something else in XML then does not read back.
+// Codes are written unescaped, so one with XML markup does not read back.
 bool is_markup(const OwnedCodeset &codeset) {
   const Remarks remarks = remarks_of(codeset->remarks);
   return std::any_of(remarks.begin(), remarks.end(), [](const auto &remark) {

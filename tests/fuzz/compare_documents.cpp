@@ -4,7 +4,8 @@
 //
 // The same seed gives the same documents. Of ten documents eight are codesets, one is a settings
 // file and one a pointer file. A document on which the two differ, or which ends the process, is
-// reported and left in the current folder, and the status is 1. The search ends after twenty.
+// reported and left in the current folder, and the status is 1. The search ends after twenty such
+// documents.
 
 #include <algorithm>
 #include <atomic>

@@ -1,8 +1,8 @@
 #pragma once
-// What the harnesses share. A harness is one source that defines LLVMFuzzerTestOneInput: whatever
-// bytes it is given, it must return soon and leave nothing behind, and the properties that it
-// requires must hold. Linked with the fuzzing engine it searches for bytes that break it; linked
-// with replay.cpp it is an ordinary test of its corpus.
+// Shared by the harnesses. A harness is one source that defines LLVMFuzzerTestOneInput: for any
+// bytes it must return soon and leave nothing behind, and the properties that it requires must
+// hold. Linked with the fuzzing engine it searches for bytes that break it; linked with replay.cpp
+// it is an ordinary test of its corpus.
 
 #include <cstddef>
 #include <cstdint>
@@ -13,8 +13,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
-// Ends the program, and with it the search, when the property does not hold. The property is told
-// as a sentence of what must be.
+// Ends the program, and with it the search, when the property does not hold. `property` is a
+// sentence that says what must hold.
 void require(bool holds, const char *property);
 
 // Puts a message into the error state that no operation sets itself.

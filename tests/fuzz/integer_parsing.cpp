@@ -9,7 +9,7 @@
 
 namespace {
 
-// A sign and as many digits as anybody likes; what lies beyond the widest type stays beyond it.
+// Reads a sign and any number of digits; a value beyond the widest type stays beyond it.
 using Wide = __int128;
 constexpr Wide far_away = Wide{std::numeric_limits<guint64>::max()} * 16;
 

@@ -14,7 +14,7 @@ bool is_frame_marker(std::uint8_t byte) {
   return byte >= 0xC0 && byte <= 0xCF && byte != 0xC4 && byte != 0xC8 && byte != 0xCC;
 }
 
-// The greatest size that anything which looks like the header of a frame tells.
+// The greatest size in any bytes that look like the header of a frame.
 std::uint64_t promised_pixel_count(const std::uint8_t *data, std::size_t size) {
   std::uint64_t count = 0;
   for (std::size_t i = 0; i + 9 <= size; i++) {

@@ -58,7 +58,7 @@ void check_tag(const std::string &tag) {
   require(read == nullptr || read.get() == tag, "as the same tag");
 }
 
-// -1 when the name tells nothing.
+// -1 when the name has no known language.
 int expected_user_language(std::string name) {
   if (!is_ascii(name)) {
     return -1;

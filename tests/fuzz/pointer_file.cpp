@@ -1,5 +1,5 @@
-// The file that tells where the workspace lies. What is read from it is saved, and read, as the
-// same.
+// The file that holds the path of the workspace. A path that is read is saved and read again
+// unchanged.
 
 #include <cstdlib>
 #include <cstring>
@@ -45,7 +45,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
   }
   require(path != nullptr && g_utf8_validate(path.get(), -1, nullptr), "the path is UTF-8");
   require(!g_str_has_suffix(path.get(), "/"), "the path has no delimiter at its end");
-  // Of a path of delimiters alone nothing is left.
+  // A path of delimiters alone becomes empty.
   if (*path != '\0') {
     require_saved_reads_back(path);
   }

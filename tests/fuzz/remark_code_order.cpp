@@ -49,7 +49,7 @@ void check_order(const Codes &codes) {
   }
 }
 
-// Each remark's description tells its place in the input, so that equal codes can be told apart.
+// Each remark's description is its place in the input, to distinguish equal codes.
 Remarks remarks_in_input_order(const Codes &codes) {
   Remarks remarks;
   for (std::size_t i = 0; i < codes.size(); i++) {

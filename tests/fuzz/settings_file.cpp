@@ -1,4 +1,4 @@
-// Settings files. Whatever the file holds, the record stays one that the program can work with.
+// Settings files. For any contents of the file the record stays valid.
 
 #include "base/text_encoding.h"
 #include "fuzz/fuzzing.h"

@@ -20,7 +20,7 @@ void check_latin1(const std::string &text) {
   require(back != nullptr && back.get() == text, "ISO-8859-1 comes back from UTF-8");
 }
 
-// What the conversion of valid UTF-8 must give, and whether there is such a thing.
+// The expected conversion of valid UTF-8; false when there is none.
 bool expected_latin1(const std::string &utf8_text, std::string &latin1_text) {
   for (const char *at = utf8_text.c_str(); *at != '\0'; at = g_utf8_next_char(at)) {
     const gunichar code_point = g_utf8_get_char(at);

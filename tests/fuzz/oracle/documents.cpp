@@ -97,7 +97,7 @@ const char *const words[] = {
 // And others, which no codeset may hold.
 const char *const strange_words[] = {"\u20AC", "x\u20ACy", "\U0001F600", "&#x20AC;", "&#128512;",
                                      "\u2003", "\u0100",   "a\u0301",    "\uFEFF",   "&#x2028;"};
-// What no document may hold.
+// Words that no document may contain.
 const char *const forbidden_words[] = {
     "&",          "<",           "]]>",  "&#0;",         "&#xFFFE;", "\x01",         "&#x1;",
     "&#x;",       "&x",          "&;",   "& b;",         "<<",       "</a>",         "<!--",
@@ -381,7 +381,7 @@ private:
     return "&amp;";
   }
 
-  // What may be between two pieces of any text or content, and counts for nothing or little.
+  // Something between two pieces of text or content that a reader ignores or nearly ignores.
   std::string interruption() {
     switch (choices.below(8)) {
     case 0:
@@ -619,7 +619,7 @@ private:
     return joined_in_any_order(children, true);
   }
 
-  // An element that counts for nothing where it is, whatever its name, and everything in it.
+  // An element that readers ignore at its place, with its contents, independent of its name.
   std::string unknown_element() {
     if (depth > 4) {
       return "";

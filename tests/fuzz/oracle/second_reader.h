@@ -58,5 +58,5 @@ PointerReading second_read_pointer(const std::string &path, const std::string &h
 // The bytes of the codeset's file.
 std::string second_write_codeset(const CodesetContents &contents);
 
-// What setting the translations one after the other makes of them.
+// The result of setting the translations one after the other.
 Translations second_collect(const Translations &translations);
