@@ -1,8 +1,9 @@
 # shellcheck shell=bash
 # Shows a GTK program in a web browser of this machine, through the toolkit's own display server. Sourced, not run.
 #
-# The server asks nobody for a secret, and its socket for programs is an abstract one, which has no permissions. So it
-# runs with the program in a network of their own, and browsers reach it through a gateway (browser_gateway.py).
+# The server requires no secret, and its socket for programs is an abstract one, which has no
+# permissions. So server and program run in a network namespace, and browsers reach the server
+# through a gateway (browser_gateway.py).
 
 browser_library=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
 readonly browser_library
@@ -30,8 +31,9 @@ run_in_browser() {
     exit "$status"
 }
 
-# Becomes the command, where nobody else reaches its abstract sockets. /dev/shm is its own too: the toolkit leaves there
-# what it was drawing when it is killed, and this one ends with its last process.
+# Replaces this process by the command, in a namespace where no other user reaches its abstract
+# sockets. It has its own /dev/shm, too: a killed program leaves its drawings there, and this one is
+# removed with the last process.
 enclosed() {
     # shellcheck disable=SC2016 # expanded by the sh that is started
     local enter='mount -t tmpfs -o mode=0700,nosuid,nodev tmpfs /dev/shm && exec "$@"'
@@ -45,8 +47,8 @@ enclosed() {
         unshare --map-user="$EUID" --map-group="$(id -g)" "$@"
 }
 
-# Some systems forbid namespaces. For root that is a container, whose other users are root's own; an ordinary user has to
-# say that there is nobody else.
+# Some systems forbid namespaces. For root that is a container, whose other users are trusted; an
+# ordinary user must confirm that there are no others.
 check_enclosure() {
     local reason
     reason=$( (enclosed true) 2>&1) && return 0
@@ -58,8 +60,8 @@ check_enclosure() {
     is_enclosed=0
 }
 
-# The bus that is found by the runtime folder is named, as the program gets another folder. Without a session bus there
-# is no accessibility bus to look for.
+# Names the bus that is found through the runtime folder, because the program gets another folder.
+# Without a session bus there is no accessibility bus.
 find_session_bus() {
     if [[ -z ${DBUS_SESSION_BUS_ADDRESS:-} && -S ${XDG_RUNTIME_DIR:-}/bus ]]; then
         export DBUS_SESSION_BUS_ADDRESS=unix:path=$XDG_RUNTIME_DIR/bus
@@ -74,7 +76,8 @@ make_session_folder() {
     session_folder=$(mktemp -d "$parent/vantorelle.XXXXXXXXXX")
 }
 
-# Becomes the command, on a display of its own whose server ends with it. The server and the command meet in the folder.
+# Replaces this process by the command, on a display of its own whose server ends with it. The
+# server and the command meet in the folder.
 show_program() {
     export XDG_RUNTIME_DIR=$1 GDK_BACKEND=broadway BROADWAY_DISPLAY=:0
     setpriv --pdeathsig TERM broadwayd --unixsocket "$1/page" "$BROADWAY_DISPLAY" </dev/null >/dev/null 2>&1 &

@@ -1,7 +1,9 @@
 # shellcheck shell=bash
-# Configuring and building with a preset. Sourced by scripts that stand in the checkout's root folder.
+# Configuring and building with a preset. Sourced by scripts whose working
+# folder is the checkout's root.
 
-# Configures when it was never done, or done when the checkout stood elsewhere; later changes are Ninja's business.
+# Configures a new build folder, or one of a checkout that was moved since. Ninja detects all other
+# changes.
 configure_preset() {
     local preset=$1 folder=build/$1
     if ! grep -qsxF "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$folder/CMakeCache.txt" || [[ ! -e $folder/build.ninja ]]; then

@@ -9,7 +9,7 @@ de_DE.ISO-8859-1  de_DE ISO-8859-1
 ja_JP.EUC-JP      ja_JP EUC-JP
 "
 
-# Makes those locales that the folder does not hold yet. Several processes may ask at once.
+# Makes the locales that are missing in the folder. Several processes may call it at once.
 ensure_locales() (
     local folder=$1 name definition charset
     mkdir -p "$folder"

@@ -95,14 +95,14 @@ packages_for() {
 # Prints those of the packages that are not installed.
 missing_packages() {
     local installed
-    # Unknown names make dpkg-query fail; they are simply not among the installed ones.
+    # dpkg-query fails for unknown names, which are then missing.
     installed=$(dpkg-query --show --showformat '${db:Status-Status} ${Package}\n' -- "$@" 2>/dev/null |
         sed -n 's/^installed //p' | sort -u) || true
     comm -23 <(printf '%s\n' "$@" | sort -u) <(echo "$installed")
 }
 
-# Installs what is missing of the packages for the purposes. Touches no network when nothing is. Whoever may not install
-# is told the one line to type, and the script ends with status 1.
+# Installs the missing packages for the purposes; uses no network when none is missing. A user
+# without the right to install gets the command to run, and the script ends with status 1.
 ensure_packages() {
     local wanted missing command as_root=()
     mapfile -t wanted < <(packages_for "$@")
