@@ -1,4 +1,4 @@
-# One set of compiler flags for everything that is ours.
+# One set of compiler flags for all our code.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -9,7 +9,7 @@ target_compile_options(vantorelle_flags INTERFACE -Wall -Wextra -Wshadow -Wconve
 if(VANTORELLE_WERROR)
   target_compile_options(vantorelle_flags INTERFACE -Werror)
 endif()
-# GtkTable and GtkAlignment are what the windows are laid out with.
+# The windows use GtkTable and GtkAlignment.
 target_compile_definitions(vantorelle_flags INTERFACE GDK_DISABLE_DEPRECATION_WARNINGS)
 
 if(VANTORELLE_SANITIZE)
@@ -21,7 +21,7 @@ if(VANTORELLE_FUZZ)
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     message(FATAL_ERROR "VANTORELLE_FUZZ needs clang: the fuzzing engine comes with it")
   endif()
-  # What the engine is led by; only the harnesses link the engine itself.
+  # The instrumentation for the fuzzing engine; only the harnesses link the engine itself.
   target_compile_options(vantorelle_flags INTERFACE -fsanitize=fuzzer-no-link)
   target_link_options(vantorelle_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
@@ -37,8 +37,8 @@ if(NOT VANTORELLE_SANITIZE AND NOT VANTORELLE_FUZZ AND NOT VANTORELLE_COVERAGE)
   set(CMAKE_INTERPROCEDURAL_OPTIMIZATION_RELEASE ${VANTORELLE_HAS_IPO})
 endif()
 
-# What an attacker who has found a fault in the program would have to get past. Only in optimised
-# builds: the fortified functions need the optimiser. Checked builds have checks of their own.
+# Hardening against the exploitation of a fault. Only in optimised builds: the fortified functions
+# need the optimiser. Checked builds have checks of their own.
 include(CheckCXXCompilerFlag)
 include(CheckCXXSourceCompiles)
 include(CheckLinkerFlag)
@@ -74,7 +74,8 @@ if(NOT VANTORELLE_SANITIZE AND NOT VANTORELLE_FUZZ AND NOT VANTORELLE_COVERAGE)
   else()
     set(fortification 2)
   endif()
-  # Not as a definition: what the compiler or a packager has set comes before, and is replaced.
+  # Not as a definition: this must come after, and replace, the value of the compiler or of a
+  # packager.
   target_compile_options(vantorelle_flags INTERFACE
     "$<${hardened}:SHELL:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=${fortification}>")
   target_compile_definitions(vantorelle_flags INTERFACE $<${hardened}:_GLIBCXX_ASSERTIONS>)

@@ -1,4 +1,4 @@
-# The Debian package: what `cpack -G DEB` makes of an installation.
+# The Debian package, made by `cpack -G DEB` from an installation.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME ${PROJECT_NAME})
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -12,7 +12,7 @@ description of each in as many languages as are needed, and brings ready sets
 of codes with the established terms of eight fields of conservation.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
-# Whatever the builder's umask is.
+# Independent of the builder's umask.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
@@ -22,8 +22,8 @@ set(CPACK_DEBIAN_PACKAGE_SECTION editors)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://vantorelle.org/)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The toolkit draws its symbols from SVG, which is a recommendation to it and a need here.
-# The program loads the SVG library at run time itself, which no tool sees.
+# The toolkit only recommends the loader of its SVG symbols, but the program needs it. No tool
+# detects that the program loads the SVG library at run time.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-liberation, librsvg2-2, librsvg2-common")
 string(JOIN ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS
   hunspell-en-gb hunspell-en-us hunspell-sv hunspell-de-de hunspell-fr hunspell-es hunspell-nl)

@@ -1,4 +1,4 @@
-# Everything that is called and not written here. A floor names the ones that it may use.
+# All libraries of other projects. A floor names the ones that it may use.
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0>=2.74)
 pkg_check_modules(LIBXML2 REQUIRED IMPORTED_TARGET libxml-2.0>=2.9.14)
