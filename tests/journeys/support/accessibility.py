@@ -1,13 +1,13 @@
-"""The accessibility tree as plain functions over accessible objects. Whatever vanishes while it is
-read reads as absent."""
+"""The accessibility tree as plain functions over accessible objects. An object that vanishes while
+it is read counts as absent."""
 
 import gi
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
-# A program that vanishes in the middle of a question makes the accessibility library complain in
-# this process. That is not the program's fault, and must not end the journey.
+# A program that ends during a request makes the accessibility library complain in this process.
+# That is no fault of the program, and must not end the journey.
 GLib.log_set_always_fatal(GLib.LogLevelFlags.LEVEL_ERROR)
 
 LISTS = ("table", "tree table")

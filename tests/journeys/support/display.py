@@ -45,13 +45,13 @@ def press_at_pace(milliseconds, *keys):
 
 
 def hold(key, seconds):
-    """Holds a key down, which repeats meanwhile."""
+    """Holds a key down, so that it repeats."""
     xdotool("keydown", key, "sleep", seconds, "keyup", key)
 
 
 @contextlib.contextmanager
 def held(key):
-    """The key is down meanwhile, and the display repeats it."""
+    """Holds the key down for the block; the display repeats it."""
     xdotool("keydown", key)
     try:
         yield
@@ -127,7 +127,7 @@ def window_id(pid, title):
 
 
 def window_class(window):
-    """The instance and the class that an X window tells the desktop."""
+    """The instance and the class of an X window."""
     answer = subprocess.run(
         ("xprop", "-id", str(window), "WM_CLASS"),
         capture_output=True,
@@ -190,8 +190,8 @@ def screenshot(path):
 
 
 def read_message():
-    """Waits as long after the last key as a user needs to read. A message that opens while the user
-    types takes no keys."""
+    """Waits after the last key for the time in which a user reads. A message that opens while the
+    user types accepts no keys."""
     settle(max(0, last_key_time + READING_PAUSE - time.monotonic()))
 
 

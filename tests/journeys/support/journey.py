@@ -13,7 +13,7 @@ from .program import EXECUTABLE, Program
 
 
 class Journey(unittest.TestCase):
-    """Each test has a folder and a home of its own, and leaves pictures when it fails."""
+    """Each test has its own folder and home, and leaves pictures when it fails."""
 
     maxDiff = None
 
@@ -37,7 +37,7 @@ class Journey(unittest.TestCase):
         return program
 
     def copy_stage(self, name="stage"):
-        """A copy of the staged program, so that what lies beside the executable can be varied."""
+        """Copies the staged program, so that a test can change the files beside the executable."""
         return pathlib.Path(shutil.copytree(delivered_stage(), self.folder / name, symlinks=True))
 
     def end_programs(self):
@@ -85,8 +85,7 @@ def delivered_stage():
 
 
 def artifacts_folder():
-    """JOURNEY_ARTIFACTS, or the folder journey-artifacts in the build folder that the stage lies
-    in."""
+    """JOURNEY_ARTIFACTS, or the folder journey-artifacts beside the stage."""
     named = os.environ.get("JOURNEY_ARTIFACTS")
     script = pathlib.Path(sys.argv[0]).stem
     return (

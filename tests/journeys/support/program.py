@@ -12,16 +12,14 @@ from .waiting import DEFAULT_SECONDS, settle, wait_until
 EXECUTABLE = "vantorelle-remark-codesets-manager"
 START_SECONDS = 30
 
-# The toolkit's chooser unselects its files half a second after the name in it was set. When that
-# moment comes in the few milliseconds in which a chooser that was closed is taken down, it does so
-# with a list that is gone already, and complains of itself ("gtk_tree_view_get_selection: assertion
-# 'GTK_IS_TREE_VIEW (tree_view)' failed", GTK 3.24.38). A program of the toolkit's alone does the
-# same. No user closes a chooser just then; the journeys, at their pace, did once in some fifty
-# times.
+# The toolkit's chooser unselects its files half a second after its name was set. If a closed
+# chooser is being destroyed at that moment, its list no longer exists, and the toolkit prints a
+# critical ("gtk_tree_view_get_selection: assertion 'GTK_IS_TREE_VIEW (tree_view)' failed", GTK
+# 3.24.38). A program with nothing but a chooser does the same. The journeys closed a chooser at
+# that moment about once in fifty times.
 CHOOSER_PAUSE = 0.7
 
-# Lines that a clean run never prints: the toolkit's complaints and the reports of a build with
-# checks.
+# Lines that a clean run never prints: the toolkit's complaints and the reports of sanitizers.
 COMPLAINTS = re.compile(
     r"(WARNING|CRITICAL|ERROR) \*\*|\*\* (WARNING|CRITICAL|ERROR)|runtime error:|Sanitizer"
 )
@@ -69,12 +67,12 @@ class Program:
 
     @property
     def is_asleep(self):
-        """Whether it waits for something to happen just now."""
+        """Whether the process sleeps at this moment."""
         return self.scheduling()[0] == "S"
 
     @property
     def processor_time(self):
-        """What it has spent so far, in ticks of the system's clock."""
+        """The processor time used so far, in ticks of the system's clock."""
         return sum(map(int, self.scheduling()[11:13]))
 
     @property
@@ -88,8 +86,7 @@ class Program:
         )
 
     def scheduling(self):
-        """The system's account of it, from the third field on: what stands before may hold
-        blanks."""
+        """The fields of /proc/PID/stat from the third on; those before may contain blanks."""
         return (
             pathlib.Path(f"/proc/{self.pid}/stat")
             .read_text(encoding="utf-8")
@@ -103,7 +100,7 @@ class Program:
         return self.output.read_text(encoding="utf-8", errors="replace")
 
     def wait(self, condition, what, seconds=DEFAULT_SECONDS):
-        """Like wait_until, but gives up as soon as the program has ended."""
+        """Like wait_until, but fails as soon as the program has ended."""
 
         def with_program():
             value = condition()
@@ -120,7 +117,7 @@ class Program:
     # Windows
 
     def windows(self):
-        """The windows that are to be seen."""
+        """The windows that are shown."""
         application = accessibility.application(self.pid)
         if application is None:
             return []
@@ -149,7 +146,7 @@ class Program:
         return window.expect_active()
 
     def dialog(self, title=None):
-        """A message, which is read before the next key."""
+        """A message, after the pause in which a user reads it."""
         dialog = self.window(title, widgets.Dialog, DEFAULT_SECONDS)
         display.read_message()
         return dialog
@@ -193,11 +190,11 @@ class Program:
         return [line for line in self.printed.splitlines() if COMPLAINTS.search(line)]
 
     def check(self):
-        """Fails when the program ended by itself unasked, or printed a complaint that the journey
-        did not expect."""
+        """Fails when the program ended on its own, or printed a complaint that the journey did not
+        expect."""
         if not self.is_running and not self.ended_by_journey:
             raise AssertionError(
-                f"The program ended by itself with status {self.process.returncode}.\n"
+                f"The program ended on its own with status {self.process.returncode}.\n"
                 f"{self.printed}"
             )
         unexpected = [
@@ -215,7 +212,7 @@ class Program:
 
 
 def home_environment(home):
-    """A home of its own means XDG folders of its own."""
+    """The variables that put home and XDG folders below `home`."""
     return {
         "HOME": str(home),
         "XDG_CONFIG_HOME": str(home / ".config"),

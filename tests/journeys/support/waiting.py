@@ -1,4 +1,4 @@
-"""Waiting for what a program does in its own time."""
+"""Waiting for the effects of what a journey does."""
 
 import time
 
@@ -9,7 +9,7 @@ PAUSE_SECONDS = 0.02
 
 
 class JourneyTimeout(AssertionError):
-    """What a journey waited for did not come."""
+    """A condition that a journey waited for did not become true."""
 
 
 def wait_until(condition, what, seconds=DEFAULT_SECONDS):
@@ -29,8 +29,8 @@ def wait_until(condition, what, seconds=DEFAULT_SECONDS):
 
 
 def settle(seconds=0.1):
-    """For the few things that announce themselves nowhere, such as a keystroke that must change
-    nothing."""
+    """Lets the program work for a while where no state shows that it is finished, such as after a
+    keystroke that must change nothing."""
     deadline = time.monotonic() + seconds
     while time.monotonic() < deadline:
         pump()
@@ -38,7 +38,7 @@ def settle(seconds=0.1):
 
 
 def pump():
-    """Takes in what arrived from the accessibility bus, so that its messages do not pile up."""
+    """Handles the messages that arrived from the accessibility bus, so that they do not pile up."""
     context = GLib.MainContext.default()
     while context.pending():
         context.iteration(False)

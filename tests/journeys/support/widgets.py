@@ -28,8 +28,8 @@ def matches(wanted, actual):
 
 
 def labels_of(accessible, label_before):
-    """What tells a person which widget this is: the labels related to it, the one directly before
-    it, the name that is spoken. A field's colon and mark are left out."""
+    """The texts that identify a widget to a user: the labels related to it, the one directly before
+    it, its accessible name. The colon and the mark of a required field are left out."""
     labels = [*accessibility.labels_of(accessible), accessibility.name(accessible)]
     if label_before is not None:
         labels.append(label_before)
@@ -37,8 +37,8 @@ def labels_of(accessible, label_before):
 
 
 class Widget:
-    """One accessible object of the program. What is asked is asked anew each time; what is found is
-    waited for."""
+    """One accessible object of the program. Properties are read from the program each time; the
+    functions that find a widget wait for it."""
 
     def __init__(self, program, accessible):
         self.program = program
@@ -68,8 +68,7 @@ class Widget:
 
     @property
     def key(self):
-        """The key that does its first action, as assistive technology is told; None when there is
-        none."""
+        """The key of its first action in the accessibility tree; None when there is none."""
         binding = self.accessible.get_action_iface().get_key_binding(0)
         return binding.removeprefix(";;") or None
 
@@ -80,7 +79,7 @@ class Widget:
 
     @property
     def text(self):
-        """What it shows: the content of a field, the words of a label, the choice of a combo
+        """The shown text: the content of a field, the text of a label, the choice of a combo
         box."""
         self.accessible.clear_cache()
         shown = accessibility.text(self.accessible)
@@ -133,8 +132,8 @@ class Widget:
     # Finding inside
 
     def find_all(self, role=None, name=None, labelled=None, showing=True):
-        """The widgets inside that fit now, in reading order. `role` is one role name or several;
-        `labelled` is the text of a label that belongs to the widget, without its colon."""
+        """The matching widgets inside at this moment, in reading order. `role` is one role name or
+        several; `labelled` is the text of a label that belongs to the widget, without its colon."""
         roles = (role,) if isinstance(role, str) else role
         self.accessible.clear_cache()
         found = []
@@ -160,7 +159,7 @@ class Widget:
                 label_before = None
         if not showing:
             return found
-        # Containers tell of their children in any order; a person reads from the top.
+        # Containers list their children in any order; users read from the top.
         places = [(widget.extents, widget) for widget in found]
         return [
             widget
@@ -170,7 +169,7 @@ class Widget:
         ]
 
     def find(self, role=None, name=None, labelled=None, index=0, seconds=DEFAULT_SECONDS):
-        """The widget of that index among those that fit, waiting until it is there."""
+        """The widget of that index among the matching ones; waits until it exists."""
         wanted = ", ".join(
             f"{key} {value!r}"
             for key, value in (("role", role), ("name", name), ("label", labelled))
@@ -206,7 +205,7 @@ class Widget:
         return self.find("label", text)
 
     def labels(self):
-        """The texts of all labels that are to be seen."""
+        """The texts of all labels that are shown."""
         return [widget.text for widget in self.find_all("label")]
 
     def list(self, labelled=None, index=0):
@@ -230,13 +229,14 @@ class Widget:
         display.click(x + width // 2, y + height // 2, button, times)
 
     def act(self):
-        """Does its first action, as a screen reader or another assistive technology asks for it."""
+        """Performs its first action through the accessibility interface, as a screen reader
+        does."""
         self.program.wait(lambda: self.is_sensitive, lambda: f"{self!r} to become sensitive")
         if not self.accessible.get_action_iface().do_action(0):
             raise AssertionError(f"{self!r} refuses its action")
 
     def resting_extents(self):
-        """Its place on the screen when two looks in a row agree."""
+        """Its extents, as soon as two readings in a row agree."""
         looks = [None]
 
         def at_rest():
@@ -277,8 +277,8 @@ class Widget:
         display.type_text(text)
 
     def choose(self, choice):
-        """Opens a combo box and goes to the item of that name by keys: near the edge of the screen
-        part of the list is hidden."""
+        """Opens a combo box and selects the item of that name by keys, because near the edge of the
+        screen part of the list is hidden."""
         place = self.choices().index(choice)
         self.click()
         self.program.wait(lambda: self.find_all("menu item"), lambda: f"{self!r} to open")
@@ -334,7 +334,7 @@ class Row(Widget):
         return tuple(map(int, value.split(","))) if value else None
 
     def reveal(self):
-        """Turns the mouse wheel over the list until the whole row is to be seen."""
+        """Turns the mouse wheel over the list until the whole row is visible."""
 
         def seen():
             x, y, width, height = self.table.resting_extents()
@@ -368,7 +368,7 @@ class List(Widget):
     """A list or tree view."""
 
     def __bool__(self):
-        """An empty list is there all the same."""
+        """An empty list is still a widget that was found."""
         return True
 
     def __len__(self):
@@ -449,13 +449,13 @@ class Window(Widget):
         return display.window_id(self.program.pid, self.title)
 
     def activate(self):
-        """Brings it before the windows of other programs."""
+        """Raises it above the windows of other programs."""
         if not self.is_active:
             display.activate(self.window_id)
         return self.expect_active()
 
     def resize(self, width, height):
-        """Asks for a size, and returns the extents that came of it."""
+        """Requests a size, and returns the resulting extents."""
         display.resize(self.window_id, width, height)
         settle(0.2)
         return self.resting_extents()
@@ -489,7 +489,7 @@ class Window(Widget):
         display.ask_manager_to_close(self.window_id)
 
     def ask_directly_to_close(self):
-        """Asks it as the window manager does, whatever that would think of it."""
+        """Sends it the window manager's request to close, past the window manager."""
         display.ask_client_to_close(self.window_id)
 
 

@@ -1,16 +1,15 @@
-"""Journeys that begin with a workspace that is there already, instead of walking through the
-assistant."""
+"""Journeys that start with an existing workspace instead of the assistant."""
 
 import re
 from xml.sax.saxutils import escape, quoteattr
 
 from .journey import Journey
 
-# Beyond what XML itself asks for.
+# Escaped in addition to the characters that XML requires.
 QUOTES = {'"': "&quot;", "'": "&apos;"}
 
 MAIN_WINDOW = "Vantorelle Remark Codesets Manager 3.2.3"
-# What is asked when changes were left behind.
+# The question when unsaved changes were left behind.
 RESTORE = re.compile(r"^Unsaved changes to this codeset were found, from .+\. Restore them\?$")
 SUB_FOLDERS = ("codesets", "layouts", "documents", "templates")
 
@@ -44,8 +43,7 @@ def translations(element, texts, depth):
 
 
 class WorkspaceJourney(Journey):
-    """The user speaks British English. What is put into `self.codesets` before the start is what
-    the program lists."""
+    """The user's language is British English. The program lists the files in `self.codesets`."""
 
     def setUp(self):
         super().setUp()
@@ -60,13 +58,13 @@ class WorkspaceJourney(Journey):
         )
 
     def put(self, name, data):
-        """A file in the workspace's folder of codesets."""
+        """Writes a file in the workspace's folder of codesets."""
         path = self.codesets / name
         path.write_bytes(data)
         return path
 
     def prefer(self, *tags):
-        """The user's languages, instead of those that the environment tells."""
+        """Sets the user's languages, instead of those of the environment."""
         languages = "".join(f'<language tag="{tag}"/>' for tag in tags)
         settings = f"<settings><preferred-languages>{languages}</preferred-languages></settings>\n"
         (self.workspace / "settings.xml").write_text(settings)
@@ -98,8 +96,8 @@ class WorkspaceJourney(Journey):
         return program, program.window(f"Edit remark codeset - {name}")
 
     def expect_message(self, program, title, message, answer):
-        """A dialog that says just this (or fits the pattern), answered with a button, or with a key
-        such as "Escape"."""
+        """Expects a dialog with exactly this message (or one that matches the pattern), and answers
+        it with a button, or with a key such as "Escape"."""
         dialog = program.dialog(title)
         if isinstance(message, re.Pattern):
             self.assertRegex(dialog.message, message)
