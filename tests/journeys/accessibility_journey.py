@@ -11,8 +11,8 @@ from support.waiting import settle
 ASSISTANT = "Vantorelle Workspace Setup"
 LANGUAGES = ("English/United Kingdom [en-uk]", "Swedish [sv]", "German [de]")
 
-# What a user operates. A combo box takes the keys through a button inside it that is no object of
-# its own. A label that can have the focus is a text that can be copied.
+# The roles of widgets that a user operates. A combo box takes the keys through a button inside it
+# that is no object of its own. A label that can have the focus is a text that can be copied.
 CONTROLS = (
     *accessibility.BUTTONS,
     *accessibility.TEXTS,
@@ -52,12 +52,12 @@ CODESET = """<?xml version="1.0" encoding="iso-8859-1"?>
 </codeset>
 """
 
-# Nothing moves or blinks: what changes on the screen is the focus.
+# Nothing moves or blinks, so only the focus changes on the screen.
 QUIET = "[Settings]\ngtk-cursor-blink=false\ngtk-enable-animations=false\n"
 
 
 class Picture:
-    """What the screen shows at one moment."""
+    """The screen's contents at one moment."""
 
     def __init__(self):
         command = ("import", "-silent", "-window", "root", "-depth", "8", "ppm:-")
@@ -78,7 +78,7 @@ class Picture:
 
 
 def visible_objects(accessible, wanted_state="showing"):
-    """All that belongs to what is shown, also where it must be scrolled to; not the cells of
+    """All shown objects, including those that must be scrolled into view, but not the cells of
     lists."""
     for child in accessibility.children(accessible):
         if wanted_state in accessibility.states(child):
@@ -99,7 +99,7 @@ def objects(window, roles):
 
 
 def spoken(widget):
-    """What a screen reader calls it: its name, its label, or for mere signs its description."""
+    """The name that a screen reader says: its name, its label, or for signs its description."""
     texts = [widget.name, *accessibility.labels_of(widget.accessible)]
     if not any(re.search(r"\w", text) for text in texts):
         texts = [widget.description]
@@ -197,8 +197,8 @@ class Accessibility(Journey):
         self.assertLessEqual(len(leaps), 1, f"Tab leaps about in {window!r}: {leaps}")
 
     def walk(self, window):
-        """Presses Tab until it comes round. Returns what got the focus, in order, each time seen on
-        the screen."""
+        """Presses Tab until the first widget has the focus again. Returns the focused widgets in
+        order, and checks that the screen shows each focus."""
         program = window.program
         controls = [
             widget
@@ -447,7 +447,7 @@ class Accessibility(Journey):
         self.assertIn('<description lang="en">Loss of paint</description>', saved)
 
     def test_buttons_are_pressed_by_assistive_technologies(self):
-        """What a button opens is there for who has asked for it."""
+        """An assistive technology that presses a button can use the window that it opens."""
         program, window = self.open_main_window()
         window.button("Clone").act()
         naming = program.window("Add new")
@@ -476,7 +476,7 @@ class Accessibility(Journey):
         program.expect_exit(0)
 
     def test_the_assistant_is_led_through_by_assistive_technologies(self):
-        """What Apply says can be read while it is shown."""
+        """The message of Apply can be read while it is shown."""
         program = self.start()
         assistant = program.window(ASSISTANT)
         assistant.button("Next").act()

@@ -1,5 +1,4 @@
-"""The main window: what it lists, and what each of its buttons does to the files in the
-workspace."""
+"""The main window: its list, and the effect of each button on the files in the workspace."""
 
 import re
 
@@ -548,7 +547,7 @@ class ComponentManager(WorkspaceJourney):
         program, window = self.open()
         window.list().row("Wood (Vera) 2").select()
         window.button("Save a copy").click()
-        # A folder in which nobody can make a file.
+        # A folder in which no file can be created.
         program.file_chooser("Save As").choose("/proc/copy.codeset")
         self.expect_message(
             program,

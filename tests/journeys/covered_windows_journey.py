@@ -1,5 +1,5 @@
 """A window with another one over it: no request of the desktop closes it, no click reaches it, and
-what was entered in it is there afterwards."""
+its contents stay."""
 
 from support import MAIN_WINDOW, Journey, WorkspaceJourney, codeset, main
 from support import display

@@ -1,5 +1,5 @@
-"""Unsaved work, whatever ends the program. VANTORELLE_KILLS sets how often the program is killed at
-a random moment, VANTORELLE_SEED repeats the moments of an earlier run."""
+"""Unsaved work when the program is ended in any way. VANTORELLE_KILLS sets how often the program is
+killed at a random moment, VANTORELLE_SEED repeats the moments of an earlier run."""
 
 import os
 import pathlib
@@ -165,7 +165,7 @@ class Drafts(WorkspaceJourney):
         socket = pathlib.Path(os.environ["XDG_RUNTIME_DIR"]) / name
         wait_until(socket.exists, "the compositor")
         program, window = self.open(GDK_BACKEND="wayland", WAYLAND_DISPLAY=name, DISPLAY=None)
-        # There is no telling where its windows are on the screen: by keys alone.
+        # Clients cannot know where their windows are on the screen, so only keys are used.
         window.list().expect_texts([WOOD_TEXT])
         window.list().expect_focus()
         display.press("Home", "space")
@@ -271,7 +271,7 @@ class Drafts(WorkspaceJourney):
         other_draft = codeset("Wood", "Vera", "3", REMARKS)
         other.wait(lambda: sorted(self.drafts()) == sorted([CHANGED, other_draft]), "two drafts")
         program.kill()
-        # The one that still runs keeps its own.
+        # The program that still runs keeps its draft.
         third, third_editing = self.reopen("Yes")
         third_editing.field(UK).expect_text("Changed")
         third_editing.button("Save codeset").click()
@@ -338,7 +338,7 @@ class Drafts(WorkspaceJourney):
                     if waited >= DRAFT_SECONDS:
                         self.assertEqual(in_drafts, {"2"})
                 if in_file != {"1"}:
-                    # The old file was touched: by then the work is safe.
+                    # Once the old file changes, the work must be in the file or in a draft.
                     self.assertIn("2", in_file | in_drafts)
 
 

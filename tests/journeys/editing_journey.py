@@ -1,5 +1,5 @@
-"""The editing window and its dialog: codes and translations, what saving refuses, the question on
-closing, and what is saved to the byte."""
+"""The editing window and its dialog: codes and translations, refusals on saving, the question on
+closing, and every byte that is saved."""
 
 import re
 import resource
@@ -30,7 +30,7 @@ class Editing(WorkspaceJourney):
         editing.expect_closed()
 
     def expect_refused(self, program, editing, message):
-        """Saving says why not, and nothing has happened to the file."""
+        """Saving shows the reason, and the file is unchanged."""
         before = self.contents()
         editing.button("Save codeset").click()
         self.expect_message(program, "Error", message, "Close")
@@ -146,7 +146,7 @@ class Editing(WorkspaceJourney):
         self.assertEqual(
             [field.text for field in editing.fields()], ["Own", "Egen", "Vera", "3", ""]
         )
-        # Nothing was changed that could be lost.
+        # There are no changes that could be lost.
         self.assertEqual(self.drafts(), [])
         editing.button("Close").click()
         self.expect_message(program, "Really close?", QUESTION, "Close")
@@ -312,7 +312,7 @@ class Editing(WorkspaceJourney):
         self.assertEqual(
             self.own.read_bytes(), codeset(NAME, "Vera", "3", [*REMARKS, ("a&b", "Ampersand")])
         )
-        # Such a file is not well-formed, and the list tells so at once.
+        # The file is not well-formed, and the list shows that at once.
         window = program.window(MAIN_WINDOW)
         window.list().expect_texts(["own.codeset"])
 
@@ -476,7 +476,7 @@ class Editing(WorkspaceJourney):
             "Close",
         )
         self.own.rmdir()
-        # What could not be saved is not lost: the next attempt succeeds.
+        # The changes are kept, and the next attempt succeeds.
         self.save(editing)
         self.assertEqual(self.own.read_bytes(), OWN)
 

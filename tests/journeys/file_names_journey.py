@@ -1,5 +1,5 @@
-"""The window that asks for the name of a new file: what it refuses, what it takes, and the ways out
-of it."""
+"""The window that asks for the name of a new file: refused names, accepted names, and the ways to
+close it."""
 
 from support import WorkspaceJourney, codeset, main
 from support import display
@@ -33,7 +33,7 @@ class FileNames(WorkspaceJourney):
         naming.field().expect_text(name)
 
     def expect_taken(self, program, naming, name):
-        """The name leads to the editing window, which is left again."""
+        """The name opens the editing window, which is closed again."""
         editing = program.window(f"Edit remark codeset - {name}")
         naming.expect_closed()
         editing.button("Close").click()
@@ -125,7 +125,7 @@ class FileNames(WorkspaceJourney):
                 ("folder.codeset", "That file name is already taken."),
             ],
         )
-        # A name that no folder can hold cannot be asked about.
+        # The status of a name that is too long for a folder cannot be read.
         self.fill(naming, "a" * 250 + ".codeset")
         naming.button("OK").click()
         self.expect_message(program, "Error", "That file name is already taken.", "Escape")

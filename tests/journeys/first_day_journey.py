@@ -10,7 +10,7 @@ from support.journey import delivered_stage
 
 
 def read_summary(path, languages):
-    """What the list shows for a codeset file, told from the file by another reader."""
+    """The list's text for a codeset file, read by an independent parser."""
     root = ElementTree.parse(path).getroot()
 
     def text(name):
@@ -149,7 +149,7 @@ class FirstDay(Journey):
         dialog.expect_closed()
 
     def edited(self, original):
-        """What the edited file must hold, made from the delivered one."""
+        """The expected contents of the edited file, made from the delivered one."""
         text = original.decode("iso-8859-1")
         text = text.replace(
             '<name lang="sv">Metaller</name>', '<name lang="sv">Mina metaller</name>'

@@ -1,5 +1,5 @@
 """A large codeset by keyboard alone: sixty codes in three languages are entered, and later each of
-them is changed. The journey counts what is pressed besides the texts."""
+them is changed. The journey counts the keys pressed besides the texts."""
 
 from support import WorkspaceJourney, codeset, display, main
 from support.waiting import settle

@@ -1,5 +1,4 @@
-"""What can be typed and pasted into the fields, what is saved of it, and where spelling is
-checked."""
+"""Typing and pasting into the fields, the saved texts, and checking of spelling."""
 
 import re
 import signal
@@ -13,7 +12,7 @@ TITLE = "Edit remark codeset - own.codeset"
 OWN = codeset("Own", "Vera", "1", [("1", "One")])
 EVERY_LATIN1_CHARACTER = "".join(map(chr, [*range(0x21, 0x7F), *range(0xA1, 0x100)]))
 
-# What is pasted, what the field shows of it, and what is saved.
+# The pasted text, the text that the field then shows, and the saved text.
 PASTED = [
     ("é à ü ß ÿ ¿ × Å", "é à ü ß ÿ ¿ × Å", None),
     ("10 € or $", "10  or $", "10 or $"),
@@ -70,7 +69,7 @@ class Typing(WorkspaceJourney):
                 dialog.field(UK).expect_text(shown)
                 dialog.press("Return")
                 dialog.expect_closed()
-                # What is taken over is what will be saved.
+                # The list shows the text as it will be saved.
                 codes = editing.list("Remark codes")
                 codes.expect_texts([f"1. {saved}"])
                 codes.row(f"1. {saved}").select()
@@ -82,7 +81,7 @@ class Typing(WorkspaceJourney):
                     self.own.read_bytes(), codeset(saved, saved, saved, [("1", saved)])
                 )
 
-                # It comes back as it was saved.
+                # It is read back as it was saved.
                 window = program.window(MAIN_WINDOW)
                 window.list().expect_texts([f"{saved} ({saved}) {saved}"])
                 self.own.write_bytes(OWN)
@@ -128,7 +127,7 @@ class Typing(WorkspaceJourney):
 
     def test_typed_codes(self):
         program, editing = self.open_own()
-        # Line breaks and tabs are keys of their own: the one says OK, the other goes on.
+        # Line breaks and tabs are typed as Return, which presses OK, and Tab.
         for typed in ("é€\u00a0ü\tFällt\n", "«½»\tà\u00a0é\n"):
             editing.button("Add new").click()
             dialog = program.window("Edit remark code")
@@ -207,7 +206,7 @@ class Typing(WorkspaceJourney):
         name, author = editing.field(UK), editing.field(UK, index=1)
         name.enter("Zoë's naïve façade, 5 €")
         name.expect_text("Zoë's naïve façade, 5 ")
-        # Where the cursor stands, not at the end.
+        # At the cursor, not at the end.
         display.press("Home")
         display.type_text("«€1» ")
         name.expect_text("«1» Zoë's naïve façade, 5 ")
@@ -233,7 +232,7 @@ class Typing(WorkspaceJourney):
         )
         name.paste(" €2\t")
         name.expect_text("one 2  three")
-        # The cursor stands behind what was inserted.
+        # The cursor is after the inserted text.
         display.type_text("!")
         name.expect_text("one 2 ! three")
         display.press("ctrl+a", "ctrl+c")
@@ -330,7 +329,7 @@ class Typing(WorkspaceJourney):
     def choose_in_spelling_menu(self, field, *keys):
         """Opens the menu of the field's first word, in which the suggestions are chosen already,
         and goes on by keys."""
-        # The toolkit's own menu waits for the clipboard, and then complains of what it waited for.
+        # The toolkit's menu waits for the clipboard, and then prints a complaint of its own.
         field.program.expected_complaints = re.compile("not holding a GdkSeat")
         field.focus()
         display.press("Home", "shift+F10")
