@@ -67,12 +67,12 @@ class Browser:
             text=True,
             env={"PATH": "/usr/bin:/bin", "HOME": str(folder), "TMPDIR": str(folder)},
         )
-        # A proxy is for other machines.
+        # The machine's proxy must not be used.
         self.http = urllib.request.build_opener(urllib.request.ProxyHandler({}))
         try:
             self.session = f"http://127.0.0.1:{self.read_port()}/session"
             options = {"args": [*ARGUMENTS, f"--user-data-dir={folder / 'profile'}"]}
-            # The page tells by an alert that its server is gone.
+            # The page shows an alert when its server has ended.
             capabilities = {
                 "browserName": "chrome",
                 "goog:chromeOptions": options,
@@ -127,7 +127,7 @@ class Browser:
         self.open(address)
 
     def windows(self):
-        """The program's windows that are to be seen, the topmost last."""
+        """The program's shown windows, the topmost last."""
         return [Window(*values) for values in self.run(WINDOWS)]
 
     def size(self):

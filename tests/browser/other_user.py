@@ -1,4 +1,4 @@
-"""Another user of the machine looks for a way into a session:
+"""Another user of the machine tries to get into a session:
 
     other_user.py PORT FOLDER [SOCKET...] <SECRET
 

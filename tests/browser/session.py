@@ -16,7 +16,7 @@ from support import wait_until  # noqa: E402
 from support.journey import delivered_stage  # noqa: E402
 from support.program import EXECUTABLE  # noqa: E402
 
-# A caller in the background ignores the interrupt.
+# A command that a shell starts in the background ignores the interrupt.
 START = (
     "env",
     "--default-signal=INT,QUIT",
@@ -96,7 +96,7 @@ class Session:
         os.kill(self.find(name), number)
 
     def stop(self, name):
-        """Keeps the process from doing any more until it is killed."""
+        """Stops the process until it is killed."""
         self.send(name, signal.SIGSTOP)
         stat = pathlib.Path(f"/proc/{self.find(name)}/stat")
         wait_until(
@@ -142,7 +142,7 @@ def open_files(pid):
 
 
 def mapped_files(pid):
-    """Those that still have a name."""
+    """The mapped files that still have a name."""
     try:
         lines = pathlib.Path(f"/proc/{pid}/maps").read_text(encoding="utf-8").splitlines()
     except OSError:
@@ -153,12 +153,12 @@ def mapped_files(pid):
 
 
 def shared_memory():
-    """What any program that is not enclosed shares with its server, or did."""
+    """Shared memory of programs outside a namespace and their server."""
     return pathlib.Path("/").glob(SHARED_MEMORY.lstrip("/"))
 
 
 def listening_sockets():
-    """Those of the whole machine."""
+    """The listening sockets of the whole machine."""
     return {
         f"socket:[{inode}]": read_place(local)
         for table in ("tcp", "tcp6")

@@ -1,4 +1,4 @@
-"""What anybody who reaches the gateway may send it, byte by byte."""
+"""Requests to the gateway, byte by byte."""
 
 import socket
 
@@ -22,7 +22,7 @@ def head(path, fields, method="GET"):
 
 
 def ask(port, request):
-    """The whole answer, or the head of one that has no end."""
+    """Returns the whole answer, or the head of one that has no end."""
     with socket.create_connection(("127.0.0.1", port), ANSWER_SECONDS) as connection:
         connection.sendall(request)
         answer = b""

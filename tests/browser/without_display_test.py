@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""A session in a web browser, from the first start to the last byte; who else gets in, and what it
-leaves behind."""
+"""A session in a web browser, from the first start to the last byte: its work, its protection
+against others, and its clean-up."""
 
 import os
 import pathlib
@@ -175,7 +175,7 @@ class WithoutDisplay(unittest.TestCase):
         for name, (request, status) in served.items():
             with self.subTest(served=name):
                 self.assertEqual(ask(port, request).split(b"\r\n")[0], status)
-        # Nothing that follows an admitted request is passed on without a look at it.
+        # A second request right behind an admitted one must not be passed on unchecked.
         two = head(page, {"Host": host}) + head(
             "/socket", {**own, "Origin": "http://foreign.example", **WEBSOCKET}
         )
@@ -210,7 +210,7 @@ class WithoutDisplay(unittest.TestCase):
     def test_where_other_users_cannot_be_kept_out_the_user_has_to_be_alone(self):
         path = self.path_without_namespaces()
         if os.geteuid() == 0:
-            # Root as an ordinary user, who has to say so.
+            # Root acts as an ordinary user, who has to confirm that.
             check = ("bash", "-c", 'source "$1"; check_enclosure', "check", LIBRARY)
             refused = subprocess.run(
                 check,
