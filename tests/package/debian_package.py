@@ -42,7 +42,7 @@ ROOT_ENVIRONMENT = {
     "DEBIAN_FRONTEND": "noninteractive",
 }
 TYPES_INDEX = "usr/share/mime/globs2"
-# What the package manager notes down of everything that it does.
+# The package manager's logs and state.
 JOURNALS = ("var/log/", "var/lib/dpkg/", "var/lib/apt/", "var/cache/")
 
 package, root = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
@@ -146,7 +146,8 @@ class CleanDebian(InstalledProgramJourney):
 
     def test_it_is_installed_used_and_removed(self):
         shutil.copy(package, root / "package.deb")
-        # What it depends on is there first, so that whatever is left behind at the end is its own.
+        # Its dependencies are installed first, so that all files that remain at the end are its
+        # own.
         in_root("apt-get", "satisfy", "--yes", "--no-install-recommends", field("Depends"))
         before = everything_in_root()
 

@@ -1,5 +1,4 @@
-"""The program of a release build: what an attacker who has found a fault in it would have to get
-past."""
+"""The program of a release build: its hardening against the exploitation of a fault."""
 
 import os
 import pathlib

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""An installation into a prefix of its own: its files, what it tells the desktop, and the program
+"""An installation into a prefix of its own: its files, its entries for the desktop, and the program
 run from it."""
 
 import configparser
@@ -45,7 +45,7 @@ def setUpModule():
 
 
 def run(*command, **environment):
-    """What the command prints, which must succeed."""
+    """Runs a command that must succeed, and returns its output."""
     answer = subprocess.run(
         [str(part) for part in command],
         env={**os.environ, **environment},

@@ -1,4 +1,4 @@
-"""What lies below the prefix of an installation, and the program as it is met there."""
+"""The files below the prefix of an installation, and the program started from there."""
 
 import os
 import pathlib
@@ -31,7 +31,7 @@ ICON_SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
 
 
 def delivered():
-    """What lies beside the executable, apart from the fonts."""
+    """The delivered files beside the executable, apart from the fonts."""
     return {
         f"{kind}s/{path.name}"
         for kind in ("codeset", "layout", "template")
@@ -85,8 +85,8 @@ def install(destination, *arguments):
 
 class InstalledProgramJourney(Journey):
     def use(self, folder, beside, **environment):
-        """Starts the program of the folder, has a workspace made and ends it. What the workspace
-        receives must be what lies in the folder `beside`."""
+        """Starts the program of the folder, has a workspace made and ends it. The workspace must
+        receive the files in the folder `beside`."""
         program = self.start_program(stage=folder, **environment)
         assistant = program.window("Vantorelle Workspace Setup")
         assistant.button("Next").click()
