@@ -1,10 +1,10 @@
-"""The door between a web browser and the toolkit's display server, one for each session:
+"""The gateway between a web browser and the toolkit's display server, one for each session:
 
     browser_gateway.py FOLDER
 
-Waits for the server's socket FOLDER/page, prints the address to open and relays what comes by it.
-The address holds a secret that is made here and is known to nobody but the reader of what is
-printed. The folder is removed at the end.
+Waits for the server's socket FOLDER/page, prints the address to open and relays its requests. The
+address holds a secret that is made here and is known only to the reader of the output. The folder
+is removed at the end.
 """
 
 import asyncio
@@ -29,7 +29,7 @@ PAGES = ("", "broadway.js")
 SOCKET = "socket"
 WEBSOCKET_KEY = re.compile(r"[A-Za-z0-9+/]{22}==")
 
-# One answer to whatever is refused, which tells nothing of the program.
+# The answer to every refused request, which reveals nothing about the program.
 REFUSAL = b"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"
 
 
@@ -91,7 +91,7 @@ class Gateway:
 
     def admit(self, head):
         """The wanted page, and the request to send to the server in place of the browser's: only
-        what was checked gets there."""
+        checked values reach the server."""
         path, fields = parse_head(head)
         # A web page of another site can have its own name lead to this address, but not change the
         # name that is sent.
@@ -141,7 +141,7 @@ def parse_head(head):
 
 
 def upgrade_fields(fields):
-    """Those of a browser that asks for a WebSocket, which always tells its origin."""
+    """The fields of a browser's request for a WebSocket, which always names its origin."""
     key = fields.get("sec-websocket-key", "")
     if (
         "origin" not in fields

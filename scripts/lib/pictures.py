@@ -1,4 +1,4 @@
-"""Makes the pictures of the documentation, one function each, inside tests/support/headless:
+"""Takes the pictures of the documentation, one function each, inside tests/support/headless:
 
     VANTORELLE_STAGE=FOLDER pictures.py TARGET_FOLDER [PICTURE...]
 
@@ -28,7 +28,7 @@ gtk-cursor-blink=false
 gtk-enable-animations=false
 """
 
-# A folder that a reader may take for her own.
+# A folder that looks like one of the reader's own.
 SHOWN_WORKSPACE = "/home/vera/Vantorelle Workspace"
 
 
@@ -97,7 +97,7 @@ class Album:
 
     def take(self):
         """Takes the picture of the active window with its title bar."""
-        # The pointer would light up what it points at.
+        # The pointer would highlight the widget below it.
         display.move(0, 0)
         settle()
         left, top, width, height = self.framed_extents()
