@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""report.py DOCUMENT RESULT...: prints the table of what Google Benchmark has left in the result
-files, and puts it between the two marks of the document. Ends with 1 when a target is missed."""
+"""report.py DOCUMENT RESULT...: prints a table of the result files of Google Benchmark, and writes
+it between the two marks in the document. Ends with 1 when a target is missed."""
 
 import json
 import pathlib
@@ -13,7 +13,7 @@ HEADINGS = ("What", "Size", "Baseline in the same run", "Baseline", "Ours", "Rat
 
 
 def rows_of(path):
-    """What bench/support/comparison.cpp has counted, one row for each benchmark."""
+    """The results of bench/support/comparison.cpp, one row for each benchmark."""
     for run in json.loads(pathlib.Path(path).read_text(encoding="utf-8"))["benchmarks"]:
         if run.get("error_occurred"):
             sys.exit(f"{run['name']}: {run['error_message']}")
