@@ -13,6 +13,8 @@ GLib.log_set_always_fatal(GLib.LogLevelFlags.LEVEL_ERROR)
 LISTS = ("table", "tree table")
 BUTTONS = ("push button", "toggle button")
 TEXTS = ("text", "password text", "entry")
+# Names that the accessibility library of Debian 13 gives to roles, with the names that are used here.
+RENAMED_ROLES = {"button": "push button"}
 NOWHERE = -(2**31)
 
 
@@ -51,7 +53,9 @@ def descendants(accessible, closed=LISTS):
 
 
 def role(accessible):
-    return attempt(accessible.get_role_name, default="")
+    """The same name with every version of the accessibility library."""
+    role_name = attempt(accessible.get_role_name, default="")
+    return RENAMED_ROLES.get(role_name, role_name)
 
 
 def name(accessible):
