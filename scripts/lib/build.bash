@@ -1,17 +1,31 @@
 # shellcheck shell=bash
-# Configuring and building with a preset. Sourced by scripts whose working
-# folder is the checkout's root.
+# Configuring and building with a preset. Sourced by scripts whose working folder is the checkout's
+# root.
+
+# Each preset is built in the folder of its name in here. A checkout that cannot be written to needs
+# another folder.
+build_folder=$(realpath -m "${VANTORELLE_BUILD:-build}")
+readonly build_folder
+
+# Ends the script with status 1 when nothing can be written to the build folder.
+ensure_build_folder() {
+    if ! mkdir -p "$build_folder" 2>/dev/null || [[ ! -w $build_folder ]]; then
+        echo "$build_folder cannot be written: name another folder to build in with VANTORELLE_BUILD." >&2
+        exit 1
+    fi
+}
 
 # Configures a new build folder, or one of a checkout that was moved since. Ninja detects all other
 # changes.
 configure_preset() {
-    local preset=$1 folder=build/$1
+    local preset=$1 folder=$build_folder/$1
+    ensure_build_folder
     if ! grep -qsxF "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$folder/CMakeCache.txt" || [[ ! -e $folder/build.ninja ]]; then
-        cmake --fresh --preset "$preset"
+        cmake --fresh --preset "$preset" -B "$folder"
     fi
 }
 
 build_preset() {
     configure_preset "$1"
-    cmake --build "build/$1"
+    cmake --build "$build_folder/$1"
 }

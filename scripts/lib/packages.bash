@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# The Debian packages that the scripts need, and how they get them. Sourced, not run.
+# What the scripts need, and how they get it. Sourced by scripts whose working folder is the checkout.
 
 # One line per package: what it is needed for, and its name.
 readonly package_table="
@@ -82,14 +82,67 @@ bench   libbenchmark-dev
 bench   python3
 "
 
-# Prints the packages for the purposes, each once.
-packages_for() {
-    local purpose package wanted
-    while read -r purpose package; do
-        for wanted in "$@"; do
-            [[ $purpose == "$wanted" ]] && echo "$package"
+# One line per program: what it is needed for, and its name. The libraries are those of cmake/Packages.cmake.
+readonly program_table="
+build   c++
+build   cmake
+build   ninja
+build   pkg-config
+build   rsvg-convert
+run     broadwayd
+run     gtk-query-settings
+run     mount
+run     python3
+run     setpriv
+run     unshare
+test    Xvfb
+test    openbox
+test    weston
+test    dbus-daemon
+test    glib-compile-schemas
+test    gio
+test    localedef
+test    python3
+test    xprop
+test    xdotool
+test    xclip
+test    convert
+test    valgrind
+test    appstreamcli
+test    desktop-file-validate
+test    png2icns
+test    mandoc
+test    update-mime-database
+test    strace
+test    chromedriver
+test    hunspell
+check   clang-tidy
+check   clang-format
+check   cppcheck
+check   shellcheck
+coverage gcovr
+coverage python3
+fuzz    clang++
+package cpack
+package dpkg-buildflags
+package dpkg-shlibdeps
+package lintian
+package debootstrap
+bench   python3
+"
+
+# Prints the second column of the table for the purposes, each once.
+names_for() {
+    local table=$1 purpose name wanted
+    while read -r purpose name; do
+        for wanted in "${@:2}"; do
+            [[ $purpose == "$wanted" ]] && echo "$name"
         done
-    done <<<"$package_table" | sort -u
+    done <<<"$table" | sort -u
+}
+
+packages_for() {
+    names_for "$package_table" "$@"
 }
 
 # Prints those of the packages that are not installed.
@@ -101,17 +154,50 @@ missing_packages() {
     comm -23 <(printf '%s\n' "$@" | sort -u) <(echo "$installed")
 }
 
+# Prints the modules of pkg-config that the build asks for, with their versions, in one line each.
+required_modules() {
+    sed -nE 's/^pkg_check_modules\([A-Z0-9_]+ REQUIRED IMPORTED_TARGET ([^)]*)\)$/\1/p' cmake/Packages.cmake |
+        tr ' ' '\n' | sed 's/>=/ >= /'
+}
+
+# Prints the programs for the purposes and the modules that are missing. Without pkg-config every
+# module is missing.
+missing_tools() {
+    local tool module
+    while read -r tool; do
+        command -v "$tool" >/dev/null || echo "program $tool"
+    done < <(names_for "$program_table" "$@")
+    while read -r module; do
+        pkg-config --exists "$module" 2>/dev/null || echo "pkg-config module $module"
+    done < <(required_modules)
+}
+
+# For a distribution without Debian packages: ends the script with status 1 and one list when
+# anything is missing.
+ensure_tools() {
+    local missing
+    missing=$(missing_tools "$@")
+    [[ -z $missing ]] && return 0
+    echo "Without apt-get nothing can be installed from here. These are missing:" >&2
+    echo "$missing" >&2
+    exit 1
+}
+
 # Installs the missing packages for the purposes; uses no network when none is missing. A user
 # without the right to install gets the command to run, and the script ends with status 1.
 ensure_packages() {
     local wanted missing command as_root=()
+    if ! command -v apt-get >/dev/null; then
+        ensure_tools "$@"
+        return 0
+    fi
     mapfile -t wanted < <(packages_for "$@")
     mapfile -t missing < <(missing_packages "${wanted[@]}")
     ((${#missing[@]} == 0)) && return 0
 
     command="apt-get update && apt-get install -y --no-install-recommends ${missing[*]}"
     if ((EUID != 0)); then
-        if ! command -v apt-get >/dev/null || ! may_use_sudo; then
+        if ! may_use_sudo; then
             echo "Some Debian packages are missing. Have them installed with this line, then start again:" >&2
             echo "su -c '$command'" >&2
             exit 1

@@ -15,10 +15,10 @@ program = None
 
 
 def build_release():
-    """As scripts/run builds it."""
-    cmake = os.environ["VANTORELLE_CMAKE"]
-    for arguments in (("--preset", "release", "-S", SOURCE, "-B", BUILD), ("--build", BUILD)):
-        subprocess.run((cmake, *arguments), cwd=SOURCE, stdout=subprocess.DEVNULL, check=True)
+    """As scripts/run builds it, in another folder than that of the checkout."""
+    subprocess.run(
+        ("bash", "-euc", "source scripts/lib/build.bash; build_preset release"), cwd=SOURCE, stdout=subprocess.DEVNULL,
+        check=True, env={**os.environ, "VANTORELLE_BUILD": str(BUILD.parent)})
     return BUILD / "stage" / PROGRAM
 
 
