@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # What the scripts need, and how they get it. Sourced by scripts whose working folder is the checkout.
 
-# One line per package: what it is needed for, and its name.
+# One line per package: what it is needed for, and its name, which Debian 12 and Debian 13 share.
 readonly package_table="
 build   g++
 build   cmake
@@ -68,7 +68,7 @@ check   python3-gi
 coverage gcovr
 coverage python3
 fuzz    clang
-fuzz    libclang-rt-14-dev
+fuzz    libclang-rt-dev
 fuzz    libgtest-dev
 fuzz    libgmock-dev
 package dpkg-dev
