@@ -23,8 +23,9 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://vantorelle.org/)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The toolkit only recommends the loader of its SVG symbols, but the program needs it. No tool
-# detects that the program loads the SVG library at run time.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-liberation, librsvg2-2, librsvg2-common")
+# detects that the program loads the SVG library at run time. Where the fonts of fonts-liberation
+# are the only ones, the toolkit's "Sans" is a monospaced font.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-dejavu-core, fonts-liberation, librsvg2-2, librsvg2-common")
 string(JOIN ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS
   hunspell-en-gb hunspell-en-us hunspell-sv hunspell-de-de hunspell-fr hunspell-es hunspell-nl)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)

@@ -20,6 +20,7 @@ build   libjpeg-dev
 build   librsvg2-dev
 build   libfreetype-dev
 run     adwaita-icon-theme
+run     fonts-dejavu-core
 run     librsvg2-common
 run     libgtk-3-bin
 run     mount

@@ -89,7 +89,10 @@ class InstalledProgramJourney(Journey):
         receive the files in the folder `beside`."""
         program = self.start_program(stage=folder, **environment)
         assistant = program.window("Vantorelle Workspace Setup")
+        self.expect_lines_as_written(assistant)
         assistant.button("Next").click()
+        assistant.button("Apply")
+        self.expect_lines_as_written(assistant)
         assistant.button("Apply").click()
         assistant.button("Close").click()
         assistant.expect_closed()
@@ -102,3 +105,10 @@ class InstalledProgramJourney(Journey):
             self.assertEqual(received, (SOURCE / "data" / name).read_bytes(), name)
         window.close()
         program.expect_exit(0)
+
+    def expect_lines_as_written(self, window):
+        """The texts of several lines break at their own line breaks and nowhere else."""
+        texts = [label for label in window.find_all("label") if "\n" in label.text]
+        self.assertGreater(len(texts), 0)
+        for label in texts:
+            self.assertEqual(label.lines, label.text.split("\n"))

@@ -86,6 +86,16 @@ class Widget:
         return self.name if shown is None else shown
 
     @property
+    def lines(self):
+        """The text as it is shown, line by line, without the line breaks."""
+        text = self.text
+        found = (
+            Atspi.Text.get_string_at_offset(self.accessible, offset, Atspi.TextGranularity.LINE)
+            for offset in range(len(text)))
+        ranges = sorted({(line.start_offset, line.end_offset) for line in found})
+        return [text[start:end].removesuffix("\n") for start, end in ranges]
+
+    @property
     def extents(self):
         """(x, y, width, height) in pixels of the screen, or None when it is not on the screen."""
         place = accessibility.extents(self.accessible)
