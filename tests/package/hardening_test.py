@@ -17,8 +17,12 @@ program = None
 def build_release():
     """As scripts/run builds it, in another folder than that of the checkout."""
     subprocess.run(
-        ("bash", "-euc", "source scripts/lib/build.bash; build_preset release"), cwd=SOURCE, stdout=subprocess.DEVNULL,
-        check=True, env={**os.environ, "VANTORELLE_BUILD": str(BUILD.parent)})
+        ("bash", "-euc", "source scripts/lib/build.bash; build_preset release"),
+        cwd=SOURCE,
+        stdout=subprocess.DEVNULL,
+        check=True,
+        env={**os.environ, "VANTORELLE_BUILD": str(BUILD.parent)},
+    )
     return BUILD / "stage" / PROGRAM
 
 

@@ -91,7 +91,8 @@ class Widget:
         text = self.text
         found = (
             Atspi.Text.get_string_at_offset(self.accessible, offset, Atspi.TextGranularity.LINE)
-            for offset in range(len(text)))
+            for offset in range(len(text))
+        )
         ranges = sorted({(line.start_offset, line.end_offset) for line in found})
         return [text[start:end].removesuffix("\n") for start, end in ranges]
 

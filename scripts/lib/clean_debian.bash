@@ -1,0 +1,63 @@
+# shellcheck shell=bash
+# A Debian in a folder, with nothing but its base on it. Sourced after packages.bash.
+
+as_root=()
+
+# Only root may set up another Debian. Anyone else needs sudo: without it the script ends with status 1.
+become_able_to_set_up() {
+    ((EUID == 0)) && return 0
+    if ! may_use_sudo; then
+        echo "Only root, or a user of sudo, can set up another Debian in a folder." >&2
+        exit 1
+    fi
+    as_root=(sudo)
+}
+
+# Prints the suite of this machine's Debian, such as "bookworm".
+own_suite() (
+    # shellcheck source=/dev/null
+    source /etc/os-release
+    echo "$VERSION_CODENAME"
+)
+
+# Prints the suite, or ends the script with status 1 when the program is not made for it.
+supported_suite() {
+    case $1 in
+    bookworm | trixie) echo "$1" ;;
+    *)
+        echo "There is no suite \"$1\" here, but bookworm (Debian 12) and trixie (Debian 13)." >&2
+        return 1
+        ;;
+    esac
+}
+
+# Sets up the Debian of that suite in the folder. Its packages start no services, and its files need not survive a crash.
+set_up_debian() {
+    local suite=$1 root=$2
+    echo "Setting up a clean Debian ($suite)"
+    if ! "${as_root[@]}" debootstrap --variant=minbase "$suite" "$root" >"$root.log" 2>&1; then
+        cat "$root.log"
+        return 1
+    fi
+    "${as_root[@]}" tee "$root/etc/dpkg/dpkg.cfg.d/fast" <<<"force-unsafe-io" >/dev/null
+    "${as_root[@]}" tee "$root/usr/sbin/policy-rc.d" <<<$'#!/bin/sh\nexit 101' >/dev/null
+    "${as_root[@]}" chmod +x "$root/usr/sbin/policy-rc.d"
+}
+
+# Where the checkout is in such a Debian.
+readonly checkout_inside=/srv/vantorelle
+
+# Copies the checkout, without what was built, into the Debian in the folder.
+copy_checkout() {
+    local root=$1
+    "${as_root[@]}" mkdir -p "$root$checkout_inside"
+    tar --create --exclude=./build --exclude=./.git . |
+        "${as_root[@]}" tar --extract --no-same-owner --directory "$root$checkout_inside"
+}
+
+# Runs a command of the checkout's copy in the Debian in the folder, with an environment of its own.
+run_inside() {
+    # shellcheck disable=SC2016 # expanded by the sh that is started
+    "${as_root[@]}" unshare --mount sh -c 'mount -t proc proc "$1/proc" && exec chroot "$@"' sh "$1" \
+        env -i --chdir="$checkout_inside" PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 "${@:2}"
+}
