@@ -5,12 +5,12 @@
 
 #include "gui/button.h"
 #include "gui/css.h"
+#include "gui/height_capped_scroller.h"
 #include "gui/list_place.h"
 #include "gui/list_scroller.h"
 #include "gui/owned_objects.h"
 #include "gui/placing.h"
 #include "gui/screen_area.h"
-#include "gui/screen_high_scroller.h"
 
 namespace {
 
@@ -178,7 +178,7 @@ GtkBox *v_gui_pack_hbox(GtkBox *box, Expand expand, Spacing spacing) {
 }
 
 GtkBox *v_gui_pack_scrolling_vbox(GtkBox *box, Expand expand, Spacing spacing) {
-  GtkWidget *scroller = packed(box, expand, shown(v_screen_high_scroller_new()));
+  GtkWidget *scroller = packed(box, expand, shown(v_height_capped_scroller_new()));
   GtkBox *inner_box = v_gui_add_vbox(GTK_CONTAINER(scroller), spacing);
   // What has the focus scrolls into view.
   gtk_container_set_focus_vadjustment(
@@ -188,9 +188,10 @@ GtkBox *v_gui_pack_scrolling_vbox(GtkBox *box, Expand expand, Spacing spacing) {
 
 GtkBox *v_gui_pack_yielding_vbox(GtkBox *box, Spacing spacing) {
   GtkBox *inner_box = v_gui_pack_scrolling_vbox(box, Expand::no, spacing);
-  GtkWidget *scroller = gtk_widget_get_ancestor(GTK_WIDGET(inner_box), V_TYPE_SCREEN_HIGH_SCROLLER);
-  v_screen_high_scroller_set_least_height(V_SCREEN_HIGH_SCROLLER(scroller),
-                                          v_screen_area_get(scroller).height * 3 / 10);
+  GtkWidget *scroller =
+      gtk_widget_get_ancestor(GTK_WIDGET(inner_box), V_TYPE_HEIGHT_CAPPED_SCROLLER);
+  v_height_capped_scroller_set_least_height(V_HEIGHT_CAPPED_SCROLLER(scroller),
+                                            v_screen_area_get(scroller).height * 3 / 10);
   return inner_box;
 }
 

@@ -1,4 +1,4 @@
-#include "gui/screen_high_scroller.h"
+#include "gui/height_capped_scroller.h"
 
 #include <gtest/gtest.h>
 
@@ -40,9 +40,9 @@ struct Tower {
     const Owned<GList, g_list_free> children(gtk_container_get_children(GTK_CONTAINER(rows)));
     return GTK_WIDGET(g_list_last(children.get())->data);
   }
-  VScreenHighScroller *scroller() {
-    return V_SCREEN_HIGH_SCROLLER(
-        gtk_widget_get_ancestor(GTK_WIDGET(rows), V_TYPE_SCREEN_HIGH_SCROLLER));
+  VHeightCappedScroller *scroller() {
+    return V_HEIGHT_CAPPED_SCROLLER(
+        gtk_widget_get_ancestor(GTK_WIDGET(rows), V_TYPE_HEIGHT_CAPPED_SCROLLER));
   }
   GtkAdjustment *place() {
     return gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller()));
@@ -72,7 +72,7 @@ struct Tower {
   }
 };
 
-TEST(ScreenHighScroller, GrowsWithItsContent) {
+TEST(HeightCappedScroller, GrowsWithItsContent) {
   Tower tower;
   tower.add_rows(2);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
@@ -86,14 +86,14 @@ TEST(ScreenHighScroller, GrowsWithItsContent) {
   EXPECT_LE(tower.button_bottom(), tower.height());
 }
 
-TEST(ScreenHighScroller, KeepsNoRoomForAScrollBarThatIsNotThere) {
+TEST(HeightCappedScroller, KeepsNoRoomForAScrollBarThatIsNotThere) {
   for (const int rows : {2, 100}) {
     Tower tower;
     tower.add_rows(rows);
     gtk_widget_show(GTK_WIDGET(tower.window.get()));
     settle();
     GtkWidget *scroller =
-        gtk_widget_get_ancestor(GTK_WIDGET(tower.rows), V_TYPE_SCREEN_HIGH_SCROLLER);
+        gtk_widget_get_ancestor(GTK_WIDGET(tower.rows), V_TYPE_HEIGHT_CAPPED_SCROLLER);
     int content = 0;
     int room = 0;
     gtk_widget_get_preferred_width(GTK_WIDGET(tower.rows), nullptr, &content);
@@ -106,7 +106,7 @@ TEST(ScreenHighScroller, KeepsNoRoomForAScrollBarThatIsNotThere) {
   }
 }
 
-TEST(ScreenHighScroller, TheScrollBarDoesNotTouchTheContent) {
+TEST(HeightCappedScroller, TheScrollBarDoesNotTouchTheContent) {
   Tower tower;
   tower.add_rows(100);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
@@ -117,7 +117,7 @@ TEST(ScreenHighScroller, TheScrollBarDoesNotTouchTheContent) {
   EXPECT_GE(left - gtk_widget_get_allocated_width(tower.row(0)), 8);
 }
 
-TEST(ScreenHighScroller, EndsWithTheScreen) {
+TEST(HeightCappedScroller, EndsWithTheScreen) {
   Tower tower;
   tower.add_rows(100);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
@@ -127,7 +127,7 @@ TEST(ScreenHighScroller, EndsWithTheScreen) {
   EXPECT_LE(tower.button_bottom(), tower.height());
 }
 
-TEST(ScreenHighScroller, WhatHasTheFocusScrollsIntoView) {
+TEST(HeightCappedScroller, WhatHasTheFocusScrollsIntoView) {
   Tower tower;
   tower.add_rows(100);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
@@ -137,7 +137,7 @@ TEST(ScreenHighScroller, WhatHasTheFocusScrollsIntoView) {
   EXPECT_TRUE(wait_until([&] { return gtk_adjustment_get_value(tower.place()) > 1000; }));
 }
 
-TEST(ScreenHighScroller, ANewRowThatTakesTheFocusScrollsIntoView) {
+TEST(HeightCappedScroller, ANewRowThatTakesTheFocusScrollsIntoView) {
   Tower tower;
   tower.add_rows(2);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
@@ -149,11 +149,11 @@ TEST(ScreenHighScroller, ANewRowThatTakesTheFocusScrollsIntoView) {
   }
 }
 
-TEST(ScreenHighScroller, WhatHasTheFocusStaysInViewWhenTheWindowShrinks) {
+TEST(HeightCappedScroller, WhatHasTheFocusStaysInViewWhenTheWindowShrinks) {
   Tower tower;
   tower.add_rows(100);
   gtk_window_maximize(tower.window.get());
-  v_screen_high_scroller_set_least_height(tower.scroller(), 100);
+  v_height_capped_scroller_set_least_height(tower.scroller(), 100);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
   settle();
   const int before = tower.height();
@@ -167,7 +167,7 @@ TEST(ScreenHighScroller, WhatHasTheFocusStaysInViewWhenTheWindowShrinks) {
   EXPECT_TRUE(tower.shows_whole(row));
 }
 
-TEST(ScreenHighScroller, StaysWhereTheUserHasScrolledIt) {
+TEST(HeightCappedScroller, StaysWhereTheUserHasScrolledIt) {
   Tower tower;
   tower.add_rows(100);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
@@ -180,10 +180,10 @@ TEST(ScreenHighScroller, StaysWhereTheUserHasScrolledIt) {
   EXPECT_EQ(gtk_adjustment_get_value(tower.place()), 1000);
 }
 
-TEST(ScreenHighScroller, MakesDoWithItsLeastHeight) {
+TEST(HeightCappedScroller, MakesDoWithItsLeastHeight) {
   Tower tower;
   tower.add_rows(100);
-  v_screen_high_scroller_set_least_height(tower.scroller(), 120);
+  v_height_capped_scroller_set_least_height(tower.scroller(), 120);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
   settle();
   int least = 0;
@@ -193,10 +193,10 @@ TEST(ScreenHighScroller, MakesDoWithItsLeastHeight) {
   EXPECT_GT(natural, screen_height() / 2);
 }
 
-TEST(ScreenHighScroller, IsNoHigherThanItsContentWhateverItsLeastHeight) {
+TEST(HeightCappedScroller, IsNoHigherThanItsContentWhateverItsLeastHeight) {
   Tower tower;
   tower.add_rows(1);
-  v_screen_high_scroller_set_least_height(tower.scroller(), 500);
+  v_height_capped_scroller_set_least_height(tower.scroller(), 500);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
   settle();
   EXPECT_LT(tower.height(), 200);

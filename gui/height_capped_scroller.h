@@ -5,12 +5,12 @@
 
 #include <gtk/gtk.h>
 
-#define V_TYPE_SCREEN_HIGH_SCROLLER (v_screen_high_scroller_get_type())
-G_DECLARE_FINAL_TYPE(VScreenHighScroller, v_screen_high_scroller, V, SCREEN_HIGH_SCROLLER,
+#define V_TYPE_HEIGHT_CAPPED_SCROLLER (v_height_capped_scroller_get_type())
+G_DECLARE_FINAL_TYPE(VHeightCappedScroller, v_height_capped_scroller, V, HEIGHT_CAPPED_SCROLLER,
                      GtkScrolledWindow)
 
 // Floating, like every new widget.
-GtkWidget *v_screen_high_scroller_new();
+GtkWidget *v_height_capped_scroller_new();
 // Lets the scroller become as low as that (pixels) where the other rows of the window need the
 // room. Without it the scroller is always as high as its content or the screen allow.
-void v_screen_high_scroller_set_least_height(VScreenHighScroller *scroller, int height);
+void v_height_capped_scroller_set_least_height(VHeightCappedScroller *scroller, int height);

@@ -1,11 +1,11 @@
-#include "gui/screen_high_scroller.h"
+#include "gui/height_capped_scroller.h"
 
 #include <algorithm>
 
 #include "gui/css.h"
 #include "gui/screen_area.h"
 
-struct _VScreenHighScroller {
+struct _VHeightCappedScroller {
   GtkScrolledWindow parent_instance;
 
   int least_height; // pixels; 0 for as high as the content or the screen
@@ -14,7 +14,7 @@ struct _VScreenHighScroller {
   double shown_height;
 };
 
-G_DEFINE_TYPE(VScreenHighScroller, v_screen_high_scroller, GTK_TYPE_SCROLLED_WINDOW)
+G_DEFINE_TYPE(VHeightCappedScroller, v_height_capped_scroller, GTK_TYPE_SCROLLED_WINDOW)
 
 namespace {
 
@@ -28,25 +28,25 @@ int get_usable_height(GtkWidget *widget) { return v_screen_area_get(widget).heig
 
 // The scrolled window itself would be content with next to no height.
 int limit_minimum(GtkWidget *widget, int natural) {
-  const int least_height = V_SCREEN_HIGH_SCROLLER(widget)->least_height;
+  const int least_height = V_HEIGHT_CAPPED_SCROLLER(widget)->least_height;
   return least_height == 0 ? natural : std::min(natural, least_height);
 }
 
 void get_preferred_height(GtkWidget *widget, int *minimum, int *natural) {
-  GTK_WIDGET_CLASS(v_screen_high_scroller_parent_class)
+  GTK_WIDGET_CLASS(v_height_capped_scroller_parent_class)
       ->get_preferred_height(widget, minimum, natural);
   *minimum = limit_minimum(widget, *natural);
 }
 
 void get_preferred_height_for_width(GtkWidget *widget, int width, int *minimum, int *natural) {
-  GTK_WIDGET_CLASS(v_screen_high_scroller_parent_class)
+  GTK_WIDGET_CLASS(v_height_capped_scroller_parent_class)
       ->get_preferred_height_for_width(widget, width, minimum, natural);
   *minimum = limit_minimum(widget, *natural);
 }
 
 // The scrolled window itself would keep room for the scroll bar that is not there.
 void get_preferred_width(GtkWidget *widget, int *minimum, int *natural) {
-  GTK_WIDGET_CLASS(v_screen_high_scroller_parent_class)
+  GTK_WIDGET_CLASS(v_height_capped_scroller_parent_class)
       ->get_preferred_width(widget, minimum, natural);
   GtkWidget *child = gtk_bin_get_child(GTK_BIN(widget));
   int least_width = 0;
@@ -75,8 +75,8 @@ void scroll_to(GtkWidget *widget, GtkWidget *content, GtkAdjustment *place) {
 // The toolkit scrolls to a widget when it gets the focus, but a new one has no place until it is
 // laid out here. Otherwise the user may have scrolled elsewhere on purpose.
 void size_allocate(GtkWidget *widget, GtkAllocation *allocation) {
-  VScreenHighScroller *scroller = V_SCREEN_HIGH_SCROLLER(widget);
-  GTK_WIDGET_CLASS(v_screen_high_scroller_parent_class)->size_allocate(widget, allocation);
+  VHeightCappedScroller *scroller = V_HEIGHT_CAPPED_SCROLLER(widget);
+  GTK_WIDGET_CLASS(v_height_capped_scroller_parent_class)->size_allocate(widget, allocation);
   GtkAdjustment *place = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller));
   const double content_height = gtk_adjustment_get_upper(place);
   const double shown_height = gtk_adjustment_get_page_size(place);
@@ -93,14 +93,14 @@ void size_allocate(GtkWidget *widget, GtkAllocation *allocation) {
 
 } // namespace
 
-static void v_screen_high_scroller_class_init(VScreenHighScrollerClass *scroller_class) {
+static void v_height_capped_scroller_class_init(VHeightCappedScrollerClass *scroller_class) {
   GTK_WIDGET_CLASS(scroller_class)->get_preferred_width = get_preferred_width;
   GTK_WIDGET_CLASS(scroller_class)->get_preferred_height = get_preferred_height;
   GTK_WIDGET_CLASS(scroller_class)->get_preferred_height_for_width = get_preferred_height_for_width;
   GTK_WIDGET_CLASS(scroller_class)->size_allocate = size_allocate;
 }
 
-static void v_screen_high_scroller_init(VScreenHighScroller *scroller) {
+static void v_height_capped_scroller_init(VHeightCappedScroller *scroller) {
   GtkScrolledWindow *scrolled_window = GTK_SCROLLED_WINDOW(scroller);
   gtk_scrolled_window_set_policy(scrolled_window, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
   gtk_scrolled_window_set_overlay_scrolling(scrolled_window, FALSE);
@@ -112,11 +112,11 @@ static void v_screen_high_scroller_init(VScreenHighScroller *scroller) {
                                              get_usable_height(GTK_WIDGET(scroller)));
 }
 
-GtkWidget *v_screen_high_scroller_new() {
-  return GTK_WIDGET(g_object_new(V_TYPE_SCREEN_HIGH_SCROLLER, nullptr));
+GtkWidget *v_height_capped_scroller_new() {
+  return GTK_WIDGET(g_object_new(V_TYPE_HEIGHT_CAPPED_SCROLLER, nullptr));
 }
 
-void v_screen_high_scroller_set_least_height(VScreenHighScroller *scroller, int height) {
+void v_height_capped_scroller_set_least_height(VHeightCappedScroller *scroller, int height) {
   scroller->least_height = height;
   gtk_widget_queue_resize(GTK_WIDGET(scroller));
 }
