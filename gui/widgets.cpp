@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "gui/button.h"
+#include "gui/answering_button.h"
 #include "gui/css.h"
 #include "gui/height_capped_scroller.h"
 #include "gui/list_place.h"
@@ -265,7 +265,9 @@ GtkLabel *v_gui_pack_label_with_markup(GtkBox *box, const char *markup, float x_
   return packed(box, Expand::no, create_label_with_markup(markup, x_align, y_align));
 }
 
-GtkButton *v_gui_create_button(const char *label) { return GTK_BUTTON(shown(v_button_new(label))); }
+GtkButton *v_gui_create_button(const char *label) {
+  return GTK_BUTTON(shown(v_answering_button_new(label)));
+}
 
 GtkButton *v_gui_pack_button(GtkBox *box, const char *label, MakeDefault make_default) {
   GtkButton *button = packed(box, Expand::no, v_gui_create_button(label));

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "base/owned.h"
-#include "gui/button.h"
+#include "gui/answering_button.h"
 #include "gui/key_guard.h"
 #include "gui/list_place.h"
 #include "gui/window_commands.h"
@@ -74,7 +74,7 @@ void announce(const Key &key, guint keyval) {
   const OwnedText tooltip(
       g_strdup_printf(key.list == nullptr ? "Key: %s" : "Key: %s (in the list)", name.get()));
   gtk_widget_set_tooltip_text(GTK_WIDGET(key.button), tooltip.get());
-  v_button_set_key(V_BUTTON(key.button), name.get());
+  v_answering_button_set_key(V_ANSWERING_BUTTON(key.button), name.get());
 }
 
 void add(const Key &key, guint keyval) {

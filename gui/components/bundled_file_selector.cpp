@@ -36,7 +36,7 @@ void build_window(BundledFileSelector *state) {
   state->window = v_gui_create_window("Select one to add");
   GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(state->window), Spacing::standard);
   state->tree_view = v_component_list_pack_view(box, state->list.get(), cell_data_func);
-  v_component_list_announce_kind(state->tree_view, state->kind);
+  v_component_list_set_accessible_name(state->tree_view, state->kind);
   pack_buttons(box, state);
   v_gui_close_on_escape(state->window);
 }

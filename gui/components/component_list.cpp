@@ -117,7 +117,7 @@ GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
   return view;
 }
 
-void v_component_list_announce_kind(GtkTreeView *view, const VComponentKind &kind) {
+void v_component_list_set_accessible_name(GtkTreeView *view, const VComponentKind &kind) {
   const OwnedText name(g_strdup_printf("%s files", v_file_type_get_name(kind.file_type)));
   v_gui_set_accessible_name(GTK_WIDGET(view), name.get());
 }

@@ -34,8 +34,9 @@ int v_component_list_find(GtkListStore *list, const char *file);
 // call.
 GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
                                         GtkTreeCellDataFunc cell_data_func);
-// A screen reader calls the view by what it lists, "Remark codeset files" for instance.
-void v_component_list_announce_kind(GtkTreeView *view, const VComponentKind &kind);
+// Sets the name that a screen reader speaks: the files that are listed, "Remark codeset files" for
+// instance.
+void v_component_list_set_accessible_name(GtkTreeView *view, const VComponentKind &kind);
 // New text: what the row shows, which is the file when it has no display text.
 OwnedText v_component_list_get_shown_text(GtkTreeModel *model, GtkTreeIter *row);
 // Shows plain text in the cell. Overlong text ends in an ellipsis as soon as the window has not the

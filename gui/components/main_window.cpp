@@ -73,7 +73,7 @@ void pack_notice(GtkBox *box, MainWindow *state) {
 void pack_list(GtkBox *row, MainWindow *state) {
   GtkBox *box = v_gui_pack_vbox(row, Expand::yes, Spacing::standard);
   state->tree_view = v_component_list_pack_view(box, state->list_store.get(), cell_data_func);
-  v_component_list_announce_kind(state->tree_view, state->kind);
+  v_component_list_set_accessible_name(state->tree_view, state->kind);
   g_signal_connect(gtk_tree_view_get_selection(state->tree_view), "changed",
                    G_CALLBACK(selection_change_callback), state);
   GtkLabel *label = v_gui_pack_label(box, "File name of selected item:", 0.0f, 0.5f);

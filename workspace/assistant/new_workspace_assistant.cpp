@@ -198,8 +198,8 @@ gboolean show_error_callback(void *data) {
 // Creates the workspace. The toolkit emits "apply" once for a press of the button and only then
 // asks forward_page_func where to go, which it may also ask when nothing was pressed: creating
 // belongs here, and what is asked there has only the outcome to look at. The error waits until the
-// press is answered, as in gui/button.h: an assistive technology that has pressed the button could
-// not read it otherwise.
+// press is answered, as in gui/answering_button.h: an assistive technology that has pressed the
+// button could not read it otherwise.
 void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
   state->error = create_workspace(state);
   state->created = state->error == nullptr;

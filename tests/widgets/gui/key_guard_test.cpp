@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "gui/button.h"
+#include "gui/answering_button.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
 #include "widgets/gui/toolkit.h"
@@ -70,7 +70,7 @@ protected:
   int other_presses = 0;
   GtkWidget *field = gtk_entry_new();
   GtkWidget *text = gtk_text_view_new();
-  GtkWidget *button = v_button_new("Button");
+  GtkWidget *button = v_answering_button_new("Button");
   TestWindow window;
   TestWindow other;
 };

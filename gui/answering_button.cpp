@@ -1,22 +1,22 @@
-#include "gui/button.h"
+#include "gui/answering_button.h"
 
 #include <gtk/gtk-a11y.h>
 
 #include "gui/owned_objects.h"
 
-struct _VButton {
+struct _VAnsweringButton {
   GtkButton parent_instance;
 };
 
-G_DEFINE_TYPE(VButton, v_button, GTK_TYPE_BUTTON)
+G_DEFINE_TYPE(VAnsweringButton, v_answering_button, GTK_TYPE_BUTTON)
 
 namespace {
 
-struct VButtonAccessible {
+struct VAnsweringButtonAccessible {
   GtkButtonAccessible parent_instance;
 };
 
-struct VButtonAccessibleClass {
+struct VAnsweringButtonAccessibleClass {
   GtkButtonAccessibleClass parent_class;
 };
 
@@ -67,25 +67,27 @@ void implement_action(void *interface, void *) {
 
 } // namespace
 
-G_DEFINE_TYPE_WITH_CODE(VButtonAccessible, v_button_accessible, GTK_TYPE_BUTTON_ACCESSIBLE,
+G_DEFINE_TYPE_WITH_CODE(VAnsweringButtonAccessible, v_answering_button_accessible,
+                        GTK_TYPE_BUTTON_ACCESSIBLE,
                         G_IMPLEMENT_INTERFACE(ATK_TYPE_ACTION, implement_action))
 
-static void v_button_accessible_class_init(VButtonAccessibleClass *) {}
+static void v_answering_button_accessible_class_init(VAnsweringButtonAccessibleClass *) {}
 
-static void v_button_accessible_init(VButtonAccessible *) {}
+static void v_answering_button_accessible_init(VAnsweringButtonAccessible *) {}
 
-static void v_button_class_init(VButtonClass *klass) {
+static void v_answering_button_class_init(VAnsweringButtonClass *klass) {
   GTK_BUTTON_CLASS(klass)->activate = activate;
-  gtk_widget_class_set_accessible_type(GTK_WIDGET_CLASS(klass), v_button_accessible_get_type());
+  gtk_widget_class_set_accessible_type(GTK_WIDGET_CLASS(klass),
+                                       v_answering_button_accessible_get_type());
 }
 
-static void v_button_init(VButton *) {}
+static void v_answering_button_init(VAnsweringButton *) {}
 
-GtkWidget *v_button_new(const char *label) {
-  return GTK_WIDGET(g_object_new(V_TYPE_BUTTON, "label", label, nullptr));
+GtkWidget *v_answering_button_new(const char *label) {
+  return GTK_WIDGET(g_object_new(V_TYPE_ANSWERING_BUTTON, "label", label, nullptr));
 }
 
-void v_button_set_key(VButton *button, const char *key) {
+void v_answering_button_set_key(VAnsweringButton *button, const char *key) {
   // No mnemonic, no sequence of keys, and a shortcut.
   g_object_set_data_full(G_OBJECT(button), keybinding_key, g_strconcat(";;", key, nullptr), g_free);
 }

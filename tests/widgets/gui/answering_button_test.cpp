@@ -1,4 +1,4 @@
-#include "gui/button.h"
+#include "gui/answering_button.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ protected:
 
   int clicks = 0;
   GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-  GtkWidget *button = v_button_new("100 % <b>_&");
+  GtkWidget *button = v_answering_button_new("100 % <b>_&");
 };
 
 TEST_F(Button, IsTheToolkitsOtherwise) {
@@ -34,7 +34,7 @@ TEST_F(Button, IsTheToolkitsOtherwise) {
   EXPECT_STREQ(atk_action_get_name(ATK_ACTION(accessible()), 0), "click");
   gtk_button_clicked(GTK_BUTTON(button));
   EXPECT_EQ(clicks, 1);
-  const OwnedObject<GtkWidget> unlabelled = sink(v_button_new(nullptr));
+  const OwnedObject<GtkWidget> unlabelled = sink(v_answering_button_new(nullptr));
   EXPECT_EQ(gtk_button_get_label(GTK_BUTTON(unlabelled.get())), nullptr);
 }
 

@@ -12,11 +12,11 @@
 
 #include <gtk/gtk.h>
 
-#define V_TYPE_BUTTON (v_button_get_type())
-G_DECLARE_FINAL_TYPE(VButton, v_button, V, BUTTON, GtkButton)
+#define V_TYPE_ANSWERING_BUTTON (v_answering_button_get_type())
+G_DECLARE_FINAL_TYPE(VAnsweringButton, v_answering_button, V, ANSWERING_BUTTON, GtkButton)
 
 // Floating, like every new widget. The label may be null.
-GtkWidget *v_button_new(const char *label);
+GtkWidget *v_answering_button_new(const char *label);
 // The key (UTF-8, as the user reads it, "Ctrl+N" for instance) that presses the button. Assistive
 // technology announces it. The caller makes the key work.
-void v_button_set_key(VButton *button, const char *key);
+void v_answering_button_set_key(VAnsweringButton *button, const char *key);
