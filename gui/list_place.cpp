@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "base/owned.h"
-#include "gui/widgets.h"
 
 namespace {
 
@@ -157,6 +156,15 @@ void v_list_place_select(GtkTreeView *view) {
   }
 }
 
+void v_list_place_grab_focus(GtkTreeView *view) {
+  if (has_selection(view)) {
+    gtk_widget_grab_focus(GTK_WIDGET(view));
+  } else {
+    const VListWithoutSelection without_selection(view);
+    gtk_widget_grab_focus(GTK_WIDGET(view));
+  }
+}
+
 void v_list_place_take_free_focus(GtkTreeView *view) {
   GtkWindow *window = window_of(view);
   if (window == nullptr || !gtk_widget_get_mapped(GTK_WIDGET(view)) ||
@@ -165,6 +173,6 @@ void v_list_place_take_free_focus(GtkTreeView *view) {
   }
   GtkWidget *focus = gtk_window_get_focus(window);
   if (focus == nullptr || focus == GTK_WIDGET(view) || !gtk_widget_is_sensitive(focus)) {
-    v_gui_grab_focus_without_selecting(GTK_WIDGET(view));
+    v_list_place_grab_focus(view);
   }
 }

@@ -38,6 +38,9 @@ void v_list_place_reveal_focus(GtkTreeView *view);
 void v_list_place_show(GtkTreeView *view, int row);
 // Selects the row with a placed cursor, if no row is selected.
 void v_list_place_select(GtkTreeView *view);
+// Gives the list the focus. No row becomes selected that was not: the toolkit would select the
+// first row of a list without a cursor.
+void v_list_place_grab_focus(GtkTreeView *view);
 // Gives the list the focus if no widget of its window has it, because the one that had it has
 // become insensitive for instance.
 void v_list_place_take_free_focus(GtkTreeView *view);

@@ -6,6 +6,7 @@
 #include "gui/accessibility.h"
 #include "gui/key_guard.h"
 #include "gui/owned_objects.h"
+#include "gui/widgets.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include <gtk/gtk.h>
 
-#include "gui/widgets.h"
+#include "gui/widget_options.h"
 #include "gui/window_stack.h"
 
 enum class WarningIcon { no, yes };

@@ -4,7 +4,7 @@
 
 #include <gtk/gtk.h>
 
-#include "gui/widgets.h"
+#include "gui/widget_options.h"
 
 template <typename T>
 T *shown(T *widget) {

@@ -96,16 +96,6 @@ void forbid_hyphens(GtkLabel *label) {
   gtk_label_set_attributes(label, attributes.get());
 }
 
-// A list without a cursor would select its first row.
-void grab_focus_of_list(GtkTreeView *view) {
-  if (gtk_tree_selection_count_selected_rows(gtk_tree_view_get_selection(view)) > 0) {
-    gtk_widget_grab_focus(GTK_WIDGET(view));
-  } else {
-    const VListWithoutSelection without_selection(view);
-    gtk_widget_grab_focus(GTK_WIDGET(view));
-  }
-}
-
 GtkInputHints without_emojis(GtkInputHints hints) {
   return static_cast<GtkInputHints>((hints & ~GTK_INPUT_HINT_EMOJI) | GTK_INPUT_HINT_NO_EMOJI);
 }
@@ -439,7 +429,7 @@ void v_gui_grab_focus_without_selecting(GtkWidget *widget) {
   if (GTK_IS_ENTRY(widget)) {
     gtk_entry_grab_focus_without_selecting(GTK_ENTRY(widget));
   } else if (GTK_IS_TREE_VIEW(widget)) {
-    grab_focus_of_list(GTK_TREE_VIEW(widget));
+    v_list_place_grab_focus(GTK_TREE_VIEW(widget));
   } else {
     gtk_widget_grab_focus(widget);
   }

@@ -17,6 +17,7 @@
 #include "gui/list_search.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
+#include "gui/widgets.h"
 #include "gui/window_commands.h"
 #include "gui/window_keys.h"
 #include "workspace/display_text.h"

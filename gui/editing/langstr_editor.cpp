@@ -8,6 +8,7 @@
 #include "base/error.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
+#include "gui/widgets.h"
 #include "gui/window_commands.h"
 #include "langstr/supported_languages.h"
 #include "langstr_editor_focus.h"

@@ -10,7 +10,7 @@
 #include <gtk/gtk.h>
 
 #include "gui/editing/langstr_editor_mode.h"
-#include "gui/widgets.h"
+#include "gui/widget_options.h"
 #include "gui/window_stack.h"
 #include "langstr/langstr.h"
 #include "workspace/settings.h"

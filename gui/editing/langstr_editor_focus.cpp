@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "gui/widgets.h"
+
 namespace {
 
 FocusKey to_focus_key(GtkDirectionType direction) {

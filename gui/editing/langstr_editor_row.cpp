@@ -7,6 +7,7 @@
 #include "gui/accessibility.h"
 #include "gui/editing/editing_widgets.h"
 #include "gui/editing/shared_checkers.h"
+#include "gui/widgets.h"
 #include "langstr/spelling_dictionaries.h"
 #include "langstr/supported_languages.h"
 

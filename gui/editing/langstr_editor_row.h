@@ -10,7 +10,7 @@
 
 #include "gui/editing/langstr_editor_mode.h"
 #include "gui/owned_objects.h"
-#include "gui/widgets.h"
+#include "gui/widget_options.h"
 #include "langstr/langstr.h"
 #include "workspace/settings.h"
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "gui/widgets.h"
+
 namespace {
 
 constexpr GtkAttachOptions shrink = GTK_SHRINK;

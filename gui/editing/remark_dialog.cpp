@@ -6,6 +6,7 @@
 #include "gui/accessibility.h"
 #include "gui/editing/editing_widgets.h"
 #include "gui/message_dialogs.h"
+#include "gui/widgets.h"
 #include "gui/window_commands.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include "base/text_encoding.h"
 #include "base/whitespace.h"
 #include "gui/editing/latin1_input.h"
+#include "gui/widgets.h"
 
 struct _VSpacifyingEntry {
   GtkEntry parent_instance;

@@ -6,7 +6,7 @@
 #include <gtk/gtk.h>
 
 #include "base/owned.h"
-#include "gui/widgets.h"
+#include "gui/widget_options.h"
 
 #define V_TYPE_SPACIFYING_ENTRY (v_spacifying_entry_get_type())
 G_DECLARE_FINAL_TYPE(VSpacifyingEntry, v_spacifying_entry, V, SPACIFYING_ENTRY, GtkEntry)

@@ -11,6 +11,7 @@
 #include "gui/file_dialogs.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
+#include "gui/widgets.h"
 #include "session_fixture.h"
 #include "workspace/assistant/new_workspace_assistant.h"
 

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
+#include "gui/widgets.h"
 #include "support/layout.h"
 #include "widgets/gui/toolkit.h"
 

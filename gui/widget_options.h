@@ -1,0 +1,24 @@
+#pragma once
+// The options of the functions that make widgets. Apart from them, so that a header that takes an
+// option does not need the functions.
+
+enum class Expand { no, yes };
+enum class Spacing { none, standard };
+enum class Required { no, yes };
+enum class ActivatesDefault { no, yes };
+enum class MakeDefault { no, yes };
+enum class Editable { no, yes };
+enum class HeadersVisible { no, yes };
+enum class FixedHeight { no, yes };
+enum class SelectionMode { single, multiple };
+enum class Homogeneous { no, yes };
+// Whether a field turns every run of blanks into one.
+enum class Compact { no, yes };
+
+// The buttons that a dialog is made with, in the order in which they are added.
+enum class ButtonSet {
+  none = 0,   // the caller adds them
+  ok = 1,     // "OK" (GTK_RESPONSE_OK)
+  close = 2,  // "Close" (GTK_RESPONSE_CLOSE)
+  yes_no = 4, // "No" (GTK_RESPONSE_NO), "Yes" (GTK_RESPONSE_YES); Yes first where that is usual
+};
