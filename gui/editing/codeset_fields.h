@@ -1,0 +1,23 @@
+#pragma once
+// The fields of a codeset's own values in the editing window: its name, author and version.
+
+#include "codeset/codeset.h"
+#include "gui/editing/editing_widgets.h"
+
+// Owned by the box.
+struct VCodesetFields {
+  VLangstrEditor *name_editor = nullptr;
+  VLangstrEditor *author_editor = nullptr;
+  VSpacifyingEntry *version_entry = nullptr;
+};
+
+// Packs the fields, one below the other, with the codeset's values. The window stack and the
+// settings must outlive them.
+VCodesetFields v_codeset_fields_pack(GtkBox *box, VWindowStack *window_stack,
+                                     const VSettings *settings, const VCodeset *codeset);
+// Reads the fields into the codeset, up to the first one that is refused: false then, with the
+// reason in the error state. The values that were read before stay in the codeset.
+bool v_codeset_fields_read(const VCodesetFields *fields, VCodeset *codeset);
+// Reads each field that is not refused; the codeset keeps its values for the others. A name may be
+// refused because it is empty: the codeset is without one then.
+void v_codeset_fields_read_valid(const VCodesetFields *fields, VCodeset *codeset);

@@ -1,0 +1,31 @@
+#pragma once
+// When a draft is written: soon after the first change that it lacks. Knows nothing of what is in a
+// draft and of how it is written.
+
+#include <glib.h>
+
+class VDraftTimer {
+public:
+  // Writes the draft; false when it could not, and is to be called again later.
+  using WriteCallback = bool (*)(void *data);
+
+  // data is handed to the callback and must outlive the timer.
+  VDraftTimer(WriteCallback write, void *data) : write_callback(write), callback_data(data) {}
+  ~VDraftTimer() { stop(); }
+  VDraftTimer(const VDraftTimer &) = delete;
+  VDraftTimer &operator=(const VDraftTimer &) = delete;
+
+  // Something was changed. The callback is called a second after the first change.
+  void start();
+  // The draft is up to date, or no longer needed.
+  void stop();
+  // Whether a change is still missing in the draft.
+  bool is_running() const { return source != 0; }
+
+private:
+  static gboolean timeout_callback(void *timer);
+
+  WriteCallback write_callback;
+  void *callback_data;
+  guint source = 0; // 0 while the draft is up to date
+};
