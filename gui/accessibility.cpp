@@ -1,16 +1,15 @@
 #include "gui/accessibility.h"
 
+#include "gui/idle_call.h"
 #include "gui/owned_objects.h"
 
 namespace {
 
-// As gtk_window_close does, which keeps no reference: were the window gone by then, because the key
-// repeats for instance, it would close what is no longer there. A window that has another one over
-// it has been asked already.
-gboolean close_callback(void *data) {
-  auto *window = static_cast<GtkWidget *>(data);
+// As the window manager's close button does. A window that has another one over it has been asked
+// already.
+void request_close(GtkWidget *window) {
   if (!gtk_widget_get_realized(window) || !gtk_widget_is_sensitive(window)) {
-    return G_SOURCE_REMOVE;
+    return;
   }
   const Owned<GdkEvent, gdk_event_free> event(gdk_event_new(GDK_DELETE));
   event->any.window = share(gtk_widget_get_window(window)).release();
@@ -18,14 +17,16 @@ gboolean close_callback(void *data) {
   if (!gtk_widget_event(window, event.get())) {
     gtk_widget_destroy(window);
   }
-  return G_SOURCE_REMOVE;
 }
 
+// "key-press-event". Closing waits, as in gtk_window_close. That keeps no reference: were the
+// window destroyed by then, because the key repeats for instance, it would close a window that is
+// no longer there.
 gboolean key_press_event_callback(GtkWidget *window, GdkEventKey *event, void *) {
   if (event->keyval != GDK_KEY_Escape) {
     return GDK_EVENT_PROPAGATE;
   }
-  g_idle_add_full(G_PRIORITY_DEFAULT, close_callback, share(window).release(), g_object_unref);
+  v_idle_call_add(window, G_PRIORITY_DEFAULT, [window] { request_close(window); });
   return GDK_EVENT_STOP;
 }
 

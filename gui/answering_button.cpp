@@ -2,7 +2,7 @@
 
 #include <gtk/gtk-a11y.h>
 
-#include "gui/owned_objects.h"
+#include "gui/idle_call.h"
 
 struct _VAnsweringButton {
   GtkButton parent_instance;
@@ -26,14 +26,6 @@ bool can_be_pressed(GtkWidget *button) {
   return gtk_widget_is_sensitive(button) && gtk_widget_is_visible(button);
 }
 
-// Meanwhile another window may have covered the button's, or the button may be gone from it.
-gboolean press_callback(void *button) {
-  if (can_be_pressed(GTK_WIDGET(button))) {
-    gtk_button_clicked(GTK_BUTTON(button));
-  }
-  return G_SOURCE_REMOVE;
-}
-
 // The toolkit's own handler shows the button pressed for a quarter of a second first.
 void activate(GtkButton *button) {
   if (can_be_pressed(GTK_WIDGET(button))) {
@@ -41,13 +33,14 @@ void activate(GtkButton *button) {
   }
 }
 
-// The only action of a button is the first.
+// The only action of a button is the first. By the time of the call another window may cover that
+// of the button.
 gboolean do_action(AtkAction *accessible, int action) {
   GtkWidget *button = gtk_accessible_get_widget(GTK_ACCESSIBLE(accessible));
   if (action != 0 || button == nullptr || !can_be_pressed(button)) {
     return FALSE;
   }
-  g_idle_add_full(G_PRIORITY_DEFAULT, press_callback, share(button).release(), g_object_unref);
+  v_idle_call_add(button, G_PRIORITY_DEFAULT, [button] { activate(GTK_BUTTON(button)); });
   return TRUE;
 }
 

@@ -6,6 +6,7 @@
 
 #include "base/fs_utils.h"
 #include "gui/accessibility.h"
+#include "gui/idle_call.h"
 #include "gui/list_place.h"
 #include "gui/list_search.h"
 #include "gui/widgets.h"
@@ -18,14 +19,6 @@ constexpr int longest_text = 100;
 constexpr char longest_text_key[] = "vantorelle_longest_text"; // on a view's cell renderer
 constexpr int button_characters = 14;
 constexpr int other_pixels = 110;
-
-gboolean unselect_all_callback(void *view) {
-  gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(GTK_TREE_VIEW(view)));
-  v_list_place_reveal_focus(GTK_TREE_VIEW(view));
-  return G_SOURCE_REMOVE;
-}
-
-void destroy_callback(GtkWidget *view, void *) { g_idle_remove_by_data(view); }
 
 VComponentRow read_row(GtkTreeModel *model, GtkTreeIter *row) {
   return {v_component_list_get_text(model, row, v_component_column_text),
@@ -162,8 +155,10 @@ std::optional<VComponentRow> v_component_list_get_selected_row(GtkTreeView *view
 }
 
 void v_component_list_unselect_when_idle(GtkTreeView *view) {
-  g_idle_add(unselect_all_callback, view);
-  g_signal_connect(view, "destroy", G_CALLBACK(destroy_callback), nullptr);
+  v_idle_call_add(GTK_WIDGET(view), G_PRIORITY_DEFAULT_IDLE, [view] {
+    gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(view));
+    v_list_place_reveal_focus(view);
+  });
 }
 
 std::vector<OwnedText> v_component_list_find_names(const char *folder_path,

@@ -6,6 +6,7 @@
 #include "base/fs_utils.h"
 #include "base/whitespace.h"
 #include "gui/file_dialogs.h"
+#include "gui/idle_call.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
 #include "gui/widgets.h"
@@ -29,15 +30,13 @@ struct NewWorkspaceAssistant {
   int location_page = -1; // index
   GtkEntry *location_entry = nullptr;
   GtkButton *browse_button = nullptr;
-  OwnedText error;        // null when none is to be shown
-  guint error_source = 0; // 0 when none is under way
+  OwnedText error; // null when none is to be shown
   int created = 0;
 };
 
 void location_activate_callback(GtkEntry *entry, NewWorkspaceAssistant *state);
 void browse_callback(GtkButton *button, NewWorkspaceAssistant *state);
 void apply_callback(GtkAssistant *assistant, NewWorkspaceAssistant *state);
-void destroy_callback(GtkWidget *assistant, NewWorkspaceAssistant *state);
 int forward_page_func(int current_page, void *data);
 
 // Build steps.
@@ -136,7 +135,6 @@ void build_assistant(NewWorkspaceAssistant *state) {
   g_signal_connect(state->assistant, "cancel", G_CALLBACK(gtk_widget_destroy), nullptr);
   g_signal_connect(state->assistant, "close", G_CALLBACK(gtk_widget_destroy), nullptr);
   g_signal_connect(state->assistant, "apply", G_CALLBACK(apply_callback), state);
-  g_signal_connect(state->assistant, "destroy", G_CALLBACK(destroy_callback), state);
   gtk_assistant_set_forward_page_func(state->assistant, forward_page_func, state, nullptr);
 }
 
@@ -188,11 +186,10 @@ OwnedText create_workspace(const NewWorkspaceAssistant *state) {
              : copy_text("Creating a workspace at the chosen location failed.");
 }
 
-gboolean show_error_callback(void *data) {
-  auto *state = static_cast<NewWorkspaceAssistant *>(data);
-  state->error_source = 0;
-  v_message_show_error(state->window_stack, std::exchange(state->error, nullptr).get());
-  return G_SOURCE_REMOVE;
+void show_error(NewWorkspaceAssistant *state) {
+  if (const OwnedText error = std::exchange(state->error, nullptr)) {
+    v_message_show_error(state->window_stack, error.get());
+  }
 }
 
 // Creates the workspace. The toolkit emits "apply" once for a press of the button and only then
@@ -203,14 +200,9 @@ gboolean show_error_callback(void *data) {
 void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
   state->error = create_workspace(state);
   state->created = state->error == nullptr;
-  if (state->error && state->error_source == 0) {
-    state->error_source = g_idle_add_full(G_PRIORITY_DEFAULT, show_error_callback, state, nullptr);
-  }
-}
-
-void destroy_callback(GtkWidget *, NewWorkspaceAssistant *state) {
-  if (state->error_source != 0) {
-    g_source_remove(std::exchange(state->error_source, 0));
+  if (state->error) {
+    v_idle_call_add(GTK_WIDGET(state->assistant), G_PRIORITY_DEFAULT,
+                    [state] { show_error(state); });
   }
 }
 
