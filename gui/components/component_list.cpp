@@ -1,6 +1,7 @@
 #include "gui/components/component_list.h"
 
 #include <algorithm>
+#include <climits>
 #include <map>
 #include <string>
 
@@ -36,6 +37,8 @@ std::vector<GtkTreeIter> all_rows(GtkListStore *list) {
   }
   return rows;
 }
+
+GtkListStore *get_list(GtkTreeView *view) { return GTK_LIST_STORE(gtk_tree_view_get_model(view)); }
 
 OwnedText get_file(GtkListStore *list, GtkTreeIter *row) {
   return v_component_list_get_text(GTK_TREE_MODEL(list), row, v_component_column_file);
@@ -89,6 +92,31 @@ int v_component_list_find(GtkListStore *list, const char *file) {
     place++;
   }
   return -1;
+}
+
+VComponentPlace v_component_list_get_place(GtkTreeView *view) {
+  GtkListStore *list = get_list(view);
+  VComponentPlace place;
+  place.is_chosen = v_component_list_get_selected_row(view) || v_list_place_is_placed(view);
+  int row = v_list_place_get(view);
+  while (std::optional<VComponentRow> at = v_component_list_get_row(list, row)) {
+    place.files.push_back(std::move(at->file));
+    row++;
+  }
+  return place;
+}
+
+void v_component_list_return_to_place(GtkTreeView *view, const char *new_file,
+                                      const VComponentPlace &place) {
+  GtkListStore *list = get_list(view);
+  int row = v_component_list_find(list, new_file);
+  if (row < 0 && !place.is_chosen) {
+    return;
+  }
+  for (auto file = place.files.begin(); row < 0 && file != place.files.end(); ++file) {
+    row = v_component_list_find(list, file->get());
+  }
+  v_list_place_set(view, row < 0 ? INT_MAX : row);
 }
 
 GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,

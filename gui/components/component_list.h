@@ -29,6 +29,18 @@ void v_component_list_append(GtkListStore *list, const char *text, const char *f
 void v_component_list_update(GtkListStore *list, const std::vector<VComponentRow> &rows);
 // The place (from 0) of the row with the file; -1 when there is none, and for a null file.
 int v_component_list_find(GtkListStore *list, const char *file);
+// A place in the list, which can be found again when the list has changed.
+struct VComponentPlace {
+  std::vector<OwnedText> files; // of the row, and of the rows below it
+  bool is_chosen = false;       // by the user or by an earlier action, and not by the toolkit
+};
+// The place of the row with the cursor, which is also on any selected row.
+VComponentPlace v_component_list_get_place(GtkTreeView *view);
+// Puts the cursor on the row of the new file (null for none), or on that of the place or, if that
+// row is gone, on the row after it or else the last one. Does nothing without a new file when the
+// place was not chosen.
+void v_component_list_return_to_place(GtkTreeView *view, const char *new_file,
+                                      const VComponentPlace &place);
 // Packs a scrolled view of the list, expanding, in which rows are found by typing. cell_data_func
 // fills the one cell of a row and gets no data of its own; v_component_list_show_text is for it to
 // call.

@@ -1,0 +1,32 @@
+#pragma once
+// The managed folder of the component manager: which files it holds, and copying files into it and
+// out of it, with the questions and messages for the user. Knows nothing of the manager's window.
+
+#include <vector>
+
+#include "gui/components/component_list.h"
+#include "gui/window_stack.h"
+
+struct VComponentFolder {
+  VWindowStack *window_stack = nullptr; // borrowed
+  VComponentKind kind;
+  OwnedText path; // UTF-8
+};
+
+// New path (UTF-8) of the entry in the folder.
+OwnedText v_component_folder_create_path(const VComponentFolder &folder, const char *entry_name);
+// One row, with its entry name as the file, for each regular file of the kind. Empty when the
+// folder cannot be opened.
+std::vector<VComponentRow> v_component_folder_read(const VComponentFolder &folder);
+
+// Copies a file from anywhere into the folder, under its own name. Makes the folder if it is
+// missing, and asks before a file is overwritten. False when the file cannot be added, after an
+// error message, and when the user declined; true when it was copied, and also after an error
+// message when writing it failed.
+bool v_component_folder_add(const VComponentFolder &folder, const char *source_path);
+// False when the file could not be copied. A source that cannot be read leaves the destination as
+// it is.
+bool v_component_folder_copy_file(const char *source_path, const char *destination_path);
+// Whether the file differs from the delivered one of that name, or the user wants to edit it all
+// the same.
+bool v_component_folder_may_edit(const VComponentFolder &folder, const char *entry_name);
