@@ -10,6 +10,8 @@
 
 namespace {
 
+// ---- State --------------------------------------------------------------------------------------
+
 struct NewFileWindow {
   VWindowStack *window_stack = nullptr;
   const VWorkspace *workspace = nullptr;
@@ -22,9 +24,9 @@ struct NewFileWindow {
 gboolean focus_in_event_callback(GtkWidget *entry, GdkEventFocus *event, void *);
 void ok_callback(GtkButton *button, NewFileWindow *state);
 
-// Build steps.
+// ---- Build --------------------------------------------------------------------------------------
 
-void pack_name_entry(GtkBox *box, NewFileWindow *state) {
+void pack_name_entry(NewFileWindow *state, GtkBox *box) {
   GtkLabel *label =
       v_gui_pack_label_for_input_field(box, "Enter new file name", Required::no, 0.0f, 0.0f);
   state->entry = v_gui_pack_entry(box, Expand::no, v_component_kind_get_extension(state->kind),
@@ -35,7 +37,7 @@ void pack_name_entry(GtkBox *box, NewFileWindow *state) {
                    0.0f);
 }
 
-void pack_buttons(GtkBox *box, NewFileWindow *state) {
+void pack_buttons(NewFileWindow *state, GtkBox *box) {
   GtkBox *row =
       v_gui_pack_hbox_in_alignment(box, Expand::yes, Spacing::standard, 0.0f, 1.0f, 1.0f, 0.0f);
   v_gui_pack_ok_and_cancel(row, state->window, G_CALLBACK(ok_callback), state);
@@ -44,12 +46,12 @@ void pack_buttons(GtkBox *box, NewFileWindow *state) {
 void build_window(NewFileWindow *state) {
   state->window = v_gui_create_window("Add new");
   GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(state->window), Spacing::standard);
-  pack_name_entry(box, state);
-  pack_buttons(box, state);
+  pack_name_entry(state, box);
+  pack_buttons(state, box);
   v_gui_close_on_escape(state->window);
 }
 
-// Reading.
+// ---- Read ---------------------------------------------------------------------------------------
 
 bool is_permitted(char byte) {
   return g_ascii_islower(byte) || g_ascii_isdigit(byte) || byte == '_';
@@ -91,7 +93,7 @@ bool check_free(const NewFileWindow *state, const char *path) {
   return false;
 }
 
-// The path that the user has asked for; null, after an error message, when it cannot be had.
+// The path (UTF-8) that the user entered; null, after an error message, when it cannot be used.
 OwnedText read_path(const NewFileWindow *state) {
   const OwnedText name = v_strip_surrounding_in_new_for_utf8(v_gui_get_entry_text(state->entry));
   if (!check_form(state, name.get())) {
@@ -102,10 +104,10 @@ OwnedText read_path(const NewFileWindow *state) {
   return check_free(state, path.get()) ? std::move(path) : nullptr;
 }
 
-// Handlers.
+// ---- Handlers -----------------------------------------------------------------------------------
 
-// An entry selects its text when it gets the focus, and the first key would then replace the
-// extension. The cursor goes before it instead.
+// "focus-in-event" of the entry. An entry selects its text when it gets the focus, and the first
+// key would then replace the extension. The cursor is put before it instead.
 gboolean focus_in_event_callback(GtkWidget *entry, GdkEventFocus *, void *) {
   int start = 0;
   if (gtk_editable_get_selection_bounds(GTK_EDITABLE(entry), &start, nullptr)) {
@@ -114,6 +116,7 @@ gboolean focus_in_event_callback(GtkWidget *entry, GdkEventFocus *, void *) {
   return GDK_EVENT_PROPAGATE;
 }
 
+// "clicked" of "OK", and Return in the entry.
 void ok_callback(GtkButton *, NewFileWindow *state) {
   state->result = read_path(state);
   if (state->result) {
@@ -122,6 +125,8 @@ void ok_callback(GtkButton *, NewFileWindow *state) {
 }
 
 } // namespace
+
+// ---- Run ----------------------------------------------------------------------------------------
 
 OwnedText v_components_gui_get_new_file_path(VWindowStack *window_stack,
                                              const VWorkspace *workspace,

@@ -11,6 +11,8 @@
 
 namespace {
 
+// ---- State --------------------------------------------------------------------------------------
+
 struct RemarkDialog {
   VWindowStack *window_stack = nullptr;
   const VSettings *settings = nullptr;
@@ -24,151 +26,158 @@ struct RemarkDialog {
   int result = 0;
 };
 
-void ok_callback(GtkButton *button, RemarkDialog *dialog);
-void shrunk_callback(VLangstrEditor *editor, RemarkDialog *dialog);
+void ok_callback(GtkButton *button, RemarkDialog *state);
+void shrunk_callback(VLangstrEditor *editor, RemarkDialog *state);
 void go_to_next(void *dialog);
 void go_to_previous(void *dialog);
 
-// Build steps.
+// ---- Build --------------------------------------------------------------------------------------
 
-void pack_code(RemarkDialog *dialog, GtkBox *box) {
+void pack_code(RemarkDialog *state, GtkBox *box) {
   GtkLabel *label = v_gui_pack_label_for_input_field(box, "Remark code", Required::yes, 0.0F, 0.0F);
-  dialog->code_entry = v_gui_pack_spacifying_entry(
-      box, Expand::no, Compact::yes, dialog->remark->code.get(), ActivatesDefault::yes);
-  gtk_label_set_mnemonic_widget(label, GTK_WIDGET(dialog->code_entry));
+  state->code_entry = v_gui_pack_spacifying_entry(box, Expand::no, Compact::yes,
+                                                  state->remark->code.get(), ActivatesDefault::yes);
+  gtk_label_set_mnemonic_widget(label, GTK_WIDGET(state->code_entry));
 }
 
-void pack_description(RemarkDialog *dialog, GtkBox *box) {
+void pack_description(RemarkDialog *state, GtkBox *box) {
   v_gui_pack_label_for_input_field(box, "Short description", Required::yes, 0.0F, 0.0F);
-  dialog->description_editor = v_gui_pack_langstr_editor(
-      box, dialog->window_stack, dialog->settings, VLangstrEditorMode::single_line,
-      dialog->remark->description.get(), nullptr, ActivatesDefault::yes);
-  v_gui_set_accessible_group_name(GTK_WIDGET(dialog->description_editor), "Short description");
-  g_signal_connect(dialog->description_editor, "shrunk", G_CALLBACK(shrunk_callback), dialog);
+  state->description_editor = v_gui_pack_langstr_editor(
+      box, state->window_stack, state->settings, VLangstrEditorMode::single_line,
+      state->remark->description.get(), nullptr, ActivatesDefault::yes);
+  v_gui_set_accessible_group_name(GTK_WIDGET(state->description_editor), "Short description");
+  g_signal_connect(state->description_editor, "shrunk", G_CALLBACK(shrunk_callback), state);
 }
 
-void pack_buttons(RemarkDialog *dialog, GtkBox *box) {
+void pack_buttons(RemarkDialog *state, GtkBox *box) {
   GtkBox *row =
       v_gui_pack_hbox_in_alignment(box, Expand::yes, Spacing::standard, 0.0F, 1.0F, 1.0F, 0.0F);
-  v_gui_pack_ok_and_cancel(row, dialog->window, G_CALLBACK(ok_callback), dialog);
+  v_gui_pack_ok_and_cancel(row, state->window, G_CALLBACK(ok_callback), state);
 }
 
-void add_keys_of_pass(RemarkDialog *dialog) {
-  v_window_commands_add(dialog->window, GDK_KEY_Down, GDK_CONTROL_MASK, go_to_next, dialog);
-  v_window_commands_add(dialog->window, GDK_KEY_KP_Down, GDK_CONTROL_MASK, go_to_next, dialog);
-  v_window_commands_add(dialog->window, GDK_KEY_Up, GDK_CONTROL_MASK, go_to_previous, dialog);
-  v_window_commands_add(dialog->window, GDK_KEY_KP_Up, GDK_CONTROL_MASK, go_to_previous, dialog);
-  GtkButton *ok = GTK_BUTTON(gtk_window_get_default_widget(dialog->window));
+void add_keys_of_pass(RemarkDialog *state) {
+  v_window_commands_add(state->window, GDK_KEY_Down, GDK_CONTROL_MASK, go_to_next, state);
+  v_window_commands_add(state->window, GDK_KEY_KP_Down, GDK_CONTROL_MASK, go_to_next, state);
+  v_window_commands_add(state->window, GDK_KEY_Up, GDK_CONTROL_MASK, go_to_previous, state);
+  v_window_commands_add(state->window, GDK_KEY_KP_Up, GDK_CONTROL_MASK, go_to_previous, state);
+  GtkButton *ok = GTK_BUTTON(gtk_window_get_default_widget(state->window));
   gtk_widget_set_tooltip_text(
       GTK_WIDGET(ok),
       "Keys: Return. Ctrl+Down and Ctrl+Up also open the next code or the one before.");
 }
 
-void build_window(RemarkDialog *dialog) {
-  dialog->window = v_gui_create_window(dialog->title);
-  v_gui_close_on_escape(dialog->window);
-  GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(dialog->window), Spacing::standard);
+void build_window(RemarkDialog *state) {
+  state->window = v_gui_create_window(state->title);
+  v_gui_close_on_escape(state->window);
+  GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(state->window), Spacing::standard);
   GtkBox *fields = v_gui_pack_scrolling_vbox(box, Expand::no, Spacing::standard);
-  pack_code(dialog, fields);
-  pack_description(dialog, fields);
-  pack_buttons(dialog, box);
-  if (dialog->pass != nullptr) {
-    add_keys_of_pass(dialog);
+  pack_code(state, fields);
+  pack_description(state, fields);
+  pack_buttons(state, box);
+  if (state->pass != nullptr) {
+    add_keys_of_pass(state);
   }
 }
 
-GtkWidget *find_first_focus(const RemarkDialog *dialog) {
-  GtkWidget *field = nullptr;
-  if (dialog->pass != nullptr && dialog->pass->language) {
-    field = v_langstr_editor_find_field(dialog->description_editor, dialog->pass->language.get());
-  }
-  return field == nullptr ? GTK_WIDGET(dialog->code_entry) : field;
-}
+// ---- Read ---------------------------------------------------------------------------------------
 
-// Reading.
-
-bool code_is_taken(const RemarkDialog *dialog, const char *code) {
-  const char *own_code = dialog->remark->code.get();
+bool code_is_taken(const RemarkDialog *state, const char *code) {
+  const char *own_code = state->remark->code.get();
   const bool keeps_its_code = own_code != nullptr && std::strcmp(own_code, code) == 0;
-  return dialog->codeset != nullptr && !keeps_its_code &&
-         v_remark_list_get_remark_for_code(dialog->codeset->remarks.get(), code) != nullptr;
+  return state->codeset != nullptr && !keeps_its_code &&
+         v_remark_list_get_remark_for_code(state->codeset->remarks.get(), code) != nullptr;
 }
 
 // Null for a description that is shown to be unusable.
-OwnedLangstr read_description(RemarkDialog *dialog) {
+OwnedLangstr read_description(RemarkDialog *state) {
   OwnedLangstr description;
-  if (v_langstr_editor_get_text(dialog->description_editor, description) == 0) {
-    v_message_show_error(dialog->window_stack, v_error_get());
+  if (v_langstr_editor_get_text(state->description_editor, description) == 0) {
+    v_message_show_error(state->window_stack, v_error_get());
   } else if (!description) {
-    v_message_show_error(dialog->window_stack, "Missing a description.");
+    v_message_show_error(state->window_stack, "Missing a description.");
   }
   return description;
 }
 
-// Handlers.
-
-// Takes valid input over and closes; anything else is reported and stays as it is.
-void confirm(RemarkDialog *dialog) {
-  OwnedText code = v_spacifying_entry_get_text(dialog->code_entry);
+// Takes valid input over and closes the window; anything else is reported and stays as it is.
+void confirm(RemarkDialog *state) {
+  OwnedText code = v_spacifying_entry_get_text(state->code_entry);
   if (!code) {
     return;
   }
   if (*code == '\0') {
-    v_message_show_error(dialog->window_stack, "Missing a code.");
+    v_message_show_error(state->window_stack, "Missing a code.");
     return;
   }
-  if (code_is_taken(dialog, code.get())) {
-    v_message_show_error(dialog->window_stack, "That code is already taken.");
+  if (code_is_taken(state, code.get())) {
+    v_message_show_error(state->window_stack, "That code is already taken.");
     return;
   }
-  OwnedLangstr description = read_description(dialog);
+  OwnedLangstr description = read_description(state);
   if (!description) {
     return;
   }
-  dialog->remark->code = std::move(code);
-  dialog->remark->description = std::move(description);
-  dialog->result = 1;
-  gtk_widget_destroy(GTK_WIDGET(dialog->window));
+  state->remark->code = std::move(code);
+  state->remark->description = std::move(description);
+  state->result = 1;
+  gtk_widget_destroy(GTK_WIDGET(state->window));
 }
 
-// "clicked" of OK.
-void ok_callback(GtkButton *, RemarkDialog *dialog) { confirm(dialog); }
-
-void go_on(RemarkDialog *dialog, int step) {
-  OwnedText language = v_langstr_editor_get_focused_language(dialog->description_editor);
-  confirm(dialog);
-  if (dialog->result == 1) {
-    *dialog->pass = {step, std::move(language)};
+// step: as in VRemarkPass.
+void confirm_and_go_on(RemarkDialog *state, int step) {
+  OwnedText language = v_langstr_editor_get_focused_language(state->description_editor);
+  confirm(state);
+  if (state->result == 1) {
+    *state->pass = {step, std::move(language)};
   }
 }
 
-void go_to_next(void *dialog) { go_on(static_cast<RemarkDialog *>(dialog), 1); }
+// ---- Handlers -----------------------------------------------------------------------------------
 
-void go_to_previous(void *dialog) { go_on(static_cast<RemarkDialog *>(dialog), -1); }
+// "clicked" of "OK", and Return in a field.
+void ok_callback(GtkButton *, RemarkDialog *state) { confirm(state); }
 
-void shrunk_callback(VLangstrEditor *, RemarkDialog *dialog) {
-  v_gui_resize_window_to_minimum_unless_maximized(dialog->window);
+// Ctrl+Down, in a pass.
+void go_to_next(void *dialog) { confirm_and_go_on(static_cast<RemarkDialog *>(dialog), 1); }
+
+// Ctrl+Up, in a pass.
+void go_to_previous(void *dialog) { confirm_and_go_on(static_cast<RemarkDialog *>(dialog), -1); }
+
+// "shrunk" of the description editor: a row was removed.
+void shrunk_callback(VLangstrEditor *, RemarkDialog *state) {
+  v_gui_resize_window_to_minimum_unless_maximized(state->window);
 }
 
-int run(RemarkDialog &dialog) {
-  build_window(&dialog);
-  v_window_stack_run_window(dialog.window_stack, dialog.window, Maximize::no,
-                            find_first_focus(&dialog));
-  return dialog.result;
+// ---- Run ----------------------------------------------------------------------------------------
+
+// The field of the pass's language, or else the code.
+GtkWidget *find_first_focus(const RemarkDialog *state) {
+  GtkWidget *field = nullptr;
+  if (state->pass != nullptr && state->pass->language) {
+    field = v_langstr_editor_find_field(state->description_editor, state->pass->language.get());
+  }
+  return field == nullptr ? GTK_WIDGET(state->code_entry) : field;
+}
+
+int run(RemarkDialog &state) {
+  build_window(&state);
+  v_window_stack_run_window(state.window_stack, state.window, Maximize::no,
+                            find_first_focus(&state));
+  return state.result;
 }
 
 } // namespace
 
 int v_remark_gui_edit_remark(VWindowStack *window_stack, const VSettings *settings, VRemark *remark,
                              const VCodeset *codeset, const char *title) {
-  RemarkDialog dialog = {window_stack, settings, remark, codeset, title};
-  return run(dialog);
+  RemarkDialog state = {window_stack, settings, remark, codeset, title};
+  return run(state);
 }
 
 int v_remark_gui_edit_remark_in_pass(VWindowStack *window_stack, const VSettings *settings,
                                      VRemark *remark, const VCodeset *codeset, const char *title,
                                      VRemarkPass &pass) {
   pass.step = 0;
-  RemarkDialog dialog = {window_stack, settings, remark, codeset, title, &pass};
-  return run(dialog);
+  RemarkDialog state = {window_stack, settings, remark, codeset, title, &pass};
+  return run(state);
 }

@@ -15,14 +15,7 @@
 
 namespace {
 
-constexpr const char *page_title = "Vantorelle Workspace Setup";
-
-// The texts have their own line breaks.
-constexpr int widest_line = 120; // characters
-
-// Width of the margins around the text and around the titles of the pages beside it, and of the
-// window's own border, in pixels.
-constexpr int margins_beside_text = 80;
+// ---- State --------------------------------------------------------------------------------------
 
 struct NewWorkspaceAssistant {
   VWindowStack *window_stack = nullptr;
@@ -39,7 +32,16 @@ void browse_callback(GtkButton *button, NewWorkspaceAssistant *state);
 void apply_callback(GtkAssistant *assistant, NewWorkspaceAssistant *state);
 int forward_page_func(int current_page, void *data);
 
-// Build steps.
+// ---- Build --------------------------------------------------------------------------------------
+
+constexpr const char *page_title = "Vantorelle Workspace Setup";
+
+// The texts have their own line breaks.
+constexpr int widest_line = 120; // characters
+
+// Width of the margins around the text and around the titles of the pages beside it, and of the
+// window's own border, in pixels.
+constexpr int margins_beside_text = 80;
 
 // Width in pixels.
 int measure_page_title(GtkBox *page) {
@@ -87,7 +89,7 @@ void append_intro_page(NewWorkspaceAssistant *state) {
   pack_text(page, text.get());
 }
 
-void pack_location_row(GtkBox *page, NewWorkspaceAssistant *state) {
+void pack_location_row(NewWorkspaceAssistant *state, GtkBox *page) {
   GtkLabel *label =
       v_gui_pack_label_for_input_field(page, "Workspace location", Required::no, 0.0f, 0.0f);
   GtkBox *row = v_gui_pack_hbox(page, Expand::no, Spacing::standard);
@@ -103,7 +105,7 @@ void pack_location_row(GtkBox *page, NewWorkspaceAssistant *state) {
 void append_location_page(NewWorkspaceAssistant *state) {
   state->location_page = gtk_assistant_get_n_pages(state->assistant);
   GtkBox *page = append_page(state->assistant, GTK_ASSISTANT_PAGE_CONFIRM);
-  pack_location_row(page, state);
+  pack_location_row(state, page);
   pack_text(
       page,
       "Please make sure that the workspace is located in a folder which can always be reached "
@@ -127,7 +129,7 @@ void append_summary_page(NewWorkspaceAssistant *state) {
 
 void build_assistant(NewWorkspaceAssistant *state) {
   state->assistant = GTK_ASSISTANT(gtk_assistant_new());
-  // Until the first page is shown: from then on the toolkit sets the title of the page.
+  // Until the first page is shown. From then on the toolkit sets the page's title.
   gtk_window_set_title(GTK_WINDOW(state->assistant), "Vantorelle");
   append_intro_page(state);
   append_location_page(state);
@@ -138,7 +140,15 @@ void build_assistant(NewWorkspaceAssistant *state) {
   gtk_assistant_set_forward_page_func(state->assistant, forward_page_func, state, nullptr);
 }
 
-// Reading.
+// ---- Update -------------------------------------------------------------------------------------
+
+void show_error(NewWorkspaceAssistant *state) {
+  if (const OwnedText error = std::exchange(state->error, nullptr)) {
+    v_message_show_error(state->window_stack, error.get());
+  }
+}
+
+// ---- Read ---------------------------------------------------------------------------------------
 
 // As an absolute path: the other tools, which read it from the pointer file, run in other folders.
 // Null with a message when there is none.
@@ -149,27 +159,7 @@ OwnedText read_location(const NewWorkspaceAssistant *state) {
   return v_workspace_make_place_absolute(location.get());
 }
 
-// Handlers.
-
-// Return presses the button that goes on, which the assistant makes its default on every page. At
-// once: activating the toolkit's button would leave the location to be changed by what is typed
-// meanwhile.
-void location_activate_callback(GtkEntry *, NewWorkspaceAssistant *state) {
-  GtkWidget *button = gtk_window_get_default_widget(GTK_WINDOW(state->assistant));
-  if (GTK_IS_BUTTON(button) && gtk_widget_is_sensitive(button)) {
-    gtk_button_clicked(GTK_BUTTON(button));
-  }
-}
-
-void browse_callback(GtkButton *, NewWorkspaceAssistant *state) {
-  if (const OwnedText folder = v_file_dialog_get_folder_path(
-          state->window_stack, "Select a parent folder for your workspace")) {
-    const OwnedText location = v_workspace_create_path_in_parent_folder(folder.get());
-    v_gui_set_entry_text(state->location_entry, location.get());
-  }
-}
-
-// Null when the workspace was created, otherwise the text that says why not.
+// Null when the workspace was created, otherwise the error to show.
 OwnedText create_workspace(const NewWorkspaceAssistant *state) {
   const OwnedText location = read_location(state);
   VFileInfo info;
@@ -186,17 +176,31 @@ OwnedText create_workspace(const NewWorkspaceAssistant *state) {
              : copy_text("Creating a workspace at the chosen location failed.");
 }
 
-void show_error(NewWorkspaceAssistant *state) {
-  if (const OwnedText error = std::exchange(state->error, nullptr)) {
-    v_message_show_error(state->window_stack, error.get());
+// ---- Handlers -----------------------------------------------------------------------------------
+
+// "activate" of the location. Return presses the button that leads to the next page, which the
+// assistant makes its default on every page. At once: activating the toolkit's button would let
+// further typing change the location before the button acts.
+void location_activate_callback(GtkEntry *, NewWorkspaceAssistant *state) {
+  GtkWidget *button = gtk_window_get_default_widget(GTK_WINDOW(state->assistant));
+  if (GTK_IS_BUTTON(button) && gtk_widget_is_sensitive(button)) {
+    gtk_button_clicked(GTK_BUTTON(button));
   }
 }
 
-// Creates the workspace. The toolkit emits "apply" once for a press of the button and only then
-// asks forward_page_func where to go, which it may also ask when nothing was pressed: creating
-// belongs here, and what is asked there has only the outcome to look at. The error waits until the
-// press is answered, as in gui/answering_button.h: an assistive technology that has pressed the
-// button could not read it otherwise.
+// "clicked" of "Browse...".
+void browse_callback(GtkButton *, NewWorkspaceAssistant *state) {
+  if (const OwnedText folder = v_file_dialog_get_folder_path(
+          state->window_stack, "Select a parent folder for your workspace")) {
+    const OwnedText location = v_workspace_create_path_in_parent_folder(folder.get());
+    v_gui_set_entry_text(state->location_entry, location.get());
+  }
+}
+
+// "apply", once for each press of the button, and before forward_page_func is called. That may also
+// be called without a press, so the workspace is created here, and forward_page_func only looks at
+// the outcome. The error waits until the press is answered, as in gui/answering_button.h: an
+// assistive technology that has pressed the button could not read it otherwise.
 void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
   state->error = create_workspace(state);
   state->created = state->error == nullptr;
@@ -206,13 +210,16 @@ void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
   }
 }
 
-// After an error the assistant starts over from its first page; the location stays as it was typed.
+// Called by the assistant for the page after the current one. After an error it starts over from
+// its first page; the location stays as it was typed.
 int forward_page_func(int current_page, void *data) {
   const auto *state = static_cast<const NewWorkspaceAssistant *>(data);
   return current_page == state->location_page && !state->created ? 0 : current_page + 1;
 }
 
 } // namespace
+
+// ---- Run ----------------------------------------------------------------------------------------
 
 bool v_workspace_gui_create_workspace(VWindowStack *window_stack) {
   return v_workspace_gui_new_workspace_assistant_run(window_stack);
