@@ -22,10 +22,6 @@ namespace {
 constexpr const char *scroller_css =
     "scrolledwindow { -GtkScrolledWindow-scrollbar-spacing: 8px; }";
 
-// What title bars, desktop bars and the window's other rows leave of the screen's height, in
-// pixels.
-int get_usable_height(GtkWidget *widget) { return v_screen_area_get(widget).height * 8 / 10; }
-
 // The scrolled window itself would be content with next to no height.
 int limit_minimum(GtkWidget *widget, int natural) {
   const int least_height = V_HEIGHT_CAPPED_SCROLLER(widget)->least_height;
@@ -109,7 +105,7 @@ static void v_height_capped_scroller_init(VHeightCappedScroller *scroller) {
   gtk_widget_set_can_focus(GTK_WIDGET(scroller), FALSE);
   gtk_scrolled_window_set_propagate_natural_height(scrolled_window, TRUE);
   gtk_scrolled_window_set_max_content_height(scrolled_window,
-                                             get_usable_height(GTK_WIDGET(scroller)));
+                                             v_screen_area_get_most_height(GTK_WIDGET(scroller)));
 }
 
 GtkWidget *v_height_capped_scroller_new() {

@@ -12,10 +12,6 @@ G_DEFINE_TYPE(VListScroller, v_list_scroller, GTK_TYPE_SCROLLED_WINDOW)
 
 namespace {
 
-// Of the screen's height, for each row: 10 rows on 700 pixels, 12 on 900. The fields of one
-// language above the list then need no scroll bar on either.
-constexpr int pixels_per_row = 70;
-
 // With the gap to the next row; 0 for a list without columns.
 int measure_row(GtkTreeView *list) {
   GtkTreeViewColumn *column = gtk_tree_view_get_column(list, 0);
@@ -41,7 +37,7 @@ int get_wanted_height(GtkWidget *widget) {
   if (list == nullptr) {
     return 0;
   }
-  const int rows = v_screen_area_get(widget).height / pixels_per_row;
+  const int rows = v_screen_area_count_list_rows(widget);
   return rows * measure_row(GTK_TREE_VIEW(list)) + measure_border(widget);
 }
 

@@ -1,14 +1,81 @@
 #include "gui/screen_area.h"
 
+#include <algorithm>
+
+#include "base/owned.h"
+
+namespace {
+
+// Screen height for each row of a list: 10 rows on 700 pixels, 12 on 900. The fields of one
+// language above the list then need no scroll bar on either.
+constexpr int pixels_per_list_row = 70;
+
+constexpr int fewest_characters = 10;
+
+// Null when no window of the program is active.
+GdkWindow *find_active_window() {
+  const Owned<GList, g_list_free> windows(gtk_window_list_toplevels());
+  for (const GList *item = windows.get(); item != nullptr; item = item->next) {
+    if (gtk_window_is_active(GTK_WINDOW(item->data))) {
+      return gtk_widget_get_window(GTK_WIDGET(item->data));
+    }
+  }
+  return nullptr;
+}
+
+// A window has its place on the screen once it is mapped.
+GdkMonitor *find_monitor(GtkWidget *widget) {
+  GdkDisplay *display = gtk_widget_get_display(widget);
+  GtkWidget *toplevel = gtk_widget_get_toplevel(widget);
+  GdkWindow *window = gtk_widget_get_mapped(toplevel) ? gtk_widget_get_window(toplevel) : nullptr;
+  if (window == nullptr) {
+    window = find_active_window();
+  }
+  if (window != nullptr) {
+    return gdk_display_get_monitor_at_window(display, window);
+  }
+  GdkMonitor *primary = gdk_display_get_primary_monitor(display);
+  return primary != nullptr ? primary : gdk_display_get_monitor(display, 0);
+}
+
+// The widest of an average letter and a digit, as the toolkit computes widths in characters;
+// pixels.
+int measure_character(GtkWidget *widget) {
+  PangoContext *context = gtk_widget_get_pango_context(widget);
+  const Owned<PangoFontMetrics, pango_font_metrics_unref> metrics(
+      pango_context_get_metrics(context, nullptr, nullptr));
+  const int width = std::max(pango_font_metrics_get_approximate_char_width(metrics.get()),
+                             pango_font_metrics_get_approximate_digit_width(metrics.get()));
+  return std::max(PANGO_PIXELS_CEIL(width), 1);
+}
+
+} // namespace
+
 GdkRectangle v_screen_area_get(GtkWidget *widget) {
   GdkRectangle area = {};
-  GdkDisplay *display = gtk_widget_get_display(widget);
-  GdkMonitor *monitor = gdk_display_get_primary_monitor(display);
-  gdk_monitor_get_workarea(monitor != nullptr ? monitor : gdk_display_get_monitor(display, 0),
-                           &area);
+  gdk_monitor_get_workarea(find_monitor(widget), &area);
   if (area.width > 0 && area.height > 0) {
     return area;
   }
-  GdkScreen *screen = gdk_display_get_default_screen(display);
+  GdkScreen *screen = gdk_display_get_default_screen(gtk_widget_get_display(widget));
   return {0, 0, gdk_screen_get_width(screen), gdk_screen_get_height(screen)};
+}
+
+int v_screen_area_get_most_height(GtkWidget *widget) {
+  return v_screen_area_get(widget).height * 8 / 10;
+}
+
+int v_screen_area_get_least_height(GtkWidget *widget) {
+  return v_screen_area_get(widget).height * 3 / 10;
+}
+
+int v_screen_area_count_list_rows(GtkWidget *widget) {
+  return v_screen_area_get(widget).height / pixels_per_list_row;
+}
+
+int v_screen_area_count_characters(GtkWidget *widget, int reserved_characters,
+                                   int reserved_pixels) {
+  const int characters =
+      (v_screen_area_get(widget).width - reserved_pixels) / measure_character(widget);
+  return std::max(characters - reserved_characters, fewest_characters);
 }

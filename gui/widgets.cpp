@@ -64,16 +64,6 @@ void dialog_close_callback(GtkDialog *dialog, void *) {
   gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
 }
 
-// The widest of an average letter and a digit, as the toolkit reckons widths in characters; pixels.
-int measure_character(GtkWidget *widget) {
-  PangoContext *context = gtk_widget_get_pango_context(widget);
-  const Owned<PangoFontMetrics, pango_font_metrics_unref> metrics(
-      pango_context_get_metrics(context, nullptr, nullptr));
-  const int width = std::max(pango_font_metrics_get_approximate_char_width(metrics.get()),
-                             pango_font_metrics_get_approximate_digit_width(metrics.get()));
-  return std::max(PANGO_PIXELS_CEIL(width), 1);
-}
-
 glong count_characters_of_longest_line(const char *text) {
   glong longest = 0;
   for (const char *line = text; line != nullptr;) {
@@ -181,7 +171,7 @@ GtkBox *v_gui_pack_yielding_vbox(GtkBox *box, Spacing spacing) {
   GtkWidget *scroller =
       gtk_widget_get_ancestor(GTK_WIDGET(inner_box), V_TYPE_HEIGHT_CAPPED_SCROLLER);
   v_height_capped_scroller_set_least_height(V_HEIGHT_CAPPED_SCROLLER(scroller),
-                                            v_screen_area_get(scroller).height * 3 / 10);
+                                            v_screen_area_get_least_height(scroller));
   return inner_box;
 }
 
@@ -238,7 +228,7 @@ void v_gui_wrap_overlong_label(GtkLabel *label, int widest_line, int reserved_wi
       width <= v_screen_area_get(widget).width - reserved_width) {
     return;
   }
-  const int room = v_gui_count_characters_across_screen(widget, 0, reserved_width);
+  const int room = v_screen_area_count_characters(widget, 0, reserved_width);
   gtk_label_set_line_wrap(label, TRUE);
   gtk_label_set_line_wrap_mode(label, PANGO_WRAP_WORD_CHAR);
   gtk_label_set_width_chars(label, std::min(widest_line, room));
@@ -393,13 +383,6 @@ GtkImage *v_gui_pack_image_from_icon_name(GtkBox *box, const char *icon_name,
 
 GtkDrawingArea *v_gui_add_drawing_area(GtkContainer *container) {
   return added(container, GTK_DRAWING_AREA(shown(gtk_drawing_area_new())));
-}
-
-int v_gui_count_characters_across_screen(GtkWidget *widget, int reserved_characters,
-                                         int reserved_pixels) {
-  const int characters =
-      (v_screen_area_get(widget).width - reserved_pixels) / measure_character(widget);
-  return std::max(characters - reserved_characters, 10);
 }
 
 void v_gui_set_surrounding_margin(GtkWidget *widget, int margin) {

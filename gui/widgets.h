@@ -129,10 +129,6 @@ GtkDrawingArea *v_gui_add_drawing_area(GtkContainer *container);
 
 // Geometry and state of any widget.
 //
-// How many characters of the widget's font the screen is wide, less the reserved characters and
-// pixels; 10 at least.
-int v_gui_count_characters_across_screen(GtkWidget *widget, int reserved_characters,
-                                         int reserved_pixels);
 // The margin lies inside a container (its border width) and outside any other widget.
 void v_gui_set_surrounding_margin(GtkWidget *widget, int margin);
 void v_gui_set_default_surrounding_margin(GtkWidget *widget);

@@ -10,6 +10,7 @@
 #include "gui/idle_call.h"
 #include "gui/list_place.h"
 #include "gui/list_search.h"
+#include "gui/screen_area.h"
 #include "gui/widgets.h"
 
 namespace {
@@ -127,7 +128,7 @@ GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
                                           FixedHeight::no, SelectionMode::single);
   GtkCellRenderer *cell = gtk_cell_renderer_text_new();
   const int room =
-      v_gui_count_characters_across_screen(GTK_WIDGET(view), button_characters, other_pixels);
+      v_screen_area_count_characters(GTK_WIDGET(view), button_characters, other_pixels);
   g_object_set_data(G_OBJECT(cell), longest_text_key,
                     GINT_TO_POINTER(std::min(longest_text, room)));
   gtk_tree_view_insert_column_with_data_func(view, -1, "Item", cell, cell_data_func, nullptr,

@@ -7,6 +7,7 @@
 #include "gui/accessibility.h"
 #include "gui/editing/editing_widgets.h"
 #include "gui/editing/shared_checkers.h"
+#include "gui/screen_area.h"
 #include "gui/widgets.h"
 #include "langstr/spelling_dictionaries.h"
 #include "langstr/supported_languages.h"
@@ -204,8 +205,8 @@ void add_text_view(LangstrEditorRow *row) {
 void add_entry(LangstrEditorRow *row, ActivatesDefault activates_default) {
   VSpacifyingEntry *entry = v_gui_create_spacifying_entry(Compact::yes, nullptr, activates_default);
   row->text_field = sink(GTK_WIDGET(entry));
-  const int room = v_gui_count_characters_across_screen(GTK_WIDGET(entry), characters_beside_text,
-                                                        pixels_beside_text);
+  const int room =
+      v_screen_area_count_characters(GTK_WIDGET(entry), characters_beside_text, pixels_beside_text);
   gtk_entry_set_width_chars(GTK_ENTRY(entry), std::min(text_characters, room));
 }
 
