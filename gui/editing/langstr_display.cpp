@@ -2,13 +2,18 @@
 
 #include "base/text_encoding.h"
 #include "gui/css.h"
+#include "gui/owned_objects.h"
 #include "gui/widgets.h"
 #include "langstr/supported_languages.h"
+
+struct LangstrDisplayState {
+  OwnedObject<GtkTextBuffer> buffer; // null once the display is destroyed
+};
 
 struct _VLangstrDisplay {
   GtkScrolledWindow parent_instance;
 
-  GtkTextBuffer *buffer; // a reference of ours; null once the display is destroyed
+  LangstrDisplayState *state; // owned, from init to finalize
 };
 
 G_DEFINE_TYPE(VLangstrDisplay, v_langstr_display, GTK_TYPE_SCROLLED_WINDOW)
@@ -28,10 +33,15 @@ void set_text_margins(GtkTextView *view) {
   gtk_text_view_set_bottom_margin(view, text_margin);
 }
 
-// "destroy", which may come more than once.
+// "destroy", which may be emitted more than once.
 void destroy_callback(GtkWidget *widget) {
-  g_clear_object(&V_LANGSTR_DISPLAY(widget)->buffer);
+  V_LANGSTR_DISPLAY(widget)->state->buffer.reset();
   GTK_WIDGET_CLASS(v_langstr_display_parent_class)->destroy(widget);
+}
+
+void finalize(GObject *display) {
+  delete V_LANGSTR_DISPLAY(display)->state;
+  G_OBJECT_CLASS(v_langstr_display_parent_class)->finalize(display);
 }
 
 // As wide as was asked for, whatever the text: it wraps, and the rows beside the display keep their
@@ -52,11 +62,13 @@ void insert_translation(GtkTextBuffer *buffer, GtkTextIter *place, const VLangst
 } // namespace
 
 static void v_langstr_display_class_init(VLangstrDisplayClass *klass) {
+  G_OBJECT_CLASS(klass)->finalize = finalize;
   GTK_WIDGET_CLASS(klass)->destroy = destroy_callback;
   GTK_WIDGET_CLASS(klass)->get_preferred_width = get_preferred_width;
 }
 
 static void v_langstr_display_init(VLangstrDisplay *display) {
+  display->state = new LangstrDisplayState;
   gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(display), FALSE);
   // No text changes the size of the display: without this, each would lay out and paint the whole
   // window again, a long list included.
@@ -74,13 +86,13 @@ GtkWidget *v_langstr_display_new(int width, int height) {
   gtk_text_view_set_wrap_mode(view, GTK_WRAP_WORD_CHAR);
   set_text_margins(view);
   v_css_style_widget(GTK_WIDGET(view), focus_css);
-  display->buffer = GTK_TEXT_BUFFER(g_object_ref(gtk_text_view_get_buffer(view)));
-  gtk_text_buffer_create_tag(display->buffer, bold_tag, "weight", 700, nullptr);
+  display->state->buffer = share(gtk_text_view_get_buffer(view));
+  gtk_text_buffer_create_tag(display->state->buffer.get(), bold_tag, "weight", 700, nullptr);
   return GTK_WIDGET(display);
 }
 
 int v_langstr_display_set_text(VLangstrDisplay *display, const VLangstr *langstr) {
-  GtkTextBuffer *buffer = display->buffer;
+  GtkTextBuffer *buffer = display->state->buffer.get();
   if (buffer == nullptr) {
     return 0;
   }
