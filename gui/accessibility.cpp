@@ -5,8 +5,7 @@
 
 namespace {
 
-// As the window manager's close button does. A window that has another one over it has been asked
-// already.
+// Does what the window manager's close button does. An insensitive window has another one over it.
 void request_close(GtkWidget *window) {
   if (!gtk_widget_get_realized(window) || !gtk_widget_is_sensitive(window)) {
     return;
@@ -51,6 +50,7 @@ void v_gui_set_accessible_message(GtkWidget *window, const char *message) {
 }
 
 void v_gui_close_on_escape(GtkWindow *window) {
-  // After: the focused widget, a list's search field for instance, has its turn first.
+  // Connected after, so that the focused widget, a list's search field for instance, handles the
+  // key first.
   g_signal_connect_after(window, "key-press-event", G_CALLBACK(key_press_event_callback), nullptr);
 }

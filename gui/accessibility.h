@@ -1,21 +1,22 @@
 #pragma once
-// What a window needs for use without a mouse or without a screen.
+// Makes windows usable with the keyboard alone and with a screen reader.
 
 #include <gtk/gtk.h>
 
 // The name (UTF-8) by which a screen reader announces a widget that has no label of its own.
 void v_gui_set_accessible_name(GtkWidget *widget, const char *name);
 
-// What a screen reader says beside the name: of a button whose label is only a sign, for instance.
+// The description (UTF-8) that a screen reader adds to the name, for instance for a button whose
+// label is only a symbol.
 void v_gui_set_accessible_description(GtkWidget *widget, const char *description);
 
-// Makes the widget a group whose name (UTF-8) is spoken when the focus comes into it.
+// Makes the widget a group whose name (UTF-8) is spoken when the focus enters it.
 void v_gui_set_accessible_group_name(GtkWidget *widget, const char *name);
 
-// A window that opens by itself to say something: a screen reader speaks the message (UTF-8) at
-// once, whatever has the focus in it.
+// For a window that opens on its own to show a message: a screen reader speaks the message (UTF-8)
+// at once, independent of the focus.
 void v_gui_set_accessible_message(GtkWidget *window, const char *message);
 
-// Escape closes the window as the window manager's close button would, unless the widget with the
-// focus has a use for the key.
+// Escape closes the window as the window manager's close button would, unless the focused widget
+// handles the key.
 void v_gui_close_on_escape(GtkWindow *window);

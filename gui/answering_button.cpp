@@ -26,15 +26,14 @@ bool can_be_pressed(GtkWidget *button) {
   return gtk_widget_is_sensitive(button) && gtk_widget_is_visible(button);
 }
 
-// The toolkit's own handler shows the button pressed for a quarter of a second first.
+// The toolkit's own handler first shows the button pressed for a quarter of a second.
 void activate(GtkButton *button) {
   if (can_be_pressed(GTK_WIDGET(button))) {
     gtk_button_clicked(button);
   }
 }
 
-// The only action of a button is the first. By the time of the call another window may cover that
-// of the button.
+// A button has one action, number 0. By the time of the call another window may cover the button's.
 gboolean do_action(AtkAction *accessible, int action) {
   GtkWidget *button = gtk_accessible_get_widget(GTK_ACCESSIBLE(accessible));
   if (action != 0 || button == nullptr || !can_be_pressed(button)) {
@@ -44,7 +43,7 @@ gboolean do_action(AtkAction *accessible, int action) {
   return TRUE;
 }
 
-// Null for none. The string is the button's until its next key.
+// Null for none. The button owns the string, until it gets another key.
 const char *get_keybinding(AtkAction *accessible, int action) {
   GtkWidget *button = gtk_accessible_get_widget(GTK_ACCESSIBLE(accessible));
   return action != 0 || button == nullptr
@@ -81,6 +80,6 @@ GtkWidget *v_answering_button_new(const char *label) {
 }
 
 void v_answering_button_set_key(VAnsweringButton *button, const char *key) {
-  // No mnemonic, no sequence of keys, and a shortcut.
+  // The format is "mnemonic;key sequence;shortcut". Only the shortcut is set.
   g_object_set_data_full(G_OBJECT(button), keybinding_key, g_strconcat(";;", key, nullptr), g_free);
 }

@@ -1,14 +1,16 @@
 #pragma once
-// The program's button: the toolkit's, except for how a key and an assistive technology press it.
+// The program's button. It differs from the toolkit's in how a key and an assistive technology
+// press it.
 //
-// A key, be it Return in a text field of the window, acts at once. The toolkit waits for a quarter
-// of a second, in which all that is typed still changes the field that is being confirmed.
+// A key, Return in a text field of the window included, acts at once. The toolkit waits for a
+// quarter of a second, and what is typed in that time still changes the field that is being
+// confirmed.
 //
-// An assistive technology's request is answered first. The toolkit runs the handlers before. What a
-// handler opens runs a main loop of its own, and until that ends nothing could be asked of the
-// program any more: a screen reader would be left without the window that it has opened.
+// A request of an assistive technology is answered before the handlers run; the toolkit answers
+// after them. A window that a handler opens runs a main loop of its own, and until that loop ends
+// the request would be unanswered: a screen reader could not read the window that it has opened.
 //
-// The assistant and the file chooser have buttons of the toolkit's besides.
+// The buttons of the toolkit's assistant and file chooser are the toolkit's own.
 
 #include <gtk/gtk.h>
 

@@ -1,6 +1,6 @@
 #pragma once
-// Style sheets attached to single widgets. The texts are the program's own; one that does not parse
-// is a fault of the program and is reported by the toolkit.
+// Style sheets attached to single widgets. The texts are constants of the program: the toolkit
+// reports one that does not parse.
 
 #include <gtk/gtk.h>
 

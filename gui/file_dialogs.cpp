@@ -14,7 +14,7 @@ using FileTypes = std::span<const VFileType>;
 inline void free_names(GSList *names) { g_slist_free_full(names, g_free); }
 using OwnedNames = Owned<GSList, free_names>;
 
-// From the names of a dialog's file types to the folder (UTF-8) that was last used with them.
+// Maps the names of a dialog's file types to the folder (UTF-8) last used with them.
 std::map<std::string, std::string> remembered_folders;
 
 FileTypes list_types(const VFileType *file_types, int count) {
@@ -27,7 +27,7 @@ std::string make_key(FileTypes file_types) {
 
 // ---- Setting up ---------------------------------------------------------------------------------
 
-// The chooser takes the filter over.
+// The chooser owns the filter.
 GtkFileFilter *add_filter(GtkFileChooser *chooser, const char *name) {
   GtkFileFilter *filter = gtk_file_filter_new();
   gtk_file_filter_set_name(filter, name);
@@ -80,7 +80,7 @@ void add_filters(GtkFileChooser *chooser, const char *filter_name, FileTypes fil
   gtk_file_chooser_set_filter(chooser, first);
 }
 
-// The chooser itself would start with the files that were used last, of which there may be none.
+// The chooser itself would start with the list of recently used files, which may be empty.
 void start_in_documents_folder(GtkFileChooser *chooser) {
   const char *documents = g_get_user_special_dir(G_USER_DIRECTORY_DOCUMENTS);
   const bool exists = documents != nullptr && g_file_test(documents, G_FILE_TEST_IS_DIR);

@@ -1,9 +1,9 @@
 #pragma once
 // The platform's file chooser, run modally on the window stack (null: without one), with filters
-// made from file types. The folder last used is remembered for each combination of file types until
-// v_file_dialog_clean_up, not beyond the run; where there is none, opening and saving start in the
-// user's documents folder, or else in the home folder. Texts and paths are UTF-8; a path that has
-// no UTF-8 form counts as not chosen.
+// made from file types. The folder last used is remembered for each combination of file types,
+// until v_file_dialog_clean_up; without one, opening and saving start in the user's documents
+// folder, or else in the home folder. Texts and paths are UTF-8; a path that has no UTF-8 form
+// counts as not chosen.
 
 #include <string>
 #include <vector>
@@ -19,12 +19,12 @@ enum class SelectMultiple { no, yes };
 
 // Each returns the chosen path, null when the dialog was cancelled.
 //
-// filter_name: what the types are called together when there are two or more, null says "Matching
-// files".
+// filter_name: the name of the filter for all types, used when there are two or more; null gives
+// "Matching files".
 OwnedText v_file_dialog_get_file_path_for_reading_(VWindowStack *window_stack, const char *title,
                                                    const char *filter_name,
                                                    const VFileType *file_types, int count);
-// The same with the types written out.
+// The same, with the types as arguments.
 template <typename... FileTypes>
 OwnedText v_file_dialog_get_file_path_for_reading(VWindowStack *window_stack, const char *title,
                                                   const char *filter_name,
@@ -39,16 +39,15 @@ OwnedText v_file_dialog_get_file_path_for_writing(VWindowStack *window_stack,
                                                   const char *proposed_name, VFileType file_type);
 OwnedText v_file_dialog_get_folder_path(VWindowStack *window_stack, const char *title);
 
-// What the three have in common. Returns the chosen paths in the chooser's order, more than one
-// only with SelectMultiple::yes; empty when cancelled. What does not apply to the action is
-// ignored.
+// Shared by the three. Returns the chosen paths in the chooser's order, more than one only with
+// SelectMultiple::yes; empty when cancelled. Arguments that do not apply to the action are ignored.
 std::vector<OwnedText> run_file_dialog(VWindowStack *window_stack, FileDialogAction action,
                                        SelectMultiple select_multiple, const char *title,
                                        const char *proposed_name, const char *filter_name,
                                        const VFileType *file_types, int count);
 
-// The two halves of it that do not need a dialog to run: what is set up in a new chooser of the
-// action, and what is read from one that was accepted (which also remembers the folder).
+// Its two parts that need no running dialog: the first sets up a new chooser of the action, the
+// second reads an accepted one and remembers its folder.
 void v_file_dialog_set_up_chooser(GtkFileChooser *chooser, FileDialogAction action,
                                   SelectMultiple select_multiple, const char *proposed_name,
                                   const char *filter_name, const VFileType *file_types, int count);

@@ -8,7 +8,7 @@
 struct _VHeightCappedScroller {
   GtkScrolledWindow parent_instance;
 
-  int least_height; // pixels; 0 for as high as the content or the screen
+  int least_height; // pixels; 0: never lower than the content, up to the screen's height
   // Both in pixels, as they were when the scroller was laid out last.
   double content_height;
   double shown_height;
@@ -18,11 +18,11 @@ G_DEFINE_TYPE(VHeightCappedScroller, v_height_capped_scroller, GTK_TYPE_SCROLLED
 
 namespace {
 
-// Themes let the scroll bar touch the fields beside it.
+// In themes the scroll bar touches the fields beside it.
 constexpr const char *scroller_css =
     "scrolledwindow { -GtkScrolledWindow-scrollbar-spacing: 8px; }";
 
-// The scrolled window itself would be content with next to no height.
+// The scrolled window itself has a minimum of almost no height.
 int limit_minimum(GtkWidget *widget, int natural) {
   const int least_height = V_HEIGHT_CAPPED_SCROLLER(widget)->least_height;
   return least_height == 0 ? natural : std::min(natural, least_height);
@@ -40,7 +40,7 @@ void get_preferred_height_for_width(GtkWidget *widget, int width, int *minimum, 
   *minimum = limit_minimum(widget, *natural);
 }
 
-// The scrolled window itself would keep room for the scroll bar that is not there.
+// The scrolled window itself would reserve room for a scroll bar that is not shown.
 void get_preferred_width(GtkWidget *widget, int *minimum, int *natural) {
   GTK_WIDGET_CLASS(v_height_capped_scroller_parent_class)
       ->get_preferred_width(widget, minimum, natural);
@@ -68,8 +68,9 @@ void scroll_to(GtkWidget *widget, GtkWidget *content, GtkAdjustment *place) {
   }
 }
 
-// The toolkit scrolls to a widget when it gets the focus, but a new one has no place until it is
-// laid out here. Otherwise the user may have scrolled elsewhere on purpose.
+// The toolkit scrolls to a widget when it gets the focus, but a new one has no position until it is
+// laid out here. When no size has changed nothing scrolls: the user may have scrolled elsewhere on
+// purpose.
 void size_allocate(GtkWidget *widget, GtkAllocation *allocation) {
   VHeightCappedScroller *scroller = V_HEIGHT_CAPPED_SCROLLER(widget);
   GTK_WIDGET_CLASS(v_height_capped_scroller_parent_class)->size_allocate(widget, allocation);
@@ -101,7 +102,7 @@ static void v_height_capped_scroller_init(VHeightCappedScroller *scroller) {
   gtk_scrolled_window_set_policy(scrolled_window, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
   gtk_scrolled_window_set_overlay_scrolling(scrolled_window, FALSE);
   v_css_style_widget(GTK_WIDGET(scroller), scroller_css);
-  // The focus is for what can be operated.
+  // Only what can be operated gets the focus.
   gtk_widget_set_can_focus(GTK_WIDGET(scroller), FALSE);
   gtk_scrolled_window_set_propagate_natural_height(scrolled_window, TRUE);
   gtk_scrolled_window_set_max_content_height(scrolled_window,

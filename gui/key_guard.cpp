@@ -10,13 +10,12 @@ using OwnedEvent = Owned<GdkEvent, gdk_event_free>;
 
 constexpr const char *shield_key = "vantorelle-key-guard-shield";
 
-// Milliseconds. A keyboard waits that long at most before its first repeat, and then from repeat to
-// repeat.
+// Milliseconds: the most that a keyboard waits before its first repeat, and then between repeats.
 constexpr guint32 longest_repeat_delay = 1000;
 constexpr guint longest_repeat_interval = 150;
-// Slow typing has shorter pauses from key to key, and reading a message takes longer.
+// Longer than the pauses of slow typing, shorter than it takes to read a message.
 constexpr guint32 typing_pause = 400;
-// A second press of the same key, meant as an answer, takes longer.
+// Shorter than it takes to press the same key again as an answer.
 constexpr guint32 shortest_answer = 100;
 
 // The last press of a key that is no modifier.
@@ -33,7 +32,8 @@ struct LastPress {
 LastPress last_press;
 
 // A press that is either the first repeat of a key pressed in another window, or a new press after
-// the release was lost with that window. What follows tells: only a held key repeats again at once.
+// the release was lost with that window. The next event decides: only a held key repeats again at
+// once.
 struct DoubtfulPress {
   OwnedEvent event; // null for none
   guint source = 0;
@@ -50,7 +50,7 @@ bool is_space(const GdkEventKey *event) {
   return event->keyval == GDK_KEY_space || event->keyval == GDK_KEY_KP_Space;
 }
 
-// The window that gets the key: a modal window gets what was meant for the others, too.
+// The window that gets the key: a modal window also gets the keys of the others.
 GtkWidget *find_receiver(GdkEvent *event) {
   GtkWidget *widget = gtk_get_event_widget(event);
   GtkWidget *grab_widget = gtk_grab_get_current();
@@ -85,7 +85,7 @@ void set_shield(GtkWidget *window, Shield shield) {
   g_object_set_data(G_OBJECT(window), shield_key, GINT_TO_POINTER(shield));
 }
 
-// Return and Escape answer a message, unless they are a part of what is typed on.
+// Return and Escape answer a message, unless they are a part of continued typing.
 bool is_answer(const GdkEventKey *event, Shield shield) {
   const guint32 pause = event->time - last_press.time;
   const bool can_answer = is_enter(event) || event->keyval == GDK_KEY_Escape;
@@ -138,8 +138,9 @@ void doubt(GdkEvent *event) {
   doubtful_press.source = g_timeout_add(longest_repeat_interval, doubt_timeout_callback, nullptr);
 }
 
-// The same key again means that it is held; any other key, or the release, that it was pressed.
-// True when the event is back in the queue, behind the press, which may run a main loop of its own.
+// The same key again means that the key is held; any other key, or the release, means that it was
+// pressed anew. True when the event was put back into the queue, behind the press, whose handlers
+// may run a main loop.
 bool settle_doubt(GdkEvent *event) {
   if (!doubtful_press.event) {
     return false;

@@ -30,7 +30,7 @@ void set_placed(GtkTreeView *view, bool is_placed) {
 
 void cursor_changed_callback(GtkTreeView *view, void *) { set_placed(view, false); }
 
-// The row to which a key leads from another; -1 when it leads to none.
+// The row to which the key moves the cursor from the given row; -1 for other keys.
 int row_of_key(const GdkEventKey *event, int row, int rows) {
   if ((event->state & gtk_accelerator_get_default_mod_mask()) != 0) {
     return -1;
@@ -68,8 +68,8 @@ gboolean key_press_event_callback(GtkWidget *widget, GdkEventKey *event, void *)
   return GDK_EVENT_STOP;
 }
 
-// Scrolls at once. The toolkit scrolls step by step, and comes to a halt between two steps when
-// another window covers the list.
+// Scrolls at once. The toolkit scrolls step by step, and stops between two steps when another
+// window covers the list.
 void scroll_now(GtkTreeView *view, GtkTreePath *path) {
   GdkRectangle area;
   gtk_tree_view_get_background_area(view, path, nullptr, &area);
@@ -89,7 +89,7 @@ void watch_cursor(GtkTreeView *view) {
   }
 }
 
-// Null while the view is in no window.
+// Null when the view is not in a window.
 GtkWindow *window_of(GtkTreeView *view) {
   GtkWidget *window = gtk_widget_get_toplevel(GTK_WIDGET(view));
   return GTK_IS_WINDOW(window) ? GTK_WINDOW(window) : nullptr;

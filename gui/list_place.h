@@ -1,7 +1,7 @@
 #pragma once
-// The keyboard cursor of a flat list, apart from its selection: after an action nothing is
-// selected, but the cursor marks the row that the action was about, and the arrow keys go on from
-// there.
+// The keyboard cursor of a flat list, independent of its selection: after an action nothing is
+// selected, but the cursor marks the row that the action concerned, and the arrow keys continue
+// from there.
 //
 // Rows are counted from 0. The toolkit gives a list that gets the focus a cursor on its first row;
 // only a cursor that was set here counts as placed.
@@ -9,7 +9,7 @@
 #include <gtk/gtk.h>
 
 // Unselects all rows. Until it is destroyed no row of the list can be selected, neither by a call
-// nor by the toolkit, which would otherwise select the row that gets the cursor. The view has to
+// nor by the toolkit, which would otherwise select the row that gets the cursor. The view must
 // outlive it.
 class VListWithoutSelection {
 public:
@@ -31,8 +31,8 @@ bool v_list_place_is_placed(GtkTreeView *view);
 // unselects all rows. Down then selects the next row and Up the one before. Does nothing in an
 // empty list. The focus stays where it is.
 void v_list_place_set(GtkTreeView *view, int row);
-// Shows what has the focus in the list's window, in a list the row with the cursor. The toolkit
-// waits for the first key with that.
+// Makes the focus visible in the list's window, for a list as the row with the cursor. The toolkit
+// itself waits for the first key.
 void v_list_place_reveal_focus(GtkTreeView *view);
 // Scrolls the row into view, as little as possible. Does nothing when there is no such row.
 void v_list_place_show(GtkTreeView *view, int row);
@@ -41,6 +41,6 @@ void v_list_place_select(GtkTreeView *view);
 // Gives the list the focus. No row becomes selected that was not: the toolkit would select the
 // first row of a list without a cursor.
 void v_list_place_grab_focus(GtkTreeView *view);
-// Gives the list the focus if no widget of its window has it, because the one that had it has
-// become insensitive for instance.
+// Gives the list the focus if no widget of its window has it, for instance because the one that had
+// it became insensitive.
 void v_list_place_take_free_focus(GtkTreeView *view);

@@ -1,6 +1,6 @@
 #pragma once
-// A scrolled window around a list, which asks for enough height to show many rows, the more the
-// higher the screen is. It makes do with its least height where the window has no more room.
+// A scrolled window around a list. Its natural height shows many rows, the more the higher the
+// screen is; its minimum is unchanged, for windows that have no more room.
 
 #include <gtk/gtk.h>
 

@@ -8,18 +8,18 @@
 
 namespace {
 
-// The search in one list. What it remembers saves folding thousands of texts for each key.
+// The search in one list. It keeps the folded texts, so that a key does not fold thousands of them.
 struct ListSearch {
   OwnedObject<GtkTreeModel> model;
   VListTextCallback text_callback = nullptr;
   bool is_folded = false;
-  std::vector<std::string> texts; // folded, one for each row; as long as they are
-  OwnedText key;                  // as typed; null: first_match is that of none
+  std::vector<std::string> texts; // folded, one for each row; valid while is_folded
+  OwnedText key;                  // as typed; null: first_match is not valid
   std::string folded_key;
   std::size_t first_match = 0; // rows before it do not match
 };
 
-// A letter with a stroke, or two in one, is no other letter with an accent for Unicode.
+// Unicode does not decompose letters with a stroke and ligatures: here they become ASCII letters.
 void append_without_accent(std::string *text, gunichar character) {
   char utf8[7] = {};
   g_unichar_to_utf8(character, utf8);

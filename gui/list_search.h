@@ -1,10 +1,10 @@
 #pragma once
-// Searching a flat list by typing, in the toolkit's own search field. A row is found that contains
-// the text, whatever the case and the accents of either.
+// Searching a flat list by typing, in the toolkit's own search field. A row matches when it
+// contains the text; case and accents make no difference.
 //
-// The toolkit takes the first row that matches, and Up and Down lead to the other ones, in the
-// order of the list. So that rows beginning with the text come first, those before the first such
-// row do not match. Where no row begins with the text, all that contain it match.
+// The toolkit selects the first row that matches, and Up and Down move to the others, in the order
+// of the list. So that a row beginning with the text is selected first, the rows before it do not
+// match. When no row begins with the text, all rows that contain it match.
 
 #include <string>
 
@@ -15,8 +15,8 @@
 // The text (UTF-8) by which a row is found; null for none.
 using VListTextCallback = OwnedText (*)(GtkTreeModel *model, GtkTreeIter *row);
 
-// The model of the view has to be set, and stays the view's for good. search_column: a column of
-// text, without which the toolkit does not search.
+// The model of the view must be set before, and must not change. search_column: a column of text,
+// without which the toolkit does not search.
 void v_list_search_enable(GtkTreeView *view, int search_column, VListTextCallback text_callback);
-// The text (UTF-8) without case and accents: two texts that differ in nothing else become the same.
+// The text (UTF-8) without case and accents: texts that differ in nothing else become equal.
 std::string v_list_search_fold(const char *text);

@@ -41,7 +41,7 @@ bool can_scroll(GtkAdjustment *adjustment) {
   return gtk_adjustment_get_upper(adjustment) > gtk_adjustment_get_page_size(adjustment);
 }
 
-// The adjustment keeps within the text.
+// The adjustment clamps the value.
 void scroll(GtkAdjustment *adjustment, const ScrollKey &row) {
   gtk_adjustment_set_value(adjustment,
                            gtk_adjustment_get_value(adjustment) +
@@ -50,7 +50,8 @@ void scroll(GtkAdjustment *adjustment, const ScrollKey &row) {
                                row.texts * gtk_adjustment_get_upper(adjustment));
 }
 
-// Whatever has the focus in the dialog. Keys with Shift or Control are for the text.
+// "key-press-event" of the dialog, independent of the focus. Keys with Shift or Control are left to
+// the text.
 gboolean scroll_key_callback(GtkWidget *, GdkEventKey *event, GtkScrolledWindow *scroller) {
   GtkAdjustment *adjustment = gtk_scrolled_window_get_vadjustment(scroller);
   if ((event->state & gtk_accelerator_get_default_mod_mask()) != 0 || !can_scroll(adjustment)) {
@@ -65,7 +66,8 @@ gboolean scroll_key_callback(GtkWidget *, GdkEventKey *event, GtkScrolledWindow 
   return GDK_EVENT_PROPAGATE;
 }
 
-// A text from a file may be higher than the screen; the buttons stay in reach.
+// The text scrolls, because one from a file may be higher than the screen; the buttons stay
+// visible.
 void pack_message(GtkDialog *dialog, GtkBox *box, const char *text) {
   GtkBox *text_box = v_gui_pack_scrolling_vbox(box, Expand::yes, Spacing::standard);
   GtkLabel *label = v_gui_pack_label(text_box, text, 0.0f, 0.0f);
@@ -97,7 +99,7 @@ int run_dialog_of_kind(VWindowStack *window_stack, const MessageKind *kind, cons
       window_stack, create_dialog(kind->title, kind->icon_name, text, kind->button_set));
 }
 
-// The toolkit would give the focus to the first button, whatever that does.
+// The toolkit would give the focus to the first button, which may be the unsafe one.
 void focus_default_button(GtkDialog *dialog) {
   if (GtkWidget *button = gtk_window_get_default_widget(GTK_WINDOW(dialog))) {
     gtk_widget_grab_focus(button);
@@ -111,7 +113,7 @@ const MessageKind *const error_message = &error_kind;
 const MessageKind *const warning_message = &warning_kind;
 const MessageKind *const question_message = &question_kind;
 
-// Formats the variable arguments of the function it stands in into an owned text named text.
+// Formats the variable arguments of the enclosing function into an owned text of the given name.
 #define FORMAT_TEXT(text, format)                                                                  \
   va_list arguments;                                                                               \
   va_start(arguments, format);                                                                     \

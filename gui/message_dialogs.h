@@ -1,8 +1,8 @@
 #pragma once
 // Tells the user something or asks a yes/no question, in a modal dialog that is pushed onto the
-// window stack while it runs. Every text is plain UTF-8: markup shows as it stands, line breaks are
-// kept and overlong lines wrap. It can be selected and copied, and one that is higher than its
-// place is scrolled by Up, Down, Page Up, Page Down, Home and End. window_stack: null runs the
+// window stack while it runs. Every text is plain UTF-8: markup is shown literally, line breaks are
+// kept and overlong lines wrap. The text can be selected and copied; one that is higher than its
+// area is scrolled by Up, Down, Page Up, Page Down, Home and End. window_stack: null runs the
 // dialog without pushing it. Responses are the toolkit's (GTK_RESPONSE_...).
 
 #include <gtk/gtk.h>

@@ -1,7 +1,7 @@
 #pragma once
-// Owning references to GObjects, and the three ways to come by one. Widgets inside a container and
-// windows stay raw pointers: the container owns the former, the toolkit the latter, and a window
-// ends by gtk_widget_destroy.
+// Owning references to GObjects, and the three ways to get one. Widgets inside a container and
+// windows stay raw pointers: the container owns the former, the toolkit the latter, and
+// gtk_widget_destroy ends a window.
 
 #include <glib-object.h>
 
@@ -16,7 +16,7 @@ OwnedObject<T> take(T *object) {
   return OwnedObject<T>(object);
 }
 
-// Adds a reference beside those that others hold. Null gives null.
+// Adds a reference of the caller's own. Null gives null.
 template <typename T>
 OwnedObject<T> share(T *object) {
   return OwnedObject<T>(object == nullptr ? nullptr : static_cast<T *>(g_object_ref(object)));

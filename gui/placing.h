@@ -1,6 +1,6 @@
 #pragma once
-// The three mechanisms by which every widget comes to be: shown, added, packed. Each returns the
-// widget that it was given.
+// The three steps that every new widget goes through: shown, added, packed. Each returns the widget
+// that it was given.
 
 #include <gtk/gtk.h>
 

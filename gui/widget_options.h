@@ -1,6 +1,6 @@
 #pragma once
-// The options of the functions that make widgets. Apart from them, so that a header that takes an
-// option does not need the functions.
+// The options of the functions in gui/widgets.h, for headers that take an option and need none of
+// these functions.
 
 enum class Expand { no, yes };
 enum class Spacing { none, standard };

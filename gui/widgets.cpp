@@ -57,8 +57,8 @@ void make_default_if_asked(GtkButton *button, MakeDefault make_default) {
   }
 }
 
-// "close" of a dialog, its Escape key. The toolkit's own handler closes the window later, and a key
-// that repeats meanwhile would have it close a dialog that is gone.
+// "close" of a dialog, emitted for Escape. The toolkit's own handler closes the window later, and
+// with a key that repeats before that it would close a dialog that no longer exists.
 void dialog_close_callback(GtkDialog *dialog, void *) {
   g_signal_stop_emission_by_name(dialog, "close");
   gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
@@ -79,7 +79,7 @@ void set_up_scrolled_window(GtkScrolledWindow *scrolled_window, int width, int h
   gtk_widget_set_size_request(GTK_WIDGET(scrolled_window), width, height);
 }
 
-// A hyphen at the end of a line would read as a part of a path.
+// A hyphen at the end of a line could be read as a part of a path.
 void forbid_hyphens(GtkLabel *label) {
   const Owned<PangoAttrList, pango_attr_list_unref> attributes(pango_attr_list_new());
   pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
@@ -160,7 +160,7 @@ GtkBox *v_gui_pack_hbox(GtkBox *box, Expand expand, Spacing spacing) {
 GtkBox *v_gui_pack_scrolling_vbox(GtkBox *box, Expand expand, Spacing spacing) {
   GtkWidget *scroller = packed(box, expand, shown(v_height_capped_scroller_new()));
   GtkBox *inner_box = v_gui_add_vbox(GTK_CONTAINER(scroller), spacing);
-  // What has the focus scrolls into view.
+  // The focused widget scrolls into view.
   gtk_container_set_focus_vadjustment(
       GTK_CONTAINER(inner_box), gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller)));
   return inner_box;

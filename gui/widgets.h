@@ -4,11 +4,11 @@
 //
 //   v_gui_create_<x>  makes a widget and shows it;
 //   v_gui_add_<x>     makes it and adds it to a container;
-//   v_gui_pack_<x>    makes it and packs it at the start of a box. Where an Expand is given the
-//                     widget both expands and fills or neither, else it says which.
+//   v_gui_pack_<x>    makes it and packs it at the start of a box. With an Expand the widget
+//                     both expands and fills or does neither; other functions say which.
 //
-// Results are borrowed: the container owns what is in it, and what was only created has the
-// toolkit's floating reference (windows and dialogs end by gtk_widget_destroy). Texts are UTF-8.
+// Results are borrowed: the container owns what is in it, and a widget that was only created has
+// the toolkit's floating reference (gtk_widget_destroy ends windows and dialogs). Texts are UTF-8.
 // Alignments run from 0 (left, top) to 1, scales from 0 (natural size) to 1 (all the space); sizes
 // are pixels, and a size of -1 leaves that dimension free. A window itself is not shown here.
 
@@ -34,10 +34,10 @@ GtkBox *v_gui_create_vbox(Spacing spacing);
 GtkBox *v_gui_add_vbox(GtkContainer *container, Spacing spacing);
 GtkBox *v_gui_pack_vbox(GtkBox *box, Expand expand, Spacing spacing);
 GtkBox *v_gui_pack_hbox(GtkBox *box, Expand expand, Spacing spacing);
-// A vertical box that scrolls where the screen is not as high as its content.
+// A vertical box that scrolls when its content is higher than the screen.
 GtkBox *v_gui_pack_scrolling_vbox(GtkBox *box, Expand expand, Spacing spacing);
-// The same, not expanding, for a window in which a list asks for room as well: what one of them
-// does not need the other one gets, and neither is squeezed out.
+// The same, not expanding, for a window that also has a list: each of the two gets the room that
+// the other does not need, and neither disappears.
 GtkBox *v_gui_pack_yielding_vbox(GtkBox *box, Spacing spacing);
 // Packs an alignment and returns the box inside it.
 GtkBox *v_gui_pack_hbox_in_alignment(GtkBox *box, Expand expand, Spacing spacing, float x_align,
@@ -65,7 +65,7 @@ GtkLabel *v_gui_pack_label_for_input_field(GtkBox *box, const char *label, Requi
 // make the window wider than the screen, where the rest of the window takes reserved_width pixels.
 // The width is then fixed: the toolkit would keep the window as high as its narrowest form needs.
 void v_gui_wrap_overlong_label(GtkLabel *label, int widest_line, int reserved_width);
-// Plain text: markup shows as it stands.
+// Plain text: markup is shown literally.
 GtkLabel *v_gui_pack_label(GtkBox *box, const char *text, float x_align, float y_align);
 GtkLabel *v_gui_pack_label_with_markup(GtkBox *box, const char *markup, float x_align,
                                        float y_align);
@@ -129,15 +129,15 @@ GtkDrawingArea *v_gui_add_drawing_area(GtkContainer *container);
 
 // Geometry and state of any widget.
 //
-// The margin lies inside a container (its border width) and outside any other widget.
+// The margin is inside a container (its border width) and outside any other widget.
 void v_gui_set_surrounding_margin(GtkWidget *widget, int margin);
 void v_gui_set_default_surrounding_margin(GtkWidget *widget);
 void v_gui_set_margins(GtkWidget *widget, int top, int right, int bottom, int left);
 void v_gui_set_box_spacing(GtkBox *box, int spacing);
 // State 0 is sensitive, any other is not.
 void v_gui_set_sensitivity(GtkWidget *widget, int state);
-// The cursor of a text stays where it was, and nothing is marked. In a list no row becomes selected
-// that was not.
+// Gives the widget the focus. The cursor of a text keeps its position, and no text is selected. No
+// further row of a list is selected.
 void v_gui_grab_focus_without_selecting(GtkWidget *widget);
 // Lets the window shrink to its natural least size; does nothing to one that is maximised, full
 // screen or not yet realised.

@@ -12,7 +12,7 @@ namespace {
 
 enum class Row { selected, with_cursor };
 
-// One key of one window. The widgets are borrowed from the window, which owns the key as well.
+// One key of one window. The window owns the widgets, and the key.
 struct Key {
   GtkWindow *window = nullptr;
   GdkModifierType modifiers = {};
@@ -39,7 +39,7 @@ bool press(GtkButton *button) {
   return true;
 }
 
-// The toolkit may leave out Shift, which would make two keys of one.
+// The toolkit may ignore Shift, and the key would then work with and without it.
 bool has_modifiers_of(const Key *key) {
   GdkModifierType state = {};
   gtk_get_current_event_state(&state);

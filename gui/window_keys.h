@@ -1,10 +1,11 @@
 #pragma once
-// Keys that press a button of their window. The button says so in its tooltip and to assistive
-// technology.
+// Keys that press a button of their window. The button's tooltip shows the key, and assistive
+// technology announces it.
 //
-// A key does what pressing the button would do, and nothing while the button is insensitive, which
-// every button is whose window has another one over it. It does nothing in a list's search field,
-// and a key that is held down presses once. Keys of the number pad count as those of the same name.
+// A key does what pressing the button would do, and nothing while the button is insensitive, as all
+// buttons of a window are while another window is over it. It does nothing in a list's search
+// field, and a key that is held down presses once. Keys of the number pad count as those of the
+// same name.
 
 #include <gtk/gtk.h>
 
