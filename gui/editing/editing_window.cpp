@@ -30,7 +30,7 @@ struct EditingWindow {
   const RunContext *context = nullptr;
   const char *path = nullptr; // UTF-8
   OwnedCodeset codeset;
-  OwnedRemarkHistory history; // of the codeset's remarks, since the window was opened
+  OwnedRemarkHistory history; // changes of the codeset's remarks since the window was opened
   OwnedDraft draft;
   VDraftTimer draft_timer = {write_draft, this};
   GtkWindow *window = nullptr;
@@ -130,7 +130,7 @@ void build_window(EditingWindow *state) {
   state->window = v_gui_create_window(title.get());
   v_gui_close_on_escape(state->window);
   GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(state->window), Spacing::standard);
-  // However many translations there are, the codes and all buttons stay in view.
+  // The codes and all buttons stay in view, however many translations there are.
   pack_fields(state, v_gui_pack_yielding_vbox(box, Spacing::standard));
   pack_codes(state, box);
   pack_window_buttons(state, box);
@@ -150,7 +150,7 @@ void update_gui(EditingWindow *state) {
                              remark == nullptr ? nullptr : remark->description.get());
 }
 
-// After the cursor was put on another row. The button that had the focus may be insensitive now.
+// For a cursor that was put on another row. The button that had the focus may be insensitive now.
 void update_after_move(EditingWindow *state) {
   update_gui(state);
   v_list_place_take_free_focus(state->codes.view);
@@ -162,7 +162,7 @@ void show_exchange(EditingWindow *state, const VRemarkExchange &exchange) {
   state->draft_timer.start();
 }
 
-// Null for no exchange: the remark stays as it is, only its row gets the cursor.
+// Without an exchange the remark is unchanged, and only its row gets the cursor.
 void show_edit(EditingWindow *state, const VRemark *remark,
                const std::optional<VRemarkExchange> &exchange) {
   if (exchange) {
@@ -175,7 +175,7 @@ void show_edit(EditingWindow *state, const VRemark *remark,
 
 // ---- Read ---------------------------------------------------------------------------------------
 
-// False leaves its reason in the error state.
+// False leaves the reason in the error state.
 bool check_remarks(const EditingWindow *state) {
   if (v_remark_list_is_empty(state->codeset->remarks.get())) {
     v_error_set("There must be at least one remark code in the codeset.");
@@ -184,7 +184,7 @@ bool check_remarks(const EditingWindow *state) {
   return true;
 }
 
-// The remark that many steps further in the list; null beyond either end.
+// The next remark for step 1, the one before for -1; null for 0 and beyond either end.
 VRemark *find_neighbour(const VRemarkList *list, const VRemark *remark, int step) {
   VRemark *neighbour = step > 0 ? remark->next : remark->prev;
   return step == 0 || neighbour == &list->head || neighbour == &list->tail ? nullptr : neighbour;
@@ -206,8 +206,8 @@ VRemark *edit_remark(EditingWindow *state, VRemark *remark, VRemarkPass &pass) {
   return neighbour;
 }
 
-// Asked every time, whether or not anything was changed. Without an answer in favour the window
-// and the draft stay.
+// Asks every time, also when nothing was changed. True when the window may be closed; the draft is
+// removed then.
 bool confirm_closing(EditingWindow *state) {
   GtkDialog *dialog = v_message_create_question_dialog(
       "Really close?", "Are you sure you want to close the codeset without saving?");
@@ -225,11 +225,12 @@ bool confirm_closing(EditingWindow *state) {
 
 // ---- Handlers -----------------------------------------------------------------------------------
 
-// A second after the first change that the draft lacks. False when it could not be written.
+// Called by the timer, a second after the first change that the draft lacks. False when the draft
+// could not be written.
 bool write_draft(void *editing_window) {
   auto *state = static_cast<EditingWindow *>(editing_window);
-  // A field that is refused, as while two rows have the same language, is in the draft with the
-  // last value that was not.
+  // For a field that is refused, for instance while two rows have the same language, the draft has
+  // the last accepted value.
   v_codeset_fields_read_valid(&state->fields, state->codeset.get());
   return v_draft_write(state->draft.get(), state->codeset.get());
 }
@@ -311,7 +312,7 @@ gboolean window_delete_event_callback(GtkWidget *, GdkEvent *, EditingWindow *st
   return !confirm_closing(state);
 }
 
-// "destroy". However the window ends, a draft that stays has every change.
+// "destroy". A draft that outlives the window has every change.
 void window_destroy_callback(GtkWidget *, EditingWindow *state) {
   if (state->draft_timer.is_running()) {
     state->draft_timer.stop();

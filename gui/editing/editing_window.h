@@ -4,14 +4,14 @@
 #include "gui/window_stack.h"
 #include "workspace/workspace.h"
 
-// What a run of the tool consists of; all of it borrowed.
+// The objects of one run of the tool, all borrowed.
 struct RunContext {
   VWindowStack *window_stack = nullptr;
   VWorkspace *workspace = nullptr;
 };
 
 // Edits the file at the path (UTF-8), or a new codeset when there is none, and returns when the
-// window has been closed: 1 when the codeset was written, else 0. A file that cannot be read is
-// told of, and no window opens. While the window is open, changes are kept in a draft; a draft that
-// an earlier program has left behind is offered first.
+// window is closed: 1 when the codeset was written, else 0. When the file cannot be read, an error
+// is shown and no window opens. While the window is open, changes are kept in a draft; a draft that
+// an earlier run has left behind is offered first.
 int run_editing_window(const RunContext *context, const char *path);

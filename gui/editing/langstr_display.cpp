@@ -21,7 +21,7 @@ G_DEFINE_TYPE(VLangstrDisplay, v_langstr_display, GTK_TYPE_SCROLLED_WINDOW)
 namespace {
 
 constexpr char bold_tag[] = "bold";
-// The text has no cursor that would show where the keyboard is.
+// The text has no cursor that would show the focus.
 constexpr char focus_css[] =
     "textview:focus text { box-shadow: inset 0 0 0 1px @theme_selected_bg_color; }";
 constexpr int text_margin = 4; // pixels between the frame and the text
@@ -44,8 +44,8 @@ void finalize(GObject *display) {
   G_OBJECT_CLASS(v_langstr_display_parent_class)->finalize(display);
 }
 
-// As wide as was asked for, whatever the text: it wraps, and the rows beside the display keep their
-// places.
+// The size request alone sets the width, independent of the text: the text wraps, and the rows
+// beside the display keep their places.
 void get_preferred_width(GtkWidget *, int *minimum, int *natural) {
   *minimum = 0;
   *natural = 0;
@@ -70,8 +70,8 @@ static void v_langstr_display_class_init(VLangstrDisplayClass *klass) {
 static void v_langstr_display_init(VLangstrDisplay *display) {
   display->state = new LangstrDisplayState;
   gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(display), FALSE);
-  // No text changes the size of the display: without this, each would lay out and paint the whole
-  // window again, a long list included.
+  // No text changes the size of the display. Without this, each text would lay out and paint the
+  // whole window again, a long list included.
   gtk_container_set_resize_mode(GTK_CONTAINER(display), GTK_RESIZE_QUEUE);
 }
 

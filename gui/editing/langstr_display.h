@@ -10,5 +10,5 @@ G_DECLARE_FINAL_TYPE(VLangstrDisplay, v_langstr_display, V, LANGSTR_DISPLAY, Gtk
 
 // Width and height are the least size, in pixels.
 GtkWidget *v_langstr_display_new(int width, int height);
-// Null empties the display. Returns 0 when the display has no text buffer any more, else 1.
+// Null empties the display. Returns 0 when the display is destroyed and has no text buffer, else 1.
 int v_langstr_display_set_text(VLangstrDisplay *display, const VLangstr *langstr);

@@ -15,8 +15,8 @@ enum class Fate { keep, become_space, drop };
 // What happens to the character at the pointer into valid UTF-8 text.
 Fate fate_of(const char *utf8_character, InputLines lines) {
   const gunichar character = g_utf8_get_char(utf8_character);
-  // The vertical tab is no space to Unicode's tables, but is one wherever a text is normalised;
-  // other programs put it on the clipboard for a line break.
+  // In Unicode's tables the vertical tab is no space, but texts are normalised as if it were; other
+  // programs put it on the clipboard for a line break.
   if (g_unichar_isspace(character) || character == '\v') {
     const bool is_fit = character == ' ' || (character == '\n' && lines == InputLines::several);
     return is_fit ? Fate::keep : Fate::become_space;
@@ -86,7 +86,7 @@ bool v_latin1_input_repair_insertion(void *instance, const char *utf8_text, gssi
   }
   const OwnedText fixed = v_latin1_input_fix_text(utf8_text, length, lines);
   if (fixed && *fixed != '\0') {
-    // Comes through the handler once more, which has nothing to say against it then.
+    // Calls the handler once more, which accepts the repaired text.
     insert(fixed.get());
   }
   g_signal_stop_emission_by_name(instance, "insert-text");

@@ -17,9 +17,9 @@ struct RemarkDialog {
   VWindowStack *window_stack = nullptr;
   const VSettings *settings = nullptr;
   VRemark *remark = nullptr;
-  const VCodeset *codeset = nullptr; // null: no code is taken
+  const VCodeset *codeset = nullptr; // null: every code is free
   const char *title = nullptr;
-  VRemarkPass *pass = nullptr; // null: no key for going on
+  VRemarkPass *pass = nullptr; // null: not in a pass
   GtkWindow *window = nullptr;
   VSpacifyingEntry *code_entry = nullptr;
   VLangstrEditor *description_editor = nullptr;
@@ -88,7 +88,7 @@ bool code_is_taken(const RemarkDialog *state, const char *code) {
          v_remark_list_get_remark_for_code(state->codeset->remarks.get(), code) != nullptr;
 }
 
-// Null for a description that is shown to be unusable.
+// Null after an error message.
 OwnedLangstr read_description(RemarkDialog *state) {
   OwnedLangstr description;
   if (v_langstr_editor_get_text(state->description_editor, description) == 0) {
@@ -99,7 +99,8 @@ OwnedLangstr read_description(RemarkDialog *state) {
   return description;
 }
 
-// Takes valid input over and closes the window; anything else is reported and stays as it is.
+// Changes the remark and closes the window when the input is valid. Otherwise shows the error, or
+// does nothing when the code cannot be read.
 void confirm(RemarkDialog *state) {
   OwnedText code = v_spacifying_entry_get_text(state->code_entry);
   if (!code) {

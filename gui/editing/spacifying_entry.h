@@ -1,6 +1,6 @@
 #pragma once
-// A one-line text field that lets nothing in that an ISO-8859-1 file cannot hold. What is typed or
-// pasted is repaired at once, with a beep: unusual white space becomes a plain space, characters
+// A one-line text field that accepts only text that an ISO-8859-1 file can hold. Typed or pasted
+// text is repaired at once, with a beep: unusual white space becomes a plain space, characters
 // outside ISO-8859-1 and control characters are dropped. The program sets and reads ISO-8859-1.
 
 #include <gtk/gtk.h>
@@ -16,6 +16,6 @@ G_DECLARE_FINAL_TYPE(VSpacifyingEntry, v_spacifying_entry, V, SPACIFYING_ENTRY, 
 GtkWidget *v_spacifying_entry_new(Compact compact);
 void v_spacifying_entry_set_text(VSpacifyingEntry *entry, const char *latin1_text);
 // The normalised text (ISO-8859-1), "" for a field of only spaces; null, with a message, when it
-// cannot be had. The field itself keeps what it shows. A text of more than 65,534 bytes of UTF-8 is
-// shown only so far, and comes back whole for as long as nobody changes it.
+// cannot be read. The field itself is unchanged. Of a text of more than 65,534 bytes of UTF-8 the
+// field shows only the beginning, but until it is changed the whole text is returned.
 OwnedText v_spacifying_entry_get_text(VSpacifyingEntry *entry);
