@@ -6,8 +6,8 @@
 #include "workspace/workspace.h"
 
 // The path (UTF-8) of the chosen file; null when the window was cancelled or closed, and when the
-// installation folder is not known. The delivered files are the same for every workspace; the
-// argument only makes the component manager's two questions for a path alike.
+// installation folder is not known. The delivered files are the same for every workspace: the
+// workspace is ignored, and is a parameter only because v_components_gui_get_new_file_path has one.
 OwnedText v_components_gui_get_bundled_file_path(VWindowStack *window_stack,
                                                  const VWorkspace *workspace,
                                                  const VComponentKind &kind);

@@ -34,8 +34,8 @@ bool check_extension(const VComponentFolder &folder, const char *path) {
   return false;
 }
 
-// Makes the managed folder if it is missing. The messages name the fonts folder whatever the kind
-// is, on purpose: all managers of the suite have the same.
+// Makes the managed folder if it is missing. The messages name the fonts folder for every kind, on
+// purpose: all managers of the suite have the same messages.
 bool ensure_exists(const VComponentFolder &folder) {
   const char *path = folder.path.get();
   VFileInfo info;

@@ -1,16 +1,17 @@
 #pragma once
-// What the component manager and its two helper windows know of the kind of files that they deal
-// with: where they lie, how their names end, and who can say in one line what is in one.
+// The kind of files that the component manager and its two helper windows deal with: the name of
+// their folder, their file name extension, and a function that gives the display text of a file.
 
 #include "base/owned.h"
 #include "gui/file_types.h"
 
 // The display text (UTF-8) of the file at the path (UTF-8); null when the file is not compatible
-// with this version of the program. What is at the path may also be no file at all.
+// with this version of the program. The path need not be that of a file.
 using VComponentTextCallback = OwnedText (*)(const char *path, void *user_data);
 
 struct VComponentKind {
-  // Of the folder in the workspace and of that of the delivered files in the installation folder.
+  // Name of the folder in the workspace, and of the folder of delivered files in the installation
+  // folder.
   const char *folder_name = nullptr;
   VFileType file_type = VFileType::remark_codeset;
   VComponentTextCallback text_callback = nullptr;
@@ -19,5 +20,5 @@ struct VComponentKind {
 
 // ".codeset" for the codesets.
 const char *v_component_kind_get_extension(const VComponentKind &kind);
-// True when the name or path ends in the extension; ASCII letters match without regard to case.
+// True when the name or path ends in the extension; the case of ASCII letters is ignored.
 bool v_component_kind_has_extension(const VComponentKind &kind, const char *name);

@@ -1,6 +1,6 @@
 #pragma once
 // The list of component files, as the component manager and the bundled file selector show it: two
-// texts for each file, of which the first is seen and sorted by. All texts are UTF-8.
+// texts for each file; the first is shown, and the rows are sorted by it. All texts are UTF-8.
 
 #include <optional>
 #include <vector>
@@ -20,7 +20,7 @@ struct VComponentRow {
   OwnedText file;
 };
 
-// Sorted ascending by the display text in the locale's order; no text sorts as an empty one.
+// Sorted ascending by the display text in the locale's order; null sorts as an empty text.
 OwnedObject<GtkListStore> v_component_list_new();
 // text: null for none.
 void v_component_list_append(GtkListStore *list, const char *text, const char *file);
@@ -42,29 +42,27 @@ VComponentPlace v_component_list_get_place(GtkTreeView *view);
 void v_component_list_return_to_place(GtkTreeView *view, const char *new_file,
                                       const VComponentPlace &place);
 // Packs a scrolled view of the list, expanding, in which rows are found by typing. cell_data_func
-// fills the one cell of a row and gets no data of its own; v_component_list_show_text is for it to
-// call.
+// fills the one cell of a row with v_component_list_show_text; its data is null.
 GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
                                         GtkTreeCellDataFunc cell_data_func);
 // Sets the name that a screen reader speaks: the files that are listed, "Remark codeset files" for
 // instance.
 void v_component_list_set_accessible_name(GtkTreeView *view, const VComponentKind &kind);
-// New text: what the row shows, which is the file when it has no display text.
+// New text that the row shows: its display text, or else its file.
 OwnedText v_component_list_get_shown_text(GtkTreeModel *model, GtkTreeIter *row);
-// Shows plain text in the cell. Overlong text ends in an ellipsis as soon as the window has not the
-// room for it: there is no horizontal scroll bar, and no file shall make the window wider than the
-// screen.
+// Shows plain text in the cell. Overlong text ends in an ellipsis when the window has no room for
+// it: there is no horizontal scroll bar, and no file may make the window wider than the screen.
 void v_component_list_show_text(GtkCellRenderer *cell, const char *text);
 // New text from a column of a row; null for none.
 OwnedText v_component_list_get_text(GtkTreeModel *model, GtkTreeIter *row, VComponentColumn column);
 // The row of that number (from 0), if there is one.
 std::optional<VComponentRow> v_component_list_get_row(GtkListStore *list, int row);
 std::optional<VComponentRow> v_component_list_get_selected_row(GtkTreeView *view);
-// Unselects what the toolkit selects when it gives the view its first focus, as soon as that has
-// happened. The cursor is shown instead.
+// Unselects the row that the toolkit selects when it gives the view its first focus, once that has
+// happened, and shows the cursor instead.
 void v_component_list_unselect_when_idle(GtkTreeView *view);
 
-// The names in the folder that have the kind's extension, in the system's order. Empty, without a
-// message of note, when the folder cannot be opened.
+// The names in the folder that have the kind's extension, in the system's order. Empty when the
+// folder cannot be opened.
 std::vector<OwnedText> v_component_list_find_names(const char *folder_path,
                                                    const VComponentKind &kind);

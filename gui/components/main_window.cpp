@@ -24,7 +24,7 @@ struct MainWindow {
   VComponentEditCallback edit_callback = nullptr;
   VComponentCanEditCallback can_edit_callback = nullptr;
   OwnedObject<GtkListStore> list_store; // the second column holds the entry name
-  // Null once the window is gone; the other widgets must not be touched then.
+  // Null once the window is destroyed; the other widgets must not be used then.
   GtkWindow *window = nullptr;
   GtkLabel *notice_label = nullptr;
   GtkTreeView *tree_view = nullptr;
@@ -145,8 +145,8 @@ bool is_scrolled_to_top(const MainWindow *state) {
   return gtk_adjustment_get_value(adjustment) <= gtk_adjustment_get_lower(adjustment);
 }
 
-// The incompatible files are the first in the list. A notice that was not there before draws the
-// eye to them, so the first one has to be seen; later the user's place in the list comes first.
+// The incompatible files are the first in the list. A notice that was not shown before refers to
+// them, so the list scrolls to the first one; later it keeps the user's place.
 void show_notice(const MainWindow *state, bool found_incompatible) {
   GtkWidget *notice = GTK_WIDGET(state->notice_label);
   const bool was_shown = gtk_widget_get_visible(notice);
@@ -158,8 +158,8 @@ void show_notice(const MainWindow *state, bool found_incompatible) {
   }
 }
 
-// Afterwards nothing is selected; the cursor is on the row of the new file (an entry name; null for
-// none), or where the user was in the list.
+// Nothing is selected afterwards. The cursor is on the row of the new file (an entry name; null for
+// none), or where it was in the list.
 void refresh_list(const MainWindow *state, const char *new_file = nullptr) {
   if (state->window == nullptr) {
     return;
@@ -189,7 +189,7 @@ void add_and_show(const MainWindow *state, const char *source_path) {
 
 // ---- Read ---------------------------------------------------------------------------------------
 
-// Nothing once the window is gone.
+// Nothing when no row is selected, and once the window is destroyed.
 std::optional<VComponentRow> get_selected_row(const MainWindow *state) {
   return state->window == nullptr ? std::nullopt
                                   : v_component_list_get_selected_row(state->tree_view);

@@ -57,7 +57,7 @@ bool is_permitted(char byte) {
   return g_ascii_islower(byte) || g_ascii_isdigit(byte) || byte == '_';
 }
 
-// Whether the name is one or more permitted characters and the extension; says so if not.
+// Whether the name is one or more permitted characters and the extension; shows an error if not.
 bool check_form(const NewFileWindow *state, const char *name) {
   const char *extension = v_component_kind_get_extension(state->kind);
   const std::size_t length = std::strlen(name);
@@ -79,7 +79,7 @@ bool check_form(const NewFileWindow *state, const char *name) {
   return true;
 }
 
-// Whether nothing is at the path; says so if not.
+// Whether nothing is at the path; shows an error if not.
 bool check_free(const NewFileWindow *state, const char *path) {
   if (v_fs_utils_is_missing(path)) {
     return true;

@@ -1,13 +1,13 @@
 #pragma once
-// Asks for the file name of a new component. Creates nothing: it only sees to it that the name is
-// well formed and not yet taken.
+// Asks for the file name of a new component. Creates no file: it only checks that the name is well
+// formed and not yet taken.
 
 #include "gui/components/component_kind.h"
 #include "gui/window_stack.h"
 #include "workspace/workspace.h"
 
-// The path (UTF-8) that the new file is to have in the kind's folder of the workspace; null when
-// the window was cancelled or closed.
+// The path (UTF-8) for the new file in the kind's folder of the workspace; null when the window was
+// cancelled or closed.
 OwnedText v_components_gui_get_new_file_path(VWindowStack *window_stack,
                                              const VWorkspace *workspace,
                                              const VComponentKind &kind);
