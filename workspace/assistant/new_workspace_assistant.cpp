@@ -36,14 +36,14 @@ int forward_page_func(int current_page, void *data);
 
 constexpr const char *page_title = "Vantorelle Workspace Setup";
 
-// The texts have their own line breaks.
+// The texts have line breaks of their own.
 constexpr int widest_line = 120; // characters
 
 // Width of the margins around the text and around the titles of the pages beside it, and of the
 // window's own border, in pixels.
 constexpr int margins_beside_text = 80;
 
-// Width in pixels.
+// In pixels.
 int measure_page_title(GtkBox *page) {
   const OwnedObject<PangoLayout> layout =
       take(gtk_widget_create_pango_layout(GTK_WIDGET(page), page_title));
@@ -150,8 +150,8 @@ void show_error(NewWorkspaceAssistant *state) {
 
 // ---- Read ---------------------------------------------------------------------------------------
 
-// As an absolute path: the other tools, which read it from the pointer file, run in other folders.
-// Null with a message when there is none.
+// Absolute, because the other tools read it from the pointer file and run in other folders. UTF-8;
+// null, with a message, when there is none.
 OwnedText read_location(const NewWorkspaceAssistant *state) {
   const OwnedText location =
       v_strip_surrounding_in_new_for_utf8(v_gui_get_entry_text(state->location_entry));
