@@ -77,6 +77,12 @@ void v_error_clear() { discard(); }
 
 const char *v_error_get() { return error ? error.get() : ""; }
 
+VErrorCopy v_error_copy() { return {copy_text(error.get()), did_run_out_of_memory}; }
+
+void v_error_restore(VErrorCopy copy) {
+  store(std::move(copy.message), copy.did_run_out_of_memory);
+}
+
 void v_error_set_file_io_reading() { v_error_set("File I/O error when reading file."); }
 
 void v_error_set_file_io_reading_broken_file() {

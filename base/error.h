@@ -1,12 +1,16 @@
 #pragma once
-// The error state: one process-wide message (UTF-8) and a flag that says whether the message tells
-// of exhausted memory. Who finds the root cause of a failure sets the message, each caller that
-// adds context appends its sentence, and the action that started the work shows the whole. Success
-// never clears it: read it only right after an operation has reported failure. GUI thread only.
+// The error state: one process-wide message (UTF-8) and a flag that says whether the message
+// reports exhausted memory. The function that finds the root cause of a failure sets the message,
+// each caller that adds context appends its sentence, and the action that started the work shows
+// the whole. Success never clears it: read it only right after an operation has reported failure.
+// GUI thread only.
 
 #include <cstdarg>
+#include <utility>
 
 #include <glib.h>
+
+#include "base/owned.h"
 
 struct zip_error;
 
@@ -27,6 +31,28 @@ void v_error_append_utf8_vprintf(const char *format, va_list arguments) G_GNUC_P
 void v_error_clear();
 // The held message (borrowed, valid until the next change), "" when there is none; never null.
 const char *v_error_get();
+
+// A copy of the error state: the message, null when there was none, and the flag.
+struct VErrorCopy {
+  OwnedText message;
+  bool did_run_out_of_memory = false;
+};
+VErrorCopy v_error_copy();
+// Replaces the error state by the copy.
+void v_error_restore(VErrorCopy copy);
+
+// Keeps the error state over a clean-up that may fail itself: restores at the end of the scope what
+// was held at its beginning.
+class VErrorKeeper {
+public:
+  VErrorKeeper() : kept(v_error_copy()) {}
+  ~VErrorKeeper() { v_error_restore(std::move(kept)); }
+  VErrorKeeper(const VErrorKeeper &) = delete;
+  VErrorKeeper &operator=(const VErrorKeeper &) = delete;
+
+private:
+  VErrorCopy kept;
+};
 
 void v_error_set_file_io_reading();
 void v_error_set_file_io_reading_broken_file();

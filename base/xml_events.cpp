@@ -331,9 +331,9 @@ void report_by_tree(int descriptor) {
   if (fstat(descriptor, &status) != 0 || status.st_size > largest_file_reported_by_tree) {
     return;
   }
-  const OwnedText message = copy_text(v_error_get());
+  VErrorCopy error_of_events = v_error_copy();
   if (parse_again(descriptor)) {
-    v_error_set(message.get());
+    v_error_restore(std::move(error_of_events));
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -24,19 +25,18 @@ struct CodesetReading {
   VLangstrCollection author;
   VRemarkCollection remarks;
   int versions = 0;
-  OwnedText name_error; // null while there is no fault
-  OwnedText author_error;
-  OwnedText version_error;
-  OwnedText remark_error;
+  std::optional<VErrorCopy> name_error;
+  std::optional<VErrorCopy> author_error;
+  std::optional<VErrorCopy> version_error;
+  std::optional<VErrorCopy> remark_error;
 };
 
-OwnedText copy_error() { return copy_text(v_error_get()); }
-
-void read_translation(VLangstrCollection &langstr, OwnedText &error, const XmlElement &element) {
+void read_translation(VLangstrCollection &langstr, std::optional<VErrorCopy> &error,
+                      const XmlElement &element) {
   if (!error && element.is_element() &&
       !v_xml_collect_langstr_translation(langstr, element, LangTag::may_be_empty,
                                          LangstrSpacing::compact)) {
-    error = copy_error();
+    error = v_error_copy();
   }
 }
 
@@ -50,7 +50,7 @@ void read_version(CodesetReading &reading, const XmlElement &element) {
     v_xml_set_duplicate_nodes_error();
   }
   if (reading.versions > 1 || !reading.codeset->version) {
-    reading.version_error = copy_error();
+    reading.version_error = v_error_copy();
   }
 }
 
@@ -61,7 +61,7 @@ void read_remark(CodesetReading &reading, const XmlElement &element) {
   if (OwnedRemark remark = v_xml_read_remark(element)) {
     v_remark_list_collect_remark(reading.remarks, std::move(remark));
   } else {
-    reading.remark_error = copy_error();
+    reading.remark_error = v_error_copy();
   }
 }
 
@@ -87,7 +87,7 @@ bool finish_remarks(CodesetReading &reading) {
     return false;
   }
   if (reading.remark_error) {
-    v_error_set(reading.remark_error.get());
+    v_error_restore(std::move(*reading.remark_error));
     return false;
   }
   if (v_remark_list_is_empty(reading.remarks.list.get())) {
@@ -103,10 +103,10 @@ bool finish_codeset(CodesetReading &reading) {
     v_xml_set_missing_node_error("name");
     return false;
   }
-  for (const OwnedText *error :
+  for (std::optional<VErrorCopy> *error :
        {&reading.name_error, &reading.author_error, &reading.version_error}) {
     if (*error) {
-      v_error_set(error->get());
+      v_error_restore(std::move(**error));
       return false;
     }
   }

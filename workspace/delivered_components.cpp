@@ -112,7 +112,7 @@ bool install_bundled_components(const char *workspace_folder, const char *sub_fo
 }
 
 void delete_components_folder(const char *workspace_folder, const char *sub_folder) {
-  const OwnedText message = copy_text(v_error_get());
+  const VErrorKeeper keeper;
   const OwnedText folder = v_fs_utils_create_path_in_folder(workspace_folder, sub_folder);
   if (const OwnedFolder listing = v_fs_utils_open_folder(folder.get())) {
     while (const OwnedText name = v_fs_utils_next_convertible_folder_entry(listing.get())) {
@@ -120,7 +120,6 @@ void delete_components_folder(const char *workspace_folder, const char *sub_fold
     }
   }
   v_fs_utils_delete_folder_if_exists(folder.get());
-  v_error_set(message.get());
 }
 
 void upgrade_component_if_needed(const char *layouts_folder, const char *file_name,

@@ -214,9 +214,8 @@ bool v_draft_save_codeset(VDraft *draft, const VCodeset *codeset) {
                                                    draft->codeset_permissions)) {
     // The old file may have made room on a full disk.
     if (!is_drafted) {
-      const OwnedText message = copy_text(v_error_get());
+      const VErrorKeeper keeper;
       write_and_sync_draft(draft, codeset);
-      v_error_set(message.get());
     }
     return false;
   }

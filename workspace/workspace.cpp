@@ -83,10 +83,9 @@ bool v_workspace_create(const char *folder_path) {
     return false;
   }
   if (!fill_new_workspace(path.get())) {
-    // The message that says why stands, whatever comes of taking back.
-    const OwnedText message = copy_text(v_error_get());
+    // The message that gives the reason must not be replaced by one of the clean-up.
+    const VErrorKeeper keeper;
     v_fs_utils_delete_folder_if_exists(path.get());
-    v_error_set(message.get());
     return false;
   }
   return true;

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <zip.h>
@@ -107,6 +108,58 @@ TEST_F(Error, ClearRemovesTheMessageAndTheFlag) {
   v_error_clear();
   EXPECT_STREQ(v_error_get(), "");
   EXPECT_FALSE(v_error_did_run_out_of_memory());
+}
+
+TEST_F(Error, AKeeperPutsMessageAndFlagBack) {
+  void (*const states[])() = {
+      v_error_clear,
+      [] { v_error_set("message"); },
+      v_error_set_out_of_memory,
+      [] {
+        v_error_set_out_of_memory();
+        v_error_append("Context.");
+      },
+  };
+  void (*const clean_ups[])() = {
+      [] {},
+      v_error_clear,
+      [] { v_error_set("The clean-up failed."); },
+      v_error_set_out_of_memory,
+  };
+  for (const auto set_state : states) {
+    for (const auto clean_up : clean_ups) {
+      v_error_clear();
+      set_state();
+      const std::string message = v_error_get();
+      const bool did_run_out_of_memory = v_error_did_run_out_of_memory();
+      {
+        const VErrorKeeper keeper;
+        EXPECT_EQ(v_error_get(), message);
+        clean_up();
+      }
+      EXPECT_EQ(v_error_get(), message);
+      EXPECT_EQ(v_error_did_run_out_of_memory(), did_run_out_of_memory);
+    }
+  }
+}
+
+TEST_F(Error, NoMessageIsKeptAsNone) {
+  {
+    const VErrorKeeper keeper;
+    v_error_set("The clean-up failed.");
+  }
+  v_error_append("Sentence.");
+  EXPECT_STREQ(v_error_get(), "Sentence.");
+}
+
+TEST_F(Error, ACopyIsRestoredLater) {
+  v_error_set_out_of_memory();
+  VErrorCopy copy = v_error_copy();
+  EXPECT_STREQ(v_error_get(), out_of_memory);
+  v_error_set("other");
+  v_error_restore(std::move(copy));
+  EXPECT_STREQ(v_error_get(), out_of_memory);
+  EXPECT_TRUE(v_error_make_more_informative_if_out_of_memory());
 }
 
 TEST_F(Error, FixedMessagesHaveTheirTextAndFlag) {

@@ -142,6 +142,13 @@ TEST_F(DeliveredComponents, AFullDiskLeavesNothing) {
   }
 }
 
+TEST_F(DeliveredComponents, DeletingKeepsTheReportOfExhaustedMemory) {
+  v_error_set_out_of_memory();
+  delete_components_folder(machine.folder.path(), "missing");
+  EXPECT_STREQ(v_error_get(), "The program has run out of memory.");
+  EXPECT_TRUE(v_error_did_run_out_of_memory());
+}
+
 TEST_F(DeliveredComponents, DeletingAFolderRemovesItsFiles) {
   put(machine.folder.path(), {{"codesets/a", "A"}, {"codesets/.b", "B"}, {"layouts/c", "C"}});
   std::filesystem::create_symlink(machine.folder / "layouts/c", machine.folder / "codesets/link");
