@@ -5,7 +5,7 @@
 
 #include <zip.h>
 
-#include "base/owned.h"
+#include "base/text_buffer.h"
 
 const char *v_error_message_unknown = "An unknown program error has occured.";
 
@@ -54,19 +54,15 @@ void v_error_set(const char *text) { store(copy_text(text)); }
 
 void v_error_set_utf8_printf(const char *format, ...) {
   discard();
-  va_list arguments;
-  va_start(arguments, format);
-  store(OwnedText(g_strdup_vprintf(format, arguments)));
-  va_end(arguments);
+  V_FORMAT_ARGUMENTS(text, format);
+  store(std::move(text));
 }
 
 void v_error_append(const char *text) { put_in_front(copy_text(text)); }
 
 void v_error_append_utf8_printf(const char *format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  v_error_append_utf8_vprintf(format, arguments);
-  va_end(arguments);
+  V_FORMAT_ARGUMENTS(text, format);
+  put_in_front(std::move(text));
 }
 
 void v_error_append_utf8_vprintf(const char *format, va_list arguments) {

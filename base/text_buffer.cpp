@@ -9,10 +9,8 @@ void v_utf8_string_append(VUtf8String *string, const char *text) { g_string_appe
 void v_utf8_string_append_byte(VUtf8String *string, char byte) { g_string_append_c(string, byte); }
 
 void v_utf8_string_append_printf(VUtf8String *string, const char *format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  g_string_append_vprintf(string, format, arguments);
-  va_end(arguments);
+  V_FORMAT_ARGUMENTS(text, format);
+  v_utf8_string_append(string, text.get());
 }
 
 void v_utf8_string_append_vprintf(VUtf8String *string, const char *format, va_list arguments) {
@@ -34,10 +32,8 @@ void v_latin1_string_append_byte(VLatin1String *string, char byte) {
 }
 
 void v_latin1_string_append_printf(VLatin1String *string, const char *format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  v_latin1_string_append_vprintf(string, format, arguments);
-  va_end(arguments);
+  V_FORMAT_ARGUMENTS(text, format);
+  v_latin1_string_append(string, text.get());
 }
 
 void v_latin1_string_append_vprintf(VLatin1String *string, const char *format, va_list arguments) {

@@ -33,6 +33,14 @@ void v_latin1_string_append_vprintf(VLatin1String *string, const char *format, v
     G_GNUC_PRINTF(2, 0);
 OwnedText v_latin1_string_free(OwnedLatin1String string, bool free_data);
 
+// Declares an owned text named text: the variable arguments of the function that it is used in,
+// formatted. The last named parameter of that function must be format.
+#define V_FORMAT_ARGUMENTS(text, format)                                                           \
+  va_list text##_arguments;                                                                        \
+  va_start(text##_arguments, format);                                                              \
+  OwnedText text(g_strdup_vprintf(format, text##_arguments));                                      \
+  va_end(text##_arguments)
+
 // New text with every occurrence of find replaced. An empty find is found nowhere.
 OwnedText v_char_strdup_replace(const char *text, const char *find, const char *replacement);
 // The same for a text that is handed over.

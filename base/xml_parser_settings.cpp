@@ -1,6 +1,5 @@
 #include "base/xml_parser_settings.h"
 
-#include <cstdarg>
 #include <utility>
 
 #include <libxml/xmlerror.h>
@@ -26,10 +25,8 @@ void collect_report(void *, const char *format, ...) {
   if (report->len >= maximum_report_bytes) {
     return;
   }
-  va_list arguments;
-  va_start(arguments, format);
-  v_utf8_string_append_vprintf(report.get(), format, arguments);
-  va_end(arguments);
+  V_FORMAT_ARGUMENTS(piece, format);
+  v_utf8_string_append(report.get(), piece.get());
 }
 
 xmlParserInput *refuse_external_entity(const char *, const char *, xmlParserCtxt *) {

@@ -1,8 +1,7 @@
 #include "gui/message_dialogs.h"
 
-#include <cstdarg>
-
 #include "base/error.h"
+#include "base/text_buffer.h"
 #include "gui/accessibility.h"
 #include "gui/key_guard.h"
 #include "gui/owned_objects.h"
@@ -113,19 +112,12 @@ const MessageKind *const error_message = &error_kind;
 const MessageKind *const warning_message = &warning_kind;
 const MessageKind *const question_message = &question_kind;
 
-// Formats the variable arguments of the enclosing function into an owned text of the given name.
-#define FORMAT_TEXT(text, format)                                                                  \
-  va_list arguments;                                                                               \
-  va_start(arguments, format);                                                                     \
-  const OwnedText text(g_strdup_vprintf(format, arguments));                                       \
-  va_end(arguments)
-
 int v_message_show(VWindowStack *window_stack, const char *text) {
   return run_dialog_of_kind(window_stack, info_message, text);
 }
 
 void v_message_show_utf8_printf(VWindowStack *window_stack, const char *format, ...) {
-  FORMAT_TEXT(text, format);
+  V_FORMAT_ARGUMENTS(text, format);
   v_message_show(window_stack, text.get());
 }
 
@@ -134,7 +126,7 @@ int v_message_show_error(VWindowStack *window_stack, const char *text) {
 }
 
 void v_message_show_error_utf8_printf(VWindowStack *window_stack, const char *format, ...) {
-  FORMAT_TEXT(text, format);
+  V_FORMAT_ARGUMENTS(text, format);
   v_message_show_error(window_stack, text.get());
 }
 
@@ -147,7 +139,7 @@ int v_message_show_warning(VWindowStack *window_stack, const char *text) {
 }
 
 void v_message_show_warning_utf8_printf(VWindowStack *window_stack, const char *format, ...) {
-  FORMAT_TEXT(text, format);
+  V_FORMAT_ARGUMENTS(text, format);
   v_message_show_warning(window_stack, text.get());
 }
 
@@ -170,7 +162,7 @@ int v_message_ask_yes_no_question(VWindowStack *window_stack, int default_answer
 
 int v_message_ask_yes_no_question_utf8_printf(VWindowStack *window_stack, int default_answer,
                                               WarningIcon warning_icon, const char *format, ...) {
-  FORMAT_TEXT(text, format);
+  V_FORMAT_ARGUMENTS(text, format);
   return v_message_ask_yes_no_question(window_stack, default_answer, warning_icon, text.get());
 }
 
@@ -181,7 +173,7 @@ GtkDialog *v_message_create_question_dialog(const char *title, const char *text)
 
 GtkDialog *v_message_create_question_dialog_utf8_printf(const char *title, const char *format,
                                                         ...) {
-  FORMAT_TEXT(text, format);
+  V_FORMAT_ARGUMENTS(text, format);
   return v_message_create_question_dialog(title, text.get());
 }
 
