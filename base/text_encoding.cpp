@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "base/error.h"
 
@@ -89,24 +90,10 @@ void set_ascii_error() { v_error_set("Non-ascii byte found where not allowed.");
 } // namespace
 
 OwnedText v_convert_latin1_to_utf8(const char *latin1_text) {
-  const auto *bytes = reinterpret_cast<const unsigned char *>(latin1_text);
-  const gsize length = std::strlen(latin1_text);
-  gsize high_bytes = 0;
-  for (gsize i = 0; i < length; i++) {
-    high_bytes += bytes[i] >> 7;
-  }
-  OwnedText utf8_text(g_new(char, length + high_bytes + 1));
-  char *out = utf8_text.get();
-  for (gsize i = 0; i < length; i++) {
-    if (bytes[i] < 0x80) {
-      *out++ = static_cast<char>(bytes[i]);
-    } else {
-      *out++ = static_cast<char>(0xC0 | (bytes[i] >> 6));
-      *out++ = static_cast<char>(0x80 | (bytes[i] & 0x3F));
-    }
-  }
-  *out = '\0';
-  return utf8_text;
+  // Long enough for a text in ASCII, which most texts are.
+  OwnedUtf8String utf8_text(g_string_sized_new(std::strlen(latin1_text) + 1));
+  v_utf8_string_append_latin1(utf8_text.get(), latin1_text);
+  return v_utf8_string_free(std::move(utf8_text), false);
 }
 
 void v_utf8_string_append_latin1(VUtf8String *string, const char *latin1_text) {
