@@ -10,7 +10,17 @@
 #include "base/error.h"
 #include "base/fs_utils.h"
 
-void CloseZipEntry::operator()(struct zip_file *entry) const noexcept { zip_fclose(entry); }
+void CloseUnlessBorrowed::operator()(std::FILE *file) const noexcept {
+  if (!is_borrowed) {
+    std::fclose(file);
+  }
+}
+
+void CloseUnlessBorrowed::operator()(struct zip_file *entry) const noexcept {
+  if (!is_borrowed) {
+    zip_fclose(entry);
+  }
+}
 
 namespace {
 
@@ -20,11 +30,11 @@ bool fail(const char *message) {
 }
 
 bool read_file(VInputStream *stream, void *buffer, std::size_t n, std::size_t &count) {
-  if (stream->file == nullptr) {
+  if (!stream->file) {
     return fail("Opening input file failed.");
   }
-  count = std::fread(buffer, 1, n, stream->file);
-  return !std::ferror(stream->file) || fail("File read error.");
+  count = std::fread(buffer, 1, n, stream->file.get());
+  return !std::ferror(stream->file.get()) || fail("File read error.");
 }
 
 bool read_memory(VInputStream *stream, void *buffer, std::size_t n, std::size_t &count) {
@@ -35,13 +45,13 @@ bool read_memory(VInputStream *stream, void *buffer, std::size_t n, std::size_t 
 }
 
 bool read_zip_entry(VInputStream *stream, void *buffer, std::size_t n, std::size_t &count) {
-  if (stream->zip_entry == nullptr) {
+  if (!stream->zip_entry) {
     v_error_append("Opening compressed input file failed.");
     return false;
   }
-  const zip_int64_t bytes_read = zip_fread(stream->zip_entry, buffer, n);
+  const zip_int64_t bytes_read = zip_fread(stream->zip_entry.get(), buffer, n);
   if (bytes_read < 0) {
-    v_error_set_from_zip_error(zip_file_get_error(stream->zip_entry));
+    v_error_set_from_zip_error(zip_file_get_error(stream->zip_entry.get()));
     v_error_append("Compressed file read error.");
     return false;
   }
@@ -58,14 +68,14 @@ bool skip_memory(VInputStream *stream, std::size_t n) {
 }
 
 bool skip_file(VInputStream *stream, std::size_t n) {
-  if (stream->file == nullptr) {
+  if (!stream->file) {
     return fail("Opening input file failed.");
   }
   const bool is_in_range = std::in_range<off_t>(n);
   if (!is_in_range) {
     errno = EOVERFLOW;
   }
-  if (!is_in_range || fseeko(stream->file, static_cast<off_t>(n), SEEK_CUR) != 0) {
+  if (!is_in_range || fseeko(stream->file.get(), static_cast<off_t>(n), SEEK_CUR) != 0) {
     v_error_set_from_errno();
     return false;
   }
@@ -103,15 +113,14 @@ bool write_memory(VOutputStream *stream, const void *data, std::size_t n) {
 
 // Without a message: a stream that is destroyed after a failure must not speak over it.
 void finish_file(VOutputStream *stream) {
-  if (stream->file == nullptr) {
+  if (!stream->file) {
     return;
   }
-  bool is_complete = std::fflush(stream->file) == 0 && !std::ferror(stream->file);
-  if (stream->owned_file) {
-    stream->file = nullptr;
-    is_complete = std::fclose(stream->owned_file.release()) == 0 && is_complete;
+  bool is_complete = std::fflush(stream->file.get()) == 0 && !std::ferror(stream->file.get());
+  if (!stream->file.get_deleter().is_borrowed) {
+    is_complete = std::fclose(stream->file.release()) == 0 && is_complete;
   }
-  stream->write_failed = stream->write_failed || !is_complete;
+  stream->is_incomplete = stream->is_incomplete || !is_complete;
 }
 
 bool copy(VInputStream *source, VOutputStream *destination) {
@@ -119,8 +128,8 @@ bool copy(VInputStream *source, VOutputStream *destination) {
     const std::byte *data = nullptr;
     std::size_t length = 0;
     if (!v_input_stream_get_some(source, data, length)) {
-      // Half of what is there must not pass for the whole.
-      destination->write_failed = is_begun;
+      // A part of the source must not be taken for the whole.
+      destination->is_incomplete = is_begun;
       return false;
     }
     if (length == 0) {
@@ -137,8 +146,7 @@ bool copy(VInputStream *source, VOutputStream *destination) {
 OwnedInputStream v_input_stream_new_for_file_path(const char *path) {
   OwnedInputStream stream(new VInputStream);
   stream->kind = StreamKind::file;
-  stream->owned_file = v_fs_utils_open_file(path, "rb");
-  stream->file = stream->owned_file.get();
+  stream->file = v_fs_utils_open_file(path, "rb");
   return stream;
 }
 
@@ -153,15 +161,15 @@ OwnedInputStream v_input_stream_new_for_memory(const void *data, std::size_t len
 OwnedInputStream v_input_stream_new_for_zip_file(struct zip_file *entry) {
   OwnedInputStream stream(new VInputStream);
   stream->kind = StreamKind::zip_entry;
-  stream->zip_entry = entry;
+  stream->zip_entry = {entry, CloseUnlessBorrowed{.is_borrowed = true}};
   return stream;
 }
 
 OwnedInputStream v_input_stream_new_for_zip_file_path(struct zip *archive, const char *entry_name) {
-  OwnedInputStream stream =
-      v_input_stream_new_for_zip_file(zip_fopen(archive, entry_name, ZIP_FL_ENC_GUESS));
-  stream->owned_zip_entry.reset(stream->zip_entry);
-  if (stream->zip_entry == nullptr) {
+  OwnedInputStream stream(new VInputStream);
+  stream->kind = StreamKind::zip_entry;
+  stream->zip_entry.reset(zip_fopen(archive, entry_name, ZIP_FL_ENC_GUESS));
+  if (!stream->zip_entry) {
     v_error_set_from_zip_error(zip_get_error(archive));
     v_error_append("Could not open compressed file.");
   }
@@ -212,17 +220,16 @@ OwnedOutputStream v_output_stream_new_for_file_path(const char *path) {
   // A file that cannot be deleted is not emptied instead: it may be the very one that is about to
   // be copied, and what is left of it after a failed write could not be removed.
   if (v_fs_utils_delete_file_if_exists(path)) {
-    stream->owned_file = v_fs_utils_open_file(path, "wb");
+    stream->file.reset(v_fs_utils_open_file(path, "wb").release());
   }
-  stream->file = stream->owned_file.get();
-  stream->path = stream->owned_file ? copy_text(path) : nullptr;
+  stream->path = stream->file ? copy_text(path) : nullptr;
   return stream;
 }
 
 OwnedOutputStream v_output_stream_new_for_file(std::FILE *file) {
   OwnedOutputStream stream(new VOutputStream);
   stream->kind = StreamKind::file;
-  stream->file = file;
+  stream->file = {file, CloseUnlessBorrowed{.is_borrowed = true}};
   return stream;
 }
 
@@ -235,22 +242,22 @@ bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t 
   if (stream->kind == StreamKind::memory) {
     return write_memory(stream, data, n);
   }
-  if (stream->file == nullptr) {
+  if (!stream->file) {
     return fail("Creating file failed.");
   }
-  if (std::fwrite(data, 1, n, stream->file) < n) {
-    stream->write_failed = true;
+  if (std::fwrite(data, 1, n, stream->file.get()) < n) {
+    stream->is_incomplete = true;
     return fail("File write error.");
   }
   return true;
 }
 
 bool v_output_stream_finish(VOutputStream *stream) {
-  if (stream->kind == StreamKind::file && stream->file == nullptr && !stream->path) {
+  if (stream->kind == StreamKind::file && !stream->file && !stream->path) {
     return fail("Creating file failed.");
   }
   finish_file(stream);
-  return !stream->write_failed || fail("File write error.");
+  return !stream->is_incomplete || fail("File write error.");
 }
 
 OwnedText v_output_stream_get_memory_data(VOutputStream *stream, std::size_t &length) {
@@ -268,11 +275,11 @@ void v_output_stream_destroy(VOutputStream *stream) {
   if (stream == nullptr) {
     return;
   }
-  if (stream->owned_file) {
+  if (stream->path) {
     finish_file(stream);
-  }
-  if (stream->write_failed && stream->path) {
-    v_fs_utils_discard_file(stream->path.get());
+    if (stream->is_incomplete) {
+      v_fs_utils_discard_file(stream->path.get());
+    }
   }
   delete stream;
 }

@@ -10,7 +10,9 @@
 struct zip;
 struct zip_file;
 
-struct CloseZipEntry {
+struct CloseUnlessBorrowed {
+  bool is_borrowed = false;
+  void operator()(std::FILE *file) const noexcept;
   void operator()(struct zip_file *entry) const noexcept;
 };
 
@@ -19,30 +21,29 @@ enum class StreamKind { file, memory, zip_entry };
 struct VInputStream {
   StreamKind kind = StreamKind::memory;
   // The source; null for a file or an entry that could not be opened: the first read then fails.
-  std::FILE *file = nullptr;
-  struct zip_file *zip_entry = nullptr;
+  OwnedFile file;
+  std::unique_ptr<struct zip_file, CloseUnlessBorrowed> zip_entry;
   const std::byte *data = nullptr;
-  // Set when the stream has opened the source itself.
-  OwnedFile owned_file;
-  std::unique_ptr<struct zip_file, CloseZipEntry> owned_zip_entry;
   // Memory: bytes in the caller's block, and how many of them are read.
   std::size_t length = 0;
   std::size_t position = 0;
-  // File and zip entry: what v_input_stream_get_some points into.
+  // File and zip entry: v_input_stream_get_some returns a pointer into it.
   std::byte buffer[4096];
 };
 
 struct VOutputStream {
   StreamKind kind = StreamKind::memory;
-  std::FILE *file = nullptr; // null when the file could not be created
-  OwnedFile owned_file;
-  OwnedText path;            // UTF-8; set when the stream created the file itself
-  bool write_failed = false; // file: what lies on disk is not what was written
+  // Null when the file could not be created, and once the stream has closed it.
+  std::unique_ptr<std::FILE, CloseUnlessBorrowed> file;
+  OwnedText path; // UTF-8; set when the stream created the file itself
+  // File: a write, or the read of the source that is copied, has failed, so that the file does not
+  // hold the whole.
+  bool is_incomplete = false;
   Owned<GByteArray, g_byte_array_unref> memory; // made at the first write
 };
 
 void v_input_stream_destroy(VInputStream *stream);
-// Closes a file that the stream created, and deletes it if a write has failed.
+// Closes a file that the stream created, and deletes it if it is incomplete.
 void v_output_stream_destroy(VOutputStream *stream);
 using OwnedInputStream = Owned<VInputStream, v_input_stream_destroy>;
 using OwnedOutputStream = Owned<VOutputStream, v_output_stream_destroy>;

@@ -21,7 +21,7 @@
 namespace {
 
 using OwnedArchive = Owned<zip_t, zip_discard>;
-using OwnedEntry = std::unique_ptr<zip_file_t, CloseZipEntry>;
+using OwnedEntry = std::unique_ptr<zip_file_t, CloseUnlessBorrowed>;
 
 struct Entry {
   std::string name;
@@ -239,9 +239,8 @@ TEST(FileInput, NeverSkipsBackward) {
 TEST(FileInput, FailedSkipReportsOnlyTheSystemsText) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
-  const OwnedFile reader(fdopen(ends[0], "rb"));
   const OwnedInputStream stream = v_input_stream_new_for_file_path("/dev/missing");
-  stream->file = reader.get();
+  stream->file.reset(fdopen(ends[0], "rb"));
   EXPECT_EQ(skip(stream.get(), 1), "Error " + std::to_string(ESPIPE) + ": " + g_strerror(ESPIPE));
   close(ends[1]);
 }
@@ -492,8 +491,8 @@ TEST(FileOutput, FailureToCloseIsAFailedWrite) {
   OwnedOutputStream stream = v_output_stream_new_for_file_path((folder / "file").c_str());
   ASSERT_TRUE(stream->file);
   EXPECT_EQ(write(stream.get(), "abc"), "done");
-  ASSERT_EQ(std::fflush(stream->file), 0);
-  ASSERT_EQ(close(fileno(stream->file)), 0);
+  ASSERT_EQ(std::fflush(stream->file.get()), 0);
+  ASSERT_EQ(close(fileno(stream->file.get())), 0);
   EXPECT_FALSE(v_output_stream_finish(stream.get()));
   EXPECT_STREQ(v_error_get(), "File write error.");
   stream.reset();
