@@ -316,6 +316,52 @@ TEST(RemarkCodeOrder, SortingFindsDuplicateCodes) {
   }
 }
 
+TEST(RemarkCollection, RemarksAreSortedAndACodeThatIsThereTwiceIsFound) {
+  const struct {
+    Codes collected;
+    bool is_in_order;
+    Codes sorted;
+    bool are_unique;
+  } rows[] = {
+      {{}, true, {}, true},
+      {{"1"}, true, {"1"}, true},
+      {{"1", "2", "10", "a"}, true, {"1", "2", "10", "a"}, true},
+      {{"2", "1", "10", "a"}, false, {"1", "2", "10", "a"}, true},
+      {{"1", "10", "2", "a"}, false, {"1", "2", "10", "a"}, true},
+      {{"2", "10", "a", "1"}, false, {"1", "2", "10", "a"}, true},
+      {{"a", "10", "2", "1"}, false, {"1", "2", "10", "a"}, true},
+      {{"1", "1", "2"}, false, {"1", "1", "2"}, false},
+      {{"1", "2", "2"}, false, {"1", "2", "2"}, false},
+      {{"1", "2", "1"}, false, {"1", "1", "2"}, false},
+      {{"2", "1", "2", "1"}, false, {"1", "1", "2", "2"}, false},
+      // Equal but for case or zeros.
+      {{"A", "a", "07", "7"}, false, sorted({"A", "a", "07", "7"}), true},
+  };
+  for (const auto &row : rows) {
+    SCOPED_TRACE(testing::PrintToString(row.collected));
+    VRemarkCollection collection;
+    for (const std::string &code : row.collected) {
+      v_remark_list_collect_remark(collection, remark_of(code));
+    }
+    EXPECT_EQ(codes_of(collection.list), row.collected);
+    EXPECT_EQ(collection.is_in_order, row.is_in_order);
+    EXPECT_EQ(v_remark_list_sort_collection(collection), row.are_unique);
+    EXPECT_EQ(codes_of(collection.list), row.sorted);
+    expect_sound(collection.list);
+  }
+}
+
+TEST(RemarkCollection, RemarksWithTheSameCodeKeepTheirOrder) {
+  VRemarkCollection collection;
+  v_remark_list_collect_remark(collection, remark_of("2", {{"sv", "first"}}));
+  v_remark_list_collect_remark(collection, remark_of("1", {{"sv", "second"}}));
+  v_remark_list_collect_remark(collection, remark_of("2", {{"sv", "third"}}));
+  EXPECT_FALSE(v_remark_list_sort_collection(collection));
+  EXPECT_EQ(
+      remarks_of(collection.list),
+      (Remarks{{"1", {{"sv", "second"}}}, {"2", {{"sv", "first"}}}, {"2", {{"sv", "third"}}}}));
+}
+
 TEST(RemarkCodeOrder, AnEqualCodeIsInsertedAfterTheExistingOne) {
   const OwnedRemarkList list = v_remark_list_new();
   for (const char *text : {"first", "second", "third"}) {
