@@ -15,7 +15,7 @@ namespace {
 
 int last_error_number = 0;
 
-bool fail(const char *sentence) {
+bool fail_with_errno(const char *sentence) {
   last_error_number = errno;
   v_error_set_from_errno();
   v_error_append(sentence);
@@ -87,7 +87,7 @@ OwnedFile v_fs_utils_open_file(const char *path, const char *mode) {
     file.reset(std::fopen(name.get(), mode));
   }
   if (!file) {
-    fail("Cannot open file.");
+    fail_with_errno("Cannot open file.");
   }
   return file;
 }
@@ -124,7 +124,7 @@ OwnedFile v_fs_utils_create_file(const char *path, const VFilePermissions &permi
     file.reset(fdopen(descriptor, "wb"));
   }
   if (!file) {
-    fail("Cannot open file.");
+    fail_with_errno("Cannot open file.");
     if (descriptor != -1) {
       close(descriptor);
     }
@@ -133,7 +133,7 @@ OwnedFile v_fs_utils_create_file(const char *path, const VFilePermissions &permi
 }
 
 bool v_fs_utils_close_file(OwnedFile file) {
-  return !file || std::fclose(file.release()) == 0 || fail("Cannot close file.");
+  return !file || std::fclose(file.release()) == 0 || fail_with_errno("Cannot close file.");
 }
 
 OwnedFolder v_fs_utils_open_folder(const char *path) {
@@ -143,7 +143,7 @@ OwnedFolder v_fs_utils_open_folder(const char *path) {
   }
   OwnedFolder listing(opendir(name.get()));
   if (!listing) {
-    fail("Cannot open folder.");
+    fail_with_errno("Cannot open folder.");
   }
   return listing;
 }
@@ -153,7 +153,7 @@ bool v_fs_utils_next_folder_entry(DIR *listing, OwnedText &name) {
   errno = 0;
   const dirent *entry = readdir(listing);
   if (entry == nullptr) {
-    return errno == 0 || fail("Cannot read folder contents.");
+    return errno == 0 || fail_with_errno("Cannot read folder contents.");
   }
   name = v_fs_utils_convert_osfsenc_to_utf8(entry->d_name);
   return name != nullptr;
@@ -169,12 +169,12 @@ OwnedText v_fs_utils_next_convertible_folder_entry(DIR *listing) {
 }
 
 bool v_fs_utils_close_folder(OwnedFolder listing) {
-  return !listing || closedir(listing.release()) == 0 || fail("Cannot close folder.");
+  return !listing || closedir(listing.release()) == 0 || fail_with_errno("Cannot close folder.");
 }
 
 bool v_fs_utils_create_folder(const char *path) {
   const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(path);
-  return name && (mkdir(name.get(), 0700) == 0 || fail("Cannot create folder."));
+  return name && (mkdir(name.get(), 0700) == 0 || fail_with_errno("Cannot create folder."));
 }
 
 bool v_fs_utils_create_folder_recursively(const char *path) {
@@ -192,12 +192,14 @@ bool v_fs_utils_create_folder_recursively(const char *path) {
 
 bool v_fs_utils_delete_folder_if_exists(const char *path) {
   const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(path);
-  return name && (rmdir(name.get()) == 0 || errno == ENOENT || fail("Cannot delete folder."));
+  return name &&
+         (rmdir(name.get()) == 0 || errno == ENOENT || fail_with_errno("Cannot delete folder."));
 }
 
 bool v_fs_utils_delete_file_if_exists(const char *path) {
   const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(path);
-  return name && (unlink(name.get()) == 0 || errno == ENOENT || fail("Cannot unlink file."));
+  return name &&
+         (unlink(name.get()) == 0 || errno == ENOENT || fail_with_errno("Cannot unlink file."));
 }
 
 void v_fs_utils_discard_file(const char *path) {
@@ -240,7 +242,7 @@ bool v_fs_utils_get_info(const char *path, VFileInfo &info) {
   }
   struct stat status;
   if (stat(name.get(), &status) != 0) {
-    return errno == ENOENT || fail("Cannot get file status.");
+    return errno == ENOENT || fail_with_errno("Cannot get file status.");
   }
   // Single bits of the mode, as every tool of the suite tells them: a block device has the folder's
   // bit too, a socket both.

@@ -44,17 +44,17 @@ constexpr Words unsigned_words = {
     "Unsigned integer value out of valid range (too large).",
 };
 
-bool fail(const char *message) {
+bool fail_with_message(const char *message) {
   v_error_set(message);
   return false;
 }
 
 bool check_beginning(const char *text, const Words &words) {
   if (*text == '\0') {
-    return fail(words.empty);
+    return fail_with_message(words.empty);
   }
   if (begins_with_whitespace(text)) {
-    return fail(words.leading_whitespace);
+    return fail_with_message(words.leading_whitespace);
   }
   return true;
 }
@@ -66,14 +66,14 @@ bool parse(Value *out, const char *text, const Words &words,
   errno = 0;
   const Value value = parser(text, &end, 10);
   if (errno == EINVAL) {
-    return fail(words.parser_error);
+    return fail_with_message(words.parser_error);
   }
   if (errno == ERANGE) {
-    return fail(words.overflow);
+    return fail_with_message(words.overflow);
   }
   // Covers a text without any digit too: the parser has then passed nothing.
   if (end == text || *end != '\0') {
-    return fail(words.invalid_characters);
+    return fail_with_message(words.invalid_characters);
   }
   *out = value;
   return true;
@@ -82,10 +82,10 @@ bool parse(Value *out, const char *text, const Words &words,
 template <typename Narrow, typename Wide>
 bool store_in_range(Narrow *out, Wide value, Wide minimum, Wide maximum, const Words &words) {
   if (value < minimum) {
-    return fail(words.too_small);
+    return fail_with_message(words.too_small);
   }
   if (value > maximum) {
-    return fail(words.too_large);
+    return fail_with_message(words.too_large);
   }
   *out = static_cast<Narrow>(value);
   return true;
@@ -120,7 +120,7 @@ bool v_util_parse_uint64(guint64 *out, const char *text) {
   }
   // The parser itself would take a minus sign and wrap round.
   if (*text == '-') {
-    return fail("Unsigned integer value underflow (is negative).");
+    return fail_with_message("Unsigned integer value underflow (is negative).");
   }
   return parse(out, text, unsigned_words, g_ascii_strtoull);
 }

@@ -24,17 +24,17 @@ void CloseUnlessBorrowed::operator()(struct zip_file *entry) const noexcept {
 
 namespace {
 
-bool fail(const char *message) {
+bool fail_with_message(const char *message) {
   v_error_set(message);
   return false;
 }
 
 bool read_file(VInputStream *stream, void *buffer, std::size_t n, std::size_t &count) {
   if (!stream->file) {
-    return fail("Opening input file failed.");
+    return fail_with_message("Opening input file failed.");
   }
   count = std::fread(buffer, 1, n, stream->file.get());
-  return !std::ferror(stream->file.get()) || fail("File read error.");
+  return !std::ferror(stream->file.get()) || fail_with_message("File read error.");
 }
 
 bool read_memory(VInputStream *stream, void *buffer, std::size_t n, std::size_t &count) {
@@ -61,7 +61,7 @@ bool read_zip_entry(VInputStream *stream, void *buffer, std::size_t n, std::size
 
 bool skip_memory(VInputStream *stream, std::size_t n) {
   if (stream->length - stream->position < n) {
-    return fail("Memory buffer end reached prematurely.");
+    return fail_with_message("Memory buffer end reached prematurely.");
   }
   stream->position += n;
   return true;
@@ -69,7 +69,7 @@ bool skip_memory(VInputStream *stream, std::size_t n) {
 
 bool skip_file(VInputStream *stream, std::size_t n) {
   if (!stream->file) {
-    return fail("Opening input file failed.");
+    return fail_with_message("Opening input file failed.");
   }
   const bool is_in_range = std::in_range<off_t>(n);
   if (!is_in_range) {
@@ -90,7 +90,7 @@ bool skip_zip_entry(VInputStream *stream, std::size_t n) {
       return false;
     }
     if (count == 0) {
-      return fail("Premature end of data stream.");
+      return fail_with_message("Premature end of data stream.");
     }
     n -= count;
   }
@@ -243,21 +243,21 @@ bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t 
     return write_memory(stream, data, n);
   }
   if (!stream->file) {
-    return fail("Creating file failed.");
+    return fail_with_message("Creating file failed.");
   }
   if (std::fwrite(data, 1, n, stream->file.get()) < n) {
     stream->is_incomplete = true;
-    return fail("File write error.");
+    return fail_with_message("File write error.");
   }
   return true;
 }
 
 bool v_output_stream_finish(VOutputStream *stream) {
   if (stream->kind == StreamKind::file && !stream->file && !stream->path) {
-    return fail("Creating file failed.");
+    return fail_with_message("Creating file failed.");
   }
   finish_file(stream);
-  return !stream->is_incomplete || fail("File write error.");
+  return !stream->is_incomplete || fail_with_message("File write error.");
 }
 
 OwnedText v_output_stream_get_memory_data(VOutputStream *stream, std::size_t &length) {

@@ -50,7 +50,7 @@ auto make_whole(Make make) {
 }
 
 template <typename Part>
-Part *or_fail(Part *part, const char *message) {
+Part *or_set_error(Part *part, const char *message) {
   if (part == nullptr) {
     v_error_set(message);
   }
@@ -114,25 +114,26 @@ bool has_forbidden_character(const char *utf8_text) {
 } // namespace
 
 OwnedXmlDoc v_xml_new_doc() {
-  return OwnedXmlDoc(or_fail(make_whole([] { return xmlNewDoc(as_xml("1.0")); }),
-                             "Error when creating new empty XML tree."));
+  return OwnedXmlDoc(or_set_error(make_whole([] { return xmlNewDoc(as_xml("1.0")); }),
+                                  "Error when creating new empty XML tree."));
 }
 
 // In the tree from the first, which frees what is not whole.
 xmlNode *v_xml_add_root_element(xmlDoc *document, const char *name) {
-  return or_fail(make_whole([&] {
-                   xmlNode *root = xmlNewDocNode(document, nullptr, as_xml(name), nullptr);
-                   if (root != nullptr) {
-                     xmlFreeNode(xmlDocSetRootElement(document, root));
-                   }
-                   return root;
-                 }),
-                 "Error when creating an XML element.");
+  return or_set_error(make_whole([&] {
+                        xmlNode *root = xmlNewDocNode(document, nullptr, as_xml(name), nullptr);
+                        if (root != nullptr) {
+                          xmlFreeNode(xmlDocSetRootElement(document, root));
+                        }
+                        return root;
+                      }),
+                      "Error when creating an XML element.");
 }
 
 xmlNode *v_xml_add_child_element(xmlNode *parent, const char *name) {
-  return or_fail(make_whole([&] { return xmlNewChild(parent, nullptr, as_xml(name), nullptr); }),
-                 "Error when creating an XML child element.");
+  return or_set_error(
+      make_whole([&] { return xmlNewChild(parent, nullptr, as_xml(name), nullptr); }),
+      "Error when creating an XML child element.");
 }
 
 xmlNode *v_xml_add_child_element_with_ascii_text_content(xmlNode *parent, const char *name,
@@ -147,8 +148,8 @@ xmlNode *v_xml_add_child_element_with_utf8_text_content(xmlNode *parent, const c
   const auto make = [&] {
     return xmlNewTextChild(parent, nullptr, as_xml(name), as_xml(utf8_text));
   };
-  return or_fail(has_forbidden_character(utf8_text) ? nullptr : make_whole(make),
-                 "Error when creating an XML text child element.");
+  return or_set_error(has_forbidden_character(utf8_text) ? nullptr : make_whole(make),
+                      "Error when creating an XML text child element.");
 }
 
 xmlNode *v_xml_add_child_element_with_latin1_text_content(xmlNode *parent, const char *name,
@@ -163,8 +164,8 @@ bool v_xml_set_attribute(xmlNode *node, const char *name, const char *value) {
     return false;
   }
   const auto set = [&] { return xmlSetProp(node, as_xml(name), as_xml(value)); };
-  return or_fail(has_forbidden_character(value) ? nullptr : make_whole(set),
-                 "Error when setting an XML attribute.") != nullptr;
+  return or_set_error(has_forbidden_character(value) ? nullptr : make_whole(set),
+                      "Error when setting an XML attribute.") != nullptr;
 }
 
 bool v_xml_set_attribute_with_ascii_content(xmlNode *node, const char *name,

@@ -10,12 +10,6 @@
 
 namespace {
 
-// Replaces whatever the layers below have said.
-OwnedText fail(const char *message) {
-  v_error_set(message);
-  return nullptr;
-}
-
 bool make_folder_if_missing(const char *path) {
   VFileInfo info;
   return v_fs_utils_get_info(path, info) &&
@@ -49,11 +43,13 @@ const char *skip_home_sign(const char *place) {
 OwnedText get_workspace_pointer_file_path(FolderCreation creation) {
   const OwnedText config_folder = v_fs_utils_convert_glibfsenc_to_utf8(g_get_user_config_dir());
   if (!config_folder) {
-    return fail("Error locating user config dir.");
+    v_error_set("Error locating user config dir.");
+    return nullptr;
   }
   const OwnedText folder = v_fs_utils_create_path_in_folder(config_folder.get(), "vantorelle");
   if (creation == FolderCreation::yes && !make_folder_if_missing(folder.get())) {
-    return fail("Error creating/accessing directory for settings in user config dir.");
+    v_error_set("Error creating/accessing directory for settings in user config dir.");
+    return nullptr;
   }
   return v_fs_utils_create_path_in_folder(folder.get(), "vantorelle.xml");
 }

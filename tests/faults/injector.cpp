@@ -82,7 +82,7 @@ bool must_fail(Call call, const std::string &path) {
 
 // For a failing call to return with.
 template <typename Result>
-Result fail(Result result) {
+Result fail_with_errno(Result result) {
   errno = watch->fault.error_number;
   return result;
 }
@@ -137,7 +137,7 @@ bool allocation_must_fail() { return watch != nullptr && must_fail(Call::allocat
 
 void *allocate(std::size_t size) {
   if (allocation_must_fail()) {
-    return fail(nullptr);
+    return fail_with_errno(nullptr);
   }
   library_blocks++;
   return std::malloc(size);
@@ -145,7 +145,7 @@ void *allocate(std::size_t size) {
 
 void *reallocate(void *block, std::size_t size) {
   if (allocation_must_fail()) {
-    return fail(nullptr);
+    return fail_with_errno(nullptr);
   }
   library_blocks += block == nullptr;
   return std::realloc(block, size);
@@ -158,7 +158,7 @@ void release(void *block) {
 
 char *duplicate(const char *text) {
   if (allocation_must_fail()) {
-    return fail(nullptr);
+    return fail_with_errno(nullptr);
   }
   library_blocks++;
   return strdup(text);
@@ -204,7 +204,7 @@ int open(const char *path, int flags, ...) {
   va_end(arguments);
   const auto name = watched(path);
   if (name && must_fail(Call::open, *name)) {
-    return fail(-1);
+    return fail_with_errno(-1);
   }
   const int descriptor = real(path, flags, mode);
   if (name && descriptor >= 0) {
@@ -229,7 +229,7 @@ std::FILE *fopen(const char *path, const char *mode) {
   if (!name) {
     return real(path, mode);
   }
-  return must_fail(Call::fopen, *name) ? fail<std::FILE *>(nullptr)
+  return must_fail(Call::fopen, *name) ? fail_with_errno<std::FILE *>(nullptr)
                                        : open_buffered(path, mode, *name);
 }
 
@@ -239,7 +239,7 @@ std::FILE *fdopen(int descriptor, const char *mode) noexcept {
   if (path == nullptr) {
     return real(descriptor, mode);
   }
-  return must_fail(Call::fopen, *path) ? fail<std::FILE *>(nullptr)
+  return must_fail(Call::fopen, *path) ? fail_with_errno<std::FILE *>(nullptr)
                                        : make_buffered(descriptor, mode, *path);
 }
 
@@ -253,7 +253,7 @@ int fileno(std::FILE *file) noexcept {
 ssize_t read(int descriptor, void *buffer, std::size_t size) {
   static auto *const real = next<ssize_t(int, void *, std::size_t)>("read");
   const std::string *path = find(&Watch::descriptors, descriptor);
-  return path != nullptr && must_fail(Call::read, *path) ? fail<ssize_t>(-1)
+  return path != nullptr && must_fail(Call::read, *path) ? fail_with_errno<ssize_t>(-1)
                                                          : real(descriptor, buffer, size);
 }
 
@@ -263,7 +263,7 @@ std::size_t fread(void *buffer, std::size_t size, std::size_t count, std::FILE *
   const BufferedFile *known = find(&Watch::files, file);
   if (known != nullptr && must_fail(Call::fread, known->path)) {
     mark_as_failed(file);
-    return fail<std::size_t>(0);
+    return fail_with_errno<std::size_t>(0);
   }
   return real(buffer, size, count, file);
 }
@@ -276,7 +276,7 @@ ssize_t write(int descriptor, const void *buffer, std::size_t size) {
     if (is_first_failure()) {
       real(descriptor, buffer, size / 2);
     }
-    return fail<ssize_t>(-1);
+    return fail_with_errno<ssize_t>(-1);
   }
   return real(descriptor, buffer, size);
 }
@@ -289,7 +289,7 @@ std::size_t fwrite(const void *buffer, std::size_t size, std::size_t count, std:
   if (known != nullptr && size * count > 0 && must_fail(Call::fwrite, known->path)) {
     const std::size_t written = is_first_failure() ? real(buffer, size, count / 2, file) : 0;
     mark_as_failed(file);
-    return fail(written);
+    return fail_with_errno(written);
   }
   return real(buffer, size, count, file);
 }
@@ -299,7 +299,7 @@ int fflush(std::FILE *file) {
   const BufferedFile *known = find(&Watch::files, file);
   if (known != nullptr && must_fail(Call::fflush, known->path)) {
     mark_as_failed(file);
-    return fail(EOF);
+    return fail_with_errno(EOF);
   }
   return real(file);
 }
@@ -313,7 +313,7 @@ int close(int descriptor) {
   const std::string path = *known;
   watch->descriptors.erase(descriptor);
   const int result = real(descriptor);
-  return must_fail(Call::close, path) ? fail(-1) : result;
+  return must_fail(Call::close, path) ? fail_with_errno(-1) : result;
 }
 
 int fclose(std::FILE *file) {
@@ -326,56 +326,56 @@ int fclose(std::FILE *file) {
   watch->files.erase(file);
   const bool is_failing = must_fail(Call::fclose, path);
   const int result = real(file);
-  return is_failing ? fail(EOF) : result;
+  return is_failing ? fail_with_errno(EOF) : result;
 }
 
 int fsync(int descriptor) {
   static auto *const real = next<int(int)>("fsync");
   const std::string *path = find(&Watch::descriptors, descriptor);
-  return path != nullptr && must_fail(Call::fsync, *path) ? fail(-1) : real(descriptor);
+  return path != nullptr && must_fail(Call::fsync, *path) ? fail_with_errno(-1) : real(descriptor);
 }
 
 int rename(const char *from, const char *to) noexcept {
   static auto *const real = next<int(const char *, const char *)>("rename");
   const auto name = watched(to);
-  return name && must_fail(Call::rename, *name) ? fail(-1) : real(from, to);
+  return name && must_fail(Call::rename, *name) ? fail_with_errno(-1) : real(from, to);
 }
 
 int unlink(const char *path) noexcept {
   static auto *const real = next<int(const char *)>("unlink");
   const auto name = watched(path);
-  return name && must_fail(Call::unlink, *name) ? fail(-1) : real(path);
+  return name && must_fail(Call::unlink, *name) ? fail_with_errno(-1) : real(path);
 }
 
 int mkdir(const char *path, mode_t mode) noexcept {
   static auto *const real = next<int(const char *, mode_t)>("mkdir");
   const auto name = watched(path);
-  return name && must_fail(Call::mkdir, *name) ? fail(-1) : real(path, mode);
+  return name && must_fail(Call::mkdir, *name) ? fail_with_errno(-1) : real(path, mode);
 }
 
 int rmdir(const char *path) noexcept {
   static auto *const real = next<int(const char *)>("rmdir");
   const auto name = watched(path);
-  return name && must_fail(Call::rmdir, *name) ? fail(-1) : real(path);
+  return name && must_fail(Call::rmdir, *name) ? fail_with_errno(-1) : real(path);
 }
 
 int stat(const char *path, struct stat *status) noexcept {
   static auto *const real = next<int(const char *, struct stat *)>("stat");
   const auto name = watched(path);
-  return name && must_fail(Call::stat, *name) ? fail(-1) : real(path, status);
+  return name && must_fail(Call::stat, *name) ? fail_with_errno(-1) : real(path, status);
 }
 
 int lstat(const char *path, struct stat *status) noexcept {
   static auto *const real = next<int(const char *, struct stat *)>("lstat");
   const auto name = watched(path);
-  return name && must_fail(Call::lstat, *name) ? fail(-1) : real(path, status);
+  return name && must_fail(Call::lstat, *name) ? fail_with_errno(-1) : real(path, status);
 }
 
 DIR *opendir(const char *path) {
   static auto *const real = next<DIR *(const char *)>("opendir");
   const auto name = watched(path);
   if (name && must_fail(Call::opendir, *name)) {
-    return fail<DIR *>(nullptr);
+    return fail_with_errno<DIR *>(nullptr);
   }
   DIR *listing = real(path);
   if (name && listing != nullptr) {
@@ -387,7 +387,7 @@ DIR *opendir(const char *path) {
 dirent *readdir(DIR *listing) {
   static auto *const real = next<dirent *(DIR *)>("readdir");
   const std::string *path = find(&Watch::listings, listing);
-  return path != nullptr && must_fail(Call::readdir, *path) ? fail<dirent *>(nullptr)
+  return path != nullptr && must_fail(Call::readdir, *path) ? fail_with_errno<dirent *>(nullptr)
                                                             : real(listing);
 }
 
@@ -400,7 +400,7 @@ int closedir(DIR *listing) {
   const std::string path = *known;
   watch->listings.erase(listing);
   const int result = real(listing);
-  return must_fail(Call::closedir, path) ? fail(-1) : result;
+  return must_fail(Call::closedir, path) ? fail_with_errno(-1) : result;
 }
 
 // The names under which libraries with large file offsets call the same functions.
@@ -435,12 +435,12 @@ dirent64 *readdir64(DIR *listing) { return reinterpret_cast<dirent64 *>(readdir(
 // Allocations of GLib that may fail.
 gpointer g_try_malloc(gsize size) {
   static auto *const real = next<gpointer(gsize)>("g_try_malloc");
-  return allocation_must_fail() ? fail<gpointer>(nullptr) : real(size);
+  return allocation_must_fail() ? fail_with_errno<gpointer>(nullptr) : real(size);
 }
 
 gpointer g_try_malloc_n(gsize count, gsize size) {
   static auto *const real = next<gpointer(gsize, gsize)>("g_try_malloc_n");
-  return allocation_must_fail() ? fail<gpointer>(nullptr) : real(count, size);
+  return allocation_must_fail() ? fail_with_errno<gpointer>(nullptr) : real(count, size);
 }
 
 GRegex *g_regex_new(const char *pattern, GRegexCompileFlags compile_flags,
@@ -449,7 +449,7 @@ GRegex *g_regex_new(const char *pattern, GRegexCompileFlags compile_flags,
       next<GRegex *(const char *, GRegexCompileFlags, GRegexMatchFlags, GError **)>("g_regex_new");
   if (watch != nullptr && must_fail(Call::compile, "")) {
     g_set_error_literal(error, G_REGEX_ERROR, G_REGEX_ERROR_COMPILE, "out of memory");
-    return fail<GRegex *>(nullptr);
+    return fail_with_errno<GRegex *>(nullptr);
   }
   return real(pattern, compile_flags, match_flags, error);
 }

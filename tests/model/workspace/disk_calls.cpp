@@ -12,7 +12,7 @@ bool may_happen(const char *call, const std::string &path) {
   return !watcher_now || watcher_now(call, path);
 }
 
-int fail() {
+int fail_with_io_error() {
   errno = EIO;
   return -1;
 }
@@ -33,15 +33,15 @@ int __real_unlink(const char *path);
 int __wrap_fsync(int descriptor) {
   const auto path =
       std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor)).string();
-  return may_happen("fsync", path) ? __real_fsync(descriptor) : fail();
+  return may_happen("fsync", path) ? __real_fsync(descriptor) : fail_with_io_error();
 }
 
 int __wrap_rename(const char *path, const char *new_path) {
-  return may_happen("rename", path) ? __real_rename(path, new_path) : fail();
+  return may_happen("rename", path) ? __real_rename(path, new_path) : fail_with_io_error();
 }
 
 int __wrap_unlink(const char *path) {
-  return may_happen("unlink", path) ? __real_unlink(path) : fail();
+  return may_happen("unlink", path) ? __real_unlink(path) : fail_with_io_error();
 }
 
 } // extern "C"
