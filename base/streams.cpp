@@ -145,14 +145,14 @@ bool copy(VInputStream *source, VOutputStream *destination) {
 
 OwnedInputStream v_input_stream_new_for_file_path(const char *path) {
   OwnedInputStream stream(new VInputStream);
-  stream->kind = StreamKind::file;
+  stream->kind = VStreamKind::file;
   stream->file = v_fs_utils_open_file(path, "rb");
   return stream;
 }
 
 OwnedInputStream v_input_stream_new_for_memory(const void *data, std::size_t length) {
   OwnedInputStream stream(new VInputStream);
-  stream->kind = StreamKind::memory;
+  stream->kind = VStreamKind::memory;
   stream->data = static_cast<const std::byte *>(data);
   stream->length = length;
   return stream;
@@ -160,14 +160,14 @@ OwnedInputStream v_input_stream_new_for_memory(const void *data, std::size_t len
 
 OwnedInputStream v_input_stream_new_for_zip_file(struct zip_file *entry) {
   OwnedInputStream stream(new VInputStream);
-  stream->kind = StreamKind::zip_entry;
+  stream->kind = VStreamKind::zip_entry;
   stream->zip_entry = {entry, CloseUnlessBorrowed{.is_borrowed = true}};
   return stream;
 }
 
 OwnedInputStream v_input_stream_new_for_zip_file_path(struct zip *archive, const char *entry_name) {
   OwnedInputStream stream(new VInputStream);
-  stream->kind = StreamKind::zip_entry;
+  stream->kind = VStreamKind::zip_entry;
   stream->zip_entry.reset(zip_fopen(archive, entry_name, ZIP_FL_ENC_GUESS));
   if (!stream->zip_entry) {
     v_error_set_from_zip_error(zip_get_error(archive));
@@ -179,18 +179,18 @@ OwnedInputStream v_input_stream_new_for_zip_file_path(struct zip *archive, const
 bool v_input_stream_read(VInputStream *stream, void *buffer, std::size_t n, std::size_t &count) {
   count = 0;
   switch (stream->kind) {
-  case StreamKind::file:
+  case VStreamKind::file:
     return read_file(stream, buffer, n, count);
-  case StreamKind::memory:
+  case VStreamKind::memory:
     return read_memory(stream, buffer, n, count);
-  case StreamKind::zip_entry:
+  case VStreamKind::zip_entry:
     return read_zip_entry(stream, buffer, n, count);
   }
   return false;
 }
 
 bool v_input_stream_get_some(VInputStream *stream, const std::byte *&data, std::size_t &length) {
-  if (stream->kind != StreamKind::memory) {
+  if (stream->kind != VStreamKind::memory) {
     data = stream->buffer;
     return v_input_stream_read(stream, stream->buffer, sizeof stream->buffer, length);
   }
@@ -202,11 +202,11 @@ bool v_input_stream_get_some(VInputStream *stream, const std::byte *&data, std::
 
 bool v_input_stream_skip(VInputStream *stream, std::size_t n) {
   switch (stream->kind) {
-  case StreamKind::file:
+  case VStreamKind::file:
     return skip_file(stream, n);
-  case StreamKind::memory:
+  case VStreamKind::memory:
     return skip_memory(stream, n);
-  case StreamKind::zip_entry:
+  case VStreamKind::zip_entry:
     return skip_zip_entry(stream, n);
   }
   return false;
@@ -216,7 +216,7 @@ void v_input_stream_destroy(VInputStream *stream) { delete stream; }
 
 OwnedOutputStream v_output_stream_new_for_file_path(const char *path) {
   OwnedOutputStream stream(new VOutputStream);
-  stream->kind = StreamKind::file;
+  stream->kind = VStreamKind::file;
   // A file that cannot be deleted is not emptied instead: it may be the very one that is about to
   // be copied, and what is left of it after a failed write could not be removed.
   if (v_fs_utils_delete_file_if_exists(path)) {
@@ -228,7 +228,7 @@ OwnedOutputStream v_output_stream_new_for_file_path(const char *path) {
 
 OwnedOutputStream v_output_stream_new_for_file(std::FILE *file) {
   OwnedOutputStream stream(new VOutputStream);
-  stream->kind = StreamKind::file;
+  stream->kind = VStreamKind::file;
   stream->file = {file, CloseUnlessBorrowed{.is_borrowed = true}};
   return stream;
 }
@@ -239,7 +239,7 @@ bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t 
   if (n == 0) {
     return true;
   }
-  if (stream->kind == StreamKind::memory) {
+  if (stream->kind == VStreamKind::memory) {
     return write_memory(stream, data, n);
   }
   if (!stream->file) {
@@ -253,7 +253,7 @@ bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t 
 }
 
 bool v_output_stream_finish(VOutputStream *stream) {
-  if (stream->kind == StreamKind::file && !stream->file && !stream->path) {
+  if (stream->kind == VStreamKind::file && !stream->file && !stream->path) {
     return fail_with_message("Creating file failed.");
   }
   finish_file(stream);

@@ -16,10 +16,10 @@ struct CloseUnlessBorrowed {
   void operator()(struct zip_file *entry) const noexcept;
 };
 
-enum class StreamKind { file, memory, zip_entry };
+enum class VStreamKind { file, memory, zip_entry };
 
 struct VInputStream {
-  StreamKind kind = StreamKind::memory;
+  VStreamKind kind = VStreamKind::memory;
   // The source; null for a file or an entry that could not be opened: the first read then fails.
   OwnedFile file;
   std::unique_ptr<struct zip_file, CloseUnlessBorrowed> zip_entry;
@@ -32,7 +32,7 @@ struct VInputStream {
 };
 
 struct VOutputStream {
-  StreamKind kind = StreamKind::memory;
+  VStreamKind kind = VStreamKind::memory;
   // Null when the file could not be created, and once the stream has closed it.
   std::unique_ptr<std::FILE, CloseUnlessBorrowed> file;
   OwnedText path; // UTF-8; set when the stream created the file itself

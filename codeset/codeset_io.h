@@ -8,25 +8,27 @@
 #include "base/fs_utils.h"
 #include "codeset/codeset.h"
 
-// Reads a file (path in UTF-8); the remarks come in remark code order. Null with "Error loading
-// codeset file." before the parser's report, "Invalid codeset file.", "Not a codeset file.", or
-// "Error parsing codeset file." before what is wrong.
+// Reads a file (path in UTF-8) and sorts the remarks in remark code order. Null with "Error loading
+// codeset file." before the message of v_xml_read_root_children, "Invalid codeset file." before
+// "Missing root element in XML tree.", "Not a codeset file.", or "Error parsing codeset file."
+// before the first fault: one of the name, else of the author, the version, or a remark.
 OwnedCodeset v_codeset_io_read_from_file(const char *path);
 // The same for a file of the given name in the given folder of a workspace.
 OwnedCodeset v_codeset_io_read_from_file_in_workspace(const char *workspace_folder_path,
                                                       const char *file_name);
 
 // Replaces the file at the path (UTF-8), which keeps its permissions. False with "Cannot access
-// file." before the reason, and what is at the path stays; or with "Cannot create file." before the
+// file." before the reason, and the path is unchanged; or with "Cannot create file." before the
 // reason, "File I/O error when writing to file." or "Cannot close file." before the reason, and no
-// file is left at the path. The old file is gone before the new one is written: the codeset in
-// memory is what is tried again with.
+// file is left at the path. The old file is deleted before the new one is written, so after a
+// failure the codeset in memory is the only copy.
 bool v_codeset_io_write_to_file(const VCodeset *codeset, const char *path);
-// The same with permissions for the new file, which outlast an attempt that failed: then the old
-// file has none any more.
+// The same with given permissions for the new file, for a second attempt after one that failed:
+// there is no old file then to take them from.
 bool v_codeset_io_write_to_file_with_permissions(const VCodeset *codeset, const char *path,
                                                  const VFilePermissions &permissions);
-// Whether the file that these two write reads back equal. False when a code has "&", "<" or "]]>".
+// Whether the file that these two functions write reads back equal. False when a code has "&", "<"
+// or "]]>".
 bool v_codeset_io_can_be_read_back(const VCodeset *codeset);
 
 // Writes a codeset to an open file, and flushes it, in a form that can always be read again as long

@@ -1,5 +1,5 @@
 #pragma once
-// The "remark" element as it stands in codeset and settings files.
+// The "remark" element of codeset and settings files.
 
 #include <libxml/tree.h>
 

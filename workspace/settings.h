@@ -63,7 +63,8 @@ enum VSettingsElement : unsigned {
 };
 
 // The defaults for the workspace in that folder (UTF-8). The preferred languages are the user's
-// own, then "en-uk" and "en".
+// own, as the default dialect if it has one, then the same without its region; then "en-uk" and
+// "en", unless the user's language is English.
 OwnedSettings v_settings_new(const char *workspace_folder);
 
 // Applies the elements that the mask selects (-1: all) over what the record holds; no file leaves
