@@ -38,7 +38,7 @@ void discard() {
   did_run_out_of_memory = false;
 }
 
-// Takes the text over. It is built before the old message goes, so it may have been made from it.
+// The text is built before the old message is freed, so it may be derived from it.
 void store(OwnedText text, bool out_of_memory = false) {
   error = std::move(text);
   did_run_out_of_memory = out_of_memory;

@@ -14,7 +14,7 @@
 
 struct zip_error;
 
-// What is said of a failure that cannot happen. Writable: a program may put its own text here.
+// Text for failures that should be impossible. Writable: a program may set its own text.
 extern const char *v_error_message_unknown;
 
 // Setting replaces the message by a copy of the text and resets the flag.
@@ -71,7 +71,7 @@ void v_error_set_from_zip_error_code(int code);
 // status is a cairo_status_t.
 void v_error_set_from_cairo_status(int status);
 
-// True when the held message tells of exhausted memory.
+// True when the held message reports exhausted memory.
 bool v_error_did_run_out_of_memory();
 // Replaces an out-of-memory message by the long one with its advice and returns true; any other
 // message stays and false is returned.

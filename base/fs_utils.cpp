@@ -32,8 +32,8 @@ OwnedText convert(const char *name, decltype(&g_filename_to_utf8) converter, con
   return converted;
 }
 
-// A named pipe waits for whoever is at its other end, a device need never come to an end: neither
-// may stop the program, whatever lies in a user's folder.
+// A named pipe blocks until its other end is opened, and a device may have no end. Neither may
+// block the program when it is found in a user's folder.
 bool may_never_answer(const char *name, const char *mode) {
   struct stat status;
   return stat(name, &status) == 0 &&
@@ -220,7 +220,7 @@ bool v_fs_utils_replace_file(const char *path, const char *text) {
   }
   struct stat status;
   const bool is_file = stat(name.get(), &status) == 0 && S_ISREG(status.st_mode);
-  // A rename replaces a link, not what it leads to.
+  // A rename replaces a link, not its target.
   const SystemName target(is_file ? realpath(name.get(), nullptr) : nullptr);
   OwnedError error;
   if (!g_file_set_contents_full(target ? target.get() : name.get(), text, -1,
@@ -244,7 +244,7 @@ bool v_fs_utils_get_info(const char *path, VFileInfo &info) {
   if (stat(name.get(), &status) != 0) {
     return errno == ENOENT || fail_with_errno("Cannot get file status.");
   }
-  // Single bits of the mode, as every tool of the suite tells them: a block device has the folder's
+  // Single bits of the mode, as all tools of the suite read them: a block device has the folder's
   // bit too, a socket both.
   info.exists = 1;
   info.is_folder = (status.st_mode & 0x4000) != 0;

@@ -22,7 +22,7 @@ struct VFileInfo {
 int v_fs_utils_get_last_error_number();
 
 // Between file names as the system gives them and UTF-8. Null with "Could not convert filename to
-// unicode." or "Could not use filename.". The two pairs differ in who deals in the name, GLib or
+// unicode." or "Could not use filename.". The two pairs are for names of GLib and of
 // the operating system; here both use the same encoding.
 OwnedText v_fs_utils_convert_glibfsenc_to_utf8(const char *name);
 OwnedText v_fs_utils_convert_utf8_to_glibfsenc(const char *path);
@@ -30,7 +30,7 @@ OwnedText v_fs_utils_convert_osfsenc_to_utf8(const char *name);
 OwnedText v_fs_utils_convert_utf8_to_osfsenc(const char *path);
 
 // Opens a buffered file with a standard mode ("rb", "wb"). Null with "Cannot open file.", also for
-// what could keep the program waiting for ever: a named pipe, and a character device to read from.
+// files that could block the program for ever: a named pipe, and a character device to read from.
 OwnedFile v_fs_utils_open_file(const char *path, const char *mode);
 
 // The absolute path without links. Null when there is nothing at the path, or the path cannot be
@@ -74,14 +74,14 @@ bool v_fs_utils_create_folder_recursively(const char *path);
 bool v_fs_utils_delete_folder_if_exists(const char *path);
 // Removes a file; a missing one is success. False with "Cannot unlink file.".
 bool v_fs_utils_delete_file_if_exists(const char *path);
-// Removes what a failed write has left, a file or a link, as far as it can; a device stays. Says
-// nothing: the message of the failure that led here stands.
+// Removes the rest of a failed write, a file or a link, if possible; a device stays. Sets no
+// message, so that the one of the failed write is kept.
 void v_fs_utils_discard_file(const char *path);
 
 // Replaces the file at the path by one with the bytes of the text. The new file is written beside
 // the old one, brought onto the disk and renamed, so that the old file stays as it was until the
-// new one is whole. A link to a file is followed; the new file is readable to nobody whom the old
-// one was not readable to. False with the system's reason alone.
+// new one is whole. A link to a file is followed; the new file is readable only for users who could
+// read the old one. False with the system's reason alone.
 bool v_fs_utils_replace_file(const char *path, const char *text);
 
 // Fills the record, following links; a missing path is success with every field zero. False with

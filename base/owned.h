@@ -39,8 +39,8 @@ using OwnedText = Owned<char, g_free>;
 using OwnedError = Owned<GError, g_error_free>;
 using OwnedXmlDoc = Owned<xmlDoc, xmlFreeDoc>;
 using OwnedXmlText = std::unique_ptr<xmlChar, FreeXmlText>;
-// The two close what they hold without a report; who has to know whether closing worked calls
-// v_fs_utils_close_file or v_fs_utils_close_folder.
+// These two ignore a failure of closing; v_fs_utils_close_file and v_fs_utils_close_folder report
+// it.
 using OwnedFile = std::unique_ptr<std::FILE, CloseFile>;
 using OwnedFolder = std::unique_ptr<DIR, CloseFolder>;
 

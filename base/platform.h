@@ -1,7 +1,6 @@
 #pragma once
-// What is asked of the operating system beyond files. One source per system answers the first group
-// of functions, the second is common to all of them; the third only puts texts together and asks
-// nobody.
+// Functions of the operating system other than those for files. The first group has one source per
+// system, the second is common to all systems; the third only formats texts.
 
 #include "base/owned.h"
 
@@ -10,7 +9,7 @@ OwnedText v_platform_get_exe_path();
 // Gives the path (UTF-8) of the executable of a running process, null when it cannot be converted.
 // False with null when there is no such process or it may not be asked for; no message of its own.
 bool v_platform_get_exe_path_for_process_id(OwnedText &path, long process_id);
-// What the file name of an installed program ends in: ".app" where programs are bundles, else "".
+// Ending of the file name of an installed program: ".app" where programs are bundles, else "".
 const char *v_platform_get_program_ending();
 // The command line (UTF-8) that starts the program at the quoted path; arguments are put in as they
 // are ("" for none).

@@ -7,8 +7,8 @@
 
 struct VHeldFile;
 void v_private_files_release(VHeldFile *held);
-// A file that no other program can hold meanwhile. Whatever ends the program releases it, and
-// renaming or removing the file does not.
+// A file that no other program can hold at the same time. It is released when the program ends, in
+// whatever way; renaming or removing the file does not release it.
 using OwnedHeldFile = Owned<VHeldFile, v_private_files_release>;
 
 // Holds the file at the path, which is created when there is none. Null when that is impossible or

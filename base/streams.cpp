@@ -111,7 +111,7 @@ bool write_memory(VOutputStream *stream, const void *data, std::size_t n) {
   return true;
 }
 
-// Without a message: a stream that is destroyed after a failure must not speak over it.
+// Sets no message: destroying a stream after a failure must not replace the message.
 void finish_file(VOutputStream *stream) {
   if (!stream->file) {
     return;
@@ -218,7 +218,7 @@ OwnedOutputStream v_output_stream_new_for_file_path(const char *path) {
   OwnedOutputStream stream(new VOutputStream);
   stream->kind = VStreamKind::file;
   // A file that cannot be deleted is not emptied instead: it may be the very one that is about to
-  // be copied, and what is left of it after a failed write could not be removed.
+  // be copied, and the rest of a failed write could not be removed.
   if (v_fs_utils_delete_file_if_exists(path)) {
     stream->file.reset(v_fs_utils_open_file(path, "wb").release());
   }

@@ -70,7 +70,7 @@ bool v_input_stream_get_some(VInputStream *stream, const std::byte *&data, std::
 // stays) and zip entries ("Premature end of data stream.") may not.
 bool v_input_stream_skip(VInputStream *stream, std::size_t n);
 
-// Deletes the file at the path and creates it anew. Always a stream; when the file cannot be
+// Deletes the file at the path and creates a new one. Always a stream; when the file cannot be
 // deleted it is left alone, and then, as when it cannot be created, the first write of at least one
 // byte fails.
 OwnedOutputStream v_output_stream_new_for_file_path(const char *path);
@@ -81,7 +81,7 @@ OwnedOutputStream v_output_stream_new_for_memory();
 // out of memory."). Nothing is written for n = 0, which never fails.
 bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t n);
 // Ends the writing: hands everything to the system and closes a file that the stream created, so
-// that a full disk is noticed while there is still somebody to tell. "File write error.", or
+// that a full disk is noticed while it can still be reported. "File write error.", or
 // "Creating file failed." when there never was a file. A memory stream, and a file that is finished
 // already, have nothing left to do.
 bool v_output_stream_finish(VOutputStream *stream);
@@ -93,7 +93,7 @@ OwnedText v_output_stream_get_memory_data(VOutputStream *stream, std::size_t &le
 OwnedText v_stream_copy_to_memory(VInputStream *stream, std::size_t &length);
 OwnedText v_stream_copy_from_zip_file_path_to_memory(struct zip *archive, const char *entry_name,
                                                      std::size_t &length);
-// Copies byte for byte over whatever is at the destination. Two equal path texts succeed without
+// Copies byte for byte and replaces the destination. Two equal path texts succeed without
 // touching anything. A source that cannot be opened, or of which nothing can be read, leaves an
 // empty destination; one that cannot be read to its end, and a failed write, leave none.
 bool v_stream_copy_from_file_path_to_file_path(const char *source, const char *destination);

@@ -43,7 +43,7 @@ OwnedText v_latin1_string_free(OwnedLatin1String string, bool free_data);
 
 // New text with every occurrence of find replaced. An empty find is found nowhere.
 OwnedText v_char_strdup_replace(const char *text, const char *find, const char *replacement);
-// The same for a text that is handed over.
+// The same for an owned text, which is freed.
 OwnedText v_char_strdup_replace_and_free(OwnedText text, const char *find, const char *replacement);
 // New text of count strings one after the other; null entries are skipped, count 0 gives "".
 OwnedText v_utf8_cat_(const char *const *array, int count);

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Words of bytes are looked at whole: nearly all text that is read goes through here.
+// Eight bytes are tested at a time: nearly all text that is read passes through here.
 using Word = std::uint64_t;
 
 bool is_ascii(Word word) { return (word & 0x8080808080808080) == 0; }
@@ -37,7 +37,7 @@ const char *skip_ascii(const char *text, const char *end) {
   return text;
 }
 
-// The same, and copies what it skips. There must be as much room behind out as there is text.
+// The same, and copies what it skips. There must be room for the whole text at out.
 const char *copy_ascii(char *&out, const char *text, const char *end) {
   Word word;
   while (has_word(text, end)) {
@@ -150,7 +150,7 @@ const char *v_ascii_assert_in_utf8(const char *utf8_text) {
   return nullptr;
 }
 
-// ASCII lies in both encodings at the same bytes.
+// ASCII characters are the same bytes in both encodings.
 const char *v_ascii_assert_in_latin1(const char *latin1_text) {
   return v_ascii_assert_in_utf8(latin1_text);
 }

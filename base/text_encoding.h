@@ -8,7 +8,7 @@
 
 // New UTF-8 text of an ISO-8859-1 text; never fails.
 OwnedText v_convert_latin1_to_utf8(const char *latin1_text);
-// Appends an ISO-8859-1 text to a UTF-8 string; one string may so serve many texts.
+// Appends an ISO-8859-1 text to a UTF-8 string, for callers that convert many texts.
 void v_utf8_string_append_latin1(VUtf8String *string, const char *latin1_text);
 // New ISO-8859-1 text of a UTF-8 text; null with "Character incompatible with ISO-8859-1 found
 // where not allowed." when it holds a character that ISO-8859-1 does not have.
@@ -29,5 +29,5 @@ const char *v_ascii_assert_in_latin1(const char *latin1_text);
 // The text itself (borrowed) when there is one and it is not empty; null with "Text content does
 // not exist." for null and "Text content is empty." for "".
 const char *v_latin1_assert_nonempty(const char *latin1_text);
-// The same for a text that is handed over: on failure it is freed and null comes back.
+// The same for an owned text: on failure it is freed and null is returned.
 OwnedText v_latin1_assert_nonempty_or_free(OwnedText latin1_text);

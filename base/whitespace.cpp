@@ -13,7 +13,7 @@ int latin1_space_length(const char *text) { return v_ascii_is_space(*text) ? 1 :
 
 int utf8_space_length(const char *text) {
   const gunichar code_point = g_utf8_get_char_validated(text, -1);
-  // What is not UTF-8 is no whitespace either.
+  // Invalid UTF-8 is not whitespace either.
   const bool is_space = code_point < 0x110000 && g_unichar_isspace(code_point);
   return is_space ? g_utf8_skip[static_cast<unsigned char>(*text)] : 0;
 }
@@ -35,7 +35,7 @@ bool is_normal_latin1(const char *text) {
   return faults == 0 && text[0] != ' ' && text[length - 1] != ' ';
 }
 
-// Writes what the rule makes of a whitespace character inside a text; returns the end of that.
+// Writes the replacement of a whitespace character inside a text; returns its end.
 char *write_space(char *out, const char *space, int length, Rule rule) {
   if (rule == Rule::strip) {
     std::memmove(out, space, static_cast<std::size_t>(length));

@@ -40,7 +40,7 @@ public:
 
   virtual bool has_name(std::string_view name) const = 0;
   // False for a processing instruction, whose target is its name and whose text is empty, and for
-  // whatever else has a name in a tree.
+  // all other kinds of nodes that have a name in a tree.
   virtual bool is_element() const = 0;
   // The first attribute of that name.
   virtual XmlText get_attribute(const char *name) const = 0;

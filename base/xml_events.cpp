@@ -325,7 +325,7 @@ constexpr off_t largest_file_reported_by_tree = 16 * 1024 * 1024;
 
 // A tree reports more where a parse fails: the faults of identifiers, for one, and what follows a
 // fault in front of the document type. So the message is replaced by the tree's. The file stays
-// refused should it be readable meanwhile.
+// rejected even if it has become readable since.
 void report_by_tree(int descriptor) {
   struct stat status;
   if (fstat(descriptor, &status) != 0 || status.st_size > largest_file_reported_by_tree) {

@@ -1,6 +1,6 @@
 #pragma once
-// What all parses have in common: the parser library's process-wide settings for the time of one
-// parse, the report that the library makes meanwhile, and what counts as a failure besides.
+// Shared by all parses: the parser library's process-wide settings during one parse, the library's
+// report, and the conditions that count as a failure although the library does not report one.
 
 #include <libxml/parser.h>
 

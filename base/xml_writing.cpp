@@ -21,8 +21,8 @@ const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar 
 
 void ignore_report(void *, const char *, ...) {}
 
-// What fails here is told by the error state; the library would print it as well. Its own record of
-// the last error is new.
+// Failures are reported by the error state; the library would print them as well. Clears the
+// library's own record of the last error.
 class SilentLibrary {
 public:
   SilentLibrary() {
@@ -118,7 +118,7 @@ OwnedXmlDoc v_xml_new_doc() {
                                   "Error when creating new empty XML tree."));
 }
 
-// In the tree from the first, which frees what is not whole.
+// The node is in the tree from the beginning, so an incomplete one is freed with the tree.
 xmlNode *v_xml_add_root_element(xmlDoc *document, const char *name) {
   return or_set_error(make_whole([&] {
                         xmlNode *root = xmlNewDocNode(document, nullptr, as_xml(name), nullptr);

@@ -46,7 +46,7 @@ bool v_xml_write_to_file(xmlDoc *document, const char *path, const char *encodin
 // (v_fs_utils_replace_file). The encoding must be one without zero bytes. False with the message of
 // v_xml_write_to_string, or with "Could not write XML data." before the reason.
 bool v_xml_replace_file(xmlDoc *document, const char *path, const char *encoding);
-// Writes behind what the stream holds already and flushes it. False with "Could not create XML
+// Writes at the stream's present position and flushes it. False with "Could not create XML
 // saving context for file." or "Could not write XML data.".
 bool v_xml_write_to_stream(xmlDoc *document, std::FILE *stream, const char *encoding);
 // The serialised document in the named encoding, which must be one without zero bytes (not UTF-16);
