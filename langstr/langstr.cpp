@@ -111,7 +111,7 @@ bool v_langstr_set_owned_translation(OwnedLangstr &langstr, OwnedText lang, Owne
   return set_translation(WalkedLangstr(langstr), std::move(lang), std::move(text));
 }
 
-// Where everything stands in a string that is changed through here alone.
+// Index of a string that is changed only through this collection.
 struct VLangstrIndex {
   explicit VLangstrIndex(VLangstr *langstr) {
     for (; langstr != nullptr; langstr = langstr->next.get()) {

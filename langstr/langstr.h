@@ -23,7 +23,7 @@ struct VLangstr {
 //  - A tagged text that the untagged translation has gives that one the tag, at its place.
 //  - Anything else is appended.
 bool v_langstr_set_translation(OwnedLangstr &langstr, const char *lang, const char *text);
-// The same for a tag and a text that are handed over.
+// The same for an owned tag and text.
 bool v_langstr_set_owned_translation(OwnedLangstr &langstr, OwnedText lang, OwnedText text);
 
 struct VLangstrIndex;
@@ -53,7 +53,7 @@ bool v_langstr_remove_lang(OwnedLangstr &langstr, const char *lang);
 bool v_langstr_is_identical(const VLangstr *a, const VLangstr *b);
 // Every translation of a is in b: a tagged one under its tag, an untagged one under any.
 bool v_langstr_is_subset(const VLangstr *a, const VLangstr *b);
-// Some text stands in both under compatible tags (equal, or one of them empty), and no tag has two
+// Some text is in both under compatible tags (equal, or one of them empty), and no tag has two
 // different texts. An empty a is not mergeable.
 bool v_langstr_is_mergeable(const VLangstr *a, const VLangstr *b);
 // Sets every translation of b in a if the two are mergeable. Returns whether a changed.

@@ -10,7 +10,7 @@
 #include "base/xml_element.h"
 #include "langstr/langstr.h"
 
-// What normalising leaves of white space inside a text: single spaces, or line feeds as they are.
+// Normalises white space inside a text to single spaces, or keeps its line feeds.
 enum class LangstrSpacing { compact, keep_lines };
 enum class LangTag { may_be_empty, required };
 

@@ -18,7 +18,7 @@ int v_supported_languages_get_index_for_tag(const char *tag);
 // The name of a tag's row, "Unknown language" when it has none.
 const char *v_supported_languages_get_name_for_tag(const char *tag);
 
-// What the user sees for a tag (UTF-8): "Swedish [sv]", and "Undefined" for the empty tag.
+// The text shown to the user for a tag (UTF-8): "Swedish [sv]", and "Undefined" for the empty tag.
 OwnedText v_supported_languages_format_language_string(const char *tag);
 // The tag of such a text; "" when it has no "[". Null with "Non-ascii byte found where not
 // allowed.", or with the unknown error for a tag that is not in the table.
