@@ -23,7 +23,7 @@ OwnedCodeset v_codeset_new();
 // A deep copy in no list.
 OwnedCodeset v_codeset_clone(const VCodeset *codeset);
 // Unlinks the codeset from the list that it must be in; it is the caller's from then on. Returns
-// the neighbour that stood before it (borrowed, perhaps the record at the list's end).
+// the former predecessor (borrowed, perhaps the record at the list's end).
 VCodeset *v_codeset_remove(VCodeset *codeset);
 // The codeset's place in its list, from 0.
 int v_codeset_get_index(const VCodeset *codeset);

@@ -15,7 +15,7 @@
 
 namespace {
 
-// What is read of a codeset while the children of the root come one by one. A fault in the name
+// The state of reading a codeset, one child of the root at a time. A fault in the name
 // takes precedence over one in the author, that over one in the version, and that over one in a
 // remark, wherever they are in the file: the first message of each is kept until the end.
 struct CodesetReading {

@@ -213,7 +213,7 @@ VRemark *v_remark_list_get_remark_for_code(const VRemarkList *list, const char *
 }
 
 void v_remark_list_copy_remarks(VRemarkList *to, const VRemarkList *from) {
-  // What is appended to the list that is being walked is not copied again.
+  // Both may be the same list: do not copy the copies.
   const VRemark *last = from->tail.prev;
   for (const VRemark *remark = &from->head; remark != last;) {
     remark = remark->next;

@@ -33,7 +33,7 @@ OwnedRemark v_remark_new();
 // A copy in no list.
 OwnedRemark v_remark_clone(const VRemark *remark);
 // Unlinks the remark from the list that it must be in; it is the caller's from then on. Returns the
-// neighbour that stood before it (borrowed, perhaps the head sentinel).
+// former predecessor (borrowed, perhaps the head sentinel).
 VRemark *v_remark_remove(VRemark *remark);
 // Does the same, and returns the remark itself with its ownership.
 OwnedRemark v_remark_take(VRemark *remark);

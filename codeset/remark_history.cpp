@@ -16,7 +16,7 @@ struct Step {
 VRemarkExchange exchange(VRemarkList *list, Step &step) {
   VRemarkExchange result;
   OwnedRemark removed;
-  // An edited remark mostly keeps its code, and so its place: what is inserted is looked for there.
+  // An edited remark mostly keeps its code and its place, so the search begins there.
   VRemark *place = list->head.next;
   int index = 0;
   if (step.listed != nullptr) {

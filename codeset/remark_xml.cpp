@@ -44,7 +44,7 @@ OwnedRemark v_xml_read_remark(const XmlElement &element) {
   OwnedRemark &remark = reading.remark;
   remark->description = std::move(reading.description.langstr);
   if (!remark->code || !remark->description) {
-    // This one message replaces whatever went wrong before.
+    // Replaces the message of any earlier failure.
     v_error_set("Missing remark content in XML data.");
     return nullptr;
   }
