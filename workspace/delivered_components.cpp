@@ -72,7 +72,7 @@ bool copy_missing_files(DIR *listing, const char *source_folder, const char *tar
   }
 }
 
-// The one layout that has become several: the old file goes, all that are missing come.
+// One layout was replaced by several: deletes the old file and installs the missing ones.
 void upgrade_standard_layout(const char *workspace_folder, const char *layouts_folder) {
   const OwnedText path = v_fs_utils_create_path_in_folder(layouts_folder, standard_layout_name);
   VFileInfo info;

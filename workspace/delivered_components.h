@@ -8,7 +8,7 @@
 // as it is.
 bool install_bundled_components(const char *workspace_folder, const char *sub_folder);
 // Deletes the files of the workspace's sub-folder, then the folder, as far as it can. Files that
-// stay are passed over in silence: what is undone here has failed before, and that message stands.
+// stay are not reported: the caller undoes a failed step, and the message of that step is kept.
 void delete_components_folder(const char *workspace_folder, const char *sub_folder);
 // Replaces the layout by the delivered one of its name when its MD5 digest (32 hexadecimal digits)
 // is the given one, which is that of an earlier delivered version: what the user has changed has

@@ -1,6 +1,6 @@
 #pragma once
 // Multilingual texts as the user wants to see them: in the first of the preferred languages that
-// they have. Stands above both the settings and the codesets.
+// they have. Uses both the settings and the codesets.
 
 #include "codeset/codeset.h"
 #include "workspace/settings.h"

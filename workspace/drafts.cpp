@@ -36,7 +36,7 @@ OwnedText find_location(const char *path) {
                      : OwnedText(g_canonicalize_filename(path, nullptr));
 }
 
-// What the names of all drafts of a codeset file begin with, and of no other's: paths may be longer
+// The prefix of the names of all drafts of a codeset file, and of no other: paths may be longer
 // than a name can be.
 std::string find_prefix(const char *codeset_path) {
   const OwnedText absolute = find_location(codeset_path);
@@ -143,7 +143,7 @@ struct Candidate {
   std::int64_t time = 0;
 };
 
-// The drafts of the codeset file, newest first, whoever holds them. Removes what a program has left
+// The drafts of the codeset file, newest first, held or not. Removes what a program has left
 // behind that ended while it wrote.
 std::vector<Candidate> list_candidates(const char *folder, const char *codeset_path) {
   std::vector<Candidate> candidates;
@@ -230,7 +230,7 @@ void v_draft_remove(VDraft *draft) {
   if (draft->path && !has_lost_its_file(draft)) {
     v_fs_utils_discard_file(draft->path.get());
   }
-  // Held until it is gone, so that no other program takes it over.
+  // Released only after it is deleted, so that no other program takes it over.
   draft->path.reset();
   draft->held.reset();
 }

@@ -1,5 +1,5 @@
 #pragma once
-// Drafts: what the user has changed in a codeset file and not saved yet, kept in
+// Drafts: unsaved changes of a codeset file, kept in
 // $XDG_STATE_HOME/vantorelle/drafts so that it outlives the program. A draft is an ordinary codeset
 // file. Its name tells the path of the codeset it belongs to, and the program that edits the
 // codeset holds it: a draft that nobody holds was left behind. Knows nothing of windows, nor of
@@ -26,13 +26,13 @@ struct VDraft {
   std::int64_t left_behind_time = 0; // when it was written, in seconds since the epoch
 };
 
-// What is on the disk stays there, and counts as left behind from then on.
+// The draft stays on the disk and counts as left behind from then on.
 void v_draft_close(VDraft *draft);
 using OwnedDraft = Owned<VDraft, v_draft_close>;
 
 // For one codeset file, which need not exist, while it is edited. The newest draft of it that was
 // left behind is taken over; older ones stay for the next time. A draft that cannot be read is set
-// aside: its name gets the ending ".unreadable", and nobody looks at it again.
+// aside: its name gets the ending ".unreadable", and it is not read again.
 OwnedDraft v_draft_open(const char *codeset_path);
 
 // Brings the draft up to date, in place of the older one. A codeset without name is given its

@@ -9,7 +9,7 @@
 
 namespace {
 
-// What a new workspace receives, in this order.
+// Sub-folders that are installed in a new workspace, in this order.
 constexpr const char *delivered_sub_folders[] = {"codesets", "layouts", "templates"};
 
 // The result of reading is ignored on purpose: a pointer file that cannot be read is as good as

@@ -1,12 +1,12 @@
 #pragma once
-// Where the workspace lies: a small file in the user's configuration folder, which all tools of the
-// suite read, and the place that is proposed to who has none yet. Paths are UTF-8.
+// The location of the workspace: a small file in the user's configuration folder, which all tools
+// of the suite read, and the default place for a new workspace. Paths are UTF-8.
 
 #include "base/owned.h"
 
-// Where the pointer file lies or will lie. With FolderCreation::yes its folder is made, missing
-// parents included. Null with "Error locating user config dir." or "Error creating/accessing
-// directory for settings in user config dir.".
+// The path of the pointer file, which need not exist. With FolderCreation::yes its folder is made,
+// missing parents included. Null with "Error locating user config dir." or "Error
+// creating/accessing directory for settings in user config dir.".
 enum class FolderCreation { no, yes };
 OwnedText get_workspace_pointer_file_path(FolderCreation creation);
 
@@ -16,7 +16,7 @@ bool v_workspace_get_saved_folder_path(OwnedText &path);
 // Saves the folder; null removes the pointer file. False with a message, and what was saved before
 // stays.
 bool v_workspace_save_folder_path(const char *path);
-// What a workspace is called unless its owner wants another name.
+// The default name of a workspace folder.
 inline constexpr const char *v_workspace_default_folder_name = "Vantorelle Workspace";
 // The folder of that name in the home folder; null when the home folder cannot be had.
 OwnedText v_workspace_get_default_folder_path();
