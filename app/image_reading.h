@@ -2,7 +2,7 @@
 // Encoded images in a zip archive, turned into image objects.
 
 #include "app/image.h"
-#include "gui/file_types.h"
+#include "base/file_types.h"
 
 struct zip;
 

@@ -10,9 +10,9 @@
 #include "app/resources.h"
 #include "app/temp_files.h"
 #include "base/error.h"
+#include "base/file_types.h"
 #include "base/fs_utils.h"
 #include "base/platform.h"
-#include "gui/file_types.h"
 
 namespace {
 

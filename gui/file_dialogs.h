@@ -10,8 +10,8 @@
 
 #include <gtk/gtk.h>
 
+#include "base/file_types.h"
 #include "base/owned.h"
-#include "gui/file_types.h"
 #include "gui/window_stack.h"
 
 enum class FileDialogAction { open, save, select_folder };

@@ -2,8 +2,8 @@
 // The kind of files that the component manager and its two helper windows deal with: the name of
 // their folder, their file name extension, and a function that gives the display text of a file.
 
+#include "base/file_types.h"
 #include "base/owned.h"
-#include "gui/file_types.h"
 
 // The display text (UTF-8) of the file at the path (UTF-8); null when the file is not compatible
 // with this version of the program. The path need not be that of a file.

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "app/image.h"
-#include "gui/file_types.h"
+#include "base/file_types.h"
 
 // Reads the bytes as an entry of that type, and requires a proper image, or a message. Null when
 // they are no picture.

@@ -1,4 +1,4 @@
-#include "gui/file_types.h"
+#include "base/file_types.h"
 
 #include <cstddef>
 #include <iterator>
