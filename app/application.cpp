@@ -4,12 +4,12 @@
 #include <libxslt/xslt.h>
 #include <pango/pangocairo.h>
 
-#include "app/resources.h"
 #include "app/startup.h"
 #include "base/error.h"
 #include "gui/file_dialogs.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
+#include "images/resources.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "app/application_menu.h"
-#include "app/sibling_tools.h"
 #include "gui/message_dialogs.h"
+#include "suite/sibling_tools.h"
 
 void macos_menu_item_activate_callback(GtkMenuItem *, void *) {
   if (!v_exe_launch_workspace_tool()) {

@@ -7,12 +7,12 @@
 #include FT_FREETYPE_H
 
 #include "app/application_menu.h"
-#include "app/resources.h"
-#include "app/temp_files.h"
 #include "base/error.h"
 #include "base/file_types.h"
 #include "base/fs_utils.h"
 #include "base/platform.h"
+#include "images/resources.h"
+#include "suite/temp_files.h"
 
 namespace {
 

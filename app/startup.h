@@ -5,7 +5,7 @@
 #include <cairo.h>
 #include <gtk/gtk.h>
 
-#include "app/image.h"
+#include "images/image.h"
 
 // All steps in their order; the first failure ends it.
 bool v_startup_run(GtkApplication *application);

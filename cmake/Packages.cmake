@@ -7,6 +7,7 @@ pkg_check_modules(LIBZIP REQUIRED IMPORTED_TARGET libzip)
 pkg_check_modules(LIBPNG REQUIRED IMPORTED_TARGET libpng)
 pkg_check_modules(LIBJPEG REQUIRED IMPORTED_TARGET libjpeg)
 pkg_check_modules(LIBRSVG REQUIRED IMPORTED_TARGET librsvg-2.0)
+pkg_check_modules(GOBJECT REQUIRED IMPORTED_TARGET gobject-2.0)
 pkg_check_modules(GMODULE REQUIRED IMPORTED_TARGET gmodule-no-export-2.0)
 pkg_check_modules(FREETYPE REQUIRED IMPORTED_TARGET freetype2)
 pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo cairo-ft)
@@ -16,7 +17,7 @@ if(APPLE)
   pkg_check_modules(GTK_MAC_INTEGRATION REQUIRED IMPORTED_TARGET gtk-mac-integration-gtk3)
 endif()
 
-# librsvg is loaded at run time (app/svg_library.h); only its headers are compiled against. The size
+# librsvg is loaded at run time (images/svg_library.h); only its headers are compiled against. The size
 # with its fractions and without a viewport comes from the older of its two interfaces.
 add_library(vantorelle_svg_headers INTERFACE)
 target_compile_definitions(vantorelle_svg_headers INTERFACE RSVG_DISABLE_DEPRECATION_WARNINGS)

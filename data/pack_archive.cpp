@@ -1,5 +1,5 @@
 // Packs files into a zip archive and writes it as a C++ source that defines what
-// app/resources_archive.h declares:
+// images/resources_archive.h declares:
 //
 //   pack_archive OUTPUT (ENTRY FILE)...
 //
@@ -68,7 +68,7 @@ void write_bytes(std::FILE *output, zip_source_t *packed) {
   unsigned char line[16];
   unsigned long long length = 0;
   zip_int64_t count = 0;
-  std::fputs("#include \"app/resources_archive.h\"\n\n"
+  std::fputs("#include \"images/resources_archive.h\"\n\n"
              "const unsigned char v_resources_archive_data[] = {\n",
              output);
   while ((count = zip_source_read(packed, line, sizeof line)) > 0) {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "app/temp_files.h"
 #include "faults/promises.h"
+#include "suite/temp_files.h"
 
 namespace {
 

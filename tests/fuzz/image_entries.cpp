@@ -4,8 +4,8 @@
 
 #include <zip.h>
 
-#include "app/image_reading.h"
 #include "fuzz/fuzzing.h"
+#include "images/image_reading.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "app/image.h"
 #include "base/file_types.h"
+#include "images/image.h"
 
 // Reads the bytes as an entry of that type, and requires a proper image, or a message. Null when
 // they are no picture.

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "app/png_decoding.h"
 #include "fuzz/fuzzing.h"
 #include "fuzz/image_entries.h"
+#include "images/png_decoding.h"
 
 namespace {
 

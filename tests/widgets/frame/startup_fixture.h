@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "app/resources.h"
 #include "app/startup.h"
 #include "base/error.h"
+#include "images/resources.h"
 #include "system_folders.h"
 
 class StartupFixture : public testing::Test {

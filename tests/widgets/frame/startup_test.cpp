@@ -5,8 +5,8 @@
 #include <cairo-ft.h>
 #include <gtest/gtest.h>
 
-#include "app/resources.h"
 #include "base/error.h"
+#include "images/resources.h"
 #include "startup_fixture.h"
 #include "support/fake_platform.h"
 #include "support/files.h"

@@ -8,11 +8,10 @@
 #include <librsvg/rsvg.h>
 
 #include "base/owned.h"
-#include "gui/owned_objects.h"
 
 using OwnedSurface = Owned<cairo_surface_t, cairo_surface_destroy>;
 using OwnedPattern = Owned<cairo_pattern_t, cairo_pattern_destroy>;
-using OwnedSvg = OwnedObject<RsvgHandle>;
+using OwnedSvg = Owned<RsvgHandle, g_object_unref>;
 // One native-order word 0xAARRGGBB per pixel, row after row without gaps.
 using OwnedPixels = Owned<std::uint32_t, g_free>;
 

@@ -1,4 +1,4 @@
-#include "app/jpeg_decoding.h"
+#include "images/jpeg_decoding.h"
 
 #include <algorithm>
 #include <csetjmp>

@@ -1,4 +1,4 @@
-#include "app/resources.h"
+#include "images/resources.h"
 
 #include <set>
 #include <string>
@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 #include <zip.h>
 
-#include "app/resources_archive.h"
 #include "base/error.h"
 #include "base/xml_reading.h"
+#include "images/resources_archive.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "app/temp_files.h"
+#include "suite/temp_files.h"
 
 #include <csignal>
 #include <cstdio>

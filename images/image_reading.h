@@ -1,8 +1,8 @@
 #pragma once
 // Encoded images in a zip archive, turned into image objects.
 
-#include "app/image.h"
 #include "base/file_types.h"
+#include "images/image.h"
 
 struct zip;
 

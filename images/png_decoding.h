@@ -4,8 +4,8 @@
 
 #include <cstddef>
 
-#include "app/image.h"
 #include "base/streams.h"
+#include "images/image.h"
 
 enum class VPngAlphaMode {
   on_white = 0, // the picture is laid on white, no alpha remains

@@ -1,4 +1,4 @@
-#include "app/svg_library.h"
+#include "images/svg_library.h"
 
 #include <gmodule.h>
 

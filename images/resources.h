@@ -1,9 +1,9 @@
 #pragma once
 // The images and documents that travel inside the program.
 
-#include "app/image.h"
 #include "base/file_types.h"
 #include "base/owned.h"
+#include "images/image.h"
 
 // Opens the archive; to be done before anything is loaded. False with the archive layer's message.
 bool v_resources_open();

@@ -1,4 +1,4 @@
-#include "app/image.h"
+#include "images/image.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -10,10 +10,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/image_reading.h"
 #include "base/error.h"
 #include "encoded_images.h"
 #include "handover.h"
+#include "images/image_reading.h"
 
 // The sanitizers end the process for a block that no system can give, unless they are told to
 // answer as the system does.

@@ -1,4 +1,4 @@
-#include "app/sibling_tools.h"
+#include "suite/sibling_tools.h"
 
 #include <cstdio>
 #include <string>

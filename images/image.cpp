@@ -1,9 +1,9 @@
-#include "app/image.h"
+#include "images/image.h"
 
 #include <utility>
 
-#include "app/svg_library.h"
 #include "base/error.h"
+#include "images/svg_library.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
-#include "app/image_reading.h"
+#include "images/image_reading.h"
 
 #include <utility>
 
-#include "app/jpeg_decoding.h"
-#include "app/png_decoding.h"
-#include "app/svg_library.h"
 #include "base/error.h"
 #include "base/streams.h"
+#include "images/jpeg_decoding.h"
+#include "images/png_decoding.h"
+#include "images/svg_library.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "app/png_decoding.h"
+#include "images/png_decoding.h"
 
 #include <csetjmp>
 

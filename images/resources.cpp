@@ -1,12 +1,12 @@
-#include "app/resources.h"
+#include "images/resources.h"
 
 #include <zip.h>
 
-#include "app/image_reading.h"
-#include "app/resources_archive.h"
 #include "base/error.h"
 #include "base/streams.h"
 #include "base/xml_reading.h"
+#include "images/image_reading.h"
+#include "images/resources_archive.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 // JPEG data to pixels.
 
-#include "app/image.h"
 #include "base/streams.h"
+#include "images/image.h"
 
 // Decodes the stream's data into pixels 0x00RRGGBB: the top byte is 0, the picture is to be used as
 // an opaque one. Fills width and height (pixels). Null with "Failed decompressing JPEG image."
