@@ -3,7 +3,7 @@
 #include "app/user_session.h"
 #include "codeset/codeset_io.h"
 #include "gui/components/main_window.h"
-#include "gui/editing/shared_checkers.h"
+#include "gui/editing/spell_checker_cache.h"
 #include "workspace/display_text.h"
 
 void run(int, char **) {
@@ -14,7 +14,7 @@ void run(int, char **) {
     run_main_window(&context);
     v_user_session_end(std::move(workspace));
   }
-  v_shared_checkers_clean_up();
+  v_spell_checker_cache_clean_up();
 }
 
 void run_main_window(RunContext *context) {

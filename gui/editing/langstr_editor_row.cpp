@@ -6,7 +6,7 @@
 #include "base/error.h"
 #include "gui/accessibility.h"
 #include "gui/editing/editing_widgets.h"
-#include "gui/editing/shared_checkers.h"
+#include "gui/editing/spell_checker_cache.h"
 #include "gui/screen_area.h"
 #include "gui/widgets.h"
 #include "langstr/spelling_dictionaries.h"
@@ -83,7 +83,7 @@ const GspellLanguage *find_spelling_language(const char *tag) {
 // Checks the row in the language, or not at all for null. Setting the checker first keeps gspell
 // from loading the default language's dictionary for the field.
 void set_spelling_language(LangstrEditorRow *row, const GspellLanguage *language) {
-  kind_of(row).set_checker(row->text_field.get(), v_shared_checkers_get(language));
+  kind_of(row).set_checker(row->text_field.get(), v_spell_checker_cache_get(language));
   kind_of(row).set_inline_checking(row->text_field.get(), language != nullptr);
   row->spelling_language = language;
   row->has_own_checker = false;

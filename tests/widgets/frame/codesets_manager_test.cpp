@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "gui/editing/shared_checkers.h"
+#include "gui/editing/spell_checker_cache.h"
 #include "session_fixture.h"
 
 using testing::ElementsAre;
@@ -113,7 +113,7 @@ TEST_F(CodesetsManager, EditsTheChosenCodeset) {
 // The libraries behind a checker end before the program's own objects do.
 TEST_F(CodesetsManager, LeavesNoSpellCheckerBehind) {
   use_workspace();
-  GspellChecker *checker = v_shared_checkers_get(nullptr);
+  GspellChecker *checker = v_spell_checker_cache_get(nullptr);
   g_object_add_weak_pointer(G_OBJECT(checker), reinterpret_cast<void **>(&checker));
   on(main_title, [&checker] { EXPECT_NE(checker, nullptr); });
   script.close(main_title);

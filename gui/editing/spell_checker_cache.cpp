@@ -1,4 +1,4 @@
-#include "gui/editing/shared_checkers.h"
+#include "gui/editing/spell_checker_cache.h"
 
 #include <algorithm>
 #include <vector>
@@ -12,7 +12,7 @@ std::vector<OwnedObject<GspellChecker>> checkers;
 
 } // namespace
 
-GspellChecker *v_shared_checkers_get(const GspellLanguage *language) {
+GspellChecker *v_spell_checker_cache_get(const GspellLanguage *language) {
   const GspellLanguage *wanted = language == nullptr ? gspell_language_get_default() : language;
   const auto has_wanted_language = [wanted](const OwnedObject<GspellChecker> &checker) {
     return gspell_checker_get_language(checker.get()) == wanted;
@@ -24,4 +24,4 @@ GspellChecker *v_shared_checkers_get(const GspellLanguage *language) {
   return checkers.emplace_back(take(gspell_checker_new(language))).get();
 }
 
-void v_shared_checkers_clean_up() { checkers.clear(); }
+void v_spell_checker_cache_clean_up() { checkers.clear(); }
