@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "component_fixture.h"
-#include "support/layout.h"
+#include "support/gui/layout.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;

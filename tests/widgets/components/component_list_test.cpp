@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "component_fixture.h"
+#include "support/gui/layout.h"
 
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;

@@ -9,7 +9,7 @@
 
 #include "component_fixture.h"
 #include "gui/file_dialogs.h"
-#include "support/layout.h"
+#include "support/gui/layout.h"
 
 using testing::Contains;
 using testing::ElementsAre;

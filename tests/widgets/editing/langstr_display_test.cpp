@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "base/owned.h"
+#include "support/gui/layout.h"
 #include "support/gui_driver.h"
 
 namespace {

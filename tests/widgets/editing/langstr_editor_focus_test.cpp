@@ -110,11 +110,11 @@ TEST_F(LangstrEditorFocusTest, IsPassedThroughByTab) {
   gtk_widget_grab_focus(host.before());
   const std::vector<GtkWidget *> stations = {field(0), field(1), host.after()};
   for (GtkWidget *station : stations) {
-    host.press_key(GDK_KEY_Tab);
+    press_key(GDK_KEY_Tab);
     EXPECT_EQ(host.focus(), station);
   }
   for (GtkWidget *station : {field(1), field(0), host.before()}) {
-    host.press_key(GDK_KEY_ISO_Left_Tab, GDK_SHIFT_MASK);
+    press_key(GDK_KEY_ISO_Left_Tab, GDK_SHIFT_MASK);
     EXPECT_EQ(host.focus(), station);
   }
 }
@@ -124,11 +124,11 @@ TEST_F(LangstrEditorFocusTest, IsPassedThroughByArrows) {
   const ShownWindow host(widget);
   gtk_widget_grab_focus(host.before());
   for (GtkWidget *station : {field(0), field(1), host.after()}) {
-    host.press_key(GDK_KEY_Down);
+    press_key(GDK_KEY_Down);
     EXPECT_EQ(host.focus(), station);
   }
   for (GtkWidget *station : {field(1), field(0), host.before()}) {
-    host.press_key(GDK_KEY_Up);
+    press_key(GDK_KEY_Up);
     EXPECT_EQ(host.focus(), station);
   }
 }
@@ -162,7 +162,7 @@ TEST_F(LangstrEditorFocusTest, GoesToTheFieldOfANewRow) {
       click(plus_button());
       EXPECT_EQ(host.focus(), field(row));
     }
-    host.press_key(GDK_KEY_x);
+    press_key(GDK_KEY_x);
     EXPECT_EQ(shown_text(3), "x");
     gtk_widget_destroy(widget);
     g_object_unref(std::exchange(widget, nullptr));

@@ -478,10 +478,10 @@ TEST_F(LangstrEditorTest, AnswersRealClicks) {
   make({{"sv", "a"}});
   const ShownWindow host(widget);
   gtk_widget_grab_focus(plus_button());
-  host.press_key(GDK_KEY_space);
+  press_key(GDK_KEY_space);
   EXPECT_TRUE(wait_until([this] { return row_count() == 2; }));
   gtk_widget_grab_focus(delete_button(0));
-  host.press_key(GDK_KEY_Return);
+  press_key(GDK_KEY_Return);
   EXPECT_TRUE(wait_until([this] { return row_count() == 1; }));
   EXPECT_EQ(shown_language(0), british);
 }

@@ -4,22 +4,6 @@
 
 #include "support/gui_driver.h"
 
-namespace {
-
-guint16 find_keycode(guint keyval) {
-  GdkKeymapKey *keys = nullptr;
-  int count = 0;
-  GdkKeymap *keymap = gdk_keymap_get_for_display(gdk_display_get_default());
-  if (!gdk_keymap_get_entries_for_keyval(keymap, keyval, &keys, &count) || count == 0) {
-    return 0;
-  }
-  const auto keycode = static_cast<guint16>(keys[0].keycode);
-  g_free(keys);
-  return keycode;
-}
-
-} // namespace
-
 ShownWindow::ShownWindow(GtkWidget *widget)
     : toplevel(gtk_window_new(GTK_WINDOW_TOPLEVEL)), above(gtk_button_new_with_label("above")),
       below(gtk_button_new_with_label("below")) {
@@ -40,22 +24,6 @@ ShownWindow::~ShownWindow() {
   if (toplevel != nullptr) {
     g_object_remove_weak_pointer(G_OBJECT(toplevel), reinterpret_cast<gpointer *>(&toplevel));
     gtk_widget_destroy(toplevel);
-  }
-}
-
-void ShownWindow::press_key(guint keyval, GdkModifierType modifiers) const {
-  for (const GdkEventType type : {GDK_KEY_PRESS, GDK_KEY_RELEASE}) {
-    GdkEvent *event = gdk_event_new(type);
-    event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(toplevel)));
-    event->key.send_event = TRUE;
-    event->key.time = GDK_CURRENT_TIME;
-    event->key.state = modifiers;
-    event->key.keyval = keyval;
-    event->key.hardware_keycode = find_keycode(keyval);
-    GdkSeat *seat = gdk_display_get_default_seat(gdk_display_get_default());
-    gdk_event_set_device(event, gdk_seat_get_keyboard(seat));
-    gtk_main_do_event(event);
-    gdk_event_free(event);
   }
 }
 

@@ -16,8 +16,6 @@ public:
   GtkWidget *before() const { return above; }
   GtkWidget *after() const { return below; }
   GtkWidget *focus() const { return gtk_window_get_focus(window()); }
-  // As from the keyboard, to whatever has the focus.
-  void press_key(guint keyval, GdkModifierType modifiers = GdkModifierType{}) const;
 
 private:
   GtkWidget *toplevel = nullptr;

@@ -6,6 +6,7 @@
 
 #include "faults.h"
 #include "shown_window.h"
+#include "support/gui_driver.h"
 
 namespace {
 
@@ -92,15 +93,15 @@ TEST_F(SpacifyingEntryTest, RepairsWhatIsTyped) {
   const ShownWindow host(widget);
   gtk_widget_grab_focus(widget);
   for (const int key : {GDK_KEY_a, GDK_KEY_space, GDK_KEY_aring}) {
-    host.press_key(static_cast<guint>(key));
+    press_key(static_cast<guint>(key));
   }
   EXPECT_EQ(shown(), "a \u00E5");
   EXPECT_EQ(take_beep_count(), 0);
-  host.press_key(GDK_KEY_nobreakspace);
+  press_key(GDK_KEY_nobreakspace);
   EXPECT_EQ(shown(), "a \u00E5 ");
   EXPECT_EQ(take_beep_count(), 1);
-  host.press_key(GDK_KEY_EuroSign);
-  host.press_key(GDK_KEY_b);
+  press_key(GDK_KEY_EuroSign);
+  press_key(GDK_KEY_b);
   EXPECT_EQ(shown(), "a \u00E5 b");
   EXPECT_EQ(take_beep_count(), 1);
 }

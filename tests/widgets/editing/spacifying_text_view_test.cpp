@@ -6,6 +6,7 @@
 
 #include "faults.h"
 #include "shown_window.h"
+#include "support/gui_driver.h"
 
 namespace {
 
@@ -123,12 +124,12 @@ TEST_F(SpacifyingTextViewTest, RepairsWhatTheProgramSetWhenItIsRead) {
 TEST_F(SpacifyingTextViewTest, LeavesTabToTheWindow) {
   const ShownWindow host(widget);
   gtk_widget_grab_focus(widget);
-  host.press_key(GDK_KEY_Tab);
+  press_key(GDK_KEY_Tab);
   EXPECT_EQ(host.focus(), host.after());
   gtk_widget_grab_focus(widget);
   EXPECT_FALSE(takes_key(GDK_KEY_KP_Tab));
   gtk_widget_grab_focus(widget);
-  host.press_key(GDK_KEY_ISO_Left_Tab, GDK_SHIFT_MASK);
+  press_key(GDK_KEY_ISO_Left_Tab, GDK_SHIFT_MASK);
   EXPECT_EQ(host.focus(), host.before());
   EXPECT_EQ(shown(), "");
   EXPECT_EQ(take_beep_count(), 0);
@@ -138,11 +139,11 @@ TEST_F(SpacifyingTextViewTest, HasAllOtherKeysForItself) {
   const ShownWindow host(widget);
   gtk_widget_grab_focus(widget);
   for (const int key : {GDK_KEY_a, GDK_KEY_Return, GDK_KEY_b, GDK_KEY_Left, GDK_KEY_c}) {
-    host.press_key(static_cast<guint>(key));
+    press_key(static_cast<guint>(key));
   }
   EXPECT_EQ(shown(), "a\ncb");
   EXPECT_EQ(take_beep_count(), 0);
-  host.press_key(GDK_KEY_EuroSign);
+  press_key(GDK_KEY_EuroSign);
   EXPECT_EQ(shown(), "a\ncb");
   EXPECT_EQ(take_beep_count(), 1);
 }

@@ -7,7 +7,7 @@
 #include "base/error.h"
 #include "base/text_encoding.h"
 #include "faults.h"
-#include "support/layout.h"
+#include "support/gui/layout.h"
 #include "window_fixture.h"
 
 using testing::ElementsAre;

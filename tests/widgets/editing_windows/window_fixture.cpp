@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "gui/owned_objects.h"
-
 namespace {
 
 guint top_attach(GtkWidget *widget) {
@@ -27,18 +25,6 @@ std::vector<T *> table_column(GtkWidget *root, GType type) {
   return column;
 }
 
-// Accelerators are looked up by the key of the keyboard.
-guint16 find_hardware_keycode(guint keyval) {
-  GdkKeymap *keymap = gdk_keymap_get_for_display(gdk_display_get_default());
-  GdkKeymapKey *keys = nullptr;
-  int count = 0;
-  if (!gdk_keymap_get_entries_for_keyval(keymap, keyval, &keys, &count)) {
-    return 0;
-  }
-  const Owned<void, g_free> owned_keys(keys);
-  return static_cast<guint16>(keys[0].keycode);
-}
-
 } // namespace
 
 WindowFixture::WindowFixture() {
@@ -59,23 +45,6 @@ bool is_on_top(const std::string &title) {
 
 bool is_sensitive(const std::string &button_label) {
   return gtk_widget_is_sensitive(GTK_WIDGET(find_button(GTK_WIDGET(top_window()), button_label)));
-}
-
-void press_key(guint keyval, int modifiers) {
-  GdkSeat *seat = gdk_display_get_default_seat(gdk_display_get_default());
-  // The key may destroy its window before it is released.
-  const OwnedObject<GdkWindow> pressed_in = share(gtk_widget_get_window(GTK_WIDGET(top_window())));
-  for (const GdkEventType type : {GDK_KEY_PRESS, GDK_KEY_RELEASE}) {
-    const Owned<GdkEvent, gdk_event_free> event(gdk_event_new(type));
-    event->key.window = share(pressed_in.get()).release();
-    event->key.send_event = TRUE;
-    event->key.time = GDK_CURRENT_TIME;
-    event->key.keyval = keyval;
-    event->key.state = static_cast<guint>(modifiers);
-    event->key.hardware_keycode = find_hardware_keycode(keyval);
-    gdk_event_set_device(event.get(), gdk_seat_get_keyboard(seat));
-    gtk_main_do_event(event.get());
-  }
 }
 
 std::vector<GtkEntry *> rows_of(GtkWidget *root) {

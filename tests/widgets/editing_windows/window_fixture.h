@@ -30,8 +30,6 @@ protected:
 
 bool is_on_top(const std::string &title);
 bool is_sensitive(const std::string &button_label);
-// Presses and releases the key in the top window. modifiers: those that are held meanwhile.
-void press_key(guint keyval, int modifiers = 0);
 
 // The fields and language choices of the editor at or below the widget, from top to bottom.
 std::vector<GtkEntry *> rows_of(GtkWidget *root);

@@ -6,7 +6,7 @@
 
 #include "gui/owned_objects.h"
 #include "gui/widgets.h"
-#include "toolkit.h"
+#include "support/gui_driver.h"
 
 namespace {
 
@@ -26,12 +26,7 @@ private:
 
 // One press of a key, without a turn of the main loop.
 void deliver_key(GtkWidget *window, guint key) {
-  const Owned<GdkEvent, gdk_event_free> event(gdk_event_new(GDK_KEY_PRESS));
-  event->key.window = share(gtk_widget_get_window(window)).release();
-  event->key.keyval = key;
-  gdk_event_set_device(event.get(), gdk_seat_get_keyboard(gdk_display_get_default_seat(
-                                        gtk_widget_get_display(window))));
-  gtk_widget_event(window, event.get());
+  gtk_widget_event(window, make_key_event(window, GDK_KEY_PRESS, key).get());
 }
 
 // A shown window that Escape closes.
@@ -68,7 +63,7 @@ TEST(Accessibility, EscapePressedAgainBeforeTheWindowHasClosedDoesNoHarm) {
   deliver_key(window.get(), GDK_KEY_Escape);
   window.reset();
   EXPECT_TRUE(wait_until([&observed] { return observed == nullptr; }));
-  run_for(50);
+  EXPECT_TRUE(holds_for(50, [&observed] { return observed == nullptr; }));
 }
 
 TEST(Accessibility, EscapeAsksWhoeverMayKeepTheWindow) {
@@ -105,9 +100,10 @@ TEST(Accessibility, EscapeAnswersADialogAtOnce) {
                    &responses);
   g_signal_emit_by_name(dialog, "close");
   g_signal_emit_by_name(dialog, "close");
-  EXPECT_EQ(responses, (std::vector<int>{GTK_RESPONSE_DELETE_EVENT, GTK_RESPONSE_DELETE_EVENT}));
+  const std::vector<int> two_responses = {GTK_RESPONSE_DELETE_EVENT, GTK_RESPONSE_DELETE_EVENT};
+  EXPECT_EQ(responses, two_responses);
   gtk_widget_destroy(GTK_WIDGET(dialog));
-  run_for(50);
+  EXPECT_TRUE(holds_for(50, [&] { return responses == two_responses; }));
 }
 
 TEST(Accessibility, NamesAndDescriptionsAreSpoken) {

@@ -8,7 +8,7 @@
 
 #include "gui/owned_objects.h"
 #include "support/files.h"
-#include "widgets/gui/toolkit.h"
+#include "support/gui_driver.h"
 
 namespace {
 
@@ -196,24 +196,42 @@ void accept(GtkDialog *dialog) {
   }
 }
 
+std::string get_current_folder(GtkFileChooser *chooser) {
+  const OwnedText name(gtk_file_chooser_get_current_folder(chooser));
+  return name ? name.get() : "";
+}
+
+std::vector<std::string> list_chosen(GtkFileChooser *chooser) {
+  std::vector<std::string> paths;
+  GSList *names = gtk_file_chooser_get_filenames(chooser);
+  for (GSList *item = names; item != nullptr; item = item->next) {
+    paths.emplace_back(static_cast<const char *>(item->data));
+  }
+  g_slist_free_full(names, g_free);
+  return paths;
+}
+
 void enter_folder(GtkFileChooser *chooser, const std::string &path) {
   gtk_file_chooser_set_current_folder(chooser, path.c_str());
-  run_for(200);
+  EXPECT_TRUE(wait_until([&] { return get_current_folder(chooser) == path; })) << path;
 }
 
 // Chooses a file or folder as a click on it would, then accepts.
 void choose(GtkDialog *dialog, const std::string &path) {
   enter_folder(as_chooser(dialog), std::filesystem::path(path).parent_path());
   gtk_file_chooser_select_filename(as_chooser(dialog), path.c_str());
-  run_for(200);
+  EXPECT_TRUE(wait_until([&] { return list_chosen(as_chooser(dialog)) == std::vector{path}; }))
+      << path;
   accept(dialog);
 }
 
-// Chooses everything in a folder, then accepts.
-void choose_all(GtkDialog *dialog, const std::string &path) {
+// Chooses everything that a folder shows, which is so many files once it is loaded, then accepts.
+void choose_all(GtkDialog *dialog, const std::string &path, std::size_t count) {
   enter_folder(as_chooser(dialog), path);
-  gtk_file_chooser_select_all(as_chooser(dialog));
-  run_for(200);
+  EXPECT_TRUE(wait_until([&] {
+    gtk_file_chooser_select_all(as_chooser(dialog));
+    return list_chosen(as_chooser(dialog)).size() == count;
+  })) << path;
   accept(dialog);
 }
 
@@ -222,29 +240,37 @@ void save_as(GtkDialog *dialog, const std::string &folder, const char *name) {
   GtkFileChooser *chooser = as_chooser(dialog);
   enter_folder(chooser, folder);
   gtk_file_chooser_set_current_name(chooser, name);
-  run_for(50);
+  EXPECT_TRUE(wait_until([&] { return list_chosen(chooser) == std::vector{folder + "/" + name}; }))
+      << name;
   accept(dialog);
-}
-
-std::string get_current_folder(GtkFileChooser *chooser) {
-  const OwnedText name(gtk_file_chooser_get_current_folder(chooser));
-  return name ? name.get() : "";
 }
 
 void cancel(GtkDialog *dialog) { gtk_dialog_response(dialog, GTK_RESPONSE_CANCEL); }
 
-// The folder in which a new dialog starts.
-std::string see_start_folder(FileDialogAction action, const Types &types) {
-  std::string start;
+// Looks at the chooser of a new dialog, and cancels the dialog.
+void look_at_new_dialog(FileDialogAction action, const Types &types,
+                        const std::function<void(GtkFileChooser *)> &look) {
   when_dialog_shows([&](GtkDialog *dialog) {
-    run_for(200);
-    start = get_current_folder(as_chooser(dialog));
+    look(as_chooser(dialog));
     cancel(dialog);
   });
   EXPECT_TRUE(run_file_dialog(nullptr, action, SelectMultiple::no, "Title", nullptr, nullptr,
                               types.data(), static_cast<int>(types.size()))
                   .empty());
-  return start;
+}
+
+void expect_start_in(const std::string &folder, FileDialogAction action, const Types &types) {
+  look_at_new_dialog(action, types, [&](GtkFileChooser *chooser) {
+    EXPECT_TRUE(wait_until([&] { return get_current_folder(chooser) == folder; }))
+        << folder << " instead of " << get_current_folder(chooser);
+  });
+}
+
+void expect_start_elsewhere(const std::string &folder, FileDialogAction action,
+                            const Types &types) {
+  look_at_new_dialog(action, types, [&](GtkFileChooser *chooser) {
+    EXPECT_TRUE(holds_for(200, [&] { return get_current_folder(chooser) != folder; })) << folder;
+  });
 }
 
 OwnedText save(const std::string &target_folder, const char *name, VFileType file_type) {
@@ -332,12 +358,8 @@ TEST_F(FileDialogs, ReturnSeveralFilesInTheChoosersOrder) {
   const Types types = {VFileType::png};
   std::vector<std::string> order;
   when_dialog_shows([&](GtkDialog *dialog) {
-    choose_all(dialog, folder.path());
-    GSList *names = gtk_file_chooser_get_filenames(as_chooser(dialog));
-    for (GSList *item = names; item != nullptr; item = item->next) {
-      order.emplace_back(static_cast<const char *>(item->data));
-    }
-    g_slist_free_full(names, g_free);
+    choose_all(dialog, folder.path(), 3);
+    order = list_chosen(as_chooser(dialog));
   });
   std::vector<std::string> paths;
   for (const OwnedText &path : run_file_dialog(nullptr, FileDialogAction::open, SelectMultiple::yes,
@@ -358,9 +380,10 @@ TEST_F(FileDialogs, ANameThatIsNoUtf8CountsAsNotChosen) {
   EXPECT_TRUE(run_file_dialog(nullptr, FileDialogAction::open, SelectMultiple::no, "Title", nullptr,
                               nullptr, types.data(), 1)
                   .empty());
-  EXPECT_NE(see_start_folder(FileDialogAction::open, types), folder / "broken");
+  expect_start_elsewhere(folder / "broken", FileDialogAction::open, types);
 
-  when_dialog_shows([&](GtkDialog *dialog) { choose_all(dialog, folder / "broken"); });
+  // The filter hides the name that cannot be shown.
+  when_dialog_shows([&](GtkDialog *dialog) { choose_all(dialog, folder / "broken", 1); });
   const std::vector<OwnedText> paths =
       run_file_dialog(nullptr, FileDialogAction::open, SelectMultiple::yes, "Title", nullptr,
                       nullptr, types.data(), 1);
@@ -373,22 +396,20 @@ TEST_F(FileDialogs, RememberTheFolderForEachCombinationOfTypes) {
   make_folder(folder / "a/bé");
   const std::string remembered = folder / "a/bé";
   ASSERT_TRUE(save(remembered, "c.codeset", VFileType::remark_codeset));
-  EXPECT_EQ(see_start_folder(FileDialogAction::save, {VFileType::remark_codeset}), remembered);
-  EXPECT_EQ(see_start_folder(FileDialogAction::open, {VFileType::remark_codeset}), remembered);
+  expect_start_in(remembered, FileDialogAction::save, {VFileType::remark_codeset});
+  expect_start_in(remembered, FileDialogAction::open, {VFileType::remark_codeset});
   for (const Types &others :
        {Types{VFileType::png}, Types{VFileType::remark_codeset, VFileType::png}, Types{}}) {
-    EXPECT_NE(see_start_folder(FileDialogAction::open, others), remembered);
+    expect_start_elsewhere(remembered, FileDialogAction::open, others);
   }
   // Two types share a folder only in the same order.
   write_file(folder / "a/x.png", "");
   when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, folder / "a/x.png"); });
   ASSERT_TRUE(v_file_dialog_get_file_path_for_reading(nullptr, "Title", nullptr, VFileType::jpeg,
                                                       VFileType::png));
-  EXPECT_EQ(see_start_folder(FileDialogAction::save, {VFileType::jpeg, VFileType::png}),
-            folder / "a");
-  EXPECT_NE(see_start_folder(FileDialogAction::save, {VFileType::png, VFileType::jpeg}),
-            folder / "a");
-  EXPECT_EQ(see_start_folder(FileDialogAction::save, {VFileType::remark_codeset}), remembered);
+  expect_start_in(folder / "a", FileDialogAction::save, {VFileType::jpeg, VFileType::png});
+  expect_start_elsewhere(folder / "a", FileDialogAction::save, {VFileType::png, VFileType::jpeg});
+  expect_start_in(remembered, FileDialogAction::save, {VFileType::remark_codeset});
 }
 
 TEST_F(FileDialogs, RememberAFolderUnderTheNamesOfTheTypes) {
@@ -420,11 +441,11 @@ TEST_F(FileDialogs, StartInTheDocumentsFolderUntilThereIsOneToRemember) {
   make_folder(folder / "used");
   set_documents_folder((folder / "Dokument é").c_str());
   const Types types = {VFileType::remark_codeset};
-  EXPECT_EQ(see_start_folder(FileDialogAction::open, types), folder / "Dokument é");
-  EXPECT_EQ(see_start_folder(FileDialogAction::save, types), folder / "Dokument é");
+  expect_start_in(folder / "Dokument é", FileDialogAction::open, types);
+  expect_start_in(folder / "Dokument é", FileDialogAction::save, types);
   ASSERT_TRUE(save(folder / "used", "c.codeset", VFileType::remark_codeset));
-  EXPECT_EQ(see_start_folder(FileDialogAction::open, types), folder / "used");
-  EXPECT_EQ(see_start_folder(FileDialogAction::open, {VFileType::png}), folder / "Dokument é");
+  expect_start_in(folder / "used", FileDialogAction::open, types);
+  expect_start_in(folder / "Dokument é", FileDialogAction::open, {VFileType::png});
   set_documents_folder(nullptr);
 }
 
@@ -433,7 +454,7 @@ TEST_F(FileDialogs, StartInTheHomeFolderWhereThereAreNoDocuments) {
   for (const char *documents : {static_cast<const char *>(nullptr), missing.c_str()}) {
     set_documents_folder(documents);
     for (const FileDialogAction action : {FileDialogAction::open, FileDialogAction::save}) {
-      EXPECT_EQ(see_start_folder(action, {VFileType::remark_codeset}), g_get_home_dir());
+      expect_start_in(g_get_home_dir(), action, {VFileType::remark_codeset});
     }
   }
   set_documents_folder(nullptr);
@@ -444,11 +465,9 @@ TEST_F(FileDialogs, RememberTheLatestFolderUntilTheCleanUp) {
   make_folder(folder / "second");
   ASSERT_TRUE(save(folder / "first", "c.codeset", VFileType::remark_codeset));
   ASSERT_TRUE(save(folder / "second", "c.codeset", VFileType::remark_codeset));
-  EXPECT_EQ(see_start_folder(FileDialogAction::open, {VFileType::remark_codeset}),
-            folder / "second");
+  expect_start_in(folder / "second", FileDialogAction::open, {VFileType::remark_codeset});
   v_file_dialog_clean_up();
-  EXPECT_NE(see_start_folder(FileDialogAction::open, {VFileType::remark_codeset}),
-            folder / "second");
+  expect_start_elsewhere(folder / "second", FileDialogAction::open, {VFileType::remark_codeset});
   v_file_dialog_clean_up();
 }
 
@@ -462,18 +481,18 @@ TEST_F(FileDialogs, ACancelledDialogOrAFolderDialogLeavesTheRememberedFolder) {
   });
   EXPECT_EQ(v_file_dialog_get_file_path_for_writing(nullptr, nullptr, VFileType::remark_codeset),
             nullptr);
-  EXPECT_EQ(see_start_folder(FileDialogAction::save, {VFileType::remark_codeset}), folder / "kept");
+  expect_start_in(folder / "kept", FileDialogAction::save, {VFileType::remark_codeset});
 
   when_dialog_shows([&](GtkDialog *dialog) { choose(dialog, folder / "other"); });
   ASSERT_TRUE(v_file_dialog_get_folder_path(nullptr, "Title"));
-  EXPECT_NE(see_start_folder(FileDialogAction::open, {}), folder.path());
+  expect_start_elsewhere(folder.path(), FileDialogAction::open, {});
 }
 
 TEST_F(FileDialogs, ARememberedFolderThatIsGoneIsNoObstacle) {
   make_folder(folder / "gone");
   ASSERT_TRUE(save(folder / "gone", "c.codeset", VFileType::remark_codeset));
   std::filesystem::remove(folder / "gone");
-  EXPECT_NE(see_start_folder(FileDialogAction::open, {VFileType::remark_codeset}), folder / "gone");
+  expect_start_elsewhere(folder / "gone", FileDialogAction::open, {VFileType::remark_codeset});
 }
 
 } // namespace

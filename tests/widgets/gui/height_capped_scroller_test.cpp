@@ -4,7 +4,7 @@
 
 #include "gui/owned_objects.h"
 #include "gui/widgets.h"
-#include "toolkit.h"
+#include "support/gui_driver.h"
 
 namespace {
 

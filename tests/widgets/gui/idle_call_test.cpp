@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "gui/owned_objects.h"
-#include "toolkit.h"
+#include "support/gui_driver.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "gui/owned_objects.h"
 #include "gui/widgets.h"
-#include "widgets/gui/toolkit.h"
+#include "support/gui_driver.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 
 #include "base/error.h"
 #include "gui/widgets.h"
-#include "support/layout.h"
-#include "widgets/gui/toolkit.h"
+#include "support/gui/layout.h"
+#include "support/gui_driver.h"
 
 namespace {
 
@@ -37,15 +37,15 @@ Seen look_at(GtkDialog *dialog) {
   GtkBox *box = find_message_box(dialog);
   Seen seen;
   seen.title = gtk_window_get_title(GTK_WINDOW(dialog));
-  GtkLabel *label = find<GtkLabel>(GTK_WIDGET(box), GTK_TYPE_LABEL);
+  GtkLabel *label = find_widget<GtkLabel>(GTK_WIDGET(box), GTK_TYPE_LABEL);
   seen.text = gtk_label_get_text(label);
   seen.is_markup = gtk_label_get_use_markup(label) != FALSE;
-  if (GtkImage *image = find<GtkImage>(GTK_WIDGET(box), GTK_TYPE_IMAGE)) {
+  if (GtkImage *image = find_widget<GtkImage>(GTK_WIDGET(box), GTK_TYPE_IMAGE)) {
     const char *icon_name = nullptr;
     gtk_image_get_icon_name(image, &icon_name, &seen.icon_size);
     seen.icon_name = icon_name;
   }
-  for (GtkWidget *button : find_all(gtk_dialog_get_action_area(dialog), GTK_TYPE_BUTTON)) {
+  for (GtkWidget *button : find_widgets(gtk_dialog_get_action_area(dialog), GTK_TYPE_BUTTON)) {
     seen.buttons.emplace_back(gtk_button_get_label(GTK_BUTTON(button)),
                               gtk_dialog_get_response_for_widget(dialog, button));
   }
@@ -147,8 +147,8 @@ TEST_P(MessageKinds, ShowTheTextLiterallyWithTheirIconAndButtons) {
 TEST_P(MessageKinds, HaveTheTextBesideTheIconAndButtonsOfOneWidthBelow) {
   when_dialog_shows([](GtkDialog *dialog) {
     GtkWidget *box = GTK_WIDGET(find_message_box(dialog));
-    GtkWidget *text = find<GtkWidget>(box, GTK_TYPE_LABEL);
-    GtkWidget *icon = find<GtkWidget>(box, GTK_TYPE_IMAGE);
+    GtkWidget *text = find_widget<GtkWidget>(box, GTK_TYPE_LABEL);
+    GtkWidget *icon = find_widget<GtkWidget>(box, GTK_TYPE_IMAGE);
     GtkWidget *text_place = gtk_widget_get_ancestor(text, GTK_TYPE_SCROLLED_WINDOW);
     std::vector<LayoutRow> rows = {
         {"box", box, corner(icon == nullptr ? 25 : 20, 20), grows, grows},
@@ -158,7 +158,7 @@ TEST_P(MessageKinds, HaveTheTextBesideTheIconAndButtonsOfOneWidthBelow) {
     }
     const LayoutPlace place = icon == nullptr ? corner(25, 20) : beside("icon", 20);
     rows.push_back({"text", text, place, stays, stays, {{0.0f, 0.0f}}});
-    const auto buttons = find_all(gtk_dialog_get_action_area(dialog), GTK_TYPE_BUTTON);
+    const auto buttons = find_widgets(gtk_dialog_get_action_area(dialog), GTK_TYPE_BUTTON);
     if (buttons.size() == 1) {
       rows.push_back({"button", buttons[0], anywhere(), grows, moves});
     } else if (buttons.size() == 2) {
@@ -402,13 +402,13 @@ TEST(MessageDialogs, ReturnGivesTheDefaultAnswer) {
 }
 
 GtkLabel *find_text(GtkDialog *dialog) {
-  return find<GtkLabel>(GTK_WIDGET(find_message_box(dialog)), GTK_TYPE_LABEL);
+  return find_widget<GtkLabel>(GTK_WIDGET(find_message_box(dialog)), GTK_TYPE_LABEL);
 }
 
 // Where the text is scrolled to, 0 for its start and 1 for its end.
 double get_scrolled(GtkDialog *dialog) {
   GtkAdjustment *adjustment = gtk_scrolled_window_get_vadjustment(
-      find<GtkScrolledWindow>(GTK_WIDGET(dialog), GTK_TYPE_SCROLLED_WINDOW));
+      find_widget<GtkScrolledWindow>(GTK_WIDGET(dialog), GTK_TYPE_SCROLLED_WINDOW));
   return gtk_adjustment_get_value(adjustment) /
          (gtk_adjustment_get_upper(adjustment) - gtk_adjustment_get_page_size(adjustment));
 }
@@ -424,7 +424,7 @@ TEST(MessageDialogs, ALongTextIsScrolledByKeysWhateverHasTheFocus) {
       gtk_widget_grab_focus(focus);
       const auto scroll = [&](guint key) {
         press_key(GTK_WIDGET(dialog), key);
-        run_for(300); // it glides there
+        settle();
         EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), focus);
         return get_scrolled(dialog);
       };

@@ -7,7 +7,7 @@
 
 #include "gui/owned_objects.h"
 #include "gui/screen_area.h"
-#include "widgets/gui/toolkit.h"
+#include "support/gui_driver.h"
 
 namespace {
 
@@ -117,7 +117,7 @@ TEST(DialogWidget, HasTheButtonsOfItsSetInOrder) {
     EXPECT_EQ(static_cast<int>(row.button_set), row.number);
     GtkDialog *dialog = v_gui_create_dialog("Title", row.button_set);
     const std::vector<GtkWidget *> buttons =
-        find_all(gtk_dialog_get_action_area(dialog), GTK_TYPE_BUTTON);
+        find_widgets(gtk_dialog_get_action_area(dialog), GTK_TYPE_BUTTON);
     ASSERT_EQ(buttons.size(), row.buttons.size());
     for (std::size_t i = 0; i < buttons.size(); ++i) {
       EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(buttons[i])), row.buttons[i].first);
@@ -135,7 +135,7 @@ TEST(DialogWidget, YesComesFirstInTheAlternativeOrder) {
   g_object_set(settings, "gtk-alternative-button-order", TRUE, nullptr);
   GtkDialog *dialog = v_gui_create_dialog("Title", ButtonSet::yes_no);
   const std::vector<GtkWidget *> buttons =
-      find_all(gtk_dialog_get_action_area(dialog), GTK_TYPE_BUTTON);
+      find_widgets(gtk_dialog_get_action_area(dialog), GTK_TYPE_BUTTON);
   g_object_set(settings, "gtk-alternative-button-order", FALSE, nullptr);
   ASSERT_EQ(buttons.size(), 2u);
   EXPECT_EQ(gtk_dialog_get_response_for_widget(dialog, buttons[0]), GTK_RESPONSE_YES);
@@ -345,8 +345,8 @@ TEST_F(Widgets, AButtonMadeDefaultIsPressedByEnterInAnEntryThatActivatesIt) {
   window.show_active();
   gtk_widget_grab_focus(GTK_WIDGET(silent));
   press_key(window.widget(), GDK_KEY_Return);
-  run_for(400); // the button stays pressed for a moment before it counts
-  EXPECT_EQ(second_clicks, 0);
+  // The button stays pressed for a moment before it counts.
+  EXPECT_TRUE(holds_for(400, [&] { return second_clicks == 0; }));
   gtk_widget_grab_focus(GTK_WIDGET(entry));
   press_key(window.widget(), GDK_KEY_Return);
   EXPECT_TRUE(wait_until([&] { return second_clicks == 1; }));
@@ -363,7 +363,7 @@ TEST_F(Widgets, AnAlignmentHoldsAnyWidget) {
 
 TEST_F(Widgets, ASpaceIsAnEmptyAlignmentOfItsSize) {
   v_gui_pack_space(box, 20, 3);
-  GtkWidget *space = find<GtkWidget>(GTK_WIDGET(box), GTK_TYPE_ALIGNMENT);
+  GtkWidget *space = find_widget<GtkWidget>(GTK_WIDGET(box), GTK_TYPE_ALIGNMENT);
   ASSERT_NE(space, nullptr);
   expect_packed(box, space, false);
   EXPECT_EQ(gtk_bin_get_child(GTK_BIN(space)), nullptr);
@@ -573,11 +573,11 @@ TEST_F(Widgets, AWindowThatFillsTheScreenOrIsNotThereYetKeepsItsSize) {
     resize_count = 0;
     v_gui_resize_window_to_minimum_unless_maximized(window.get());
     EXPECT_EQ(resize_count, 0) << row.state;
-    run_for(100);
+    EXPECT_TRUE(holds_for(100, is_in_state));
     row.leave(window.get());
     ASSERT_TRUE(wait_until([&] { return !is_in_state(); }));
-    run_for(100);
-    EXPECT_EQ(get_size(window.get()), std::pair(500, 400)) << row.state;
+    EXPECT_TRUE(wait_until([&] { return get_size(window.get()) == std::pair(500, 400); }))
+        << row.state;
   }
 }
 

@@ -7,7 +7,7 @@
 #include "gui/list_place.h"
 #include "gui/owned_objects.h"
 #include "gui/widgets.h"
-#include "widgets/gui/toolkit.h"
+#include "support/gui_driver.h"
 
 namespace {
 
@@ -32,26 +32,14 @@ protected:
     settle();
   }
 
-  void send(GdkEventType type, guint key, int state = 0) {
-    GdkDisplay *display = gtk_widget_get_display(window.widget());
-    GdkKeymapKey *keys = nullptr;
-    int count = 0;
-    gdk_keymap_get_entries_for_keyval(gdk_keymap_get_for_display(display), key, &keys, &count);
-    const Owned<GdkEvent, gdk_event_free> event(gdk_event_new(type));
-    event->key.window = share(gtk_widget_get_window(window.widget())).release();
-    event->key.time = GDK_CURRENT_TIME;
-    event->key.keyval = key;
-    event->key.state = static_cast<guint>(state);
-    event->key.hardware_keycode = count > 0 ? static_cast<guint16>(keys[0].keycode) : guint16{0};
-    g_free(keys);
-    gdk_event_set_device(event.get(), gdk_seat_get_keyboard(gdk_display_get_default_seat(display)));
-    gdk_event_put(event.get());
+  void send(GdkEventType type, guint key, int modifiers = 0) {
+    gdk_event_put(make_key_event(window.widget(), type, key, modifiers).get());
     settle();
   }
 
-  void press(guint key, int state = 0) {
-    send(GDK_KEY_PRESS, key, state);
-    send(GDK_KEY_RELEASE, key, state);
+  void press(guint key, int modifiers = 0) {
+    send(GDK_KEY_PRESS, key, modifiers);
+    send(GDK_KEY_RELEASE, key, modifiers);
   }
 
   // How often the button was pressed since the last time.

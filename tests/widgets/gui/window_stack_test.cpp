@@ -1,5 +1,6 @@
 #include "gui/window_stack.h"
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <string>
@@ -10,8 +11,8 @@
 #include "gui/accessibility.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
-#include "support/layout.h"
-#include "widgets/gui/toolkit.h"
+#include "support/gui/layout.h"
+#include "support/gui_driver.h"
 
 namespace {
 
@@ -273,7 +274,7 @@ void be_busy(VWindowStack *stack, const std::function<void()> &meanwhile) {
 
 void show_message(VWindowStack *stack, const std::function<void()> &meanwhile) {
   GtkDialog *dialog = v_message_create_question_dialog(nullptr, "message");
-  call_later(100, [&] {
+  when_active(GTK_WINDOW(dialog), [&] {
     meanwhile();
     gtk_dialog_response(dialog, GTK_RESPONSE_CLOSE);
   });
@@ -282,7 +283,7 @@ void show_message(VWindowStack *stack, const std::function<void()> &meanwhile) {
 
 void run_window(VWindowStack *stack, const std::function<void()> &meanwhile) {
   TestWindow window;
-  call_later(100, [&] {
+  when_active(window.get(), [&] {
     meanwhile();
     window.destroy();
   });
@@ -561,7 +562,7 @@ TEST_F(WindowStack, ARunReturnsWhenTheWindowIsDestroyed) {
   gtk_container_add(GTK_CONTAINER(box), second);
   gtk_widget_show_all(box);
   bool was_running = false;
-  call_later(200, [&] {
+  when_active(window.get(), [&] {
     was_running = true;
     EXPECT_EQ(top()->window, window.get());
     EXPECT_EQ(gtk_main_level(), 1u);
@@ -583,7 +584,7 @@ TEST_F(WindowStack, ARunWithoutAFocusWidgetFocusesNone) {
   GtkWidget *entry = gtk_entry_new();
   gtk_container_add(GTK_CONTAINER(window.get()), entry);
   gtk_widget_show(entry);
-  call_later(200, [&] {
+  when_active(window.get(), [&] {
     EXPECT_EQ(gtk_window_get_focus(window.get()), nullptr);
     EXPECT_FALSE(gtk_window_is_maximized(window.get()));
     window.destroy();
@@ -595,7 +596,7 @@ TEST_F(WindowStack, OnlyTheWindowItselfIsShown) {
   TestWindow window;
   GtkWidget *hidden = gtk_label_new("hidden");
   gtk_container_add(GTK_CONTAINER(window.get()), hidden);
-  call_later(100, [&] {
+  when_active(window.get(), [&] {
     EXPECT_FALSE(gtk_widget_get_visible(hidden));
     window.destroy();
   });
@@ -613,10 +614,9 @@ TEST_F(WindowStack, AMaximizedWindowIsSoWhenItAppears) {
                            *result = has_maximized_state(widget);
                          }),
                          &was_at_once);
-  call_later(1, [&] {
-    EXPECT_TRUE(wait_until([&] { return gtk_window_is_maximized(window.get()) != FALSE; }));
-    window.destroy();
-  });
+  when(
+      "a maximized window", [&] { return gtk_window_is_maximized(window.get()) != FALSE; },
+      [&] { window.destroy(); });
   v_window_stack_run_window(stack.get(), window.get(), Maximize::yes);
   EXPECT_TRUE(was_at_once);
 }
@@ -633,11 +633,10 @@ TEST_F(WindowStack, AWindowIsMaximizedOnceMoreAfterItIsRealized) {
                            *result = true;
                          }),
                          &was_lost);
-  call_later(1, [&] {
-    EXPECT_TRUE(
-        wait_until([&] { return was_lost && gtk_window_is_maximized(window.get()) != FALSE; }));
-    window.destroy();
-  });
+  when(
+      "a maximized window",
+      [&] { return was_lost && gtk_window_is_maximized(window.get()) != FALSE; },
+      [&] { window.destroy(); });
   v_window_stack_run_window(stack.get(), window.get(), Maximize::yes);
   EXPECT_TRUE(was_lost);
 }
@@ -655,7 +654,7 @@ TEST_F(WindowStack, AWindowDestroyedAsSoonAsItIsShownEndsItsRun) {
 
 TEST_F(WindowStack, AWindowWhoseLoopIsEndedOtherwiseIsDestroyed) {
   TestWindow window;
-  call_later(50, [] { gtk_main_quit(); });
+  when_active(window.get(), gtk_main_quit);
   v_window_stack_run_window(stack.get(), window.get(), Maximize::no);
   EXPECT_TRUE(window.is_destroyed());
   EXPECT_EQ(stack->bottom->next.get(), stack->top);
@@ -665,8 +664,8 @@ TEST_F(WindowStack, RunsNest) {
   TestWindow outer;
   TestWindow inner;
   std::vector<std::string> order;
-  call_later(100, [&] {
-    call_later(100, [&] {
+  when_active(outer.get(), [&] {
+    when_active(inner.get(), [&] {
       EXPECT_EQ(gtk_main_level(), 2u);
       EXPECT_EQ(gtk_window_get_transient_for(inner.get()), outer.get());
       inner.destroy();
@@ -687,8 +686,8 @@ TEST_F(WindowStack, DestroyingTheOuterWindowEndsBothRuns) {
   TestWindow outer;
   TestWindow inner;
   std::vector<std::string> order;
-  call_later(100, [&] {
-    call_later(100, [&] { outer.destroy(); });
+  when_active(outer.get(), [&] {
+    when_active(inner.get(), [&] { outer.destroy(); });
     v_window_stack_run_window(stack.get(), inner.get(), Maximize::no);
     order.push_back("inner");
     EXPECT_TRUE(inner.is_destroyed());
@@ -704,7 +703,7 @@ TEST_F(WindowStack, AWindowDestroyedUnderABusyEntryLosesItsEntryOnly) {
   TestWindow bottom;
   open(bottom);
   TestWindow window;
-  call_later(100, [&] {
+  when_active(window.get(), [&] {
     v_window_stack_busy_begin(stack.get(), ShowBusyWindow::yes);
     window.destroy();
     EXPECT_NE(busy(), nullptr);
@@ -721,7 +720,7 @@ TEST_F(WindowStack, AnEntryPoppedDuringItsRunDoesNotPopAnother) {
   TestWindow bottom;
   open(bottom);
   TestWindow window;
-  call_later(100, [&] {
+  when_active(window.get(), [&] {
     v_window_stack_pop_window(stack.get());
     window.destroy();
   });
@@ -731,7 +730,7 @@ TEST_F(WindowStack, AnEntryPoppedDuringItsRunDoesNotPopAnother) {
 
 TEST_F(WindowStack, TheStackMayGoWhileAWindowRuns) {
   TestWindow window;
-  call_later(100, [&] {
+  when_active(window.get(), [&] {
     stack.reset();
     window.destroy();
   });
@@ -835,7 +834,7 @@ TEST_F(WindowStack, BusyWaitsEverywhere) {
 TEST_F(WindowStack, ARunStoresTheCursorCallback) {
   TestWindow window;
   std::string notes;
-  call_later(100, [&] {
+  when_active(window.get(), [&] {
     v_window_stack_push_native_window(stack.get());
     v_window_stack_pop_window(stack.get());
     window.destroy();
@@ -865,6 +864,9 @@ void report(long elapsed_seconds, void *data) {
   static_cast<FocusReports *>(data)->seconds.push_back(elapsed_seconds);
 }
 
+// Longer than the stack waits before it takes the focus for lost.
+constexpr unsigned past_focus_loss = 700; // milliseconds
+
 void send_focus_event(const TestWindow &window, bool focus_in) {
   GdkEvent *event = gdk_event_new(GDK_FOCUS_CHANGE);
   event->focus_change.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window.widget())));
@@ -883,14 +885,12 @@ TEST_F(WindowStack, TheFocusPassingBetweenItsWindowsIsNotLost) {
   {
     TestWindow dialog;
     open(dialog);
-    run_for(700);
-    EXPECT_EQ(stack->focus_lost, 0);
+    EXPECT_TRUE(holds_for(past_focus_loss, [&] { return stack->focus_lost == 0; }));
     v_window_stack_pop_window(stack.get());
   }
   ASSERT_TRUE(
       wait_until([&] { return gtk_window_has_toplevel_focus(main_window.get()) != FALSE; }));
-  run_for(700);
-  EXPECT_EQ(stack->focus_lost, 0);
+  EXPECT_TRUE(holds_for(past_focus_loss, [&] { return stack->focus_lost == 0; }));
   EXPECT_TRUE(stack->sources.empty());
   EXPECT_TRUE(reports.seconds.empty());
 }
@@ -900,7 +900,7 @@ TEST_F(WindowStack, TheFocusGoneToAnotherProgramIsLostAndItsReturnReportedOnce) 
   v_window_stack_set_focus_callback(stack.get(), report, &reports);
   TestWindow main_window;
   open(main_window);
-  run_for(700);
+  ASSERT_TRUE(wait_until([&] { return stack->sources.empty(); }));
   const StoppedClock clock(noon);
   {
     TestWindow other_program;
@@ -973,21 +973,29 @@ TEST_F(WindowStack, TheReturnOfTheFocusNeedsNoCallback) {
 }
 
 TEST_F(WindowStack, NothingFiresOnADestroyedStack) {
-  for (const int milliseconds : {0, 100}) {
+  std::vector<guint> sources;
+  const auto all_are_gone = [&] {
+    return std::all_of(sources.begin(), sources.end(), [](guint source) {
+      return g_main_context_find_source_by_id(nullptr, source) == nullptr;
+    });
+  };
+  // Right after the focus has gone, and while the stack waits whether it is lost.
+  for (const bool is_waiting : {false, true}) {
     OwnedWindowStack another = v_window_stack_new();
     TestWindow window;
     v_window_stack_push_window(another.get(), window.get());
     window.show_active();
+    ASSERT_TRUE(wait_until([&] { return another->sources.empty(); }));
     send_focus_event(window, false);
-    run_for(milliseconds);
+    ASSERT_EQ(another->sources.size(), 1u);
+    const guint first = another->sources[0];
+    ASSERT_TRUE(wait_until([&] { return !is_waiting || another->sources != std::vector{first}; }));
     ASSERT_FALSE(another->sources.empty());
-    const std::vector<guint> sources = another->sources;
+    sources.insert(sources.end(), another->sources.begin(), another->sources.end());
     another.reset();
-    for (const guint source : sources) {
-      EXPECT_EQ(g_main_context_find_source_by_id(nullptr, source), nullptr);
-    }
+    EXPECT_TRUE(all_are_gone());
   }
-  run_for(600);
+  EXPECT_TRUE(holds_for(past_focus_loss, all_are_gone));
 }
 
 // ---- Busy ---------------------------------------------------------------------------------------
@@ -1022,30 +1030,43 @@ TEST_F(BusyWindow, IsUndecoratedAndCoversTheWindowBelow) {
   EXPECT_EQ(gtk_box_get_spacing(busy()->content_box), 15);
 }
 
-TEST_F(BusyWindow, IsWhiteInABlackFrameOfOnePixel) {
-  run_for(200);
+// The colours (0xrrggbb) of a window on the screen.
+class Picture {
+public:
+  explicit Picture(GtkWindow *window) {
+    gtk_window_get_size(window, &width, &height);
+    pixbuf = take(
+        gdk_pixbuf_get_from_window(gtk_widget_get_window(GTK_WIDGET(window)), 0, 0, width, height));
+  }
+
+  int get_pixel(int x, int y) const {
+    const guint8 *pixel = gdk_pixbuf_read_pixels(pixbuf.get()) +
+                          y * gdk_pixbuf_get_rowstride(pixbuf.get()) +
+                          x * gdk_pixbuf_get_n_channels(pixbuf.get());
+    return pixel[0] << 16 | pixel[1] << 8 | pixel[2];
+  }
+
   int width = 0;
   int height = 0;
-  gtk_window_get_size(busy()->window, &width, &height);
+
+private:
+  OwnedObject<GdkPixbuf> pixbuf;
+};
+
+TEST_F(BusyWindow, IsWhiteInABlackFrameOfOnePixel) {
+  ASSERT_TRUE(wait_until([this] { return Picture(busy()->window).get_pixel(2, 2) == 0xffffff; }));
+  const Picture picture(busy()->window);
   // The content, 20 pixels on each side, and the frame.
-  EXPECT_EQ(width, 280 + 2 * 20 + 2);
-  EXPECT_EQ(height,
+  EXPECT_EQ(picture.width, 280 + 2 * 20 + 2);
+  EXPECT_EQ(picture.height,
             gtk_widget_get_allocated_height(GTK_WIDGET(busy()->message_label)) + 2 * 20 + 2);
-  const OwnedObject<GdkPixbuf> picture =
-      take(gdk_pixbuf_get_from_window(gtk_widget_get_window(busy_widget()), 0, 0, width, height));
-  const auto get_pixel = [&](int x, int y) {
-    const guint8 *pixel = gdk_pixbuf_read_pixels(picture.get()) +
-                          y * gdk_pixbuf_get_rowstride(picture.get()) +
-                          x * gdk_pixbuf_get_n_channels(picture.get());
-    return pixel[0] << 16 | pixel[1] << 8 | pixel[2];
-  };
-  for (const int x : {0, width / 2, width - 1}) {
-    EXPECT_EQ(get_pixel(x, 0), 0x000000);
-    EXPECT_EQ(get_pixel(x, height - 1), 0x000000);
+  for (const int x : {0, picture.width / 2, picture.width - 1}) {
+    EXPECT_EQ(picture.get_pixel(x, 0), 0x000000);
+    EXPECT_EQ(picture.get_pixel(x, picture.height - 1), 0x000000);
   }
-  for (const int x : {1, width / 2, width - 2}) {
-    EXPECT_EQ(get_pixel(x, 1), 0xffffff);
-    EXPECT_EQ(get_pixel(x, height - 2), 0xffffff);
+  for (const int x : {1, picture.width / 2, picture.width - 2}) {
+    EXPECT_EQ(picture.get_pixel(x, 1), 0xffffff);
+    EXPECT_EQ(picture.get_pixel(x, picture.height - 2), 0xffffff);
   }
 }
 
@@ -1140,9 +1161,8 @@ TEST_F(BusyWindow, IsNotEndedByAPopOrByTheUser) {
   v_window_stack_pop_window(stack.get());
   EXPECT_EQ(top(), node);
   gtk_window_close(busy()->window);
-  run_for(100);
-  EXPECT_NE(busy()->window, nullptr);
-  EXPECT_TRUE(gtk_widget_get_visible(busy_widget()));
+  EXPECT_TRUE(holds_for(
+      100, [this] { return busy()->window != nullptr && gtk_widget_get_visible(busy_widget()); }));
 }
 
 TEST_F(BusyWindow, IsDestroyedAtTheEnd) {

@@ -7,8 +7,8 @@
 
 #include "support/fake_platform.h"
 #include "support/files.h"
+#include "support/gui/layout.h"
 #include "support/gui_driver.h"
-#include "support/layout.h"
 #include "workspace/workspace_location.h"
 
 using testing::ElementsAre;

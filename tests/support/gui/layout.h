@@ -69,3 +69,7 @@ void expect_window_layout(GtkWindow *window, WindowState state, const std::vecto
 
 // The two buttons have a row of their own: one at each end, at least eight pixels apart.
 void expect_buttons_at_both_ends(GtkButton *left, GtkButton *right);
+
+// Expects a scrolled window that asks for this room (pixels), scrolls up and down alone, and has a
+// sunken frame and a scroll bar that does not lie over the content.
+void expect_scrolls_downwards(GtkScrolledWindow *scroller, int width, int height);

@@ -1,4 +1,4 @@
-#include "support/layout.h"
+#include "support/gui/layout.h"
 
 #include <map>
 #include <string>
@@ -131,4 +131,19 @@ void expect_buttons_at_both_ends(GtkButton *left, GtkButton *right) {
   ASSERT_TRUE(gtk_widget_is_ancestor(GTK_WIDGET(right), row));
   expect_layout(row, {{"left", GTK_WIDGET(left), corner(), stays, grows},
                       {"right", GTK_WIDGET(right), beside("left", 8), moves, stays}});
+}
+
+void expect_scrolls_downwards(GtkScrolledWindow *scroller, int width, int height) {
+  int asked_width = 0;
+  int asked_height = 0;
+  gtk_widget_get_size_request(GTK_WIDGET(scroller), &asked_width, &asked_height);
+  EXPECT_EQ(asked_width, width);
+  EXPECT_EQ(asked_height, height);
+  GtkPolicyType horizontal = GTK_POLICY_ALWAYS;
+  GtkPolicyType vertical = GTK_POLICY_ALWAYS;
+  gtk_scrolled_window_get_policy(scroller, &horizontal, &vertical);
+  EXPECT_EQ(horizontal, GTK_POLICY_NEVER);
+  EXPECT_EQ(vertical, GTK_POLICY_AUTOMATIC);
+  EXPECT_EQ(gtk_scrolled_window_get_shadow_type(scroller), GTK_SHADOW_IN);
+  EXPECT_FALSE(gtk_scrolled_window_get_overlay_scrolling(scroller));
 }

@@ -1,0 +1,60 @@
+#pragma once
+// Scripts of what a user does in windows that run nested main loops.
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include <gtk/gtk.h>
+
+#include "support/gui/waiting.h"
+
+// What a user does, step by step. Steps are taken while the test waits in a nested main loop; each
+// waits until the program has nothing else to do and what the step needs is there. A step that
+// waits in vain for ten seconds, and a test that does not come back after the last step, is a
+// failure, and then all windows are closed.
+class GuiScript {
+public:
+  GuiScript();
+  // Fails the test if steps are left.
+  ~GuiScript();
+  GuiScript(const GuiScript &) = delete;
+  GuiScript &operator=(const GuiScript &) = delete;
+
+  // The general step. what: what is waited for, said when it does not come.
+  GuiScript &when(std::string what, std::function<bool()> ready, std::function<void()> act);
+  GuiScript &then(std::function<void()> act);
+  // Acts when the top window has the title and is active, and so has the state that it asked for.
+  GuiScript &when_active(const std::string &title, std::function<void()> act);
+  // Clicks the button of the top window, which must be sensitive.
+  GuiScript &click(const std::string &label);
+  // Expects a message dialog with exactly this text, and clicks its button.
+  GuiScript &answer(const std::string &title, const std::string &message, const std::string &label);
+  // The same with the dialog's close button.
+  GuiScript &dismiss(const std::string &title, const std::string &message);
+  // Closes the top window, which must have the title, as the window manager does.
+  GuiScript &close(const std::string &title);
+  // Chooses an existing file or folder in the file chooser that is open or about to be.
+  GuiScript &choose(const std::string &path);
+  // Saves under the name in the folder.
+  GuiScript &save_as(const std::string &folder, const std::string &name);
+  GuiScript &cancel_chooser();
+
+private:
+  struct Step {
+    std::string what;
+    std::function<bool()> ready;
+    std::function<void()> act;
+  };
+
+  static gboolean turn_callback(void *script);
+  void take_turn();
+  void schedule();
+  void give_up(const std::string &what);
+
+  std::deque<Step> steps;
+  guint source = 0;
+  std::optional<Wait> wait; // for the first step, since the main loop runs
+  bool gave_up = false;
+};

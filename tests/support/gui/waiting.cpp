@@ -1,0 +1,128 @@
+#include "support/gui/waiting.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <iomanip>
+#include <memory>
+#include <sstream>
+
+#include "support/gui/widget_search.h"
+
+namespace {
+
+constexpr gint64 patience = 10 * G_USEC_PER_SEC;
+constexpr unsigned look_interval = 10; // milliseconds
+
+std::string format_seconds(gint64 microseconds) {
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(1)
+       << static_cast<double>(microseconds) / static_cast<double>(G_USEC_PER_SEC) << " s";
+  return text.str();
+}
+
+void run_main_loop_briefly() {
+  if (!g_main_context_iteration(nullptr, FALSE)) {
+    g_usleep(1000);
+  }
+}
+
+gboolean run_action(void *action) {
+  (*static_cast<std::function<void()> *>(action))();
+  return G_SOURCE_REMOVE;
+}
+
+struct Step {
+  std::string what;
+  std::function<bool()> ready;
+  std::function<void()> action;
+  Wait wait;
+};
+
+// Each look has a source of its own, because the action may wait in a nested loop.
+void look(const std::shared_ptr<Step> &step) {
+  if (!gtk_events_pending() && step->ready()) {
+    step->action();
+  } else if (step->wait.is_too_long()) {
+    std::fprintf(stderr, "%s\n", step->wait.describe_failure(step->what).c_str());
+    std::abort();
+  } else {
+    after(look_interval, [step] { look(step); });
+  }
+}
+
+GtkDialog *find_active_dialog() {
+  for (GtkWindow *window : shown_windows()) {
+    if (GTK_IS_DIALOG(window) && gtk_window_is_active(window)) {
+      return GTK_DIALOG(window);
+    }
+  }
+  return nullptr;
+}
+
+} // namespace
+
+bool Wait::is_too_long() const { return g_get_monotonic_time() - begin > patience; }
+
+std::string Wait::describe_failure(const std::string &what) const {
+  return "Waited " + format_seconds(g_get_monotonic_time() - begin) + " in vain for " + what +
+         ". Windows:" + describe_windows();
+}
+
+void settle() {
+  do {
+    while (gtk_events_pending()) {
+      gtk_main_iteration();
+    }
+    gdk_display_sync(gdk_display_get_default());
+  } while (gtk_events_pending());
+}
+
+testing::AssertionResult wait_until(const std::function<bool()> &condition) {
+  const Wait wait;
+  while (!condition()) {
+    if (wait.is_too_long()) {
+      return testing::AssertionFailure() << wait.describe_failure("this condition");
+    }
+    run_main_loop_briefly();
+  }
+  return testing::AssertionSuccess();
+}
+
+testing::AssertionResult holds_for(unsigned milliseconds, const std::function<bool()> &condition) {
+  const gint64 begin = g_get_monotonic_time();
+  const gint64 end = begin + gint64{1000} * milliseconds;
+  do {
+    if (!condition()) {
+      return testing::AssertionFailure()
+             << "Held for " << format_seconds(g_get_monotonic_time() - begin) << " of "
+             << format_seconds(end - begin) << ". Windows:" << describe_windows();
+    }
+    run_main_loop_briefly();
+  } while (g_get_monotonic_time() < end);
+  return condition() ? testing::AssertionSuccess()
+                     : testing::AssertionFailure() << "Held nearly to the end";
+}
+
+void after(unsigned milliseconds, std::function<void()> action) {
+  auto *kept = new std::function<void()>(std::move(action));
+  g_timeout_add_full(G_PRIORITY_DEFAULT, milliseconds, run_action, kept,
+                     [](void *data) { delete static_cast<std::function<void()> *>(data); });
+}
+
+void when(std::string what, std::function<bool()> ready, std::function<void()> action) {
+  const auto step =
+      std::make_shared<Step>(Step{std::move(what), std::move(ready), std::move(action), Wait{}});
+  after(look_interval, [step] { look(step); });
+}
+
+void when_active(GtkWindow *window, std::function<void()> action) {
+  when(
+      "the window to be active", [window] { return gtk_window_is_active(window) != FALSE; },
+      std::move(action));
+}
+
+void when_dialog_shows(std::function<void(GtkDialog *)> action) {
+  when(
+      "an active dialog", [] { return find_active_dialog() != nullptr; },
+      [action = std::move(action)] { action(find_active_dialog()); });
+}

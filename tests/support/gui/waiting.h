@@ -1,0 +1,47 @@
+#pragma once
+// Lets the main loop run until a state is reached, or acts from inside it. A wait that fails
+// reports how long it took and for what.
+
+#include <functional>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <gtk/gtk.h>
+
+// How long a test has waited for one thing. Ten seconds are enough for a machine that is busy with
+// other work.
+class Wait {
+public:
+  bool is_too_long() const;
+  // "Waited 10.0 s in vain for <what>", and the windows that are shown.
+  std::string describe_failure(const std::string &what) const;
+
+private:
+  gint64 begin = g_get_monotonic_time();
+};
+
+// Runs the main loop until nothing is left to do and the display server has answered all requests.
+// Does not wait for timeouts, for frames that are due later or for the window manager: wait_until
+// their effect. Not for steps of a script, which would let later steps run inside.
+void settle();
+
+// Runs the main loop until the condition is true; fails when it is not within ten seconds:
+// EXPECT_TRUE(wait_until([&] { return clicks > 0; })).
+testing::AssertionResult wait_until(const std::function<bool()> &condition);
+
+// For things that must not happen, which announce themselves nowhere: runs the main loop for the
+// time, and fails when the condition is false at any moment of it. The time is longer than whatever
+// must not happen would take.
+testing::AssertionResult holds_for(unsigned milliseconds, const std::function<bool()> &condition);
+
+// Runs the action once after the time, in the main loop that is innermost then.
+void after(unsigned milliseconds, std::function<void()> action);
+
+// Runs the action once, in the main loop that is innermost when there is nothing else to do and
+// `ready` is true. Ends the program when that takes longer than ten seconds, because the code under
+// test would wait for ever. what: completes "Waited in vain for ...".
+void when(std::string what, std::function<bool()> ready, std::function<void()> action);
+// When the window has the keyboard.
+void when_active(GtkWindow *window, std::function<void()> action);
+// When a dialog has the keyboard.
+void when_dialog_shows(std::function<void(GtkDialog *)> action);
