@@ -3,7 +3,7 @@
 #include "base/fs_utils.h"
 #include "codeset/codeset_io.h"
 #include "faults/promises.h"
-#include "model/codeset/remarks.h"
+#include "support/values/remarks.h"
 
 namespace {
 

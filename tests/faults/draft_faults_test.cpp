@@ -12,7 +12,7 @@
 #include "codeset/codeset_io.h"
 #include "faults/injector.h"
 #include "faults/promises.h"
-#include "model/codeset/remarks.h"
+#include "support/values/remarks.h"
 #include "workspace/drafts.h"
 
 namespace {

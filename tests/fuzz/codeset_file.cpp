@@ -7,8 +7,8 @@
 #include "base/text_encoding.h"
 #include "codeset/codeset_io.h"
 #include "fuzz/fuzzing.h"
-#include "model/codeset/remarks.h"
 #include "support/files.h"
+#include "support/values/remarks.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "base/natural_order.h"
 #include "codeset/remark.h"
 #include "fuzz/fuzzing.h"
-#include "model/codeset/remarks.h"
+#include "support/values/remarks.h"
 
 namespace {
 

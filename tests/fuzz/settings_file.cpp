@@ -2,7 +2,7 @@
 
 #include "base/text_encoding.h"
 #include "fuzz/fuzzing.h"
-#include "model/codeset/remarks.h"
+#include "support/values/remarks.h"
 #include "workspace/settings.h"
 
 namespace {

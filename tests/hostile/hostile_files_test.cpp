@@ -10,8 +10,8 @@
 
 #include "base/error.h"
 #include "codeset/codeset_io.h"
-#include "model/codeset/remarks.h"
 #include "support/files.h"
+#include "support/values/remarks.h"
 #include "workspace/settings.h"
 #include "workspace/workspace_location.h"
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "model/codeset/remarks.h"
+#include "support/values/remarks.h"
 
 // All text is ISO-8859-1.
 struct CodesetContents {

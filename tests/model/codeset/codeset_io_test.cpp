@@ -11,9 +11,9 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
-#include "model/codeset/remarks.h"
 #include "support/child_process.h"
 #include "support/files.h"
+#include "support/values/remarks.h"
 
 namespace {
 

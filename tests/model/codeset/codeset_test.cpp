@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/codeset/remarks.h"
+#include "support/values/remarks.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include "base/error.h"
 #include "base/file_utils.h"
 #include "codeset/codeset_io.h"
-#include "model/codeset/remarks.h"
 #include "support/files.h"
+#include "support/values/remarks.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 
 #include "base/error.h"
 #include "codeset/codeset_io.h"
-#include "model/codeset/remarks.h"
 #include "support/files.h"
+#include "support/values/remarks.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include "base/error.h"
 #include "base/xml_reading.h"
-#include "model/codeset/remarks.h"
+#include "support/values/remarks.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/langstr/translations.h"
+#include "support/values/translations.h"
 
 namespace {
 

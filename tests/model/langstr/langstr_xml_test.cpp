@@ -9,7 +9,7 @@
 #include "base/error.h"
 #include "base/xml_reading.h"
 #include "base/xml_writing.h"
-#include "model/langstr/translations.h"
+#include "support/values/translations.h"
 
 namespace {
 

@@ -18,11 +18,11 @@
 #include "base/error.h"
 #include "codeset/codeset_io.h"
 #include "disk_calls.h"
-#include "model/codeset/remarks.h"
 #include "model/workspace/user_folders.h"
 #include "support/child_process.h"
 #include "support/environment.h"
 #include "support/files.h"
+#include "support/values/remarks.h"
 
 namespace {
 

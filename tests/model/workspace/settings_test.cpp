@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
-#include "model/codeset/remarks.h"
 #include "support/environment.h"
 #include "support/files.h"
+#include "support/values/remarks.h"
 
 namespace {
 

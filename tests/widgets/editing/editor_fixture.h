@@ -1,33 +1,13 @@
 #pragma once
 // An editor with what it borrows, and its widgets as they stand in its table.
 
-#include <initializer_list>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "gui/editing/langstr_editor.h"
-
-using Translations = std::initializer_list<std::pair<const char *, const char *>>;
-
-inline OwnedLangstr make_langstr(Translations translations) {
-  OwnedLangstr langstr;
-  for (const auto &[tag, latin1_text] : translations) {
-    v_langstr_set_translation(langstr, tag, latin1_text);
-  }
-  return langstr;
-}
-
-// One line per translation: tag, equals sign, text.
-inline std::string describe(const VLangstr *langstr) {
-  std::string text;
-  for (; langstr != nullptr; langstr = langstr->next.get()) {
-    text += std::string(langstr->lang.get()) + "=" + langstr->text.get() + "\n";
-  }
-  return text;
-}
+#include "support/values/translations.h"
 
 class EditorTest : public testing::Test {
 protected:
@@ -38,10 +18,11 @@ protected:
     }
   }
 
-  void make(Translations value, VLangstrEditorMode mode = VLangstrEditorMode::single_line,
-            Translations locked = {}, ActivatesDefault activates_default = ActivatesDefault::no) {
-    const OwnedLangstr initial_value = make_langstr(value);
-    const OwnedLangstr locked_texts = make_langstr(locked);
+  void make(const Translations &value, VLangstrEditorMode mode = VLangstrEditorMode::single_line,
+            const Translations &locked = {},
+            ActivatesDefault activates_default = ActivatesDefault::no) {
+    const OwnedLangstr initial_value = langstr_of(value);
+    const OwnedLangstr locked_texts = langstr_of(locked);
     widget = GTK_WIDGET(g_object_ref_sink(v_langstr_editor_new(
         stack.get(), &settings, mode, initial_value.get(), locked_texts.get(), activates_default)));
     g_signal_connect(widget, "shrunk", G_CALLBACK(+[](VLangstrEditor *, int *count) { ++*count; }),

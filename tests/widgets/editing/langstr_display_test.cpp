@@ -7,6 +7,7 @@
 #include "base/owned.h"
 #include "support/gui/layout.h"
 #include "support/gui_driver.h"
+#include "support/values/translations.h"
 
 namespace {
 
@@ -40,12 +41,6 @@ protected:
   GtkWidget *widget = GTK_WIDGET(g_object_ref_sink(v_langstr_display_new(300, 150)));
 };
 
-OwnedLangstr translation(const char *tag, const char *latin1_text) {
-  OwnedLangstr langstr;
-  v_langstr_set_translation(langstr, tag, latin1_text);
-  return langstr;
-}
-
 TEST_F(LangstrDisplayTest, IsAScrolledReadOnlyText) {
   EXPECT_STREQ(G_OBJECT_TYPE_NAME(widget), "VLangstrDisplay");
   EXPECT_EQ(g_type_parent(V_TYPE_LANGSTR_DISPLAY), GTK_TYPE_SCROLLED_WINDOW);
@@ -65,17 +60,17 @@ TEST_F(LangstrDisplayTest, HasABoldTag) {
 }
 
 TEST_F(LangstrDisplayTest, ShowsOneTranslationWithoutATrailingLine) {
-  EXPECT_EQ(v_langstr_display_set_text(display(), translation("sv", "F\xE4rgbortfall").get()), 1);
+  EXPECT_EQ(v_langstr_display_set_text(display(), langstr_of({{"sv", "F\xE4rgbortfall"}}).get()),
+            1);
   EXPECT_EQ(shown(), "*Swedish [sv]*\n\nF\u00E4rgbortfall");
 }
 
 TEST_F(LangstrDisplayTest, ShowsAllTranslationsInOrder) {
-  OwnedLangstr langstr = translation("sv", "Spricka");
-  v_langstr_set_translation(langstr, "en-uk", "Crack, 100 % <b>&amp; %s");
-  v_langstr_set_translation(langstr, "", "?");
-  v_langstr_set_translation(langstr, "pl",
-                            "P\xEAkni\xEA"
-                            "cie");
+  const OwnedLangstr langstr = langstr_of({{"sv", "Spricka"},
+                                           {"en-uk", "Crack, 100 % <b>&amp; %s"},
+                                           {"", "?"},
+                                           {"pl", "P\xEAkni\xEA"
+                                                  "cie"}});
   EXPECT_EQ(v_langstr_display_set_text(display(), langstr.get()), 1);
   EXPECT_EQ(shown(), "*Swedish [sv]*\n\nSpricka\n\n"
                      "*English/United Kingdom [en-uk]*\n\nCrack, 100 % <b>&amp; %s\n\n"
@@ -84,20 +79,20 @@ TEST_F(LangstrDisplayTest, ShowsAllTranslationsInOrder) {
 }
 
 TEST_F(LangstrDisplayTest, ReplacesWhatItShowed) {
-  v_langstr_display_set_text(display(), translation("sv", "Spricka").get());
-  v_langstr_display_set_text(display(), translation("nb", "Sprekk").get());
+  v_langstr_display_set_text(display(), langstr_of({{"sv", "Spricka"}}).get());
+  v_langstr_display_set_text(display(), langstr_of({{"nb", "Sprekk"}}).get());
   EXPECT_EQ(shown(), "*Norwegian Bokm\u00E5l [nb]*\n\nSprekk");
 }
 
 TEST_F(LangstrDisplayTest, IsClearedByAnAbsentText) {
-  v_langstr_display_set_text(display(), translation("sv", "Spricka").get());
+  v_langstr_display_set_text(display(), langstr_of({{"sv", "Spricka"}}).get());
   EXPECT_EQ(v_langstr_display_set_text(display(), nullptr), 1);
   EXPECT_EQ(shown(), "");
 }
 
 TEST_F(LangstrDisplayTest, TakesNoTextOnceDestroyed) {
   gtk_widget_destroy(widget);
-  EXPECT_EQ(v_langstr_display_set_text(display(), translation("sv", "Spricka").get()), 0);
+  EXPECT_EQ(v_langstr_display_set_text(display(), langstr_of({{"sv", "Spricka"}}).get()), 0);
   gtk_widget_destroy(widget);
 }
 

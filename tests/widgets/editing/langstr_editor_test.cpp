@@ -26,6 +26,15 @@ constexpr char unknown[] = "An unknown program error has occured.";
 
 constexpr auto multi_line_mode = VLangstrEditorMode::multi_line;
 
+// One line per translation: tag, equals sign, text.
+std::string describe(const OwnedLangstr &langstr) {
+  std::string description;
+  for (const auto &[tag, text] : translations_of(langstr)) {
+    description.append(tag).append("=").append(text).append("\n");
+  }
+  return description;
+}
+
 class LangstrEditorTest : public EditorTest {
 protected:
   LangstrEditorTest() {
@@ -35,10 +44,10 @@ protected:
 
   // What the editor gives; "failed: " and the message when it gives nothing.
   std::string result() {
-    OwnedLangstr langstr = make_langstr({{"xx", "left over"}});
+    OwnedLangstr langstr = langstr_of({{"xx", "left over"}});
     v_error_clear();
     if (v_langstr_editor_get_text(editor(), langstr) == 1) {
-      return langstr ? describe(langstr.get()) : "absent";
+      return langstr ? describe(langstr) : "absent";
     }
     EXPECT_EQ(langstr, nullptr);
     return std::string("failed: ") + v_error_get();
@@ -415,7 +424,7 @@ TEST_F(LangstrEditorTest, HasShrunkByTheTimeItTells) {
   };
   g_signal_connect(widget, "shrunk", G_CALLBACK(look), &seen);
   click(delete_button(0));
-  EXPECT_EQ(describe(seen.get()), "en-uk=b\n");
+  EXPECT_EQ(translations_of(seen), (Translations{{"en-uk", "b"}}));
 }
 
 TEST_F(LangstrEditorTest, MayBeDestroyedWhenItTells) {
@@ -432,7 +441,7 @@ TEST_F(LangstrEditorTest, TellsOfEachChangeWhenItIsMade) {
     const auto look = +[](VLangstrEditor *changed_editor, std::string *text) {
       OwnedLangstr langstr;
       v_langstr_editor_get_text(changed_editor, langstr);
-      *text = describe(langstr.get());
+      *text = describe(langstr);
     };
     g_signal_connect(widget, "changed", G_CALLBACK(look), &seen);
     enter(0, "c");

@@ -8,6 +8,7 @@
 #include "base/text_encoding.h"
 #include "faults.h"
 #include "support/gui/layout.h"
+#include "support/values/remarks.h"
 #include "window_fixture.h"
 
 using testing::ElementsAre;
@@ -15,13 +16,6 @@ using testing::ElementsAre;
 namespace {
 
 constexpr const char *title = "100%s <b>& r\u00e9marque";
-
-OwnedRemark make_remark(const char *latin1_code, Translations description) {
-  OwnedRemark remark = v_remark_new();
-  remark->code = copy_text(latin1_code);
-  remark->description = make_langstr(description);
-  return remark;
-}
 
 GtkWidget *window() { return GTK_WIDGET(top_window()); }
 
@@ -83,8 +77,8 @@ protected:
   }
 
   OwnedCodeset codeset = v_codeset_new();
-  OwnedRemark own = make_remark("a1", {{"en-uk", "Tear"}, {"sv", "Reva"}});
-  OwnedRemark other = make_remark("b", {{"en-uk", "Loss"}});
+  OwnedRemark own = remark_of("a1", {{"en-uk", "Tear"}, {"sv", "Reva"}});
+  OwnedRemark other = remark_of("b", {{"en-uk", "Loss"}});
   VRemark *edited = own.get();
   OwnedRemark added = v_remark_new();
   bool has_codeset = true;
@@ -216,7 +210,7 @@ TEST_F(RemarkDialog, EachMessageHasItsTurn) {
     gtk_combo_box_set_active(languages_of(window())[1], 1);
   });
   EXPECT_EQ(code_after_ok(), "c");
-  EXPECT_EQ(describe(added->description.get()), "en-uk=One\nsv=Two\n");
+  EXPECT_EQ(translations_of(added->description), (Translations{{"en-uk", "One"}, {"sv", "Two"}}));
 }
 
 TEST_F(RemarkDialog, ATakenCodeIsRefusedWhateverTheDescription) {
@@ -246,7 +240,7 @@ TEST_F(RemarkDialog, ACodeThatCannotBeReadKeepsTheWindow) {
 
 // The field reads, the description's first row does not.
 TEST_F(RemarkDialog, AnUnknownLanguageIsRefused) {
-  added->description = make_langstr({{"pl", "Opis"}});
+  added->description = langstr_of({{"pl", "Opis"}});
   on(title, [] {
     EXPECT_EQ(shown_rows(window()), "Unknown language [pl]=Opis\n");
     gtk_entry_set_text(code_field(), "c");
@@ -254,7 +248,7 @@ TEST_F(RemarkDialog, AnUnknownLanguageIsRefused) {
   expect_refusal(v_error_message_unknown);
   cancel();
   EXPECT_EQ(run(added.get()), 0);
-  EXPECT_EQ(describe(added->description.get()), "pl=Opis\n");
+  EXPECT_EQ(translations_of(added->description), (Translations{{"pl", "Opis"}}));
 }
 
 // ---- What is accepted ---------------------------------------------------------------------------
@@ -262,7 +256,7 @@ TEST_F(RemarkDialog, AnUnknownLanguageIsRefused) {
 TEST_F(RemarkDialog, TakesBothFieldsOverNormalised) {
   fill_in("  Cr  15 ", " Flaking \u00a0 \u00e5 ");
   EXPECT_EQ(code_after_ok(), "Cr 15");
-  EXPECT_EQ(describe(added->description.get()), "en-uk=Flaking \xe5\n");
+  EXPECT_EQ(translations_of(added->description), (Translations{{"en-uk", "Flaking \xe5"}}));
   // Its place in the list is the caller's affair.
   EXPECT_EQ(added->next, nullptr);
 }
@@ -272,7 +266,8 @@ TEST_F(RemarkDialog, ItsOwnCodeIsNotTaken) {
   script.click("OK");
   EXPECT_EQ(run(edited), 1);
   EXPECT_STREQ(edited->code.get(), "a1");
-  EXPECT_EQ(describe(edited->description.get()), "en-uk=Tear\nsv=Revor\n");
+  EXPECT_EQ(translations_of(edited->description),
+            (Translations{{"en-uk", "Tear"}, {"sv", "Revor"}}));
   EXPECT_EQ(codeset->remarks->head.next, edited);
 }
 
@@ -294,7 +289,7 @@ TEST_F(RemarkDialog, WithoutACodesetNoCodeIsTaken) {
 TEST_F(RemarkDialog, CodesAreTakenLiterally) {
   fill_in("%s%n<&>", "100 % <b>&amp;");
   EXPECT_EQ(code_after_ok(), "%s%n<&>");
-  EXPECT_EQ(describe(added->description.get()), "en-uk=100 % <b>&amp;\n");
+  EXPECT_EQ(translations_of(added->description), (Translations{{"en-uk", "100 % <b>&amp;"}}));
 }
 
 TEST_F(RemarkDialog, EnterIsOkInEveryField) {
@@ -331,7 +326,7 @@ TEST_F(RemarkDialog, LeavingChangesNothing) {
     EXPECT_EQ(edited->code.get(), code);
     EXPECT_EQ(edited->description.get(), description);
     EXPECT_STREQ(code, "a1");
-    EXPECT_EQ(describe(description), "en-uk=Tear\nsv=Reva\n");
+    EXPECT_EQ(translations_of(description), (Translations{{"en-uk", "Tear"}, {"sv", "Reva"}}));
   }
 }
 
@@ -344,7 +339,8 @@ TEST_F(RemarkDialog, ARefusalChangesNothing) {
   cancel();
   EXPECT_EQ(run(edited), 0);
   EXPECT_EQ(edited->code.get(), code);
-  EXPECT_EQ(describe(edited->description.get()), "en-uk=Tear\nsv=Reva\n");
+  EXPECT_EQ(translations_of(edited->description),
+            (Translations{{"en-uk", "Tear"}, {"sv", "Reva"}}));
 }
 
 TEST_F(RemarkDialog, TheWindowMayGoUnderAMessage) {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "codeset/remark.h"
-#include "model/langstr/translations.h"
+#include "support/values/translations.h"
 
 using Codes = std::vector<std::string>;
 // Code and description of each remark, in order.
