@@ -8,16 +8,19 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
-// How long a test has waited for one thing. Ten seconds are enough for a machine that is busy with
-// other work.
+// How long a test has waited for one thing.
 class Wait {
 public:
-  bool is_too_long() const;
+  // Call it each time the thing is not there yet. True after ten seconds, of which a turn of the
+  // main loop counts a tenth at most: the layout of a long text may take several.
+  bool is_too_long();
   // "Waited 10.0 s in vain for <what>", and the windows that are shown.
   std::string describe_failure(const std::string &what) const;
 
 private:
   gint64 begin = g_get_monotonic_time();
+  gint64 latest = begin;
+  gint64 counted = 0; // microseconds
 };
 
 // Runs the main loop until nothing is left to do and the display server has answered all requests.

@@ -74,7 +74,8 @@ std::string describe_windows() {
   std::string text;
   for (GtkWindow *window : shown_windows()) {
     const char *title = gtk_window_get_title(window);
-    text += std::string("\n  \"") + (title == nullptr ? "" : title) + "\": " + message_of(window);
+    text += std::string("\n  \"") + (title == nullptr ? "" : title) + "\": ";
+    text += message_of(window).substr(0, 200);
   }
   return text;
 }

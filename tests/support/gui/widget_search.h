@@ -11,7 +11,7 @@
 GtkWindow *top_window();
 // All windows that are shown.
 std::vector<GtkWindow *> shown_windows();
-// Titles and first labels of all windows that are shown, for a message on failure.
+// Titles and beginnings of the first labels of all shown windows, for a message on failure.
 std::string describe_windows();
 
 // All widgets of the type at or below the root, internal ones included, parents before children,

@@ -185,8 +185,18 @@ std::string get_button_label(GtkDialog *dialog, int response) {
   return gtk_button_get_label(GTK_BUTTON(gtk_dialog_get_widget_for_response(dialog, response)));
 }
 
+// Until its list shows files. The toolkit criticises itself when a chooser is destroyed before
+// that.
+void wait_until_loaded(GtkDialog *dialog) {
+  EXPECT_TRUE(wait_until([&] {
+    return gtk_tree_view_get_model(
+               find_widget<GtkTreeView>(GTK_WIDGET(dialog), GTK_TYPE_TREE_VIEW)) != nullptr;
+  }));
+}
+
 // Presses the accept button until the chooser, which loads folders at its leisure, takes it.
 void accept(GtkDialog *dialog) {
+  wait_until_loaded(dialog);
   EXPECT_TRUE(wait_until([&] {
     gtk_dialog_response(dialog, GTK_RESPONSE_ACCEPT);
     return gtk_widget_get_mapped(GTK_WIDGET(dialog)) == FALSE;
@@ -245,7 +255,10 @@ void save_as(GtkDialog *dialog, const std::string &folder, const char *name) {
   accept(dialog);
 }
 
-void cancel(GtkDialog *dialog) { gtk_dialog_response(dialog, GTK_RESPONSE_CANCEL); }
+void cancel(GtkDialog *dialog) {
+  wait_until_loaded(dialog);
+  gtk_dialog_response(dialog, GTK_RESPONSE_CANCEL);
+}
 
 // Looks at the chooser of a new dialog, and cancels the dialog.
 void look_at_new_dialog(FileDialogAction action, const Types &types,
