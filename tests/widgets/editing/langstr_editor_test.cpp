@@ -7,10 +7,10 @@
 
 #include "base/error.h"
 #include "editor_fixture.h"
-#include "faults.h"
 #include "gui/editing/spacifying_entry.h"
 #include "gui/editing/spacifying_text_view.h"
 #include "shown_window.h"
+#include "support/editing_faults.h"
 #include "support/gui_driver.h"
 
 namespace {

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "faults.h"
 #include "shown_window.h"
+#include "support/editing_faults.h"
 #include "support/gui_driver.h"
 
 namespace {

@@ -12,7 +12,7 @@
 
 #include "base/error.h"
 #include "codeset/codeset_io.h"
-#include "faults.h"
+#include "support/editing_faults.h"
 #include "support/gui/layout.h"
 #include "window_fixture.h"
 #include "workspace/drafts.h"

@@ -6,7 +6,7 @@
 
 #include "base/error.h"
 #include "base/text_encoding.h"
-#include "faults.h"
+#include "support/editing_faults.h"
 #include "support/gui/layout.h"
 #include "support/values/remarks.h"
 #include "window_fixture.h"

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "editor_fixture.h"
 #include "gui/editing/editing_widgets.h"
+#include "gui/editing/langstr_editor.h"
 #include "gui/window_stack.h"
 #include "support/files.h"
 #include "support/gui_driver.h"

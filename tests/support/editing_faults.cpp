@@ -1,4 +1,4 @@
-#include "faults.h"
+#include "support/editing_faults.h"
 
 #include <utility>
 
@@ -11,7 +11,7 @@ int beep_count = 0;
 int combo_box_calls_to_failure = 0;
 int entry_readings_to_failure = 0;
 
-// Counts the calls down to the first that fails, and stays there; 0 is no fault.
+// Counts down to the first call that fails; all later ones fail too. 0 is no fault.
 bool is_failing(int &calls_to_failure) {
   if (calls_to_failure > 1) {
     calls_to_failure--;
