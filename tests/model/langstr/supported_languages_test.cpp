@@ -1,7 +1,9 @@
 #include "langstr/supported_languages.h"
 
+#include <fstream>
 #include <iterator>
 #include <set>
+#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -189,6 +191,22 @@ TEST(SupportedLanguages, AreReadFromALanguageString) {
     EXPECT_STREQ(tag.get(), reading.tag);
     EXPECT_STREQ(v_error_get(), reading.message);
   }
+}
+
+// The table in the guide is made of this one: after a change, replace it by the text expected here.
+TEST(SupportedLanguages, AreAllInTheUserGuide) {
+  std::ifstream guide(VANTORELLE_TEST_SOURCE_FOLDER "/../../../docs/user-guide.md");
+  std::ostringstream text;
+  text << guide.rdbuf();
+  const std::string heading = "\n| Language | Tag |\n";
+  const std::size_t begin = text.str().find(heading);
+  ASSERT_NE(begin, std::string::npos);
+  std::string expected = heading + "|---|---|\n";
+  for (int i = 0; i < v_supported_languages_get_count(); i++) {
+    expected += std::string("| ") + v_supported_languages_get_name(i) + " | " +
+                v_supported_languages_get_tag(i) + " |\n";
+  }
+  EXPECT_EQ(text.str().substr(begin), expected);
 }
 
 } // namespace
