@@ -22,8 +22,9 @@ const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar 
 XmlText unreadable_text() { return {XmlTextState::unreadable, {}, nullptr}; }
 
 XmlText joined_text(OwnedText utf8_text) {
-  const std::string_view text = utf8_text.get();
-  return {XmlTextState::readable, text, std::move(utf8_text)};
+  XmlText text = {XmlTextState::readable, {}, std::move(utf8_text)};
+  text.text = text.joined.get();
+  return text;
 }
 
 OwnedText copy_text(std::string_view text) {

@@ -157,7 +157,8 @@ class InstalledPackage(InstalledProgramJourney):
         self.assertTrue(page.startswith(b".TH VANTORELLE"))
 
     def use_installed(self):
-        """The program sees the clean Debian only, and in it the display, the session's bus and the test's home."""
+        """The program sees the clean Debian only, and in it the display, the session's bus and
+        the test's home."""
         entry = debian.entry(self.folder, f"/usr/bin/{PROGRAM}")
         self.use(entry, root / "usr/lib/vantorelle", GSETTINGS_SCHEMA_DIR=None)
 

@@ -13,7 +13,7 @@ GLib.log_set_always_fatal(GLib.LogLevelFlags.LEVEL_ERROR)
 LISTS = ("table", "tree table")
 BUTTONS = ("push button", "toggle button")
 TEXTS = ("text", "password text", "entry")
-# Names that the accessibility library of Debian 13 gives to roles, with the names that are used here.
+# Role names of Debian 13's accessibility library, with the names that are used here.
 RENAMED_ROLES = {"button": "push button"}
 NOWHERE = -(2**31)
 
