@@ -19,12 +19,12 @@ ApplicationConfiguration process_app_conf;
 bool startup_successful = false;
 bool running = false;
 
-// Steps of the shutdown that belong to drawing and styling of other tools; their place is kept.
+// Shutdown steps for the drawing and styling of other tools; empty in this one.
 void clean_up_text_sheet_drawing() {}
 void clean_up_widget_styles() {}
 
-// Windows show the program's icon, those included that are shown already. The icon theme that it
-// comes from takes some 10 ms to load, for which the first window need not wait.
+// Also sets the icon of windows that are already shown. Loading the icon theme takes some 10 ms, so
+// the first window does not wait for it.
 gboolean set_icon_callback(void *configuration) {
   gtk_window_set_default_icon_name(
       static_cast<const ApplicationConfiguration *>(configuration)->application_id);
@@ -53,8 +53,8 @@ int v_main(int argc, char **argv) {
 }
 
 void app_startup_callback(GtkApplication *application, ApplicationConfiguration *configuration) {
-  // The font map looks for the system's fonts in a thread of its own. Asked for here, it is ready
-  // when the first text is measured, which would otherwise wait for it.
+  // The font map searches the system's fonts in its own thread. Created here, it is ready when the
+  // first text is measured.
   pango_cairo_font_map_get_default();
   g_idle_add_full(G_PRIORITY_LOW, set_icon_callback, configuration, nullptr);
   startup_successful = v_startup_run(application);

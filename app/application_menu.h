@@ -6,5 +6,5 @@
 
 void v_application_menu_install(GtkApplication *application);
 
-// Starts the workspace tool; says so when that fails. The item code is not used.
+// Starts the workspace tool; shows an error message when that fails. The item code is not used.
 void macos_menu_item_activate_callback(GtkMenuItem *item, void *item_code);

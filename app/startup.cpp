@@ -45,7 +45,7 @@ bool open_resources() {
   return true;
 }
 
-// The FreeType face must live exactly as long as the cairo face: it becomes its user data.
+// The FreeType face must live exactly as long as the cairo face, so it becomes its user data.
 bool make_view_font(OwnedFtFace ft_face) {
   OwnedFontFace face(cairo_ft_font_face_create_for_ft_face(ft_face.get(), 0));
   if (cairo_font_face_status(face.get()) != CAIRO_STATUS_SUCCESS) {
@@ -54,11 +54,11 @@ bool make_view_font(OwnedFtFace ft_face) {
   const auto done_face = [](void *data) { FT_Done_Face(static_cast<FT_Face>(data)); };
   if (cairo_font_face_set_user_data(face.get(), &destroy_ft_face_key, ft_face.get(), done_face) !=
       CAIRO_STATUS_SUCCESS) {
-    // The cairo face goes before the face that it draws with.
+    // Free the cairo face before the FreeType face that it draws with.
     face.reset();
     return fail("Couldn't use required fonts.");
   }
-  static_cast<void>(ft_face.release()); // the cairo face ends it from here on
+  static_cast<void>(ft_face.release()); // the cairo face frees it from now on
   view_font_face = std::move(face);
   return true;
 }

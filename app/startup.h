@@ -1,26 +1,27 @@
 #pragma once
-// The one-time work before the tool can run, one function per step, and what is released again at
-// shutdown. A step that fails returns false and leaves its words in the error state.
+// The one-time work before the tool can run, one function per step, and the matching releases at
+// shutdown. A step that fails returns false and leaves its message in the error state.
 
 #include <cairo.h>
 #include <gtk/gtk.h>
 
 #include "images/image.h"
 
-// All steps in their order; the first failure ends it.
+// Runs all steps in order, up to the first that fails.
 bool v_startup_run(GtkApplication *application);
 
-// The steps that can be asked for by themselves.
-// "Couldn't initialize the FreeType font library."
+// The steps that can also be run on their own.
+// Fails with "Couldn't initialize the FreeType font library.".
 bool v_startup_init_font_library();
-// A screen of 144 dots per inch or more is treated as one of half of them.
+// Halves the resolution of a screen that has 144 dots per inch or more.
 void v_startup_apply_resolution_rule(GdkScreen *screen);
 bool v_startup_load_icons();
-// "Couldn't find required fonts.", "Couldn't open required fonts.", "Couldn't load required fonts."
-// or "Couldn't use required fonts.".
+// Fails with "Couldn't find required fonts." before the reason, "Couldn't open required fonts.",
+// "Couldn't load required fonts.", "Couldn't use required fonts." or the message of the path's
+// conversion.
 bool v_startup_load_view_font();
 
-// Each may find nothing to release.
+// Each does nothing when there is nothing to release.
 void v_startup_release_icons();
 void v_startup_release_view_font();
 void v_startup_release_font_library();

@@ -1,12 +1,11 @@
 #pragma once
-// What the tool needs before its main window can open: an open workspace whose personal settings
-// have been read.
+// Opens the workspace and reads its personal settings before the tool's main window opens.
 
 #include "gui/window_stack.h"
 #include "workspace/workspace.h"
 
-// Opens the workspace, after having it created by the assistant when there is none, and loads the
-// settings; settings that cannot be read are told of and do not stop it. False with null when there
-// is no workspace in the end: silently when the user did not want one.
+// Opens the workspace and loads its settings. Runs the assistant first when there is no workspace.
+// Settings that cannot be read cause a warning, not a failure. False with null when there is still
+// no workspace, without a message when the user cancelled the assistant.
 bool v_user_session_start(VWindowStack *window_stack, OwnedWorkspace &workspace);
 void v_user_session_end(OwnedWorkspace workspace);
