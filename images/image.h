@@ -21,7 +21,7 @@ struct VImage {
   VImageKind kind = VImageKind::pixels;
   double width = 0;     // pixels
   double height = 0;    // pixels
-  OwnedSurface surface; // kind pixels: holds the pixel buffer as long as it lives itself
+  OwnedSurface surface; // kind pixels: owns the pixel buffer
   OwnedSvg svg;         // kind svg
   OwnedPattern pattern; // kind pixels: made for the surface
 };
@@ -31,13 +31,13 @@ void v_gfx_image_destroy(VImage *image);
 using OwnedImage = Owned<VImage, v_gfx_image_destroy>;
 
 // An uninitialised pixel buffer. Null with "Pixel buffer dimension out of range." when width or
-// height lies outside 0 to 16777216, with the out-of-memory message, or without a message when the
+// height is outside 0 to 16777216, with the out-of-memory message, or without a message when the
 // buffer would have no pixel.
 OwnedPixels v_gfx_pixels_new(std::int64_t width, std::int64_t height);
 
 // The top byte of the pixels is ignored when the image is opaque; otherwise they are premultiplied.
 // Null with the graphics library's message, or with "Error transferring pixel buffer ownership to
-// image surface."; the pixels are gone then too.
+// image surface."; the pixels are freed then too.
 OwnedImage v_gfx_image_new_for_pixels(OwnedPixels pixels, int width, int height, bool opaque);
 // The size is the one that the SVG states for itself, with its fractions. Null with the system's
 // reason when the library that made the handle cannot be loaded.

@@ -16,9 +16,9 @@ namespace {
 
 using OwnedRow = Owned<JSAMPLE, g_free>;
 
-// What the guarded steps work on. They are left by a jump when the library finds an error, so
-// nothing in them may need a destructor: this record and the owners of what it borrows stand in the
-// function that runs the steps.
+// State of the guarded steps. An error of the library leaves a step by longjmp, so no local of a
+// step may need a destructor: this record and the owners of what it borrows are locals of the
+// steps' callers.
 struct Decoding {
   jpeg_decompress_struct library = {};
   jpeg_error_mgr errors = {};
@@ -51,7 +51,7 @@ Decoding *decoding_of(Library *library) {
 
 void ignore_message(j_common_ptr) {}
 
-// The one place to which every error of the library unwinds; its message is set by then.
+// Every error of the library unwinds to here; its message is set by then.
 bool run_guarded(Decoding *decoding, void (*step)(Decoding *)) {
   if (setjmp(decoding->unwinding) != 0) {
     return false;
@@ -64,7 +64,7 @@ void begin_source(j_decompress_ptr) {}
 
 void end_source(j_decompress_ptr) {}
 
-// All the data is there from the beginning.
+// All data is in memory from the start, so a request for more means that it ends too soon.
 boolean fill_source(j_decompress_ptr library) {
   ERREXIT(library, JERR_INPUT_EOF);
   return FALSE;
@@ -148,10 +148,10 @@ void read_rows(Decoding *decoding) {
   }
 }
 
-// The most blocks that the data can stand for. A Huffman code has at least one bit. Every block has
-// one for its first coefficient and, unless scans follow that may leave it out, one for the end of
-// the others. With arithmetic coding one bit can stand for thousands of blocks that are all the
-// same, so that plain pictures of a moderate size are let through.
+// Upper bound of the blocks that the data can encode. A Huffman code has at least one bit. Every
+// block has a code for its first coefficient and, except in a progressive picture, one for the end
+// of the others. With arithmetic coding one bit can encode thousands of equal blocks, so plain
+// pictures of a moderate size are always accepted.
 Count limit_blocks(const jpeg_decompress_struct &library, std::size_t length) {
   constexpr Count moderate_block_count = 1 << 18; // 16 million grey pixels
   const Count bits = Count{length} * 8;
@@ -174,7 +174,7 @@ OwnedPixels decompress(Decoding &decoding, const char *data, std::size_t length)
   if (!run_guarded(&decoding, read_header)) {
     return nullptr;
   }
-  // What is missing of a picture the library makes up, and takes the memory for it.
+  // The library makes up missing parts of a picture and allocates memory for them.
   if (count_blocks(decoding.library) > limit_blocks(decoding.library, length)) {
     v_error_set("Pixel buffer dimension out of range.");
     return nullptr;

@@ -23,9 +23,8 @@ struct Reader {
   Reader &operator=(const Reader &) = delete;
 };
 
-// What the guarded steps work on. They are left by a jump when the library finds an error, so
-// nothing in them may need a destructor: the owners of what is borrowed here stand in the function
-// that runs the steps.
+// State of the guarded steps. An error of the library leaves a step by longjmp, so no local of a
+// step may need a destructor: the owners of what is borrowed here are locals of the steps' caller.
 struct Decoding {
   png_structp png = nullptr;
   png_infop info = nullptr;
@@ -54,7 +53,7 @@ void read_bytes(png_structp png, png_bytep bytes, std::size_t n) {
   }
 }
 
-// The one place to which every error of the library unwinds.
+// Every error of the library unwinds to here.
 bool run_guarded(Decoding *decoding, void (*step)(Decoding *)) {
   if (setjmp(png_jmpbuf(decoding->png)) != 0) {
     v_error_set("Error reading PNG data.");
@@ -95,12 +94,12 @@ void request_eight_bit_colours(Decoding *decoding) {
   }
 }
 
-// What says nothing of the pixels. The library would make room for as much of it as a chunk's
-// header promises, which may be 2 GiB in a file of 70 bytes.
+// Chunks that do not affect pixels. The library would allocate as much for one as its header
+// promises, which may be 2 GiB in a file of 70 bytes.
 constexpr png_byte passed_over_chunks[] = "eXIf\0iTXt\0pCAL\0sCAL\0sPLT\0tEXt\0zTXt";
 constexpr int passed_over_chunk_count = sizeof passed_over_chunks / 5;
 
-// The size alone: until it is known to be in range the library must not be let make room for a row.
+// Reads the size only: the library must not allocate a row before the size is known to be in range.
 void read_size(Decoding *decoding) {
   png_structp png = decoding->png;
   png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);

@@ -8,13 +8,13 @@
 #include "images/image.h"
 
 enum class VPngAlphaMode {
-  on_white = 0, // the picture is laid on white, no alpha remains
+  on_white = 0, // the picture is composed on white, no alpha remains
   straight = 1,
   premultiplied = 2,
 };
 
 // Decodes the stream's data. Fills width, height (pixels) and opaque: true exactly when no pixel
-// has an alpha below 255. On failure they stay as they are and null comes back, with "The input
+// has an alpha below 255. On failure they are unchanged and the result is null, with "The input
 // data is not a PNG image.", "Error reading PNG data." (damaged or cut short), "Pixel buffer
 // dimension out of range.", "Unexpected PNG row size: ..." or the out-of-memory message; data whose
 // beginning cannot be read leaves the stream's message.

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Closes without writing: the archive lies in read-only memory.
+// Closes without writing: the archive is in read-only memory.
 using OwnedArchive = Owned<zip_t, zip_discard>;
 
 OwnedArchive archive;
@@ -33,7 +33,7 @@ bool v_resources_open() {
   }
   archive.reset(zip_open_from_source(source, ZIP_RDONLY, &error));
   if (!archive) {
-    // An archive that could not be opened has not taken the source over.
+    // zip_open_from_source takes ownership of the source only when it succeeds.
     zip_source_free(source);
     return fail(&error);
   }

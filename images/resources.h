@@ -1,13 +1,13 @@
 #pragma once
-// The images and documents that travel inside the program.
+// The images and documents that are embedded in the program.
 
 #include "base/file_types.h"
 #include "base/owned.h"
 #include "images/image.h"
 
-// Opens the archive; to be done before anything is loaded. False with the archive layer's message.
+// Opens the archive; call it before any load. False with the archive layer's message.
 bool v_resources_open();
-// Closes the archive; without one it does nothing. What was loaded lives on.
+// Closes the archive; does nothing when none is open. Loaded objects stay valid.
 void v_resources_clean_up();
 
 // Null with "Could not load image resource." before the reason; keep_encoded_data as in

@@ -1,10 +1,10 @@
 #pragma once
-// librsvg, loaded when the first SVG image is read. Most tools read none, and to load it with the
-// program would cost each start a twentieth of its time and of the memory of a program at rest.
+// Loads librsvg when the first SVG image is read. Most tools read none, and loading it with the
+// program would take 5 % of the start-up time and of the memory of an idle program.
 
 #include <librsvg/rsvg.h>
 
-// Its functions, by their names.
+// The functions of librsvg that are called, by their names.
 struct VSvgLibrary {
   decltype(&::rsvg_handle_new_from_data) rsvg_handle_new_from_data = nullptr;
   decltype(&::rsvg_handle_get_dimensions) rsvg_handle_get_dimensions = nullptr;
