@@ -7,7 +7,7 @@
 
 namespace {
 
-// <bundle>.app/Contents/MacOS: what lies between a bundle's parent folder and its executable.
+// <bundle>.app/Contents/MacOS: the levels between a bundle's parent folder and its executable.
 constexpr int bundle_depth = 3;
 
 // The MacOS folder of the bundle that holds the running program's bundle; null when there is none.

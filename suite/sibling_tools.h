@@ -7,12 +7,11 @@
 bool v_exe_launch_workspace_tool();
 // Starts a program by its name (UTF-8, without an ending). The arguments (UTF-8) are a piece of a
 // shell command line; null means none. False when the install folder is not known or the start
-// fails; a program that is not there may go unnoticed, where the system starts it in a process of
-// its own.
+// fails. A missing program may go unnoticed on systems that start it in a separate process.
 bool launch_bundled_program(const char *name, const char *arguments);
 
 // The path of a program of the suite: in the install folder, or, when nothing is there and the
-// running program's bundle lies inside another bundle's MacOS folder, in that one. Asks the file
-// system only for the first. All texts are UTF-8; the ending is v_platform_get_program_ending's.
+// running program's bundle is inside another bundle's MacOS folder, in that one. Looks up only the
+// first in the file system. All texts are UTF-8; the ending is v_platform_get_program_ending's.
 OwnedText v_exe_get_bundled_program_path(const char *install_folder, const char *name,
                                          const char *ending);

@@ -22,7 +22,7 @@ struct Maker {
   std::int64_t fingerprint = 0;
 };
 
-// The name matches the pattern. Numbers beyond the range become its end, which no process has.
+// The name must match the pattern. Numbers out of range become the limit, which no process has.
 Maker get_maker(const char *file_name) {
   const char *process_id = file_name + prefix_length;
   const char *fingerprint = std::strchr(process_id, '.') + 1;
@@ -33,8 +33,8 @@ Maker get_maker(const char *file_name) {
 // The executable's size with the top bit cleared: names carry 31 bits.
 std::int64_t get_fingerprint(const VFileInfo &executable) { return executable.size & 0x7fffffff; }
 
-// An executable that cannot be asked about, because of its name for one, says nothing of its
-// process.
+// False when the executable cannot be examined, for instance because its name cannot be converted:
+// it does not show whether the maker still runs.
 bool is_gone(const Maker &maker) {
   OwnedText path;
   if (!v_platform_get_exe_path_for_process_id(path, maker.process_id)) {
@@ -45,8 +45,8 @@ bool is_gone(const Maker &maker) {
          get_fingerprint(executable) != maker.fingerprint;
 }
 
-// The folder is everybody's, with thousands of names at times: comparing the beginning first takes
-// a hundredth of the time that the expression takes.
+// The folder is shared and may have thousands of entries: comparing the prefix first takes a
+// hundredth of the time of the expression.
 bool is_ours(const char *name, const GRegex *pattern) {
   return g_str_has_prefix(name, name_prefix) &&
          g_regex_match(pattern, name, G_REGEX_MATCH_DEFAULT, nullptr);
@@ -82,8 +82,8 @@ bool clean_up(const char *folder) {
   if (!pattern) {
     return false;
   }
-  // A listing that breaks off is as good as one that ends: the rest waits for the next start. A
-  // name that is no text is none of ours, and would stand in the way at every start.
+  // A listing that ends with an error is no failure: the next start deletes the rest. A name that
+  // cannot be converted is not ours, and failing on it would make every start fail.
   while (const OwnedText name = v_fs_utils_next_convertible_folder_entry(listing.get())) {
     clean_up_file(folder, name.get(), pattern.get());
   }
