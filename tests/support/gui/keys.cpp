@@ -4,7 +4,7 @@
 
 namespace {
 
-// Accelerators are looked up by the key of the keyboard. 0 for a keysym that no key has.
+// Accelerators are looked up by the keyboard's key code. 0 for a keysym that no key has.
 guint16 find_hardware_keycode(GdkDisplay *display, guint key) {
   GdkKeymapKey *keys = nullptr;
   int count = 0;

@@ -70,16 +70,16 @@ void expect_place(const LayoutPlace &place, const GdkRectangle &rectangle, const
     EXPECT_EQ(rectangle.y, place.y);
     break;
   case LayoutPlace::Kind::below:
-    EXPECT_EQ(rectangle.x, other.x) << "left edge, as that of " << place.name;
+    EXPECT_EQ(rectangle.x, other.x) << "left edge, like that of " << place.name;
     EXPECT_EQ(rectangle.y - other.y - other.height, place.y) << "gap below " << place.name;
     break;
   case LayoutPlace::Kind::beside:
     EXPECT_EQ(rectangle.x - other.x - other.width, place.x) << "gap beside " << place.name;
-    EXPECT_EQ(rectangle.y, other.y) << "top edge, as that of " << place.name;
+    EXPECT_EQ(rectangle.y, other.y) << "top edge, like that of " << place.name;
     break;
   case LayoutPlace::Kind::end_of_row:
     EXPECT_EQ(rectangle.x + rectangle.width, whole_width) << "right edge";
-    EXPECT_EQ(rectangle.y, other.y) << "top edge, as that of " << place.name;
+    EXPECT_EQ(rectangle.y, other.y) << "top edge, like that of " << place.name;
     break;
   }
 }

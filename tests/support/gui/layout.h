@@ -1,8 +1,8 @@
 #pragma once
-// Compares the layout of a window with a table that has a row for each widget: where the widget is
-// at the container's natural size, and what becomes of it when the container gets more room. Expand
-// and fill flags, spacings, alignments and the packing order all show in this. A label counts as
-// the place of its text. Distances are pixels.
+// Compares the layout of a window with a table that has a row for each widget: its place at the
+// container's natural size, and how it moves and grows when the container gets more room. This
+// covers expand and fill flags, spacings, alignments and the packing order. The place of a label is
+// that of its text. Distances are pixels.
 
 #include <optional>
 #include <utility>
@@ -10,7 +10,7 @@
 
 #include <gtk/gtk.h>
 
-// Place relative to the container or to the widget of an earlier row, which `name` names.
+// Place relative to the container or to the widget of the earlier row that has the name.
 struct LayoutPlace {
   enum class Kind { anywhere, corner, below, beside, end_of_row };
 
@@ -38,7 +38,7 @@ inline LayoutPlace end_of_row(const char *name) {
 }
 inline LayoutPlace anywhere() { return {}; }
 
-// What happens in one direction for every 100 pixels more.
+// Change in one direction when the container gets 100 pixels more.
 struct LayoutChange {
   int move = 0;
   int growth = 0;
@@ -59,11 +59,11 @@ struct LayoutRow {
   std::optional<std::pair<float, float>> alignment = {}; // of a label: across, down
 };
 
-// The container is realized. Its widgets are laid out again afterwards.
+// The container must be realized. A resize is queued for it at the end.
 void expect_layout(GtkWidget *container, const std::vector<LayoutRow> &rows);
 
 // The same for the content of a window, which has a border of eight pixels and has been active, so
-// that it would be maximized by now.
+// that it would be maximized by now if it asked for it.
 enum class WindowState { not_maximized, maximized };
 void expect_window_layout(GtkWindow *window, WindowState state, const std::vector<LayoutRow> &rows);
 
@@ -71,5 +71,5 @@ void expect_window_layout(GtkWindow *window, WindowState state, const std::vecto
 void expect_buttons_at_both_ends(GtkButton *left, GtkButton *right);
 
 // Expects a scrolled window that asks for this room (pixels), scrolls up and down alone, and has a
-// sunken frame and a scroll bar that does not lie over the content.
+// sunken frame and a scroll bar that does not overlay the content.
 void expect_scrolls_downwards(GtkScrolledWindow *scroller, int width, int height);

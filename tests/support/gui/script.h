@@ -1,5 +1,5 @@
 #pragma once
-// Scripts of what a user does in windows that run nested main loops.
+// Scripts of a user's actions in windows that run nested main loops.
 
 #include <deque>
 #include <functional>
@@ -10,10 +10,9 @@
 
 #include "support/gui/waiting.h"
 
-// What a user does, step by step. Steps are taken while the test waits in a nested main loop; each
-// waits until the program has nothing else to do and what the step needs is there. A step that
-// waits in vain for ten seconds, and a test that does not come back after the last step, is a
-// failure, and then all windows are closed.
+// A user's actions, step by step. Steps run while the test waits in a nested main loop; each waits
+// until the program is idle and the step's condition is true. The test fails, and all windows are
+// closed, when a step waits for ten seconds or the main loop does not end after the last step.
 class GuiScript {
 public:
   GuiScript();
@@ -22,10 +21,10 @@ public:
   GuiScript(const GuiScript &) = delete;
   GuiScript &operator=(const GuiScript &) = delete;
 
-  // The general step. what: what is waited for, said when it does not come.
+  // The general step. what: names the condition in the message of a wait that fails.
   GuiScript &when(std::string what, std::function<bool()> ready, std::function<void()> act);
   GuiScript &then(std::function<void()> act);
-  // Acts when the top window has the title and is active, and so has the state that it asked for.
+  // Acts when the top window has the title and is active, so that it has its requested state.
   GuiScript &when_active(const std::string &title, std::function<void()> act);
   // Clicks the button of the top window, which must be sensitive.
   GuiScript &click(const std::string &label);
@@ -55,6 +54,6 @@ private:
 
   std::deque<Step> steps;
   guint source = 0;
-  std::optional<Wait> wait; // for the first step, since the main loop runs
+  std::optional<Wait> wait; // of the first step; begins when the main loop runs
   bool gave_up = false;
 };

@@ -8,10 +8,10 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
-// How long a test has waited for one thing.
+// Measures how long a test has waited for one thing.
 class Wait {
 public:
-  // Call it each time the thing is not there yet. True after ten seconds, of which a turn of the
+  // To be called each time the wait is not over. True after ten seconds, of which a turn of the
   // main loop counts a tenth at most: the layout of a long text may take several.
   bool is_too_long();
   // "Waited 10.0 s in vain for <what>", and the windows that are shown.
@@ -24,17 +24,16 @@ private:
 };
 
 // Runs the main loop until nothing is left to do and the display server has answered all requests.
-// Does not wait for timeouts, for frames that are due later or for the window manager: wait_until
-// their effect. Not for steps of a script, which would let later steps run inside.
+// Does not wait for timeouts, for later frames or for the window manager: use wait_until for their
+// effect. Must not be called in a step of a script, because later steps would run inside it.
 void settle();
 
 // Runs the main loop until the condition is true; fails when it is not within ten seconds:
 // EXPECT_TRUE(wait_until([&] { return clicks > 0; })).
 testing::AssertionResult wait_until(const std::function<bool()> &condition);
 
-// For things that must not happen, which announce themselves nowhere: runs the main loop for the
-// time, and fails when the condition is false at any moment of it. The time is longer than whatever
-// must not happen would take.
+// For things that must not happen: runs the main loop for the time, and fails when the condition is
+// false at any moment of it. The time must be longer than the unwanted effect would take.
 testing::AssertionResult holds_for(unsigned milliseconds, const std::function<bool()> &condition);
 
 // Runs the action once after the time, in the main loop that is innermost then.
@@ -42,7 +41,7 @@ void after(unsigned milliseconds, std::function<void()> action);
 
 // Runs the action once, in the main loop that is innermost when there is nothing else to do and
 // `ready` is true. Ends the program when that takes longer than ten seconds, because the code under
-// test would wait for ever. what: completes "Waited in vain for ...".
+// test would wait forever. what: completes "Waited in vain for ...".
 void when(std::string what, std::function<bool()> ready, std::function<void()> action);
 // When the window has the keyboard.
 void when_active(GtkWindow *window, std::function<void()> action);

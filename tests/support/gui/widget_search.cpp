@@ -34,7 +34,7 @@ void search(GtkWidget *widget, void *data) {
   }
 }
 
-// Those that are not part of a button.
+// Without the labels of buttons.
 std::vector<GtkLabel *> shown_labels(GtkWidget *root) {
   std::vector<GtkLabel *> labels;
   for (GtkWidget *label : find_widgets(root, GTK_TYPE_LABEL)) {

@@ -7,7 +7,7 @@
 
 #include <gtk/gtk.h>
 
-// The window that has no other window over it; null when none is shown.
+// The window with no other window over it; null when none is shown.
 GtkWindow *top_window();
 // All windows that are shown.
 std::vector<GtkWindow *> shown_windows();
@@ -25,12 +25,12 @@ T *find_widget(GtkWidget *root, GType type) {
 }
 // The shown button with the label; null when there is none.
 GtkButton *find_button(GtkWidget *root, const std::string &label);
-// The labels of all shown buttons that have one, as they are ordered from left to right and from
-// top to bottom in their boxes.
+// The labels of all shown buttons that have one, in the order of their boxes: left to right, top to
+// bottom.
 std::vector<std::string> button_labels(GtkWidget *root);
 // The shown label with the text that is not part of a button; null when there is none.
 GtkLabel *find_label(GtkWidget *root, const std::string &text);
 // The text of the first shown label that is not part of a button; "" when there is none.
 std::string message_of(GtkWindow *dialog);
-// The label whose mnemonic leads to the widget; null when there is none.
+// The label whose mnemonic widget it is; null when there is none.
 GtkLabel *label_of(GtkWidget *widget);

@@ -10,7 +10,7 @@
 
 namespace {
 
-// A warning of the toolkit ends the program while one of these lives.
+// Makes warnings of the toolkit fatal while it exists.
 class FatalWarnings {
 public:
   FatalWarnings()
@@ -24,7 +24,7 @@ private:
   GLogLevelFlags before;
 };
 
-// One press of a key, without a turn of the main loop.
+// Presses a key without running the main loop.
 void deliver_key(GtkWidget *window, guint key) {
   gtk_widget_event(window, make_key_event(window, GDK_KEY_PRESS, key).get());
 }
@@ -52,8 +52,7 @@ TEST(Accessibility, EscapeClosesTheWindow) {
   EXPECT_EQ(destroyed, 1);
 }
 
-// The key repeats while the program is busy: what it left behind must not close a window that is
-// gone.
+// The key repeats while the program is busy: the second press must not close a destroyed window.
 TEST(Accessibility, EscapePressedAgainBeforeTheWindowHasClosedDoesNoHarm) {
   const FatalWarnings fatal_warnings;
   OwnedObject<GtkWidget> window = create_window();
@@ -66,7 +65,7 @@ TEST(Accessibility, EscapePressedAgainBeforeTheWindowHasClosedDoesNoHarm) {
   EXPECT_TRUE(holds_for(50, [&observed] { return observed == nullptr; }));
 }
 
-TEST(Accessibility, EscapeAsksWhoeverMayKeepTheWindow) {
+TEST(Accessibility, EscapeCanBeRefusedByTheWindow) {
   const OwnedObject<GtkWidget> window = create_window();
   int asked = 0;
   g_signal_connect(window.get(), "delete-event",
@@ -80,7 +79,7 @@ TEST(Accessibility, EscapeAsksWhoeverMayKeepTheWindow) {
   deliver_key(window.get(), GDK_KEY_Escape);
   settle();
   EXPECT_EQ(asked, 2);
-  // Covered by another window, it has been asked already.
+  // Another window covers it: no second request.
   gtk_widget_set_sensitive(window.get(), FALSE);
   deliver_key(window.get(), GDK_KEY_Escape);
   settle();

@@ -24,7 +24,7 @@ protected:
   GtkWidget *button = v_answering_button_new("100 % <b>_&");
 };
 
-TEST_F(Button, IsTheToolkitsOtherwise) {
+TEST_F(Button, IsOtherwiseAnOrdinaryButton) {
   EXPECT_TRUE(GTK_IS_BUTTON(button));
   EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(button)), "100 % <b>_&");
   EXPECT_STREQ(gtk_widget_class_get_css_name(GTK_WIDGET_GET_CLASS(button)), "button");
@@ -47,14 +47,14 @@ TEST_F(Button, IsPressedAtOnceByActivation) {
   EXPECT_EQ(clicks, 2);
   EXPECT_TRUE(gtk_widget_mnemonic_activate(button, FALSE));
   EXPECT_EQ(clicks, 3);
-  // Nothing is left to be done later, as it is with the toolkit's own.
+  // The toolkit's own button finishes its click later.
   EXPECT_FALSE(gtk_widget_has_grab(button));
   gtk_widget_hide(button);
   gtk_widget_activate(button);
   EXPECT_EQ(clicks, 3);
 }
 
-TEST_F(Button, AnActionIsAnsweredBeforeItIsDone) {
+TEST_F(Button, AnActionReturnsBeforeTheClick) {
   EXPECT_TRUE(act());
   EXPECT_EQ(clicks, 0);
   EXPECT_TRUE(wait_until([this] { return clicks > 0; }));
@@ -62,7 +62,7 @@ TEST_F(Button, AnActionIsAnsweredBeforeItIsDone) {
   EXPECT_EQ(clicks, 1);
 }
 
-TEST_F(Button, WhatCannotBePressedHasNoAction) {
+TEST_F(Button, HasNoActionWhenItCannotBePressed) {
   EXPECT_FALSE(act(1));
   EXPECT_FALSE(act(-1));
   gtk_widget_set_sensitive(window, FALSE);
@@ -74,8 +74,8 @@ TEST_F(Button, WhatCannotBePressedHasNoAction) {
   EXPECT_EQ(clicks, 0);
 }
 
-// Two requests in a row, of which the first covers the window with another.
-TEST_F(Button, WhatCannotBePressedAnyMoreIsNot) {
+// Two requests in a row; the first opens a window over this one.
+TEST_F(Button, IgnoresAnActionWhenItBecomesInsensitiveBefore) {
   EXPECT_TRUE(act());
   gtk_widget_set_sensitive(window, FALSE);
   settle();

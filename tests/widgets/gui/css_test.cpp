@@ -34,8 +34,8 @@ TEST(Css, TheSheetStylesTheWidgetAlone) {
   gtk_container_add(GTK_CONTAINER(frame.get()), inside);
   v_css_style_widget(frame.get(), "* { color: #ff0000 }");
   EXPECT_TRUE(is_red(frame.get()));
-  // The colour is inherited like any; a sheet of the frame's own must not reach its children, which
-  // a property that is not inherited tells.
+  // The child inherits the colour, but the sheet must not apply to it: check with a property that
+  // is not inherited.
   v_css_style_widget(frame.get(), "* { margin-top: 7px }");
   GtkBorder margin;
   GtkStyleContext *context = gtk_widget_get_style_context(inside);

@@ -128,7 +128,7 @@ TEST_F(FileDialogs, FiltersMatchPatternsAndMediaTypes) {
   }
 }
 
-TEST_F(FileDialogs, ACodesetIsToldByItsExtensionAlone) {
+TEST_F(FileDialogs, ACodesetIsRecognisedByItsExtensionAlone) {
   const auto dialog = set_up(FileDialogAction::open, {VFileType::remark_codeset});
   GtkFileFilter *filter = list_filters(GTK_FILE_CHOOSER(dialog.get()))[0];
   EXPECT_TRUE(matches(filter, "paintings.codeset"));
@@ -185,7 +185,7 @@ std::string get_button_label(GtkDialog *dialog, int response) {
   return gtk_button_get_label(GTK_BUTTON(gtk_dialog_get_widget_for_response(dialog, response)));
 }
 
-// Presses the accept button, once: the chooser looks at the file before it closes, for each press.
+// Presses the accept button only once: the chooser examines the file for each press.
 void accept(GtkDialog *dialog) {
   gtk_dialog_response(dialog, GTK_RESPONSE_ACCEPT);
   EXPECT_TRUE(wait_until([&] { return gtk_widget_get_mapped(GTK_WIDGET(dialog)) == FALSE; }));
@@ -209,9 +209,9 @@ std::vector<std::string> list_chosen(GtkFileChooser *chooser) {
   return paths;
 }
 
-// A chooser that is destroyed while it loads makes the toolkit criticise itself. Its list has no
-// rows while it loads, which it may do twice, and nothing shows when its last look at the files is
-// over: so the list has to stay for a while.
+// The toolkit logs a critical when a chooser is destroyed while it loads. Its list has no model
+// while it loads, which may happen twice, and nothing signals the end: so the list must have kept
+// its model for a while.
 void wait_until_loaded(GtkFileChooser *chooser) {
   constexpr gint64 last_look = 200 * G_TIME_SPAN_MILLISECOND;
   GtkTreeView *list = find_widget<GtkTreeView>(GTK_WIDGET(chooser), GTK_TYPE_TREE_VIEW);
@@ -239,7 +239,7 @@ void choose(GtkDialog *dialog, const std::string &path) {
   accept(dialog);
 }
 
-// Chooses everything that a folder shows, which is so many files once it is loaded, then accepts.
+// Chooses all files in the folder once it shows `count` of them, then accepts.
 void choose_all(GtkDialog *dialog, const std::string &path, std::size_t count) {
   enter_folder(as_chooser(dialog), path);
   EXPECT_TRUE(wait_until([&] {
@@ -443,7 +443,7 @@ TEST_F(FileDialogs, RememberAFolderUnderTheNamesOfTheTypes) {
   }
 }
 
-// The user's folders as the desktop writes them down; null for a desktop that does not.
+// Writes the user's folders as the desktop does; null: the desktop has not written them.
 void set_documents_folder(const char *path) {
   const std::string file = std::string(g_get_user_config_dir()) + "/user-dirs.dirs";
   std::filesystem::remove(file);
@@ -505,7 +505,7 @@ TEST_F(FileDialogs, ACancelledDialogOrAFolderDialogLeavesTheRememberedFolder) {
   expect_start_elsewhere(folder.path(), FileDialogAction::open, {});
 }
 
-TEST_F(FileDialogs, ARememberedFolderThatIsGoneIsNoObstacle) {
+TEST_F(FileDialogs, IgnoreARememberedFolderThatDoesNotExist) {
   make_folder(folder / "gone");
   ASSERT_TRUE(save(folder / "gone", "c.codeset", VFileType::remark_codeset));
   std::filesystem::remove(folder / "gone");

@@ -60,7 +60,7 @@ struct Tower {
     gtk_window_get_size(window.get(), &width, &height);
     return height;
   }
-  // Bottom edge of the button in the window, below what the toolkit may have drawn as a title bar.
+  // Bottom edge of the button in the window, without a title bar that the toolkit may draw.
   int button_bottom() {
     GtkAllocation allocation;
     GtkAllocation content;
@@ -86,7 +86,7 @@ TEST(HeightCappedScroller, GrowsWithItsContent) {
   EXPECT_LE(tower.button_bottom(), tower.height());
 }
 
-TEST(HeightCappedScroller, KeepsNoRoomForAScrollBarThatIsNotThere) {
+TEST(HeightCappedScroller, ReservesNoRoomForAHiddenScrollBar) {
   for (const int rows : {2, 100}) {
     Tower tower;
     tower.add_rows(rows);
@@ -117,7 +117,7 @@ TEST(HeightCappedScroller, TheScrollBarDoesNotTouchTheContent) {
   EXPECT_GE(left - gtk_widget_get_allocated_width(tower.row(0)), 8);
 }
 
-TEST(HeightCappedScroller, EndsWithTheScreen) {
+TEST(HeightCappedScroller, IsLowerThanTheScreen) {
   Tower tower;
   tower.add_rows(100);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
@@ -127,7 +127,7 @@ TEST(HeightCappedScroller, EndsWithTheScreen) {
   EXPECT_LE(tower.button_bottom(), tower.height());
 }
 
-TEST(HeightCappedScroller, WhatHasTheFocusScrollsIntoView) {
+TEST(HeightCappedScroller, ScrollsTheFocusedWidgetIntoView) {
   Tower tower;
   tower.add_rows(100);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
@@ -137,7 +137,7 @@ TEST(HeightCappedScroller, WhatHasTheFocusScrollsIntoView) {
   EXPECT_TRUE(wait_until([&] { return gtk_adjustment_get_value(tower.place()) > 1000; }));
 }
 
-TEST(HeightCappedScroller, ANewRowThatTakesTheFocusScrollsIntoView) {
+TEST(HeightCappedScroller, ScrollsANewFocusedRowIntoView) {
   Tower tower;
   tower.add_rows(2);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
@@ -149,7 +149,7 @@ TEST(HeightCappedScroller, ANewRowThatTakesTheFocusScrollsIntoView) {
   }
 }
 
-TEST(HeightCappedScroller, WhatHasTheFocusStaysInViewWhenTheWindowShrinks) {
+TEST(HeightCappedScroller, KeepsTheFocusedWidgetInViewWhenTheWindowShrinks) {
   Tower tower;
   tower.add_rows(100);
   gtk_window_maximize(tower.window.get());
@@ -180,7 +180,7 @@ TEST(HeightCappedScroller, StaysWhereTheUserHasScrolledIt) {
   EXPECT_EQ(gtk_adjustment_get_value(tower.place()), 1000);
 }
 
-TEST(HeightCappedScroller, MakesDoWithItsLeastHeight) {
+TEST(HeightCappedScroller, RequestsItsLeastHeight) {
   Tower tower;
   tower.add_rows(100);
   v_height_capped_scroller_set_least_height(tower.scroller(), 120);
@@ -193,7 +193,7 @@ TEST(HeightCappedScroller, MakesDoWithItsLeastHeight) {
   EXPECT_GT(natural, screen_height() / 2);
 }
 
-TEST(HeightCappedScroller, IsNoHigherThanItsContentWhateverItsLeastHeight) {
+TEST(HeightCappedScroller, IsNoHigherThanItsContentForAnyLeastHeight) {
   Tower tower;
   tower.add_rows(1);
   v_height_capped_scroller_set_least_height(tower.scroller(), 500);

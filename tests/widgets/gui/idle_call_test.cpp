@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(IdleCall, ComesOnceAndNotBeforeTheMainLoop) {
+TEST(IdleCall, RunsOnceAndNotBeforeTheMainLoop) {
   TestWindow window;
   int calls = 0;
   v_idle_call_add(window.widget(), G_PRIORITY_DEFAULT, [&calls] { calls++; });
@@ -17,7 +17,7 @@ TEST(IdleCall, ComesOnceAndNotBeforeTheMainLoop) {
   EXPECT_EQ(calls, 1);
 }
 
-TEST(IdleCall, IsNotMadeForAWidgetThatIsDestroyedBefore) {
+TEST(IdleCall, DoesNotRunForAWidgetThatIsDestroyedBefore) {
   TestWindow window;
   const OwnedObject<GtkWidget> held = share(window.widget());
   int calls = 0;
@@ -28,8 +28,8 @@ TEST(IdleCall, IsNotMadeForAWidgetThatIsDestroyedBefore) {
   EXPECT_EQ(calls, 0);
 }
 
-// A main loop of a dialog, for instance, in which the user closes the window of the widget.
-TEST(IdleCall, HoldsTheWidgetThatItDestroysItself) {
+// For instance when it shows a dialog during which the user closes the window of the widget.
+TEST(IdleCall, KeepsTheWidgetAliveWhenItDestroysIt) {
   TestWindow window;
   GtkWidget *widget = window.widget();
   bool is_widget = false;

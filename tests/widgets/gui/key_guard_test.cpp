@@ -10,7 +10,7 @@
 namespace {
 
 // A window with a field, a text of several lines and a button, and keys that reach it through the
-// queue of events, with times of their own.
+// queue of events, with explicit times.
 class KeyGuard : public testing::Test {
 protected:
   KeyGuard() {
@@ -26,7 +26,7 @@ protected:
     g_signal_connect_swapped(other.widget(), "key-press-event", G_CALLBACK(count_callback),
                              &other_presses);
     window.show_active();
-    time += 10'000; // nothing is held from the test before
+    time += 10'000; // no key of the previous test counts as held
   }
 
   static gboolean count_callback(int *count) {
@@ -62,10 +62,10 @@ guint32 KeyGuard::time = 0;
 struct Key {
   const char *name;
   guint key;
-  bool in_field, in_text, on_button; // whether its repeats are let through
+  bool in_field, in_text, on_button; // whether its repeats are delivered
 };
 
-TEST_F(KeyGuard, AHeldKeyRepeatsOnlyWhereThatIsMeant) {
+TEST_F(KeyGuard, AHeldKeyThatActsDoesNotRepeat) {
   const Key keys[] = {
       {"letter", GDK_KEY_a, true, true, true},
       {"cursor", GDK_KEY_Down, true, true, true},
@@ -126,7 +126,7 @@ TEST_F(KeyGuard, AnotherKeyOrALongTimeEndsTheRepeating) {
   EXPECT_EQ(other_presses, 3);
 }
 
-// A window that is destroyed by a press may take the release with it.
+// When a press destroys its window, the release may not be delivered.
 TEST_F(KeyGuard, APressAfterALostReleaseIsNotLost) {
   other.show_active();
   press(window.widget(), GDK_KEY_Escape);
@@ -139,7 +139,7 @@ TEST_F(KeyGuard, APressAfterALostReleaseIsNotLost) {
   EXPECT_EQ(other_presses, 3);
   press(window.widget(), GDK_KEY_Escape, 200);
   press(other.widget(), GDK_KEY_Escape, 200);
-  EXPECT_TRUE(wait_until([this] { return other_presses == 4; })); // it stays down
+  EXPECT_TRUE(wait_until([this] { return other_presses == 4; })); // still held
   press(other.widget(), GDK_KEY_Escape, 660);
   EXPECT_EQ(other_presses, 4);
 }
@@ -156,8 +156,8 @@ class Shield : public KeyGuard {
 protected:
   static void response_callback(GtkDialog *, int response, int *answer) { *answer = response; }
 
-  // Shows a message right after the key was pressed in the widget, has the keys typed at the pace,
-  // and returns the answer that they gave; 0 for none.
+  // Presses the key in the widget, shows a message at once, types the keys at the pace
+  // (milliseconds) and returns the answer that they gave; 0 for none.
   int show_message(GtkWidget *widget, guint key, const std::vector<guint> &typed, guint32 pace) {
     const OwnedWindowStack stack = v_window_stack_new();
     v_window_stack_push_window(stack.get(), window.get());
@@ -195,7 +195,7 @@ TEST_F(Shield, TheFirstKeyAfterAPauseAnswersTheMessage) {
   EXPECT_EQ(show_message(field, GDK_KEY_Return, {GDK_KEY_Escape}, 450), GTK_RESPONSE_DELETE_EVENT);
 }
 
-TEST_F(Shield, ReturnOrEscapeWithNothingTypedBetweenAnswersTheMessage) {
+TEST_F(Shield, ReturnOrEscapeAnswersTheMessageWhenNothingIsTypedBefore) {
   for (const guint32 pace : {100, 150, 260}) {
     EXPECT_EQ(show_message(field, GDK_KEY_Return, {GDK_KEY_Return}, pace), GTK_RESPONSE_CLOSE);
     EXPECT_EQ(show_message(field, GDK_KEY_Return, {GDK_KEY_Escape}, pace),
@@ -206,7 +206,7 @@ TEST_F(Shield, ReturnOrEscapeWithNothingTypedBetweenAnswersTheMessage) {
   EXPECT_EQ(show_message(field, GDK_KEY_Return, {GDK_KEY_Return}, 30), 0) << "pressed twice";
 }
 
-TEST_F(Shield, AMessageThatNobodyTypedIntoIsAnsweredAtOnce) {
+TEST_F(Shield, AMessageAfterNoTypingIsAnsweredAtOnce) {
   EXPECT_EQ(show_message(button, GDK_KEY_space, {GDK_KEY_space}, 10), GTK_RESPONSE_CLOSE);
   EXPECT_EQ(show_message(button, GDK_KEY_Return, {GDK_KEY_Return}, 10), GTK_RESPONSE_CLOSE);
   EXPECT_EQ(show_message(field, GDK_KEY_Escape, {GDK_KEY_Return}, 10), GTK_RESPONSE_CLOSE);

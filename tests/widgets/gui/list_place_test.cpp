@@ -80,8 +80,7 @@ protected:
 
 } // namespace
 
-// Before the main loop runs: a window that covers the list would bring the toolkit's own scrolling
-// to a halt.
+// Before the main loop runs: the toolkit's own scrolling stops when another window covers the list.
 TEST_F(ListPlace, IsInViewAtOnce) {
   GtkAdjustment *place = gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(view));
   v_list_place_set(view, row_count - 1);
@@ -91,7 +90,7 @@ TEST_F(ListPlace, IsInViewAtOnce) {
   EXPECT_EQ(gtk_adjustment_get_value(place), 0);
 }
 
-TEST_F(ListPlace, TheCursorIsOnTheRowWhichIsInViewAndNotSelected) {
+TEST_F(ListPlace, PutsTheCursorOnTheRowAndShowsItUnselected) {
   gtk_widget_grab_focus(GTK_WIDGET(view));
   for (const int row : {0, 25, row_count - 1, 7}) {
     select(3);
@@ -105,7 +104,7 @@ TEST_F(ListPlace, TheCursorIsOnTheRowWhichIsInViewAndNotSelected) {
   EXPECT_EQ(gtk_tree_selection_get_mode(selection), GTK_SELECTION_SINGLE);
 }
 
-TEST_F(ListPlace, ARowBeyondTheLastIsTheLast) {
+TEST_F(ListPlace, ARowBeyondTheLastMeansTheLast) {
   v_list_place_set(view, row_count);
   EXPECT_EQ(v_list_place_get(view), row_count - 1);
   gtk_list_store_clear(store.get());
@@ -115,7 +114,7 @@ TEST_F(ListPlace, ARowBeyondTheLastIsTheLast) {
   EXPECT_FALSE(v_list_place_is_placed(view));
 }
 
-TEST_F(ListPlace, ArrowKeysGoOnFromIt) {
+TEST_F(ListPlace, ArrowKeysContinueFromTheCursor) {
   const struct {
     guint key;
     int from;
@@ -149,7 +148,7 @@ TEST_F(ListPlace, OnlyAPlacedCursorIsSelected) {
   EXPECT_EQ(selected_row(), 9);
 }
 
-TEST_F(ListPlace, NothingIsSelectedWhileRowsComeAndGo) {
+TEST_F(ListPlace, SelectsNothingWhileRowsChange) {
   select(5);
   {
     const VListWithoutSelection without_selection(view);
@@ -178,7 +177,7 @@ TEST_F(ListPlace, TheFocusSelectsNothing) {
   EXPECT_EQ(changes, "");
 }
 
-TEST_F(ListPlace, OnlyAFocusThatNoWidgetHasIsTaken) {
+TEST_F(ListPlace, TakesTheFocusOnlyWhenNoWidgetHasIt) {
   v_gui_grab_focus_without_selecting(GTK_WIDGET(button));
   v_list_place_take_free_focus(view);
   EXPECT_TRUE(gtk_widget_has_focus(GTK_WIDGET(button)));

@@ -79,7 +79,7 @@ protected:
 
 } // namespace
 
-TEST(ListSearchText, CaseAndAccentsDoNotCount) {
+TEST(ListSearchText, IgnoresCaseAndAccents) {
   const struct {
     const char *text;
     const char *folded;
@@ -102,7 +102,7 @@ TEST(ListSearchText, CaseAndAccentsDoNotCount) {
   }
 }
 
-TEST_F(ListSearch, FindsWhatIsInTheMiddle) {
+TEST_F(ListSearch, FindsTextInTheMiddleOfARow) {
   show({"A1. Wax", "B1. Old Varnish", "B2. Spot", "C1. Under the varnish"});
   EXPECT_EQ(type("varn"), "B1. Old Varnish");
   EXPECT_EQ(after(GDK_KEY_Down), "C1. Under the varnish");
@@ -119,7 +119,7 @@ TEST_F(ListSearch, RowsThatBeginWithTheTextComeFirst) {
   EXPECT_EQ(type("wa"), "A1. Wax");
 }
 
-TEST_F(ListSearch, SeesRowsThatHaveChanged) {
+TEST_F(ListSearch, FindsChangedRows) {
   show({"Wood", "Glass"});
   EXPECT_EQ(type("gl"), "Glass");
   end();
@@ -135,7 +135,7 @@ TEST_F(ListSearch, SeesRowsThatHaveChanged) {
   EXPECT_EQ(type("m"), "");
 }
 
-TEST_F(ListSearch, DoesNotStutterInALongList) {
+TEST_F(ListSearch, AnswersAKeyFastInALongList) {
   std::vector<std::string> texts;
   std::vector<const char *> pointers;
   for (int number = 0; number < 20000; number++) {
@@ -147,7 +147,7 @@ TEST_F(ListSearch, DoesNotStutterInALongList) {
   }
   show(pointers);
   EXPECT_EQ(type("e"), "W0. Old varnish, \u00e9clat number 0");
-  // All is folded by now, and a key has to be answered before the next one comes.
+  // The texts are folded by now; each key must be handled before the next one is typed.
   const gint64 start = g_get_monotonic_time();
   press(GDK_KEY_c);
   EXPECT_LT(g_get_monotonic_time() - start, 200 * G_TIME_SPAN_MILLISECOND);

@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char *literal_text = "100 % <b>bold</b> & é\n\nsecond &lt; paragraph";
 
-// What a user sees of a dialog.
+// The visible parts of a dialog.
 struct Seen {
   std::string title;
   std::string text;
@@ -191,7 +191,7 @@ TEST_P(MessageKinds, ArePushedWhileTheyRun) {
   EXPECT_TRUE(gtk_widget_get_sensitive(window.widget()));
 }
 
-TEST(MessageDialogs, KindsAreTheTable) {
+TEST(MessageDialogs, KindsHaveTheirTitlesIconsAndButtons) {
   struct Row {
     const MessageKind *kind;
     const char *title;
@@ -289,8 +289,8 @@ TEST(MessageDialogs, ADialogIsDestroyedAfterItsRun) {
   EXPECT_TRUE(is_finalized);
 }
 
-// The window below takes the dialog with it; the answer is the default and the stack is in order.
-TEST(MessageDialogs, AWindowDestroyedBelowARunningDialogEndsIt) {
+// Destroying the window below destroys the dialog: the answer is the default, the stack consistent.
+TEST(MessageDialogs, DestroyingTheWindowBelowEndsARunningDialog) {
   TestWindow bottom;
   TestWindow middle;
   const OwnedWindowStack stack = v_window_stack_new();
@@ -383,7 +383,7 @@ TEST(MessageDialogs, TheFocusIsOnTheButtonOfTheDefaultAnswer) {
   }
 }
 
-// In the order that some desktops want the default answer may be the last button.
+// In the alternative button order of some desktops the default answer may be the last button.
 TEST(MessageDialogs, TheFocusIsOnTheButtonOfTheDefaultAnswerInTheAlternativeOrder) {
   GtkSettings *settings = gtk_settings_get_default();
   g_object_set(settings, "gtk-alternative-button-order", TRUE, nullptr);
@@ -405,7 +405,7 @@ GtkLabel *find_text(GtkDialog *dialog) {
   return find_widget<GtkLabel>(GTK_WIDGET(find_message_box(dialog)), GTK_TYPE_LABEL);
 }
 
-// Where the text is scrolled to, 0 for its start and 1 for its end.
+// The scroll position of the text, from 0 at its start to 1 at its end.
 double get_scrolled(GtkDialog *dialog) {
   GtkAdjustment *adjustment = gtk_scrolled_window_get_vadjustment(
       find_widget<GtkScrolledWindow>(GTK_WIDGET(dialog), GTK_TYPE_SCROLLED_WINDOW));
@@ -413,7 +413,7 @@ double get_scrolled(GtkDialog *dialog) {
          (gtk_adjustment_get_upper(adjustment) - gtk_adjustment_get_page_size(adjustment));
 }
 
-TEST(MessageDialogs, ALongTextIsScrolledByKeysWhateverHasTheFocus) {
+TEST(MessageDialogs, KeysScrollALongTextFromAnyFocus) {
   std::string lines;
   for (int i = 0; i < 120; ++i) {
     lines += "line\n";

@@ -7,7 +7,7 @@
 
 namespace {
 
-GdkWindow *asked_window = nullptr; // the last one whose monitor was asked for
+GdkWindow *asked_window = nullptr; // argument of the last request for a window's monitor
 
 } // namespace
 
@@ -23,7 +23,7 @@ GdkMonitor *__wrap_gdk_display_get_monitor_at_window(GdkDisplay *display, GdkWin
 
 namespace {
 
-TEST(ScreenArea, IsThatOfTheMonitorOfTheWidgetsWindow) {
+TEST(ScreenArea, UsesTheMonitorOfTheWidgetsWindow) {
   TestWindow below;
   below.show_active();
   TestWindow window;
@@ -36,7 +36,7 @@ TEST(ScreenArea, IsThatOfTheMonitorOfTheWidgetsWindow) {
   EXPECT_EQ(asked_window, gtk_widget_get_window(window.widget()));
 }
 
-TEST(ScreenArea, OfAWindowThatIsNotShownIsThatOfTheActiveWindow) {
+TEST(ScreenArea, UsesTheActiveWindowWhenTheWidgetIsNotShown) {
   TestWindow active;
   active.show_active();
   TestWindow window;
@@ -50,7 +50,7 @@ TEST(ScreenArea, OfAWindowThatIsNotShownIsThatOfTheActiveWindow) {
   EXPECT_EQ(asked_window, gtk_widget_get_window(active.widget()));
 }
 
-TEST(ScreenArea, IsThereBeforeTheFirstWindow) {
+TEST(ScreenArea, IsAvailableBeforeTheFirstWindow) {
   const OwnedObject<GtkWidget> label = sink(gtk_label_new("not in a window"));
   const GdkRectangle area = v_screen_area_get(label.get());
   EXPECT_GT(area.width, 0);

@@ -15,8 +15,8 @@ int resize_count = 0;
 
 } // namespace
 
-// In the toolkit's place: what is asked of a window that fills the screen, the window manager may
-// pass over.
+// Replaces the toolkit's function and counts its calls: the window manager may ignore a new size of
+// a window that fills the screen, so the size alone shows nothing.
 void gtk_window_resize(GtkWindow *window, int width, int height) {
   static const auto resize =
       reinterpret_cast<decltype(&gtk_window_resize)>(dlsym(RTLD_NEXT, "gtk_window_resize"));
@@ -47,8 +47,8 @@ Packing get_packing(GtkBox *box, void *child) {
   return packing;
 }
 
-// Packed at the start of the box, expanding and filling or neither, shown, and with its own child
-// shown too where there is one.
+// Expects a shown child, packed at the start of the box, that expands and fills or does neither.
+// Its own child, if any, is shown too.
 void expect_packed(GtkBox *box, void *child, bool expand) {
   ASSERT_EQ(gtk_widget_get_parent(GTK_WIDGET(child)), GTK_WIDGET(box));
   EXPECT_TRUE(gtk_widget_get_visible(GTK_WIDGET(child)));
@@ -87,7 +87,7 @@ protected:
   GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(window.get()), Spacing::standard);
 };
 
-TEST(WindowWidget, HasTheTitleThatIsGivenAndTheMargin) {
+TEST(WindowWidget, HasTheGivenTitleAndTheMargin) {
   for (const char *title : {static_cast<const char *>(nullptr), "100 % <b>é</b> & more"}) {
     GtkWindow *window = v_gui_create_window(title);
     EXPECT_STREQ(gtk_window_get_title(window), title);
@@ -143,7 +143,7 @@ TEST(DialogWidget, YesComesFirstInTheAlternativeOrder) {
   gtk_widget_destroy(GTK_WIDGET(dialog));
 }
 
-TEST(DialogWidget, IsModalGoesWithItsParentAndHasNoBordersOfItsOwn) {
+TEST(DialogWidget, IsModalAndDestroyedWithItsParentAndHasNoBorders) {
   GtkDialog *dialog = v_gui_create_dialog("Ärende", ButtonSet::ok);
   EXPECT_TRUE(gtk_window_get_modal(GTK_WINDOW(dialog)));
   EXPECT_TRUE(gtk_window_get_destroy_with_parent(GTK_WINDOW(dialog)));
@@ -194,7 +194,7 @@ TEST_F(Widgets, PackedBoxesExpandAndFillOrNeither) {
   }
 }
 
-TEST_F(Widgets, ABoxInAnAlignmentIsTheInnerBox) {
+TEST_F(Widgets, PackingABoxInAnAlignmentReturnsTheInnerBox) {
   GtkBox *inner =
       v_gui_pack_hbox_in_alignment(box, Expand::yes, Spacing::standard, 0.0f, 1.0f, 0.5f, 0.25f);
   EXPECT_EQ(gtk_orientable_get_orientation(GTK_ORIENTABLE(inner)), GTK_ORIENTATION_HORIZONTAL);
@@ -289,8 +289,8 @@ TEST_F(Widgets, ALabelIsWrappedWhenItHasTooManyCharactersOrNoRoom) {
   }
 }
 
-// Three tenths of the screen are left to the rows of such a box, all that they need to fewer rows.
-TEST_F(Widgets, AYieldingBoxIsAsLowAsItsRowsOrThreeTenthsOfTheScreen) {
+// The box needs the height of its rows, but never more than three tenths of the screen's.
+TEST_F(Widgets, AYieldingBoxNeedsTheHeightOfItsRowsUpToThreeTenthsOfTheScreen) {
   GtkBox *rows = v_gui_pack_yielding_vbox(box, Spacing::standard);
   GtkWidget *scroller = gtk_widget_get_ancestor(GTK_WIDGET(rows), GTK_TYPE_SCROLLED_WINDOW);
   const auto measure_minimum = [](GtkWidget *widget) {
@@ -345,7 +345,7 @@ TEST_F(Widgets, AButtonMadeDefaultIsPressedByEnterInAnEntryThatActivatesIt) {
   window.show_active();
   gtk_widget_grab_focus(GTK_WIDGET(silent));
   press_key(window.widget(), GDK_KEY_Return);
-  // The button stays pressed for a moment before it counts.
+  // The toolkit emits the click only after the button has been pressed for a moment.
   EXPECT_TRUE(holds_for(400, [&] { return second_clicks == 0; }));
   gtk_widget_grab_focus(GTK_WIDGET(entry));
   press_key(window.widget(), GDK_KEY_Return);
@@ -549,7 +549,7 @@ TEST_F(Widgets, AWindowShrinksToItsLeastSize) {
   EXPECT_TRUE(wait_until([&] { return get_size(window.get()) == std::pair(150, 120); }));
 }
 
-TEST_F(Widgets, AWindowThatFillsTheScreenOrIsNotThereYetKeepsItsSize) {
+TEST_F(Widgets, AWindowThatFillsTheScreenOrIsNotShownYetKeepsItsSize) {
   v_gui_resize_window_to_minimum_unless_maximized(window.get());
   gtk_window_set_default_size(window.get(), 500, 400);
   window.show_active();

@@ -42,7 +42,7 @@ protected:
     send(GDK_KEY_RELEASE, key, modifiers);
   }
 
-  // How often the button was pressed since the last time.
+  // Number of presses of the button since the last call.
   int take_clicks() { return std::exchange(clicks, 0); }
 
   int count_selected() {
@@ -59,7 +59,7 @@ protected:
 
 } // namespace
 
-TEST_F(WindowKeys, AKeyPressesItsButtonWhereverTheFocusIs) {
+TEST_F(WindowKeys, AKeyPressesItsButtonFromAnyFocus) {
   v_window_keys_add(window.get(), GDK_KEY_n, GDK_CONTROL_MASK, button);
   v_window_keys_add(window.get(), GDK_KEY_F5, GdkModifierType{}, button);
   for (GtkWidget *focus : {GTK_WIDGET(list), GTK_WIDGET(entry), GTK_WIDGET(button)}) {
@@ -79,7 +79,7 @@ TEST_F(WindowKeys, AKeyPressesItsButtonWhereverTheFocusIs) {
   EXPECT_EQ(take_clicks(), 0);
 }
 
-TEST_F(WindowKeys, AKeyOfAListWorksThereOnly) {
+TEST_F(WindowKeys, AKeyOfAListWorksInTheListOnly) {
   v_window_keys_add_in_list(window.get(), list, GDK_KEY_Delete, button);
   press(GDK_KEY_Delete);
   press(GDK_KEY_KP_Delete);
@@ -91,7 +91,7 @@ TEST_F(WindowKeys, AKeyOfAListWorksThereOnly) {
   EXPECT_EQ(take_clicks(), 0);
 }
 
-TEST_F(WindowKeys, ReturnActsOnTheRowOnWhichTheCursorWasPlaced) {
+TEST_F(WindowKeys, ReturnActsOnTheRowWithThePlacedCursor) {
   v_window_keys_add_return_in_list(window.get(), list, button);
   gtk_widget_set_sensitive(GTK_WIDGET(button), FALSE);
   g_signal_connect_swapped(
@@ -107,7 +107,7 @@ TEST_F(WindowKeys, ReturnActsOnTheRowOnWhichTheCursorWasPlaced) {
   }
 }
 
-TEST_F(WindowKeys, AButtonThatIsInsensitiveIsNotPressed) {
+TEST_F(WindowKeys, DoesNotPressAnInsensitiveButton) {
   v_window_keys_add(window.get(), GDK_KEY_F5, GdkModifierType{}, button);
   gtk_widget_set_sensitive(GTK_WIDGET(button), FALSE);
   press(GDK_KEY_F5);
@@ -120,7 +120,7 @@ TEST_F(WindowKeys, AButtonThatIsInsensitiveIsNotPressed) {
   EXPECT_EQ(take_clicks(), 0);
 }
 
-TEST_F(WindowKeys, AKeyThatIsHeldPressesOnce) {
+TEST_F(WindowKeys, AHeldKeyPressesOnce) {
   v_window_keys_add_in_list(window.get(), list, GDK_KEY_Delete, button);
   for (int repetition = 0; repetition < 5; repetition++) {
     send(GDK_KEY_PRESS, GDK_KEY_Delete);
@@ -157,7 +157,7 @@ TEST_F(WindowKeys, ActivatingARowPressesTheButtonButSpaceOnlySelects) {
   EXPECT_EQ(take_clicks(), 1);
 }
 
-TEST_F(WindowKeys, TheButtonNamesItsKey) {
+TEST_F(WindowKeys, TheButtonShowsItsKey) {
   AtkObject *accessible = gtk_widget_get_accessible(GTK_WIDGET(button));
   EXPECT_EQ(atk_action_get_keybinding(ATK_ACTION(accessible), 0), nullptr);
   v_window_keys_add(window.get(), GDK_KEY_n, GDK_CONTROL_MASK, button);

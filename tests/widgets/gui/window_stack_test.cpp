@@ -16,12 +16,12 @@
 
 namespace {
 
-// The time of day (microseconds) while it is set: the program's clock does not move by itself then.
+// The time of day (microseconds) of a stopped clock; the real clock runs while it is not set.
 std::optional<gint64> time_of_day;
 
 } // namespace
 
-// The linker leads the program's calls here.
+// The linker redirects the program's calls to the wrapped function.
 gint64 real_get_real_time() __asm__("__real_g_get_real_time");
 gint64 wrapped_get_real_time() __asm__("__wrap_g_get_real_time");
 
@@ -125,7 +125,7 @@ TEST_F(WindowStack, PoppingTheLastEntryLeavesItsWindowAlone) {
   EXPECT_EQ(stack->bottom->next.get(), stack->top);
 }
 
-TEST_F(WindowStack, ANativeDialogTakesAPlaceWithoutAWindow) {
+TEST_F(WindowStack, ANativeDialogHasAnEntryWithoutAWindow) {
   EXPECT_EQ(v_window_stack_push_native_window(stack.get()), nullptr);
   v_window_stack_pop_window(stack.get());
   EXPECT_EQ(stack->bottom->next.get(), stack->top);
@@ -139,7 +139,7 @@ TEST_F(WindowStack, ANativeDialogTakesAPlaceWithoutAWindow) {
   EXPECT_TRUE(is_sensitive(window));
 }
 
-// Two fields in a window, the first of which has the focus.
+// Two fields in a window; the first has the focus.
 struct TwoFields {
   explicit TwoFields(const TestWindow &window)
       : box(GTK_BOX(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0))), first(gtk_entry_new()),
@@ -158,7 +158,7 @@ struct TwoFields {
   GtkWidget *second;
 };
 
-TEST_F(WindowStack, TheFocusComesBackToWhereItWas) {
+TEST_F(WindowStack, RestoresTheFocus) {
   TestWindow window;
   const TwoFields fields(window);
   open(window);
@@ -170,7 +170,7 @@ TEST_F(WindowStack, TheFocusComesBackToWhereItWas) {
   EXPECT_FALSE(gtk_editable_get_selection_bounds(GTK_EDITABLE(fields.first), nullptr, nullptr));
 }
 
-TEST_F(WindowStack, TheFocusDoesNotComeBackToWhatCannotHaveIt) {
+TEST_F(WindowStack, DoesNotRestoreTheFocusToAWidgetThatCannotHaveIt) {
   TestWindow window;
   const TwoFields fields(window);
   open(window);
@@ -199,7 +199,7 @@ TEST_F(WindowStack, AWindowOverANativeDialogCoversTheNearestRealWindow) {
   EXPECT_TRUE(is_sensitive(below));
 }
 
-TEST_F(WindowStack, PresentsTheTopmostWindowThereIs) {
+TEST_F(WindowStack, PresentsTheTopmostRealWindow) {
   TestWindow first;
   TestWindow second;
   open(first);
@@ -244,7 +244,7 @@ void ask_directly_to_close(GtkWindow *window) {
 
 constexpr void (*ways_to_ask[])(GtkWindow *) = {ask_to_close, ask_directly_to_close};
 
-// A way to cover a window; meanwhile is called while it is covered, perhaps several times.
+// A way to cover a window; `meanwhile` is called while it is covered, perhaps several times.
 struct Cover {
   const char *name;
   std::function<void(VWindowStack *stack, const std::function<void()> &meanwhile)> show;
@@ -343,7 +343,7 @@ const Cover covers[] = {
      }},
 };
 
-TEST_F(WindowStack, ACoveredWindowCannotBeClosedWhateverIsOrWasOverIt) {
+TEST_F(WindowStack, ACoveredWindowCannotBeClosedUnderAnyKindOfWindow) {
   AskedWindow windows[3];
   for (AskedWindow &window : windows) {
     open(window);
@@ -373,7 +373,7 @@ TEST_F(WindowStack, ACoveredWindowCannotBeClosedWhateverIsOrWasOverIt) {
   }
 }
 
-TEST_F(WindowStack, AWindowHasTheInputToItselfAgainWhateverWasOverIt) {
+TEST_F(WindowStack, AWindowGetsTheInputBackFromAnyKindOfWindow) {
   TestWindow bottom;
   open(bottom);
   EXPECT_EQ(gtk_grab_get_current(), nullptr);
@@ -397,7 +397,7 @@ TEST_F(WindowStack, AWindowHasTheInputToItselfAgainWhateverWasOverIt) {
   }
 }
 
-TEST_F(WindowStack, AWindowThatIsShownWhileItIsCoveredHasTheInputToItselfLater) {
+TEST_F(WindowStack, AWindowShownWhileItIsCoveredGetsTheInputLater) {
   TestWindow bottom;
   TestWindow late;
   open(bottom);
@@ -418,7 +418,7 @@ TEST_F(WindowStack, AHiddenWindowDoesNotKeepTheInputFromOthers) {
   EXPECT_EQ(gtk_grab_get_current(), nullptr);
 }
 
-TEST_F(WindowStack, ThePlainFirstWindowNeverHasTheInputToItself) {
+TEST_F(WindowStack, TheFirstWindowNeverGrabsTheInput) {
   TestWindow first;
   open(first);
   v_window_stack_push_native_window(stack.get());
@@ -464,7 +464,7 @@ TEST_F(WindowStack, EscapeDoesNotCloseAWindowWhileATaskIsUnderWay) {
   EXPECT_TRUE(window.is_destroyed());
 }
 
-// The request is queued when the window gets covered.
+// The request is already queued when the window is covered.
 TEST_F(WindowStack, ARequestThatArrivesAfterTheCoverIsRefused) {
   AskedWindow bottom;
   AskedWindow window;
@@ -495,7 +495,7 @@ TEST_F(WindowStack, AWindowThatHasLeftTheStackCanBeClosed) {
 
 // ---- Destruction in any order -------------------------------------------------------------------
 
-TEST_F(WindowStack, AWindowDestroyedBelowTheTopTakesThoseAboveWithIt) {
+TEST_F(WindowStack, DestroyingAWindowDestroysThoseAboveIt) {
   TestWindow windows[3];
   for (TestWindow &window : windows) {
     open(window);
@@ -607,7 +607,7 @@ bool has_maximized_state(GtkWidget *window) {
   return (gdk_window_get_state(gtk_widget_get_window(window)) & GDK_WINDOW_STATE_MAXIMIZED) != 0;
 }
 
-TEST_F(WindowStack, AMaximizedWindowIsSoWhenItAppears) {
+TEST_F(WindowStack, AWindowIsMaximizedWhenItAppears) {
   TestWindow window;
   bool was_at_once = false;
   g_signal_connect_after(window.get(), "map", G_CALLBACK(+[](GtkWidget *widget, bool *result) {
@@ -621,9 +621,9 @@ TEST_F(WindowStack, AMaximizedWindowIsSoWhenItAppears) {
   EXPECT_TRUE(was_at_once);
 }
 
-TEST_F(WindowStack, AWindowIsMaximizedOnceMoreAfterItIsRealized) {
+TEST_F(WindowStack, AWindowIsMaximizedAgainAfterItIsRealized) {
   TestWindow window;
-  // What was asked before gets lost.
+  // The window loses the state that was requested before.
   bool was_lost = false;
   g_signal_connect(
       window.get(), "realize",
@@ -652,7 +652,7 @@ TEST_F(WindowStack, AWindowDestroyedAsSoonAsItIsShownEndsItsRun) {
   }
 }
 
-TEST_F(WindowStack, AWindowWhoseLoopIsEndedOtherwiseIsDestroyed) {
+TEST_F(WindowStack, AWindowIsDestroyedWhenItsMainLoopIsQuit) {
   TestWindow window;
   when_active(window.get(), gtk_main_quit);
   v_window_stack_run_window(stack.get(), window.get(), Maximize::no);
@@ -699,7 +699,7 @@ TEST_F(WindowStack, DestroyingTheOuterWindowEndsBothRuns) {
   EXPECT_TRUE(is_sensitive(bottom));
 }
 
-TEST_F(WindowStack, AWindowDestroyedUnderABusyEntryLosesItsEntryOnly) {
+TEST_F(WindowStack, AWindowDestroyedUnderABusyEntryLosesOnlyItsEntry) {
   TestWindow bottom;
   open(bottom);
   TestWindow window;
@@ -728,7 +728,7 @@ TEST_F(WindowStack, AnEntryPoppedDuringItsRunDoesNotPopAnother) {
   EXPECT_EQ(top()->window, bottom.get());
 }
 
-TEST_F(WindowStack, TheStackMayGoWhileAWindowRuns) {
+TEST_F(WindowStack, TheStackMayBeDestroyedWhileAWindowRuns) {
   TestWindow window;
   when_active(window.get(), [&] {
     stack.reset();
@@ -744,7 +744,7 @@ GdkCursor *get_cursor(const TestWindow &window) {
   return gdk_window_get_cursor(gtk_widget_get_window(window.widget()));
 }
 
-// The name of the cursor that the window shows: the display hands out one cursor for each name.
+// The name of the window's cursor: the display has one cursor object per name.
 std::string name_cursor(const TestWindow &window) {
   for (const char *name : {"default", "wait"}) {
     const OwnedObject<GdkCursor> cursor =
@@ -812,7 +812,7 @@ TEST_F(WindowStack, AWindowThatIsNotRealizedHasNoCursor) {
   EXPECT_EQ(notes, "");
 }
 
-TEST_F(WindowStack, BusyWaitsEverywhere) {
+TEST_F(WindowStack, ABusyEntrySetsTheWaitCursorEverywhere) {
   TestWindow first;
   TestWindow second;
   std::string notes;
@@ -864,7 +864,7 @@ void report(long elapsed_seconds, void *data) {
   static_cast<FocusReports *>(data)->seconds.push_back(elapsed_seconds);
 }
 
-// Longer than the stack waits before it takes the focus for lost.
+// Longer than the stack waits before it considers the focus lost.
 constexpr unsigned past_focus_loss = 700; // milliseconds
 
 void send_focus_event(const TestWindow &window, bool focus_in) {
@@ -877,7 +877,7 @@ void send_focus_event(const TestWindow &window, bool focus_in) {
   gdk_event_free(event);
 }
 
-TEST_F(WindowStack, TheFocusPassingBetweenItsWindowsIsNotLost) {
+TEST_F(WindowStack, TheFocusIsNotLostWhenItMovesBetweenItsWindows) {
   FocusReports reports;
   v_window_stack_set_focus_callback(stack.get(), report, &reports);
   TestWindow main_window;
@@ -895,7 +895,7 @@ TEST_F(WindowStack, TheFocusPassingBetweenItsWindowsIsNotLost) {
   EXPECT_TRUE(reports.seconds.empty());
 }
 
-TEST_F(WindowStack, TheFocusGoneToAnotherProgramIsLostAndItsReturnReportedOnce) {
+TEST_F(WindowStack, ReportsOnceWhenTheFocusReturnsFromAnotherProgram) {
   FocusReports reports;
   v_window_stack_set_focus_callback(stack.get(), report, &reports);
   TestWindow main_window;
@@ -932,7 +932,7 @@ TEST_F(WindowStack, WholeSecondsWithoutFocusAreReported) {
   TestWindow window;
   open(window);
   for (const Row &row : rows) {
-    // From different fractions of a second, so that it is borrowed from the whole ones.
+    // Different fractions of a second at the start, so that the subtraction has to borrow.
     for (const std::int64_t fraction : {0, 1, 330'000, 999'999}) {
       const StoppedClock clock(noon + fraction);
       send_focus_event(window, false);
@@ -947,7 +947,7 @@ TEST_F(WindowStack, WholeSecondsWithoutFocusAreReported) {
   }
 }
 
-TEST_F(WindowStack, LosingTheFocusStampsTheTime) {
+TEST_F(WindowStack, LosingTheFocusStoresTheTime) {
   TestWindow window;
   open(window);
   const StoppedClock clock(noon + 123'456);
@@ -956,7 +956,7 @@ TEST_F(WindowStack, LosingTheFocusStampsTheTime) {
   EXPECT_EQ(stack->focus_lost_time.microseconds, 123'456);
 }
 
-TEST_F(WindowStack, WithoutAnyEntryTheFocusIsLost) {
+TEST_F(WindowStack, LosesTheFocusWhenItHasNoEntries) {
   TestWindow window;
   open(window);
   send_focus_event(window, false);
@@ -979,7 +979,7 @@ TEST_F(WindowStack, NothingFiresOnADestroyedStack) {
       return g_main_context_find_source_by_id(nullptr, source) == nullptr;
     });
   };
-  // Right after the focus has gone, and while the stack waits whether it is lost.
+  // Right after the focus leaves, and while the stack waits before it considers it lost.
   for (const bool is_waiting : {false, true}) {
     OwnedWindowStack another = v_window_stack_new();
     TestWindow window;
@@ -1070,7 +1070,7 @@ TEST_F(BusyWindow, IsWhiteInABlackFrameOfOnePixel) {
   }
 }
 
-TEST_F(BusyWindow, HasItsContentInTheMiddleOfFreeEdges) {
+TEST_F(BusyWindow, CentresItsContentInsideItsMargins) {
   v_window_stack_show_abort_button(stack.get());
   GtkWidget *message = GTK_WIDGET(busy()->message_label);
   GtkWidget *abort_place = GTK_WIDGET(busy()->abort_button_alignment);
@@ -1082,7 +1082,7 @@ TEST_F(BusyWindow, HasItsContentInTheMiddleOfFreeEdges) {
   EXPECT_EQ(gtk_container_get_border_width(GTK_CONTAINER(busy_widget())), 1U);
 }
 
-TEST_F(BusyWindow, SaysPleaseWaitInBoldUntilItIsToldOtherwise) {
+TEST_F(BusyWindow, SaysPleaseWaitInBoldUntilTheMessageIsSet) {
   struct Row {
     const char *message;
     const char *text;
@@ -1186,7 +1186,7 @@ TEST_F(BusyWindow, IsHiddenWhileAWindowIsAbove) {
   GtkWidget *busy_window = GTK_WIDGET(busy_node->busy->window);
   EXPECT_FALSE(gtk_widget_get_visible(busy_window));
   EXPECT_EQ(gtk_window_get_transient_for(dialog.get()), window.get());
-  // What is meant for the busy window does nothing now.
+  // Calls for the busy window do nothing now.
   v_window_stack_set_busy_window_message(stack.get(), "other");
   v_window_stack_show_abort_button(stack.get());
   v_window_stack_show_busy_window(stack.get());
@@ -1201,7 +1201,7 @@ TEST_F(BusyWindow, IsHiddenWhileAWindowIsAbove) {
   EXPECT_EQ(name_cursor(window), "wait");
 }
 
-TEST_F(BusyWindow, GivesWayToANativeDialog) {
+TEST_F(BusyWindow, IsHiddenWhileANativeDialogIsAbove) {
   GtkWidget *busy_window = busy_widget();
   EXPECT_EQ(v_window_stack_push_native_window(stack.get()), window.get());
   EXPECT_FALSE(gtk_widget_get_visible(busy_window));
@@ -1209,7 +1209,7 @@ TEST_F(BusyWindow, GivesWayToANativeDialog) {
   EXPECT_TRUE(gtk_widget_get_visible(busy_window));
 }
 
-TEST_F(BusyWindow, OfAnInnerTaskStandsForThatOfTheOuterOne) {
+TEST_F(BusyWindow, OfAnInnerTaskReplacesThatOfTheOuterOne) {
   GtkWidget *outer = busy_widget();
   v_window_stack_busy_begin(stack.get(), ShowBusyWindow::no);
   EXPECT_TRUE(gtk_widget_get_visible(outer));
@@ -1222,7 +1222,7 @@ TEST_F(BusyWindow, OfAnInnerTaskStandsForThatOfTheOuterOne) {
   v_window_stack_show_busy_window(stack.get());
   EXPECT_EQ(busy_widget(), inner);
 
-  // Without a window of its own, a third one uncovers the second.
+  // A third task without a window shows the window of the second.
   v_window_stack_busy_begin(stack.get(), ShowBusyWindow::no);
   v_window_stack_push_native_window(stack.get());
   EXPECT_FALSE(gtk_widget_get_visible(inner));
@@ -1248,8 +1248,8 @@ TEST_F(WindowStack, ABusyWindowMayBeTheFirstWindow) {
   EXPECT_EQ(stack->bottom->next.get(), stack->top);
 }
 
-// The stack destroys no windows, but a busy window that it leaves behind can be closed.
-TEST_F(BusyWindow, IsLeftBehindByAStackThatIsDestroyed) {
+// The stack destroys no windows, so its busy window remains and the user has to close it.
+TEST_F(BusyWindow, CanBeClosedAfterTheStackIsDestroyed) {
   v_window_stack_show_abort_button(stack.get());
   const OwnedObject<GtkWindow> left = share(busy()->window);
   GtkButton *abort_button = busy()->abort_button;
@@ -1262,7 +1262,7 @@ TEST_F(BusyWindow, IsLeftBehindByAStackThatIsDestroyed) {
   EXPECT_TRUE(wait_until([&] { return is_destroyed; }));
 }
 
-TEST(Events, AreLetThroughUntilNoneWaits) {
+TEST(Events, AreHandledUntilNoneIsPending) {
   int calls = 0;
   for (int i = 0; i < 3; ++i) {
     g_idle_add(
