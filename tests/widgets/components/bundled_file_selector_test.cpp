@@ -18,7 +18,7 @@ protected:
     return path ? path.get() : "none";
   }
 
-  // The list has the focus, and what the toolkit has selected with it is unselected again.
+  // Waits until the list has the focus; the window also undoes the selection that comes with it.
   void await_start() {
     script.when(
         "a list with the focus",
@@ -88,7 +88,7 @@ TEST_F(BundledFileSelector, ReturnsThePathOfTheSelectedFile) {
   }
 }
 
-TEST_F(BundledFileSelector, WithoutDeliveredFolderThereIsNothingToSelect) {
+TEST_F(BundledFileSelector, IsEmptyWithoutDeliveredFolder) {
   await_start();
   script.then([] { EXPECT_THAT(shown_rows(top_window()), IsEmpty()); });
   script.click("OK");
@@ -108,7 +108,7 @@ TEST_F(BundledFileSelector, NothingIsSelectedBeforeTheUserSelects) {
   EXPECT_EQ(run(), delivered("a.codeset"));
 }
 
-TEST_F(BundledFileSelector, UnknownInstallationFolderShowsNoWindow) {
+TEST_F(BundledFileSelector, ShowsNoWindowWhenTheInstallationFolderIsUnknown) {
   fake_platform.install_folder.reset();
   EXPECT_EQ(run(), "none");
   EXPECT_EQ(top_window(), nullptr);

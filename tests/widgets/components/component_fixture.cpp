@@ -7,7 +7,7 @@
 
 namespace {
 
-// Lets the view's own renderer say what it shows.
+// Reads the row from the view's own renderer.
 ShownRow shown_row(GtkTreeView *view, GtkTreeIter *row) {
   GtkTreeViewColumn *column = gtk_tree_view_get_column(view, 0);
   gtk_tree_view_column_cell_set_cell_data(column, gtk_tree_view_get_model(view), row, FALSE, FALSE);
@@ -26,8 +26,8 @@ ShownRow shown_row(GtkTreeView *view, GtkTreeIter *row) {
 
 } // namespace
 
-// The leak checker asks for it. The library loses a part of its database of file types when it
-// reads it again.
+// Called by the leak checker. The library leaks a part of its file type database when it reloads
+// it.
 const char *__lsan_default_suppressions() { return "leak:libgio-2.0.so"; }
 
 ComponentFixture::ComponentFixture() {

@@ -1,7 +1,7 @@
 #pragma once
-// A workspace and an installation folder, both empty at first, and a made-up kind of component: a
-// file whose contents begin with "text:" is summed up by what follows on its first line, any other
-// is incompatible.
+// A workspace and an installation folder, both empty at first, and a fake kind of component: a file
+// that begins with "text:" has the rest of its first line as its summary, any other file is
+// incompatible.
 
 #include <string>
 #include <vector>
@@ -19,8 +19,8 @@ class ComponentFixture : public testing::Test {
 protected:
   ComponentFixture();
 
-  // Paths of, or in, the managed folder of the workspace and that of the delivered files. Neither
-  // folder exists before make_folders.
+  // Paths of, or in, the workspace's managed folder and the folder of the delivered files. Neither
+  // exists before make_folders.
   std::string managed(const std::string &name = "") const;
   std::string delivered(const std::string &name = "") const;
   void make_folders();
@@ -37,7 +37,7 @@ protected:
   std::vector<std::string> summarised; // the paths that text_callback was called with
 };
 
-// What a row of a list shows and how.
+// The text and the style of a row in a list.
 struct ShownRow {
   std::string text;
   bool is_red = false;

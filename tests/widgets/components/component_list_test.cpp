@@ -36,7 +36,7 @@ TEST_F(ComponentList, FindsNamesWithTheExtensionInAnyCase) {
                                    "f%s<&>\u00e5.codeset"));
 }
 
-TEST_F(ComponentList, PassesOverNamesThatAreNotUtf8) {
+TEST_F(ComponentList, SkipsNamesThatAreNotUtf8) {
   make_folders();
   write_file(managed("before.codeset"), "");
   for (int i = 0; i < 20; i++) {
@@ -47,7 +47,7 @@ TEST_F(ComponentList, PassesOverNamesThatAreNotUtf8) {
               UnorderedElementsAre("before.codeset", "behind.codeset"));
 }
 
-TEST_F(ComponentList, FolderThatCannotBeOpenedHasNoNames) {
+TEST_F(ComponentList, FindsNoNamesInAFolderThatCannotBeOpened) {
   EXPECT_TRUE(v_component_list_find_names(managed().c_str(), kind).empty());
   write_file(managed(), "a file");
   EXPECT_TRUE(v_component_list_find_names(managed().c_str(), kind).empty());
@@ -61,7 +61,7 @@ TEST_F(ComponentList, LeavesNoDescriptorOpen) {
   EXPECT_EQ(count_open_descriptors(), before);
 }
 
-// As in a dictionary of the user's language. What the tests run under is chosen from outside.
+// As in a dictionary of the user's language. The caller of the test sets the locale.
 TEST_F(ComponentList, IsInTheOrderOfTheUsersLanguage) {
   const std::map<std::string, std::vector<std::string>> orders = {
       {"C.UTF-8", {"", "Arm", "Ost", "Zebra", "apa", "\u00c4rger", "\u00c5ska", "\u00d6l"}},
@@ -114,7 +114,7 @@ TEST_F(ComponentList, ShortensByCharacters) {
   EXPECT_EQ(mode, PANGO_ELLIPSIZE_END);
 }
 
-TEST_F(ComponentList, SortsByTextAndNoTextFirst) {
+TEST_F(ComponentList, SortsByTextAndPutsMissingTextsFirst) {
   const OwnedObject<GtkListStore> list = v_component_list_new();
   v_component_list_append(list.get(), "b", "1");
   v_component_list_append(list.get(), nullptr, "2");
@@ -132,7 +132,7 @@ TEST_F(ComponentList, SortsByTextAndNoTextFirst) {
   EXPECT_EQ(v_component_list_get_text(model, &row, v_component_column_text), nullptr);
 }
 
-TEST_F(ComponentList, ViewThatIsGoneIsNotUnselected) {
+TEST_F(ComponentList, DoesNotUnselectInADestroyedView) {
   const OwnedObject<GtkListStore> list = v_component_list_new();
   GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
   GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
@@ -145,7 +145,7 @@ TEST_F(ComponentList, ViewThatIsGoneIsNotUnselected) {
   settle(); // a call for the destroyed view would be a critical
 }
 
-TEST_F(ComponentList, AnUpdateTouchesOnlyWhatIsDifferent) {
+TEST_F(ComponentList, AnUpdateChangesOnlyRowsThatDiffer) {
   const OwnedObject<GtkListStore> list = v_component_list_new();
   std::string events;
   g_signal_connect_swapped(list.get(), "row-changed",

@@ -37,7 +37,7 @@ bool is_sensitive(const char *label) {
   return gtk_widget_is_sensitive(GTK_WIDGET(find_button(GTK_WIDGET(top_window()), label)));
 }
 
-// Which of the four buttons that depend on the selection can be pressed.
+// Labels of the sensitive buttons among the four that depend on the selection.
 std::string sensitive_buttons() {
   std::string text;
   for (const char *label : {"Clone", "Edit", "Save a copy", "Delete"}) {
@@ -68,7 +68,7 @@ class MainWindow : public ComponentFixture {
 protected:
   ~MainWindow() override { v_file_dialog_clean_up(); }
 
-  // Returns when the steps have closed the window.
+  // Returns when the script has closed the window.
   void run() {
     v_components_gui_main_window_run(window_stack.get(), &workspace, title, kind.folder_name,
                                      kind.file_type, offer_bundled, text_callback,
@@ -77,7 +77,7 @@ protected:
     EXPECT_EQ(top_window(), nullptr);
   }
 
-  // The delivered a.codeset cannot be read; the user's own file of that name stays.
+  // Expects that adding the unreadable delivered a.codeset keeps the user's own file of that name.
   void add_in_vain_over_own_file() {
     write_file(managed("a.codeset"), "text:Mine");
     await_start();
@@ -108,7 +108,7 @@ protected:
     return path != *self->cannot_edit;
   }
 
-  // The window is shown, its list has the focus and nothing is selected.
+  // Waits until the window is shown and its list has the focus.
   void await_start() {
     script.when(
         "the window with the focus in its list",
@@ -116,7 +116,7 @@ protected:
         [] {});
   }
 
-  // All questions of this window are asked with the sign of a warning.
+  // All questions of this window have the warning icon.
   void answer_question(const std::string &message, const char *label) {
     script.when(
         "the question \"" + message + "\"",
@@ -186,7 +186,7 @@ TEST_F(MainWindow, OpensWithTheFocusInTheListAndNothingSelected) {
   run();
 }
 
-TEST_F(MainWindow, ButtonsStandInTheirOrder) {
+TEST_F(MainWindow, ButtonsAreInTheirOrder) {
   await_start();
   check([] {
     EXPECT_THAT(button_labels(GTK_WIDGET(top_window())),
@@ -197,8 +197,8 @@ TEST_F(MainWindow, ButtonsStandInTheirOrder) {
   run();
 }
 
-// The last button stands at the bottom of the column, however high the window is; a little room
-// more than between the others is left above it.
+// The last button is at the bottom of the column for any height of the window, with a slightly
+// larger gap above it than between the others.
 TEST_F(MainWindow, RefreshingIsAtTheBottom) {
   await_start();
   check([] {
@@ -260,7 +260,7 @@ TEST_F(MainWindow, ListTakesTheRoomBesideTheColumnOfButtons) {
   run();
 }
 
-TEST_F(MainWindow, ButtonsThatCanDoNothingDoNotExist) {
+TEST_F(MainWindow, OmitsButtonsWithoutAFunction) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   offer_bundled = OfferBundled::no;
@@ -297,7 +297,7 @@ TEST_F(MainWindow, SelectionSetsEntryAndButtons) {
   run();
 }
 
-TEST_F(MainWindow, WhatMayNotBeEditedMayNotBeClonedEither) {
+TEST_F(MainWindow, AFileThatMayNotBeEditedMayNotBeCloned) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   write_file(managed("b.codeset"), "text:B");
@@ -344,7 +344,7 @@ TEST_F(MainWindow, MissingFolderIsAnEmptyList) {
   EXPECT_FALSE(path_exists(managed()));
 }
 
-TEST_F(MainWindow, IncompatibleFilesAreRedAndFirstAndNoticed) {
+TEST_F(MainWindow, IncompatibleFilesAreRedAndFirstAndCauseANotice) {
   make_folders();
   write_file(managed("good.codeset"), "text:Ceramics");
   write_file(managed("z%s<&>.codeset"), "broken");
@@ -360,7 +360,7 @@ TEST_F(MainWindow, IncompatibleFilesAreRedAndFirstAndNoticed) {
   run();
 }
 
-TEST_F(MainWindow, NoticeComesAndGoesAndTheWindowShrinks) {
+TEST_F(MainWindow, TheWindowGrowsAndShrinksWithTheNotice) {
   make_folders();
   write_file(managed("good.codeset"), "text:Ceramics");
   int least_height = 0;
@@ -383,7 +383,7 @@ TEST_F(MainWindow, NoticeComesAndGoesAndTheWindowShrinks) {
   run();
 }
 
-TEST_F(MainWindow, RefreshingShowsWhatIsThereNowAndSelectsNothing) {
+TEST_F(MainWindow, RefreshingShowsTheCurrentFilesAndSelectsNothing) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   write_file(managed("b.codeset"), "text:B");
@@ -496,7 +496,7 @@ TEST_F(MainWindow, AddedFileMustHaveTheExtension) {
   EXPECT_THAT(list_folder(managed()), ElementsAre("b.codeset"));
 }
 
-TEST_F(MainWindow, FileThatIsRefusedForItsNameMakesNoFolder) {
+TEST_F(MainWindow, CreatesNoFolderForAFileThatIsRefusedForItsName) {
   write_file(elsewhere / "a.txt", "text:A");
   await_start();
   script.click("Add from file");
@@ -507,7 +507,7 @@ TEST_F(MainWindow, FileThatIsRefusedForItsNameMakesNoFolder) {
   EXPECT_TRUE(list_folder(workspace_folder.path()).empty());
 }
 
-TEST_F(MainWindow, MissingFolderIsMadeForTheFirstFile) {
+TEST_F(MainWindow, CreatesTheMissingFolderForTheFirstFile) {
   write_file(elsewhere / "a.codeset", "text:A");
   await_start();
   script.click("Add from file");
@@ -521,7 +521,7 @@ TEST_F(MainWindow, MissingFolderIsMadeForTheFirstFile) {
   EXPECT_EQ(status.st_mode & 0777, 0700u);
 }
 
-TEST_F(MainWindow, FileInThePlaceOfTheFolderIsAnError) {
+TEST_F(MainWindow, AFileInPlaceOfTheFolderIsAnError) {
   write_file(managed(), "a file");
   write_file(elsewhere / "a.codeset", "text:A");
   await_start();
@@ -533,7 +533,7 @@ TEST_F(MainWindow, FileInThePlaceOfTheFolderIsAnError) {
   EXPECT_EQ(read_file(managed()), "a file");
 }
 
-TEST_F(MainWindow, FolderIsMadeOnOneLevelOnly) {
+TEST_F(MainWindow, CreatesNoParentFolders) {
   workspace.folder_path = copy_text((workspace_folder / "gone").c_str());
   write_file(elsewhere / "a.codeset", "text:A");
   await_start();
@@ -545,7 +545,7 @@ TEST_F(MainWindow, FolderIsMadeOnOneLevelOnly) {
   EXPECT_FALSE(path_exists(workspace_folder / "gone"));
 }
 
-TEST_F(MainWindow, FolderThatCannotBeAskedAboutShowsTheReason) {
+TEST_F(MainWindow, ShowsTheReasonWhenTheFolderCannotBeExamined) {
   write_file(workspace_folder / "file", "");
   workspace.folder_path = copy_text((workspace_folder / "file").c_str());
   write_file(elsewhere / "a.codeset", "text:A");
@@ -560,7 +560,7 @@ TEST_F(MainWindow, FolderThatCannotBeAskedAboutShowsTheReason) {
   run();
 }
 
-TEST_F(MainWindow, OverwritingIsAskedForWithBothTexts) {
+TEST_F(MainWindow, AsksBeforeOverwritingWithBothTexts) {
   make_folders();
   write_file(managed("a.codeset"), "text:Old 100%s");
   write_file(elsewhere / "a.codeset", "text:New <b>&");
@@ -573,7 +573,7 @@ TEST_F(MainWindow, OverwritingIsAskedForWithBothTexts) {
     check([this, label] {
       const bool is_kept = std::string(label) == "No";
       EXPECT_EQ(read_file(managed("a.codeset")), is_kept ? "text:Old 100%s" : "text:New <b>&");
-      // The list is filled anew whatever the answer.
+      // The list is refreshed after both answers.
       EXPECT_THAT(shown_texts(top_window()), ElementsAre(is_kept ? "Old 100%s" : "New <b>&", "Z"));
     });
   }
@@ -581,7 +581,7 @@ TEST_F(MainWindow, OverwritingIsAskedForWithBothTexts) {
   run();
 }
 
-TEST_F(MainWindow, OverwritingIsAskedForWithPathsWhereThereIsNoText) {
+TEST_F(MainWindow, AsksBeforeOverwritingWithPathsWhenThereIsNoText) {
   make_folders();
   write_file(managed("a.codeset"), "old");
   write_file(elsewhere / "a.codeset", "new");
@@ -595,7 +595,7 @@ TEST_F(MainWindow, OverwritingIsAskedForWithPathsWhereThereIsNoText) {
   EXPECT_EQ(read_file(managed("a.codeset")), "old");
 }
 
-TEST_F(MainWindow, AddingAFileToWhereItIsLeavesItWhole) {
+TEST_F(MainWindow, AddingAFileOverItselfKeepsIt) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   await_start();
@@ -627,22 +627,22 @@ TEST_F(MainWindow, AddsADeliveredFile) {
   EXPECT_EQ(read_file(managed("b.codeset")), "text:B");
 }
 
-TEST_F(MainWindow, WhatCannotBeOpenedCostsNoExistingFile) {
+TEST_F(MainWindow, KeepsTheExistingFileWhenTheNewOneCannotBeOpened) {
   make_folders();
   make_folder(delivered("a.codeset"));
   add_in_vain_over_own_file();
 }
 
-TEST_F(MainWindow, WhatCannotBeReadCostsNoExistingFile) {
+TEST_F(MainWindow, KeepsTheExistingFileWhenTheNewOneCannotBeRead) {
   make_folders();
-  // A regular file that can be opened, and of which nobody can read the first byte.
+  // A regular file that opens, but whose first byte cannot be read.
   ASSERT_EQ(symlink("/proc/self/mem", delivered("a.codeset").c_str()), 0);
   add_in_vain_over_own_file();
 }
 
 // ---- New, clone, edit ---------------------------------------------------------------------------
 
-TEST_F(MainWindow, AddNewEditsAFileThatIsNotThereYet) {
+TEST_F(MainWindow, AddNewEditsAFileThatDoesNotExistYet) {
   make_folders();
   on_edit = [](const std::string &path) {
     EXPECT_FALSE(path_exists(path));
@@ -701,7 +701,7 @@ TEST_F(MainWindow, CancelledCloneRefreshes) {
   run();
 }
 
-TEST_F(MainWindow, CloneOfAFileThatIsGoneFails) {
+TEST_F(MainWindow, CloningADeletedFileFails) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   await_start();
@@ -738,7 +738,7 @@ TEST_F(MainWindow, EditsAnOwnFileAtOnceAndRefreshes) {
   EXPECT_THAT(edited, ElementsAre(managed("own.codeset"), managed("changed.codeset")));
 }
 
-TEST_F(MainWindow, EditingADeliveredFileIsAskedAbout) {
+TEST_F(MainWindow, AsksBeforeEditingADeliveredFile) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   write_file(delivered("a.codeset"), "text:A");
@@ -762,7 +762,7 @@ TEST_F(MainWindow, EditingADeliveredFileIsAskedAbout) {
   run();
 }
 
-TEST_F(MainWindow, WithoutInstallationFolderNothingCountsAsDelivered) {
+TEST_F(MainWindow, NoFileCountsAsDeliveredWithoutInstallationFolder) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   fake_platform.install_folder.reset();
@@ -813,7 +813,7 @@ TEST_F(MainWindow, CancelledCopyRefreshes) {
   EXPECT_THAT(list_folder(elsewhere.path()), IsEmpty());
 }
 
-TEST_F(MainWindow, CopyOfAFileThatIsGoneFails) {
+TEST_F(MainWindow, CopyingADeletedFileFails) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   await_start();
@@ -830,7 +830,7 @@ TEST_F(MainWindow, CopyOfAFileThatIsGoneFails) {
   EXPECT_THAT(list_folder(elsewhere.path()), IsEmpty());
 }
 
-TEST_F(MainWindow, DeletingIsAskedForWithTheText) {
+TEST_F(MainWindow, AsksBeforeDeletingWithTheText) {
   make_folders();
   write_file(managed("a.codeset"), "text:Paper 100%s <b>&");
   const std::string question =
@@ -875,7 +875,7 @@ TEST_F(MainWindow, DeletingOneOfSeveralSelectsNoOther) {
   run();
 }
 
-TEST_F(MainWindow, DeletingWhatIsGoneAlreadyIsNoError) {
+TEST_F(MainWindow, DeletingADeletedFileIsNoError) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   await_start();
@@ -888,7 +888,7 @@ TEST_F(MainWindow, DeletingWhatIsGoneAlreadyIsNoError) {
   run();
 }
 
-TEST_F(MainWindow, DeletingWhatCannotBeDeletedShowsThePath) {
+TEST_F(MainWindow, ShowsThePathWhenAFileCannotBeDeleted) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   await_start();
@@ -905,9 +905,9 @@ TEST_F(MainWindow, DeletingWhatCannotBeDeletedShowsThePath) {
   run();
 }
 
-// ---- The end of the window while something is under way -----------------------------------------
+// ---- Destruction of the window during an action -------------------------------------------------
 
-TEST_F(MainWindow, MayGoWhileAQuestionIsOpen) {
+TEST_F(MainWindow, MayBeDestroyedWhileAQuestionIsOpen) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   await_start();
@@ -922,7 +922,7 @@ TEST_F(MainWindow, MayGoWhileAQuestionIsOpen) {
   EXPECT_EQ(read_file(managed("a.codeset")), "text:A");
 }
 
-TEST_F(MainWindow, MayGoWhileANameIsAskedFor) {
+TEST_F(MainWindow, MayBeDestroyedWhileANameIsEntered) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   await_start();
@@ -937,7 +937,7 @@ TEST_F(MainWindow, MayGoWhileANameIsAskedFor) {
   EXPECT_THAT(list_folder(managed()), ElementsAre("a.codeset"));
 }
 
-TEST_F(MainWindow, MayGoWhileAFileIsEdited) {
+TEST_F(MainWindow, MayBeDestroyedWhileAFileIsEdited) {
   make_folders();
   write_file(managed("a.codeset"), "text:A");
   await_start();
@@ -969,7 +969,7 @@ bool has_focus_in_list() { return gtk_widget_has_focus(GTK_WIDGET(list_of(top_wi
 
 } // namespace
 
-TEST_F(MainWindow, TheCursorStaysWhereAnActionWas) {
+TEST_F(MainWindow, TheCursorStaysAtTheRowOfTheLastAction) {
   make_folders();
   for (const char *name : {"A", "B", "C", "D"}) {
     write_file(managed(std::string(name) + ".codeset"), std::string("text:") + name);

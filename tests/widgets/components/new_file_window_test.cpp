@@ -54,7 +54,7 @@ TEST_F(NewFileWindow, AsksForANameThatEndsWithTheExtension) {
   EXPECT_EQ(run(), "none");
 }
 
-TEST_F(NewFileWindow, ExtensionIsNotSelectedAndTheCursorStandsBeforeIt) {
+TEST_F(NewFileWindow, ExtensionIsNotSelectedAndTheCursorIsBeforeIt) {
   script.when(
       "the focus in the entry",
       [] { return top_window() != nullptr && gtk_widget_has_focus(GTK_WIDGET(entry())); },
@@ -113,7 +113,7 @@ TEST_F(NewFileWindow, AcceptsAndCreatesNothing) {
   EXPECT_TRUE(list_folder(managed()).empty());
 }
 
-TEST_F(NewFileWindow, RefusesWhatIsNotANameAndTheExtension) {
+TEST_F(NewFileWindow, RefusesATextThatIsNotANameWithTheExtension) {
   for (const char *typed : {".codeset", ".CODESET", "", "   ", "abc", "abc.txt", "abc.codeset.txt",
                             "abccodeset", "\u00e5codeset", " .codeset ", "\u00a0.codeset\u00a0"}) {
     enter(typed);
@@ -161,7 +161,7 @@ TEST_F(NewFileWindow, RefusesATakenNameWithoutAText) {
   }
 }
 
-TEST_F(NewFileWindow, NameThatCannotBeAskedAboutCountsAsTaken) {
+TEST_F(NewFileWindow, ANameThatCannotBeExaminedCountsAsTaken) {
   workspace.folder_path = copy_text((workspace_folder / "file").c_str());
   write_file(workspace_folder / "file", "");
   enter("abc.codeset");
@@ -177,7 +177,7 @@ TEST_F(NewFileWindow, AfterARefusalAnotherNameIsAccepted) {
   EXPECT_EQ(run(), managed("abc.codeset"));
 }
 
-TEST_F(NewFileWindow, MissingFolderIsNoObstacle) {
+TEST_F(NewFileWindow, AcceptsANameInAMissingFolder) {
   workspace.folder_path = copy_text((workspace_folder / "nowhere").c_str());
   enter("abc.codeset");
   EXPECT_EQ(run(), workspace_folder / "nowhere/codesets/abc.codeset");

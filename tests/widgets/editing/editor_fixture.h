@@ -1,5 +1,5 @@
 #pragma once
-// An editor with what it borrows, and its widgets as they stand in its table.
+// An editor, the objects that it borrows, and access to the widgets in its table.
 
 #include <string>
 #include <vector>

@@ -18,7 +18,7 @@ protected:
   VLangstrDisplay *display() { return V_LANGSTR_DISPLAY(widget); }
   GtkTextView *view() { return GTK_TEXT_VIEW(gtk_bin_get_child(GTK_BIN(widget))); }
 
-  // With "*" around what is bold.
+  // The shown text, with "*" around bold parts.
   std::string shown() {
     GtkTextBuffer *buffer = gtk_text_view_get_buffer(view());
     GtkTextTag *bold = gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), "bold");
@@ -78,7 +78,7 @@ TEST_F(LangstrDisplayTest, ShowsAllTranslationsInOrder) {
                      "*Unknown language [pl]*\n\nP\u00EAkni\u00EAcie");
 }
 
-TEST_F(LangstrDisplayTest, ReplacesWhatItShowed) {
+TEST_F(LangstrDisplayTest, ReplacesTheShownText) {
   v_langstr_display_set_text(display(), langstr_of({{"sv", "Spricka"}}).get());
   v_langstr_display_set_text(display(), langstr_of({{"nb", "Sprekk"}}).get());
   EXPECT_EQ(shown(), "*Norwegian Bokm\u00E5l [nb]*\n\nSprekk");

@@ -6,8 +6,8 @@
 
 namespace {
 
-// Where the focus is: F the text field, C the combo, D the delete button of a row, P the plus
-// button, outside one of the buttons around the editor.
+// Where the focus is: the text field, combo box or delete button of a row, the plus button, or
+// outside, on one of the buttons around the editor.
 enum class Part { field, combo, delete_button, plus_button, outside };
 
 struct Place {
@@ -17,8 +17,8 @@ struct Place {
 
 constexpr int leaves = -1;
 
-// For GTK_DIR_TAB_FORWARD, TAB_BACKWARD, UP, DOWN, LEFT, RIGHT: the row whose field has the focus
-// then.
+// The row whose field gets the focus for GTK_DIR_TAB_FORWARD, TAB_BACKWARD, UP, DOWN, LEFT and
+// RIGHT.
 struct Move {
   Place from;
   std::array<int, 6> to;
@@ -32,7 +32,7 @@ protected:
     gtk_window_set_focus(host.window(), host.before());
     GtkWidget *const targets[] = {field(place.row), GTK_WIDGET(combo(place.row)),
                                   delete_button(place.row), plus_button(), host.before()};
-    // A combo box itself takes no focus, something inside it does.
+    // A combo box cannot take the focus, but a widget inside it can.
     GtkWidget *target = targets[static_cast<int>(place.part)];
     if (gtk_widget_get_can_focus(target)) {
       gtk_window_set_focus(host.window(), target);
@@ -80,7 +80,7 @@ TEST_F(LangstrEditorFocusTest, MovesFromFieldToField) {
   expect_moves(moves_of_three_rows);
 }
 
-TEST_F(LangstrEditorFocusTest, MovesAlikeWithSeveralLines) {
+TEST_F(LangstrEditorFocusTest, MovesTheSameWayInMultiLineMode) {
   make({{"sv", "a"}, {"en-uk", "b"}, {"de-de", "c"}}, VLangstrEditorMode::multi_line);
   expect_moves(moves_of_three_rows);
 }
@@ -104,7 +104,7 @@ TEST_F(LangstrEditorFocusTest, DoesNotMoveToALockedField) {
   });
 }
 
-TEST_F(LangstrEditorFocusTest, IsPassedThroughByTab) {
+TEST_F(LangstrEditorFocusTest, TabMovesThroughTheFields) {
   make({{"sv", "a"}, {"en-uk", "b"}});
   const ShownWindow host(widget);
   gtk_widget_grab_focus(host.before());
@@ -119,7 +119,7 @@ TEST_F(LangstrEditorFocusTest, IsPassedThroughByTab) {
   }
 }
 
-TEST_F(LangstrEditorFocusTest, IsPassedThroughByArrows) {
+TEST_F(LangstrEditorFocusTest, ArrowKeysMoveThroughTheFields) {
   make({{"sv", "a"}, {"en-uk", "b"}});
   const ShownWindow host(widget);
   gtk_widget_grab_focus(host.before());
@@ -142,7 +142,7 @@ TEST_F(LangstrEditorFocusTest, PassesItsOwnFocusToTheFirstField) {
   EXPECT_TRUE(wait_until([&] { return host.focus() == field(0); }));
 }
 
-TEST_F(LangstrEditorFocusTest, PassesItOnWhenItsWindowBecomesActiveLater) {
+TEST_F(LangstrEditorFocusTest, PassesItsFocusWhenItsWindowBecomesActiveLater) {
   make({});
   GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
   gtk_container_add(GTK_CONTAINER(window), widget);
@@ -154,7 +154,7 @@ TEST_F(LangstrEditorFocusTest, PassesItOnWhenItsWindowBecomesActiveLater) {
   gtk_widget_destroy(window);
 }
 
-TEST_F(LangstrEditorFocusTest, GoesToTheFieldOfANewRow) {
+TEST_F(LangstrEditorFocusTest, MovesToTheFieldOfANewRow) {
   for (const auto mode : {VLangstrEditorMode::single_line, VLangstrEditorMode::multi_line}) {
     make({{"sv", "a"}}, mode);
     const ShownWindow host(widget);
@@ -169,7 +169,7 @@ TEST_F(LangstrEditorFocusTest, GoesToTheFieldOfANewRow) {
   }
 }
 
-TEST_F(LangstrEditorFocusTest, GoesToTheFieldOfARowWhoseLanguageChanges) {
+TEST_F(LangstrEditorFocusTest, MovesToTheFieldOfARowWhoseLanguageChanges) {
   for (const auto mode : {VLangstrEditorMode::single_line, VLangstrEditorMode::multi_line}) {
     make({{"sv", "first"}, {"en-uk", "second"}}, mode);
     const ShownWindow host(widget);
@@ -183,7 +183,7 @@ TEST_F(LangstrEditorFocusTest, GoesToTheFieldOfARowWhoseLanguageChanges) {
   }
 }
 
-TEST_F(LangstrEditorFocusTest, GoesToTheRowThatTakesADeletedOnesPlace) {
+TEST_F(LangstrEditorFocusTest, MovesToTheRowThatReplacesADeletedOne) {
   make({{"sv", "a"}, {"en-uk", "b"}, {"de-de", "c"}});
   const ShownWindow host(widget);
   gtk_widget_grab_focus(delete_button(1));

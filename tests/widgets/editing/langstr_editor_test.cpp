@@ -42,7 +42,7 @@ protected:
     take_beep_count();
   }
 
-  // What the editor gives; "failed: " and the message when it gives nothing.
+  // The editor's value, or "failed: " and the message.
   std::string result() {
     OwnedLangstr langstr = langstr_of({{"xx", "left over"}});
     v_error_clear();
@@ -71,7 +71,7 @@ protected:
     EXPECT_EQ(y_padding, 0u);
   }
 
-  // The dictionary that the row is checked with; "off" when it is not.
+  // The dictionary that checks the row; "off" when the row is not checked.
   std::string spelling(guint row) {
     gboolean is_on = FALSE;
     GspellChecker *checker = nullptr;
@@ -118,7 +118,7 @@ TEST_F(LangstrEditorTest, IsAVerticalBoxOfOneTable) {
   EXPECT_EQ(gtk_table_get_default_col_spacing(table()), 8u);
 }
 
-TEST_F(LangstrEditorTest, ShowsOnlyItselfWhenAllIsToBeShown) {
+TEST_F(LangstrEditorTest, ShowAllDoesNotRevealHiddenChildren) {
   make({{"sv", "a"}});
   gtk_widget_hide(delete_button(0));
   EXPECT_FALSE(gtk_widget_get_visible(widget));
@@ -130,7 +130,7 @@ TEST_F(LangstrEditorTest, ShowsOnlyItselfWhenAllIsToBeShown) {
   }
 }
 
-// Turns the wheel with the pointer over the widget, as a mouse and as a touchpad do.
+// Turns the wheel over the widget, as a mouse or, with GDK_SCROLL_SMOOTH, a touchpad does.
 void turn_wheel(GtkWidget *over, GdkScrollDirection direction) {
   GtkWidget *button = find_widget<GtkWidget>(over, GTK_TYPE_TOGGLE_BUTTON);
   ASSERT_NE(button, nullptr);
@@ -144,7 +144,7 @@ void turn_wheel(GtkWidget *over, GdkScrollDirection direction) {
 }
 
 // The window scrolls instead.
-TEST_F(LangstrEditorTest, TheWheelChoosesNoOtherLanguage) {
+TEST_F(LangstrEditorTest, TheWheelDoesNotChangeTheLanguage) {
   for (const VLangstrEditorMode mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
     make({{"sv", "a"}, {"en-uk", "b"}}, mode);
     {
@@ -205,7 +205,7 @@ TEST_F(LangstrEditorTest, ShowsOneRowPerTranslationInOrder) {
   EXPECT_EQ(take_beep_count(), 0);
 }
 
-TEST_F(LangstrEditorTest, AppendsALanguageThatIsNotAmongTheUsers) {
+TEST_F(LangstrEditorTest, OffersALanguageThatIsNotAmongTheUsersOwn) {
   make({{"sv", "a"}, {"fr-fr", "b"}, {"", "c"}});
   EXPECT_THAT(choices(0), ElementsAre(swedish, british, german));
   EXPECT_THAT(choices(1), ElementsAre(swedish, british, german, "French/France [fr-fr]"));
@@ -227,7 +227,7 @@ TEST_F(LangstrEditorTest, OffersOnlyTheUndefinedLanguageWhenTheUserHasNone) {
   EXPECT_EQ(result(), "=a\nen-uk=b\n");
 }
 
-TEST_F(LangstrEditorTest, ShowsAnUnsupportedLanguageButCannotGiveItBack) {
+TEST_F(LangstrEditorTest, ShowsAnUnsupportedLanguageButCannotReturnIt) {
   make({{"sv", "a"}, {"pl", "b"}});
   EXPECT_EQ(shown_language(1), "Unknown language [pl]");
   EXPECT_EQ(spelling(1), "off");
@@ -253,7 +253,7 @@ TEST_F(LangstrEditorTest, IsNotWidenedByALongTag) {
 
 // ---- Reading ------------------------------------------------------------------------------------
 
-TEST_F(LangstrEditorTest, GivesTheRowsThatHaveAText) {
+TEST_F(LangstrEditorTest, ReturnsTheRowsThatHaveAText) {
   make({});
   click(plus_button());
   click(plus_button());
@@ -284,7 +284,7 @@ TEST_F(LangstrEditorTest, RefusesTwoTextsWithoutLanguage) {
                       "times.");
 }
 
-TEST_F(LangstrEditorTest, TakesARowWithoutAChoiceForUntagged) {
+TEST_F(LangstrEditorTest, TreatsARowWithoutAChoiceAsUntagged) {
   make({{"sv", "a"}});
   gtk_combo_box_set_active(combo(0), -1);
   EXPECT_EQ(result(), "=a\n");
@@ -306,7 +306,7 @@ TEST_F(LangstrEditorTest, FailsWhenAFieldCannotBeRead) {
   EXPECT_EQ(result(), "sv=a\n");
 }
 
-TEST_F(LangstrEditorTest, IsBrokenWhenARowCannotBeMade) {
+TEST_F(LangstrEditorTest, IsBrokenWhenARowCannotBeCreated) {
   fail_combo_boxes_from(2);
   GuiScript script;
   script.answer("Error", broken, "Close");
@@ -316,13 +316,13 @@ TEST_F(LangstrEditorTest, IsBrokenWhenARowCannotBeMade) {
   EXPECT_EQ(result(), std::string("failed: ") + broken);
 }
 
-TEST_F(LangstrEditorTest, IsBrokenWhenNoRowCanBeMade) {
+TEST_F(LangstrEditorTest, IsBrokenWhenNoRowCanBeCreated) {
   fail_combo_boxes_from(1);
   GuiScript script;
   script.answer("Error", broken, "Close");
   make({});
   EXPECT_EQ(result(), std::string("failed: ") + broken);
-  // Nothing more comes of it, and nothing goes wrong either.
+  // Further actions have no effect and are safe; a row that is added later does not repair it.
   click(plus_button());
   fail_combo_boxes_from(0);
   const ShownWindow host(widget);
@@ -332,7 +332,7 @@ TEST_F(LangstrEditorTest, IsBrokenWhenNoRowCanBeMade) {
   EXPECT_EQ(result(), std::string("failed: ") + broken);
 }
 
-TEST_F(LangstrEditorTest, KeepsItsRowsWhenANewOneCannotBeMade) {
+TEST_F(LangstrEditorTest, KeepsItsRowsWhenANewOneCannotBeCreated) {
   make({{"sv", "a"}});
   fail_combo_boxes_from(1);
   click(plus_button());
@@ -382,7 +382,7 @@ TEST_F(LangstrEditorTest, KeepsTheRestOfARowWhenTheTableIsRebuilt) {
   }
 }
 
-TEST_F(LangstrEditorTest, HasADeleteButtonOnlyForMoreThanOneRow) {
+TEST_F(LangstrEditorTest, EnablesDeletingOnlyForMoreThanOneRow) {
   make({{"sv", "a"}});
   EXPECT_FALSE(gtk_widget_get_sensitive(delete_button(0)));
   click(plus_button());
@@ -402,7 +402,7 @@ TEST_F(LangstrEditorTest, KeepsTheOnlyRow) {
   EXPECT_EQ(shrunk_count, 0);
 }
 
-TEST_F(LangstrEditorTest, TellsThatItHasShrunkOncePerDeletedRow) {
+TEST_F(LangstrEditorTest, EmitsShrunkOncePerDeletedRow) {
   make({{"sv", "a"}, {"en-uk", "b"}, {"de-de", "c"}});
   EXPECT_EQ(shrunk_count, 0);
   click(delete_button(1));
@@ -416,7 +416,7 @@ TEST_F(LangstrEditorTest, TellsThatItHasShrunkOncePerDeletedRow) {
   EXPECT_EQ(result(), "absent");
 }
 
-TEST_F(LangstrEditorTest, HasShrunkByTheTimeItTells) {
+TEST_F(LangstrEditorTest, EmitsShrunkAfterTheRowIsDeleted) {
   make({{"sv", "a"}, {"en-uk", "b"}});
   OwnedLangstr seen;
   const auto look = +[](VLangstrEditor *shrunk_editor, OwnedLangstr *langstr) {
@@ -427,14 +427,14 @@ TEST_F(LangstrEditorTest, HasShrunkByTheTimeItTells) {
   EXPECT_EQ(translations_of(seen), (Translations{{"en-uk", "b"}}));
 }
 
-TEST_F(LangstrEditorTest, MayBeDestroyedWhenItTells) {
+TEST_F(LangstrEditorTest, MayBeDestroyedInAShrunkHandler) {
   make({{"sv", "a"}, {"en-uk", "b"}});
   g_signal_connect(widget, "shrunk", G_CALLBACK(gtk_widget_destroy), nullptr);
   click(delete_button(0));
   EXPECT_EQ(result(), "absent");
 }
 
-TEST_F(LangstrEditorTest, TellsOfEachChangeWhenItIsMade) {
+TEST_F(LangstrEditorTest, EmitsChangedAfterEachChange) {
   for (const auto mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
     make({{"sv", "a"}}, mode);
     std::string seen;
@@ -460,14 +460,14 @@ TEST_F(LangstrEditorTest, TellsOfEachChangeWhenItIsMade) {
   }
 }
 
-TEST_F(LangstrEditorTest, MayBeDestroyedWhenItTellsOfAChange) {
+TEST_F(LangstrEditorTest, MayBeDestroyedInAChangedHandler) {
   make({{"sv", "a"}, {"en-uk", "b"}});
   g_signal_connect(widget, "changed", G_CALLBACK(gtk_widget_destroy), nullptr);
   click(delete_button(0));
   EXPECT_EQ(result(), "absent");
 }
 
-TEST_F(LangstrEditorTest, LetsADeletedRowsWidgetsGo) {
+TEST_F(LangstrEditorTest, FreesTheWidgetsOfADeletedRow) {
   for (const auto mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
     make({{"sv", "a"}, {"en-uk", "b"}}, mode);
     GtkWidget *gone[] = {field(0), GTK_WIDGET(combo(0)), delete_button(0), GTK_WIDGET(table())};
@@ -621,8 +621,8 @@ TEST_F(LangstrEditorTest, ChecksTheSpellingInTheRowsLanguage) {
     int choice;
     const char *dictionary;
   } languages[] = {{0, "sv_SE"}, {1, "en_GB"}, {2, "en_US"},
-                   {3, "de_DE"}, {4, "fr"},    {5, "off"}, // several dictionaries would do
-                   {6, "off"},                             // its dictionary is not on this machine
+                   {3, "de_DE"}, {4, "fr"},    {5, "off"}, // several dictionaries match
+                   {6, "off"},                             // its dictionary is not installed
                    {1, "en_GB"}};
   for (const auto mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
     make({}, mode);
@@ -636,13 +636,13 @@ TEST_F(LangstrEditorTest, ChecksTheSpellingInTheRowsLanguage) {
   }
 }
 
-TEST_F(LangstrEditorTest, SaysWhichTranslationAFieldIs) {
+TEST_F(LangstrEditorTest, NamesEachFieldByItsLanguage) {
   make({{"sv", "a"}, {"fr-fr", "b"}});
   EXPECT_STREQ(spoken_name(field(0)), swedish);
   EXPECT_STREQ(spoken_name(field(1)), "French/France [fr-fr]");
   gtk_combo_box_set_active(combo(0), 2);
   EXPECT_STREQ(spoken_name(field(0)), german);
-  // The names of the others are what they show.
+  // The other widgets have their shown text as their name.
   EXPECT_STREQ(spoken_description(combo(0)), "Language");
   EXPECT_STREQ(spoken_name(combo(0)), german);
   EXPECT_STREQ(spoken_description(plus_button()), "Add a translation");

@@ -15,7 +15,7 @@ struct Rule {
   const char *fixed_for_several_lines;
 };
 
-// What stays as it is needs no fixing.
+// A text that stays unchanged needs no fixing.
 const Rule rules[] = {
     {"", "", ""},
     {"plain  text", "plain  text", "plain  text"},
@@ -26,12 +26,12 @@ const Rule rules[] = {
     {"a\fb", "a b", "a b"},
     {"a\u00A0b", "a b", "a b"},
     {"a\u2003\u2028\u2029\u3000b", "a    b", "a    b"},
-    {"a\u200Bb", "ab", "ab"}, // no white space, merely of no width
+    {"a\u200Bb", "ab", "ab"}, // zero width space, which is not white space
     {"a\u20ACb", "ab", "ab"},
     {"\u20AC", "", ""},
     {"a\U0001F600b", "ab", "ab"},
     {"\u0100\u00FF", "\u00FF", "\u00FF"},
-    {"e\u0301", "e", "e"}, // a combining accent is a character of its own
+    {"e\u0301", "e", "e"}, // a combining accent is a separate character
     {"\u00E5\u00E4\u00F6 \u00DF \u00A1 \u00AD", "\u00E5\u00E4\u00F6 \u00DF \u00A1 \u00AD",
      "\u00E5\u00E4\u00F6 \u00DF \u00A1 \u00AD"},
     {"a\x01\x02\x08\x0E\x1F"
@@ -52,7 +52,7 @@ void expect_rule(const std::string &text, const std::string &expected, InputLine
   EXPECT_FALSE(v_latin1_input_text_needs_fixing(fixed.get(), -1, lines)) << expected;
 }
 
-TEST(Latin1InputTest, RepairsWhatACodesetFileCannotHold) {
+TEST(Latin1InputTest, RepairsCharactersThatACodesetFileCannotHold) {
   for (const Rule &rule : rules) {
     expect_rule(rule.text, rule.fixed_for_one_line, InputLines::one);
     expect_rule(rule.text, rule.fixed_for_several_lines, InputLines::several);
@@ -68,7 +68,7 @@ TEST(Latin1InputTest, LetsNoControlCharacterThrough) {
   }
 }
 
-TEST(Latin1InputTest, LooksAtNoMoreThanTheLength) {
+TEST(Latin1InputTest, ReadsNoMoreThanTheLength) {
   EXPECT_FALSE(v_latin1_input_text_needs_fixing("ab\tc", 2, InputLines::one));
   EXPECT_TRUE(v_latin1_input_text_needs_fixing("ab\tc", 3, InputLines::one));
   EXPECT_STREQ(v_latin1_input_fix_text("a\tb\u20AC", 3, InputLines::one).get(), "a b");
@@ -76,7 +76,7 @@ TEST(Latin1InputTest, LooksAtNoMoreThanTheLength) {
   EXPECT_FALSE(v_latin1_input_text_needs_fixing("\t", 0, InputLines::one));
 }
 
-TEST(Latin1InputTest, CannotRepairWhatIsNotUtf8) {
+TEST(Latin1InputTest, CannotRepairTextThatIsNotUtf8) {
   struct {
     const char *text;
     gssize length;
@@ -97,7 +97,7 @@ TEST(Latin1InputTest, CannotRepairWhatIsNotUtf8) {
   }
 }
 
-TEST(Latin1InputTest, ConvertsWhatIsLeft) {
+TEST(Latin1InputTest, ConvertsTheRepairedText) {
   EXPECT_STREQ(v_latin1_input_convert("\u00E5\t\u20AC\u00A0\x01z", InputLines::one).get(),
                "\xE5  z");
   EXPECT_STREQ(v_latin1_input_convert("a\n\tb", InputLines::several).get(), "a\n b");

@@ -4,7 +4,7 @@
 #include <gtk/gtk.h>
 
 // The window holds, from top to bottom, a button, the widget and another button. It is destroyed at
-// the end, if it still lives.
+// the end, if it still exists.
 class ShownWindow {
 public:
   explicit ShownWindow(GtkWidget *widget);

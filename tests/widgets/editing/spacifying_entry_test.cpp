@@ -63,7 +63,7 @@ const Insertion insertions[] = {
     {"", "", 0},
 };
 
-TEST_F(SpacifyingEntryTest, RepairsWhatIsInserted) {
+TEST_F(SpacifyingEntryTest, RepairsInsertedText) {
   for (const Insertion &insertion : insertions) {
     gtk_entry_set_text(GTK_ENTRY(widget), "[]");
     int position = 1;
@@ -74,7 +74,7 @@ TEST_F(SpacifyingEntryTest, RepairsWhatIsInserted) {
   }
 }
 
-TEST_F(SpacifyingEntryTest, RepairsWhatIsPasted) {
+TEST_F(SpacifyingEntryTest, RepairsPastedText) {
   const ShownWindow host(widget);
   for (const Insertion &insertion : insertions) {
     gtk_entry_set_text(GTK_ENTRY(widget), "[marked]");
@@ -89,7 +89,7 @@ TEST_F(SpacifyingEntryTest, RepairsWhatIsPasted) {
   }
 }
 
-TEST_F(SpacifyingEntryTest, RepairsWhatIsTyped) {
+TEST_F(SpacifyingEntryTest, RepairsTypedText) {
   const ShownWindow host(widget);
   gtk_widget_grab_focus(widget);
   for (const int key : {GDK_KEY_a, GDK_KEY_space, GDK_KEY_aring}) {
@@ -106,7 +106,7 @@ TEST_F(SpacifyingEntryTest, RepairsWhatIsTyped) {
   EXPECT_EQ(take_beep_count(), 1);
 }
 
-TEST_F(SpacifyingEntryTest, ATextThatIsTooLongToShowComesBackWhole) {
+TEST_F(SpacifyingEntryTest, ReturnsTheWholeOfATextThatIsTooLongToShow) {
   auto *entry = V_SPACIFYING_ENTRY(widget);
   const std::string longest(65'534, 'x');
   v_spacifying_entry_set_text(entry, longest.c_str());
@@ -115,14 +115,14 @@ TEST_F(SpacifyingEntryTest, ATextThatIsTooLongToShowComesBackWhole) {
   v_spacifying_entry_set_text(entry, too_long.c_str());
   EXPECT_LT(shown().size(), too_long.size());
   EXPECT_EQ(v_spacifying_entry_get_text(entry).get(), too_long);
-  // What does not fit any more does not get in, and changes nothing.
+  // A character that does not fit is not inserted and changes nothing.
   int end = -1;
   gtk_editable_insert_text(editable(), "z", 1, &(end = 65'534));
   EXPECT_EQ(v_spacifying_entry_get_text(entry).get(), too_long);
   v_spacifying_entry_set_text(entry, shown().c_str());
   EXPECT_LT(std::string(v_spacifying_entry_get_text(entry).get()).size(), too_long.size());
   v_spacifying_entry_set_text(entry, too_long.c_str());
-  // Who changes it has seen what there is.
+  // Once the user edits the text, the part that is not shown is dropped.
   gtk_editable_delete_text(editable(), 10, -1);
   EXPECT_EQ(v_spacifying_entry_get_text(entry).get(), std::string(10, 'x'));
   v_spacifying_entry_set_text(entry, too_long.c_str());
@@ -143,7 +143,7 @@ TEST_F(SpacifyingEntryTest, InsertsARepairedTextOnce) {
   EXPECT_EQ(insertion_count, 1);
 }
 
-TEST_F(SpacifyingEntryTest, TakesOnlyTheLengthThatIsInserted) {
+TEST_F(SpacifyingEntryTest, InsertsOnlyTheGivenLength) {
   int position = 0;
   gtk_editable_insert_text(editable(), "ab\tc", 2, &position);
   EXPECT_EQ(shown(), "ab");
@@ -153,7 +153,7 @@ TEST_F(SpacifyingEntryTest, TakesOnlyTheLengthThatIsInserted) {
   EXPECT_EQ(position, 4);
 }
 
-TEST_F(SpacifyingEntryTest, InsertsNothingOfWhatIsNotUtf8) {
+TEST_F(SpacifyingEntryTest, InsertsNothingWhenTheTextIsNotUtf8) {
   gtk_entry_set_text(GTK_ENTRY(widget), "kept");
   int position = 2;
   g_signal_emit_by_name(widget, "insert-text", "a\xE5", 2, &position);
@@ -162,7 +162,7 @@ TEST_F(SpacifyingEntryTest, InsertsNothingOfWhatIsNotUtf8) {
   EXPECT_EQ(take_beep_count(), 1);
 }
 
-TEST_F(SpacifyingEntryTest, ShowsTheProgramsTextNormalisedAndInSilence) {
+TEST_F(SpacifyingEntryTest, ShowsTheProgramsTextNormalisedWithoutABeep) {
   v_spacifying_entry_set_text(entry(), "  a\t\n b \xE5\xA0\xDF  ");
   EXPECT_EQ(shown(), "a b \u00E5 \u00DF");
   v_spacifying_entry_set_text(entry(), "\x01 100 % <b>");
@@ -175,7 +175,7 @@ TEST_F(SpacifyingEntryTest, ShowsTheProgramsTextNormalisedAndInSilence) {
   EXPECT_EQ(take_beep_count(), 1);
 }
 
-TEST_F(SpacifyingEntryTest, ReadsNormalisedTextWithoutChangingWhatIsShown) {
+TEST_F(SpacifyingEntryTest, ReadsNormalisedTextWithoutChangingTheShownText) {
   gtk_entry_set_text(GTK_ENTRY(widget), "   two  and   \u00E5tta ");
   EXPECT_STREQ(v_spacifying_entry_get_text(entry()).get(), "two and \xE5tta");
   EXPECT_EQ(shown(), "   two  and   \u00E5tta ");
@@ -188,12 +188,12 @@ TEST_F(SpacifyingEntryTest, ReadsOnlySpacesAsTheEmptyText) {
   EXPECT_STREQ(text.get(), "");
 }
 
-TEST_F(SpacifyingEntryTest, RepairsWhatIsReadPastTheHandler) {
+TEST_F(SpacifyingEntryTest, RepairsTextThatBypassedTheHandlerWhenItIsRead) {
   gtk_entry_buffer_set_text(gtk_entry_get_buffer(GTK_ENTRY(widget)), "\u20AC a\u00A0\tb\x02", -1);
   EXPECT_STREQ(v_spacifying_entry_get_text(entry()).get(), "a b");
 }
 
-TEST(SpacifyingEntryCompactTest, DecidesWhetherRunsOfSpacesStay) {
+TEST(SpacifyingEntryCompactTest, DecidesWhetherRunsOfSpacesAreKept) {
   EXPECT_STREQ(read_back(Compact::yes, " a \t b\n\nc ").get(), "a b c");
   EXPECT_STREQ(read_back(Compact::no, " a \t b\n\nc ").get(), "a   b  c");
   EXPECT_STREQ(read_back(Compact::no, "").get(), "");

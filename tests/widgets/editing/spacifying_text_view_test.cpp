@@ -22,7 +22,7 @@ protected:
     g_object_get(buffer(), "text", &text, nullptr);
     return OwnedText(text).get();
   }
-  // Whether the view itself has a use for the key.
+  // Whether the view handles the key itself.
   bool takes_key(guint keyval) {
     GdkEventKey event = {};
     event.type = GDK_KEY_PRESS;
@@ -59,7 +59,7 @@ const Insertion insertions[] = {
     {"50 % <b>&amp; \u00E5", "50 % <b>&amp; \u00E5", 0},
 };
 
-TEST_F(SpacifyingTextViewTest, RepairsWhatIsInserted) {
+TEST_F(SpacifyingTextViewTest, RepairsInsertedText) {
   for (const Insertion &insertion : insertions) {
     gtk_text_buffer_set_text(buffer(), "[]", -1);
     GtkTextIter place;
@@ -71,7 +71,7 @@ TEST_F(SpacifyingTextViewTest, RepairsWhatIsInserted) {
   }
 }
 
-TEST_F(SpacifyingTextViewTest, RepairsWhatIsPasted) {
+TEST_F(SpacifyingTextViewTest, RepairsPastedText) {
   const ShownWindow host(widget);
   for (const Insertion &insertion : insertions) {
     gtk_text_buffer_set_text(buffer(), "", -1);
@@ -81,8 +81,8 @@ TEST_F(SpacifyingTextViewTest, RepairsWhatIsPasted) {
   }
 }
 
-// A pasted line end comes as a line feed alone.
-TEST_F(SpacifyingTextViewTest, MakesASpaceOfACarriageReturn) {
+// Pasted text has line feeds only, so insert the carriage return directly.
+TEST_F(SpacifyingTextViewTest, ReplacesACarriageReturnByASpace) {
   GtkTextIter place;
   gtk_text_buffer_get_start_iter(buffer(), &place);
   gtk_text_buffer_insert(buffer(), &place, "a\r\nb", -1);
@@ -90,7 +90,7 @@ TEST_F(SpacifyingTextViewTest, MakesASpaceOfACarriageReturn) {
   EXPECT_EQ(take_beep_count(), 1);
 }
 
-TEST_F(SpacifyingTextViewTest, InsertsNothingOfWhatIsNotUtf8) {
+TEST_F(SpacifyingTextViewTest, InsertsNothingWhenTheTextIsNotUtf8) {
   gtk_text_buffer_set_text(buffer(), "kept", -1);
   GtkTextIter place;
   gtk_text_buffer_get_start_iter(buffer(), &place);
@@ -99,7 +99,7 @@ TEST_F(SpacifyingTextViewTest, InsertsNothingOfWhatIsNotUtf8) {
   EXPECT_EQ(take_beep_count(), 1);
 }
 
-TEST_F(SpacifyingTextViewTest, ShowsTheProgramsTextNormalisedAndInSilence) {
+TEST_F(SpacifyingTextViewTest, ShowsTheProgramsTextNormalisedWithoutABeep) {
   v_spacifying_text_view_set_text(view(), "\n a\t\tb \n\n \xE5\xA0\x63\x01\n ");
   EXPECT_EQ(shown(), "a  b \n\n \u00E5 c\x01");
   v_spacifying_text_view_set_text(view(), "");
@@ -107,7 +107,7 @@ TEST_F(SpacifyingTextViewTest, ShowsTheProgramsTextNormalisedAndInSilence) {
   EXPECT_EQ(take_beep_count(), 0);
 }
 
-TEST_F(SpacifyingTextViewTest, ReadsNormalisedTextWithoutChangingWhatIsShown) {
+TEST_F(SpacifyingTextViewTest, ReadsNormalisedTextWithoutChangingTheShownText) {
   const char *text = "\n  a  b \n\n\u00E5 \n";
   gtk_text_buffer_set_text(buffer(), text, -1);
   EXPECT_STREQ(v_spacifying_text_view_get_text(view()).get(), "a  b \n\n\xE5");
@@ -116,7 +116,7 @@ TEST_F(SpacifyingTextViewTest, ReadsNormalisedTextWithoutChangingWhatIsShown) {
   EXPECT_STREQ(v_spacifying_text_view_get_text(view()).get(), "");
 }
 
-TEST_F(SpacifyingTextViewTest, RepairsWhatTheProgramSetWhenItIsRead) {
+TEST_F(SpacifyingTextViewTest, RepairsTheProgramsTextWhenItIsRead) {
   v_spacifying_text_view_set_text(view(), "a\x01\x02z");
   EXPECT_STREQ(v_spacifying_text_view_get_text(view()).get(), "az");
 }
@@ -135,7 +135,7 @@ TEST_F(SpacifyingTextViewTest, LeavesTabToTheWindow) {
   EXPECT_EQ(take_beep_count(), 0);
 }
 
-TEST_F(SpacifyingTextViewTest, HasAllOtherKeysForItself) {
+TEST_F(SpacifyingTextViewTest, HandlesAllOtherKeys) {
   const ShownWindow host(widget);
   gtk_widget_grab_focus(widget);
   for (const int key : {GDK_KEY_a, GDK_KEY_Return, GDK_KEY_b, GDK_KEY_Left, GDK_KEY_c}) {

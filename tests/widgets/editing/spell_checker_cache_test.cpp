@@ -16,20 +16,20 @@ protected:
   const GspellLanguage *swedish = gspell_language_lookup("sv_SE");
 };
 
-TEST_F(SpellCheckerCache, ALanguageIsLoadedOnceAndStays) {
+TEST_F(SpellCheckerCache, LoadsALanguageOnce) {
   GspellChecker *checker = v_spell_checker_cache_get(english);
   EXPECT_EQ(gspell_checker_get_language(checker), english);
   EXPECT_NE(v_spell_checker_cache_get(swedish), checker);
   EXPECT_EQ(v_spell_checker_cache_get(english), checker);
 }
 
-TEST_F(SpellCheckerCache, NoLanguageIsTheDefaultOne) {
+TEST_F(SpellCheckerCache, UsesTheDefaultLanguageForNull) {
   GspellChecker *checker = v_spell_checker_cache_get(nullptr);
   EXPECT_EQ(gspell_checker_get_language(checker), gspell_language_get_default());
   EXPECT_EQ(v_spell_checker_cache_get(gspell_language_get_default()), checker);
 }
 
-TEST_F(SpellCheckerCache, CleaningUpLetsGoOfEachChecker) {
+TEST_F(SpellCheckerCache, CleaningUpFreesEachChecker) {
   gpointer english_checker = v_spell_checker_cache_get(english);
   gpointer swedish_checker = v_spell_checker_cache_get(swedish);
   g_object_add_weak_pointer(G_OBJECT(english_checker), &english_checker);
