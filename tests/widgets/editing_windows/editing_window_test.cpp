@@ -25,7 +25,7 @@ namespace {
 constexpr const char *dialog_title = "Edit remark code";
 constexpr const char *question = "Are you sure you want to close the codeset without saving?";
 
-// A codeset file as the program writes it. The lines of the head are whole elements.
+// A codeset file as the program writes it. Each line of the head is a whole element.
 std::string codeset_file(const std::vector<std::string> &head,
                          const std::vector<std::pair<std::string, std::string>> &codes) {
   std::string text = "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n\n<codeset>\n\n";
@@ -94,7 +94,7 @@ std::string shown_description() {
   return OwnedText(text).get();
 }
 
-// Nothing is selected, and it shows.
+// Expects that no row is selected, and that buttons and description match.
 void expect_no_selection() {
   EXPECT_EQ(gtk_tree_selection_count_selected_rows(selection()), 0);
   EXPECT_FALSE(is_sensitive("Edit"));
@@ -168,7 +168,7 @@ protected:
     check([] {});
     script.click("Save codeset").answer("Error", message, "Close");
   }
-  // Fills the remark dialog in, which is open or about to be, and confirms it.
+  // Fills in and confirms the remark dialog, which is open or about to open.
   void enter_remark(const char *code, const char *description) {
     on(dialog_title, [code, description] {
       for (GtkWidget *entry : find_widgets(window(), V_TYPE_SPACIFYING_ENTRY)) {
@@ -262,7 +262,7 @@ TEST_F(EditingWindow, HasTheListBesideTheDescription) {
   run();
 }
 
-TEST_F(EditingWindow, ListAndDescriptionTakeTheRoomThatTheFieldsLeave) {
+TEST_F(EditingWindow, ListAndDescriptionFillTheRemainingRoom) {
   write_paper();
   script.when(
       "the maximized window",
@@ -272,7 +272,7 @@ TEST_F(EditingWindow, ListAndDescriptionTakeTheRoomThatTheFieldsLeave) {
   run();
 }
 
-TEST_F(EditingWindow, ButtonsStandInTheirOrder) {
+TEST_F(EditingWindow, ButtonsAreInTheirOrder) {
   write_paper();
   check([] {
     std::vector<std::string> labels = button_labels(window());
@@ -321,7 +321,7 @@ TEST_F(EditingWindow, ANewCodesetIsSavedToItsPath) {
                          {{"a9", "A9"}, {"a10", "A10"}, {"b", "B &amp; co"}}));
 }
 
-TEST_F(EditingWindow, EverythingShowsLiterally) {
+TEST_F(EditingWindow, ShowsAllTextsLiterally) {
   name = "100%s <b>&amp; \u00e5.codeset";
   write_file(path(), codeset_file({"<name lang=\"en-uk\">%s &lt;b&gt; &amp;amp; \xe5</name>"},
                                   {{"%s%n", "%d &lt;b&gt; &amp;amp; \xe5"}}));
@@ -347,7 +347,7 @@ TEST_F(EditingWindow, EverythingShowsLiterally) {
   EXPECT_EQ(run(), 0);
 }
 
-TEST_F(EditingWindow, RowsReadInThePreferredLanguage) {
+TEST_F(EditingWindow, RowsAreInThePreferredLanguage) {
   settings()->preferred_languages = {"sv", "en-uk"};
   write_file(path(), "<codeset><name lang='sv'>P</name>"
                      "<remark><code>1</code><description lang='en-uk'>Tear</description>"
@@ -364,7 +364,7 @@ TEST_F(EditingWindow, RowsReadInThePreferredLanguage) {
   run();
 }
 
-TEST_F(EditingWindow, APathThatCannotBeAskedAboutOpensNothing) {
+TEST_F(EditingWindow, ShowsAnErrorWhenThePathCannotBeExamined) {
   write_file(folder / "100%s <b> \u00e5", "");
   name = "100%s <b> \u00e5/x.codeset";
   script.answer("Error", "Something went wrong when accessing the codeset file:\n\n" + path(),
@@ -372,7 +372,7 @@ TEST_F(EditingWindow, APathThatCannotBeAskedAboutOpensNothing) {
   EXPECT_EQ(run(), 0);
 }
 
-TEST_F(EditingWindow, AFileThatCannotBeReadOpensNothing) {
+TEST_F(EditingWindow, ShowsAnErrorWhenTheFileCannotBeRead) {
   name = "100%s <b> \u00e5.codeset";
   write_file(path(), "<codesets/>");
   script.answer("Error",
@@ -382,7 +382,7 @@ TEST_F(EditingWindow, AFileThatCannotBeReadOpensNothing) {
   EXPECT_EQ(read_file(path()), "<codesets/>");
 }
 
-TEST_F(EditingWindow, TheReadersContextStandsBehindThePath) {
+TEST_F(EditingWindow, ShowsTheReadersMessageAfterThePath) {
   write_file(path(), "<codeset><name lang='sv'>P</name></codeset>");
   script.answer("Error",
                 "Error when loading the codeset file:\n\n" + path() +
@@ -391,7 +391,7 @@ TEST_F(EditingWindow, TheReadersContextStandsBehindThePath) {
   EXPECT_EQ(run(), 0);
 }
 
-TEST_F(EditingWindow, AFolderAtThePathOpensNothing) {
+TEST_F(EditingWindow, ShowsAnErrorWhenThePathIsAFolder) {
   make_folder(path());
   script.when(
       "the message", [] { return is_on_top("Error"); },
@@ -436,7 +436,7 @@ TEST_F(EditingWindow, ADoubleClickDoesNothing) {
   run();
 }
 
-TEST_F(EditingWindow, AnAddedCodeStandsInItsPlaceAndNothingIsSelected) {
+TEST_F(EditingWindow, AnAddedCodeIsInItsPlaceAndNothingIsSelected) {
   write_paper();
   select(2);
   add_code("3", "Fold");
@@ -507,8 +507,8 @@ TEST_F(EditingWindow, ACancelledEditChangesNothing) {
   run();
 }
 
-// Without a question.
-TEST_F(EditingWindow, DeletedCodesAreGone) {
+// Deletes at once, without a question.
+TEST_F(EditingWindow, DeletesCodes) {
   write_paper();
   for (const int row : {1, 1, 0}) {
     delete_code(row);
@@ -525,7 +525,7 @@ TEST_F(EditingWindow, DeletedCodesAreGone) {
             codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}}));
 }
 
-TEST_F(EditingWindow, ADeletedCodeIsFreeAgainAndNotSaved) {
+TEST_F(EditingWindow, ADeletedCodeCanBeUsedAgainAndIsNotSaved) {
   write_paper();
   delete_code(1);
   check([] { EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "10. Stain")); });
@@ -536,8 +536,8 @@ TEST_F(EditingWindow, ADeletedCodeIsFreeAgainAndNotSaved) {
             codeset_file(paper_head, {{"1", "Tear"}, {"2", "Hole"}, {"10", "Stain"}}));
 }
 
-// What the buttons and the display say follows the selection, wherever it is after the deletion.
-TEST_F(EditingWindow, DeletingKeepsButtonsAndDisplayTrue) {
+// Buttons and description match the selection after the deletion, whatever the toolkit selects.
+TEST_F(EditingWindow, DeletingUpdatesButtonsAndDescription) {
   write_paper();
   delete_code(0);
   check([] {
@@ -552,7 +552,7 @@ TEST_F(EditingWindow, DeletingKeepsButtonsAndDisplayTrue) {
   run();
 }
 
-// ---- Taking back --------------------------------------------------------------------------------
+// ---- Undo and redo ------------------------------------------------------------------------------
 
 constexpr int ctrl_shift = GDK_CONTROL_MASK | GDK_SHIFT_MASK;
 
@@ -563,7 +563,7 @@ int cursor_row() {
   return path ? gtk_tree_path_get_indices(path.get())[0] : -1;
 }
 
-TEST_F(EditingWindow, TakesBackEachChangeOfTheCodesAndDoesItAgain) {
+TEST_F(EditingWindow, UndoesAndRedoesEachChangeOfTheCodes) {
   write_paper();
   add_code("3", "Fold");
   select(0);
@@ -583,7 +583,7 @@ TEST_F(EditingWindow, TakesBackEachChangeOfTheCodesAndDoesItAgain) {
     press_key(GDK_KEY_z, GDK_CONTROL_MASK);
     EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
     EXPECT_EQ(cursor_row(), 2);
-    // As far as the opening of the window.
+    // Nothing is left to undo.
     press_key(GDK_KEY_z, GDK_CONTROL_MASK);
     EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
     for (int i = 0; i < 4; i++) {
@@ -598,7 +598,7 @@ TEST_F(EditingWindow, TakesBackEachChangeOfTheCodesAndDoesItAgain) {
             codeset_file(paper_head, {{"3", "Fold"}, {"7", "Torn"}, {"10", "Stain"}}));
 }
 
-TEST_F(EditingWindow, SavesWhatIsShownAfterTakingBack) {
+TEST_F(EditingWindow, SavesTheShownCodesAfterUndo) {
   write_paper();
   delete_code(1);
   check([] { press_key(GDK_KEY_z, GDK_CONTROL_MASK); });
@@ -608,7 +608,7 @@ TEST_F(EditingWindow, SavesWhatIsShownAfterTakingBack) {
             codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}}));
 }
 
-TEST_F(EditingWindow, AnEditThatChangesNothingIsNotTakenBack) {
+TEST_F(EditingWindow, UndoSkipsAnEditThatChangedNothing) {
   write_paper();
   delete_code(1);
   select(0);
@@ -625,7 +625,7 @@ TEST_F(EditingWindow, AnEditThatChangesNothingIsNotTakenBack) {
   run();
 }
 
-TEST_F(EditingWindow, ACoveredWindowTakesNothingBack) {
+TEST_F(EditingWindow, ACoveredWindowIgnoresItsKeys) {
   write_paper();
   delete_code(1);
   check([] {});
@@ -644,7 +644,7 @@ TEST_F(EditingWindow, ACoveredWindowTakesNothingBack) {
 
 // ---- Keys ---------------------------------------------------------------------------------------
 
-TEST_F(EditingWindow, GoesThroughTheCodesWithoutLeavingTheirWindow) {
+TEST_F(EditingWindow, MovesThroughTheCodesInsideTheRemarkDialog) {
   write_paper();
   select(1);
   script.click("Edit");
@@ -666,7 +666,7 @@ TEST_F(EditingWindow, GoesThroughTheCodesWithoutLeavingTheirWindow) {
     EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Tear\n");
     press_key(GDK_KEY_Up, GDK_CONTROL_MASK);
   });
-  // Before the first one there is none.
+  // Moving up from the first code closes the dialog.
   check([] {
     EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Lost", "10. Stain"));
     EXPECT_EQ(cursor_row(), 0);
@@ -676,7 +676,7 @@ TEST_F(EditingWindow, GoesThroughTheCodesWithoutLeavingTheirWindow) {
   run();
 }
 
-TEST_F(EditingWindow, ARefusedCodeKeepsItsWindowWhenGoingOn) {
+TEST_F(EditingWindow, MovingOnKeepsTheDialogWhenTheRemarkIsRefused) {
   write_paper();
   select(0);
   script.click("Edit");
@@ -709,7 +709,7 @@ TEST_F(EditingWindow, KeysAddACodeAndSave) {
       codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"3", "Fold"}, {"10", "Stain"}}));
 }
 
-TEST_F(EditingWindow, CtrlReturnAddsATranslationAndGivesItTheFocus) {
+TEST_F(EditingWindow, CtrlReturnAddsATranslationAndFocusesIt) {
   write_paper();
   check([] {
     GtkWidget *editor = author_editor();
@@ -734,7 +734,7 @@ TEST_F(EditingWindow, AnUnchangedCodesetIsSavedAsItWas) {
   EXPECT_EQ(read_file(path()), bytes);
 }
 
-TEST_F(EditingWindow, EachCheckOfASaveHasItsTurn) {
+TEST_F(EditingWindow, SavingReportsOneErrorAtATime) {
   name = "new.codeset";
   check([] {
     add_row(author_editor());
@@ -782,8 +782,8 @@ TEST_F(EditingWindow, ALanguageOutsideTheTableCannotBeSaved) {
   EXPECT_EQ(read_file(path()), codeset_file({"<name lang=\"sv\">Papier</name>"}, {{"1", "Tear"}}));
 }
 
-// The fields of a name in two languages and of an author, and the version after them.
-TEST_F(EditingWindow, AFieldThatCannotBeReadIsAnUnknownError) {
+// The fields are two translations of the name, the author and the version, in this order.
+TEST_F(EditingWindow, ReportsAnUnknownErrorWhenAFieldCannotBeRead) {
   for (const int field : {1, 2, 3, 4}) {
     SCOPED_TRACE(field);
     write_paper();
@@ -823,13 +823,13 @@ TEST_F(EditingWindow, AuthorAndVersionMayBeEmpty) {
   }
 }
 
-// What a save that failed has taken over is taken over again by the next one.
+// The second save reads all fields again, also those that the failed one has read.
 TEST_F(EditingWindow, AFailedSaveCanBeTriedAgain) {
   name = "sub/paper.codeset";
   const std::string sub = folder / "sub";
   make_folder(sub);
   write_paper();
-  // The title has the last entry only.
+  // The title shows only the last entry of the path.
   name = "paper.codeset";
   const std::string file = sub + "/paper.codeset";
   check([sub, file] {
@@ -856,7 +856,7 @@ TEST_F(EditingWindow, AFailedSaveCanBeTriedAgain) {
                          {{"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}}));
 }
 
-TEST_F(EditingWindow, AFolderThatHasTakenThePathIsNotTouched) {
+TEST_F(EditingWindow, KeepsAFolderThatHasReplacedTheFile) {
   write_paper();
   check([this] {
     std::remove(path().c_str());
@@ -870,7 +870,7 @@ TEST_F(EditingWindow, AFolderThatHasTakenThePathIsNotTouched) {
 
 // ---- Closing ------------------------------------------------------------------------------------
 
-TEST_F(EditingWindow, AsksBeforeItClosesWhateverTheWay) {
+TEST_F(EditingWindow, AsksBeforeClosingInEveryWay) {
   const std::function<void()> ways[] = {
       [] { gtk_button_clicked(find_button(window(), "Close")); },
       [] { gtk_window_close(top_window()); },
@@ -891,7 +891,7 @@ TEST_F(EditingWindow, AsksBeforeItClosesWhateverTheWay) {
   }
 }
 
-TEST_F(EditingWindow, TheQuestionOpensOnTheAnswerThatKeepsTheWork) {
+TEST_F(EditingWindow, TheQuestionFocusesTheAnswerThatKeepsTheWork) {
   write_paper();
   check([] { enter(name_editor(), 0, "Changed"); });
   check([] { press_key(GDK_KEY_Escape); });
@@ -901,7 +901,7 @@ TEST_F(EditingWindow, TheQuestionOpensOnTheAnswerThatKeepsTheWork) {
   EXPECT_EQ(run(), 0);
 }
 
-// The rows go while one of them is selected.
+// The rows are destroyed while one of them is selected.
 TEST_F(EditingWindow, ClosesWithASelectedRow) {
   write_paper();
   select(1);
@@ -916,8 +916,8 @@ TEST_F(EditingWindow, SavesWithASelectedRow) {
   EXPECT_EQ(run(), 1);
 }
 
-// With what stands over it, from outside.
-TEST_F(EditingWindow, GoesWithWhatStandsOverIt) {
+// Something other than the user destroys the window, and its dialog with it.
+TEST_F(EditingWindow, MayBeDestroyedTogetherWithItsDialog) {
   const auto destroy_below = [] {
     gtk_widget_destroy(GTK_WIDGET(gtk_window_get_transient_for(top_window())));
   };
@@ -948,7 +948,7 @@ protected:
   static std::string drafts_folder() {
     return std::string(g_get_user_state_dir()) + "/vantorelle/drafts";
   }
-  // The paths of the drafts of the codeset; other tests leave theirs in the same folder.
+  // The paths of the codeset's drafts; the folder may also have drafts of other tests.
   std::vector<std::string> drafts() const {
     std::vector<std::string> paths;
     const OwnedText digest(g_compute_checksum_for_string(G_CHECKSUM_SHA256, path().c_str(), -1));
@@ -961,13 +961,13 @@ protected:
     }
     return paths;
   }
-  // "" when there is none.
+  // Contents of the only draft; "" when there is none.
   std::string draft() const {
     const std::vector<std::string> all = drafts();
     EXPECT_LE(all.size(), 1U);
     return all.empty() ? "" : read_file(all.front());
   }
-  // Waits for a draft with this content, which must be there two seconds after the step before.
+  // Waits for a draft with this content, which must exist two seconds after the previous step.
   void expect_draft(const std::string &content) {
     auto started = std::make_shared<gint64>(0);
     script.then([started] { *started = g_get_monotonic_time(); });
@@ -975,7 +975,7 @@ protected:
         "the draft", [this, content] { return draft() == content; },
         [started] { EXPECT_LT(g_get_monotonic_time() - *started, 2 * G_USEC_PER_SEC); });
   }
-  // As a program that ended does, at this time.
+  // Leaves a draft of this time, as a program that has ended does.
   void leave_draft(const std::string &content, std::time_t seconds = 1'700'000'000) const {
     const TemporaryFolder elsewhere;
     write_file(elsewhere / "codeset", content);
@@ -1018,7 +1018,7 @@ struct Change {
 
 } // namespace
 
-TEST_F(EditingWindowDrafts, WithoutAChangeThereIsNone) {
+TEST_F(EditingWindowDrafts, AreNotWrittenWithoutAChange) {
   select(1);
   script.click("Edit");
   on(dialog_title, [] { gtk_window_close(top_window()); });
@@ -1031,7 +1031,7 @@ TEST_F(EditingWindowDrafts, WithoutAChangeThereIsNone) {
   run();
 }
 
-TEST_F(EditingWindowDrafts, HaveEachChangeOfAFieldWithinTwoSeconds) {
+TEST_F(EditingWindowDrafts, ContainEachChangeOfAFieldWithinTwoSeconds) {
   const std::string name_sv = "<name lang=\"sv\">Papper</name>";
   const std::string name_en = "<name lang=\"en-uk\">Paper</name>";
   const std::string author = "<author lang=\"sv\">\xc5sa</author>";
@@ -1072,7 +1072,7 @@ TEST_F(EditingWindowDrafts, HaveEachChangeOfAFieldWithinTwoSeconds) {
   }
 }
 
-TEST_F(EditingWindowDrafts, HaveEachChangeOfTheCodes) {
+TEST_F(EditingWindowDrafts, ContainEachChangeOfTheCodes) {
   add_code("3", "Fold");
   check([] {});
   expect_draft(
@@ -1091,7 +1091,7 @@ TEST_F(EditingWindowDrafts, HaveEachChangeOfTheCodes) {
   EXPECT_THAT(drafts(), IsEmpty());
 }
 
-TEST_F(EditingWindowDrafts, AreWrittenWhileTypingGoesOnAndUnderOtherWindows) {
+TEST_F(EditingWindowDrafts, AreWrittenDuringTypingAndUnderOtherWindows) {
   // A key every 100 milliseconds for three seconds.
   auto keys = std::make_shared<int>(0);
   auto drafts_seen = std::make_shared<std::vector<std::string>>();
@@ -1119,12 +1119,12 @@ TEST_F(EditingWindowDrafts, AreWrittenWhileTypingGoesOnAndUnderOtherWindows) {
   run();
 }
 
-TEST_F(EditingWindowDrafts, KeepTheLastValueOfAFieldThatIsRefused) {
+TEST_F(EditingWindowDrafts, KeepTheLastValidValueOfAField) {
   std::vector<std::string> head = paper_head;
   check([] { enter(name_editor(), 0, "Card"); });
   head[0] = "<name lang=\"en-uk\">Card</name>";
   expect_draft(codeset_file(head, paper_codes));
-  // Both in Swedish.
+  // Both names are Swedish now.
   check([] { gtk_combo_box_set_active(languages_of(name_editor())[0], 1); });
   expect_refused_save("Each language may only appear once. Language \"sv\" appears several times.");
   check([] { gtk_entry_set_text(version_entry(), "3"); });
@@ -1134,7 +1134,7 @@ TEST_F(EditingWindowDrafts, KeepTheLastValueOfAFieldThatIsRefused) {
   run();
 }
 
-TEST_F(EditingWindowDrafts, StayWithTheLastCodesWhenAllAreDeleted) {
+TEST_F(EditingWindowDrafts, KeepTheLastCodesWhenAllAreDeleted) {
   for (int i = 0; i < 2; i++) {
     delete_code(0);
     check([] {});
@@ -1164,8 +1164,8 @@ TEST_F(EditingWindowDrafts, StayUntilClosingIsConfirmed) {
   EXPECT_THAT(drafts(), IsEmpty());
 }
 
-// Changed a moment before.
-TEST_F(EditingWindowDrafts, LeaveNothingBehindAClosedOrSavedWindow) {
+// The change is made just before the window closes.
+TEST_F(EditingWindowDrafts, AreRemovedWhenTheWindowIsClosedOrSaved) {
   for (const bool is_saved : {false, true}) {
     check([] { gtk_entry_set_text(version_entry(), "2"); });
     if (is_saved) {
@@ -1181,7 +1181,7 @@ TEST_F(EditingWindowDrafts, LeaveNothingBehindAClosedOrSavedWindow) {
   }
 }
 
-TEST_F(EditingWindowDrafts, HaveTheLastChangeOfAWindowThatGoesFromOutside) {
+TEST_F(EditingWindowDrafts, ContainTheLastChangeOfADestroyedWindow) {
   check([] {
     enter(name_editor(), 0, "Card");
     gtk_widget_destroy(window());
@@ -1211,7 +1211,7 @@ TEST_F(EditingWindowDrafts, StayWhenASaveFails) {
   EXPECT_THAT(drafts(), IsEmpty());
 }
 
-TEST_F(EditingWindowDrafts, ShowNothingWhenThereIsNoPlaceForThem) {
+TEST_F(EditingWindowDrafts, ShowNoErrorWhenTheyCannotBeWritten) {
   const std::string state = g_get_user_state_dir();
   std::rename(state.c_str(), (state + "-away").c_str());
   write_file(state, "a file");
@@ -1227,7 +1227,7 @@ TEST_F(EditingWindowDrafts, ShowNothingWhenThereIsNoPlaceForThem) {
   std::rename((state + "-away").c_str(), state.c_str());
 }
 
-TEST_F(EditingWindowDrafts, AreWrittenOnceThereIsAPlaceForThem) {
+TEST_F(EditingWindowDrafts, AreWrittenAsSoonAsTheyCanBe) {
   const std::string state = g_get_user_state_dir();
   std::rename(state.c_str(), (state + "-away").c_str());
   write_file(state, "a file");
@@ -1287,7 +1287,7 @@ TEST_F(EditingWindowDrafts, AreRemovedWhenTheyAreNotWanted) {
   EXPECT_EQ(run(), 0);
 }
 
-TEST_F(EditingWindowDrafts, AreStillThereWhenWhatWasRestoredEndsAgain) {
+TEST_F(EditingWindowDrafts, AreKeptWhenARestoredSessionEndsAgain) {
   leave_draft(newer);
   script.answer("Question", restore_question(), "Yes");
   check([] { gtk_widget_destroy(window()); });
@@ -1303,7 +1303,7 @@ TEST_F(EditingWindowDrafts, AreStillThereWhenWhatWasRestoredEndsAgain) {
   EXPECT_EQ(draft(), newest);
 }
 
-TEST_F(EditingWindowDrafts, AreOfferedForAFileThatIsGoneOrBroken) {
+TEST_F(EditingWindowDrafts, AreOfferedForAMissingOrBrokenFile) {
   for (const char *content : {"", "<codeset><name lang='sv'>Cut o"}) {
     std::remove(path().c_str());
     if (*content != '\0') {
@@ -1318,7 +1318,7 @@ TEST_F(EditingWindowDrafts, AreOfferedForAFileThatIsGoneOrBroken) {
   }
 }
 
-TEST_F(EditingWindowDrafts, ThatAreNotWantedLeaveABrokenFileToItsMessage) {
+TEST_F(EditingWindowDrafts, ThatAreDeclinedLetABrokenFileShowItsError) {
   write_file(path(), "<codesets/>");
   leave_draft(newer);
   script.answer("Question", restore_question(), "No");
@@ -1339,7 +1339,7 @@ TEST_F(EditingWindowDrafts, ThatCannotBeReadAreSetAsideWithoutAQuestion) {
   EXPECT_EQ(draft(), "broken");
 }
 
-TEST_F(EditingWindowDrafts, StayWhenTheFileCannotBeAskedAbout) {
+TEST_F(EditingWindowDrafts, StayWhenTheFileCannotBeExamined) {
   std::remove(path().c_str());
   const std::string blocked = folder / "file";
   write_file(blocked, "");
@@ -1388,8 +1388,8 @@ TEST_F(EditingWindow, AHundredThousandCodesOpenFast) {
   close_without_saving();
   used = static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
   run();
-  // Of the processor, not of the clock on the wall. Checked builds are slower, but no quadratic
-  // walk over the rows would be done by then.
+  // Processor time, not wall time. Builds with checks are slower, but only a quadratic walk over
+  // the rows would exceed the limit.
   EXPECT_LT(used, 8.0);
   RecordProperty("seconds", std::to_string(used));
 }

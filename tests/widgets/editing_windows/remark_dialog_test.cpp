@@ -42,7 +42,7 @@ std::vector<std::string> labels() {
 
 class RemarkDialog : public WindowFixture {
 protected:
-  // Of the codeset, which has "a1" ("Tear") and "b" ("Loss") at first.
+  // The codeset has "a1" ("Tear") and "b" ("Loss") at first.
   RemarkDialog() {
     for (OwnedRemark *remark : {&own, &other}) {
       v_remark_list_add_remark_last(codeset->remarks.get(), std::move(*remark));
@@ -63,13 +63,13 @@ protected:
     });
   }
 
-  // OK is refused with the message, and the fields stay as they are.
+  // Presses OK and expects the message; the fields stay as they are.
   void expect_refusal(const std::string &message) {
     script.click("OK").answer("Error", message, "Close");
   }
   void cancel() { script.click("Cancel"); }
 
-  // Confirms the fields as they are, and gives what the remark is then.
+  // Presses OK and returns the code of the remark.
   std::string code_after_ok() {
     script.click("OK");
     EXPECT_EQ(run(added.get()), 1);
@@ -141,8 +141,8 @@ TEST_F(RemarkDialog, ANewRemarkHasEmptyFields) {
   EXPECT_EQ(added->description, nullptr);
 }
 
-// Cancel at the right edge of the lowest row.
-TEST_F(RemarkDialog, ButtonsStandAtBothEndsOfTheLowestRow) {
+// Cancel is at the right edge.
+TEST_F(RemarkDialog, ButtonsAreAtBothEndsOfTheLowestRow) {
   on(title, [] {
     GtkAllocation ok;
     GtkAllocation cancel_button;
@@ -184,9 +184,9 @@ TEST_F(RemarkDialog, ShrinksAfterARowIsDeleted) {
   run(edited);
 }
 
-// ---- What is refused ----------------------------------------------------------------------------
+// ---- Refusals -----------------------------------------------------------------------------------
 
-TEST_F(RemarkDialog, EachMessageHasItsTurn) {
+TEST_F(RemarkDialog, ReportsOneErrorAtATime) {
   fill_in("", "");
   expect_refusal("Missing a code.");
   fill_in(" \u00a0 ", "Text");
@@ -213,7 +213,7 @@ TEST_F(RemarkDialog, EachMessageHasItsTurn) {
   EXPECT_EQ(translations_of(added->description), (Translations{{"en-uk", "One"}, {"sv", "Two"}}));
 }
 
-TEST_F(RemarkDialog, ATakenCodeIsRefusedWhateverTheDescription) {
+TEST_F(RemarkDialog, RefusesATakenCodeWithAnyDescription) {
   for (const char *code : {"a1", " a1 ", "b"}) {
     fill_in(code, "Something else");
     expect_refusal("That code is already taken.");
@@ -229,7 +229,7 @@ TEST_F(RemarkDialog, AnEditedRemarkCannotTakeAnothersCode) {
   EXPECT_EQ(run(edited), 0);
 }
 
-// Neither the code that cannot be read nor anything else is told of.
+// The window stays open and shows no message.
 TEST_F(RemarkDialog, ACodeThatCannotBeReadKeepsTheWindow) {
   fill_in("c", "Text");
   script.then([] { fail_reading_entries_from(1); });
@@ -238,7 +238,7 @@ TEST_F(RemarkDialog, ACodeThatCannotBeReadKeepsTheWindow) {
   EXPECT_EQ(code_after_ok(), "c");
 }
 
-// The field reads, the description's first row does not.
+// The code can be read, the first row of the description cannot.
 TEST_F(RemarkDialog, AnUnknownLanguageIsRefused) {
   added->description = langstr_of({{"pl", "Opis"}});
   on(title, [] {
@@ -251,13 +251,13 @@ TEST_F(RemarkDialog, AnUnknownLanguageIsRefused) {
   EXPECT_EQ(translations_of(added->description), (Translations{{"pl", "Opis"}}));
 }
 
-// ---- What is accepted ---------------------------------------------------------------------------
+// ---- Accepted values ----------------------------------------------------------------------------
 
-TEST_F(RemarkDialog, TakesBothFieldsOverNormalised) {
+TEST_F(RemarkDialog, StoresBothFieldsNormalised) {
   fill_in("  Cr  15 ", " Flaking \u00a0 \u00e5 ");
   EXPECT_EQ(code_after_ok(), "Cr 15");
   EXPECT_EQ(translations_of(added->description), (Translations{{"en-uk", "Flaking \xe5"}}));
-  // Its place in the list is the caller's affair.
+  // The caller puts it into the list.
   EXPECT_EQ(added->next, nullptr);
 }
 
@@ -280,7 +280,7 @@ TEST_F(RemarkDialog, CodesAreComparedByteForByte) {
   }
 }
 
-TEST_F(RemarkDialog, WithoutACodesetNoCodeIsTaken) {
+TEST_F(RemarkDialog, AcceptsAnyCodeWithoutACodeset) {
   has_codeset = false;
   fill_in("a1", "Tear");
   EXPECT_EQ(code_after_ok(), "a1");
@@ -330,7 +330,7 @@ TEST_F(RemarkDialog, LeavingChangesNothing) {
   }
 }
 
-// After a refusal as well.
+// Also after a refusal, Cancel changes nothing.
 TEST_F(RemarkDialog, ARefusalChangesNothing) {
   const char *code = edited->code.get();
   fill_in("c", "");
@@ -343,7 +343,7 @@ TEST_F(RemarkDialog, ARefusalChangesNothing) {
             (Translations{{"en-uk", "Tear"}, {"sv", "Reva"}}));
 }
 
-TEST_F(RemarkDialog, TheWindowMayGoUnderAMessage) {
+TEST_F(RemarkDialog, TheWindowMayBeDestroyedUnderAMessage) {
   fill_in("", "");
   script.click("OK");
   script.when(

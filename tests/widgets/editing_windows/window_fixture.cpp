@@ -11,7 +11,7 @@ guint top_attach(GtkWidget *widget) {
   return top;
 }
 
-// Those of the type that stand in the editor's table, by their places there.
+// The widgets of the type in the editor's table, from top to bottom.
 template <typename T>
 std::vector<T *> table_column(GtkWidget *root, GType type) {
   std::vector<GtkWidget *> found =

@@ -1,5 +1,5 @@
 #pragma once
-// What the editing windows borrow, and the rows of their language-string editors.
+// The objects that the editing windows borrow, and the rows of their language-string editors.
 
 #include <string>
 #include <vector>
@@ -19,11 +19,11 @@ protected:
 
   VSettings *settings() { return workspace.settings.get(); }
 
-  // Acts once the window with the title has no other over it.
+  // Acts as soon as the window with the title has no other over it.
   void on(const std::string &title, std::function<void()> act);
 
   TemporaryFolder folder;
-  VWorkspace workspace; // English and Swedish are wanted, in this order
+  VWorkspace workspace; // preferred languages: English, Swedish
   OwnedWindowStack window_stack = v_window_stack_new();
   GuiScript script;
 };
@@ -36,7 +36,7 @@ std::vector<GtkEntry *> rows_of(GtkWidget *root);
 std::vector<GtkComboBox *> languages_of(GtkWidget *root);
 // Enters the text (UTF-8) in the row.
 void enter(GtkWidget *root, std::size_t row, const char *text);
-// Adds a row, the only way for a user to do so.
+// Adds a row with the plus button, as a user does.
 void add_row(GtkWidget *root);
 // One line per row: language, equals sign, text.
 std::string shown_rows(GtkWidget *root);

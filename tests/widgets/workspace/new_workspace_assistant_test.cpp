@@ -43,7 +43,7 @@ std::string text_of_page() {
   return labels.empty() ? "" : gtk_label_get_text(GTK_LABEL(labels.back()));
 }
 
-// A page of one text.
+// Expects a page with a single text.
 void expect_text_in_the_corner() {
   EXPECT_FALSE(gtk_window_is_maximized(top_window()));
   EXPECT_EQ(gtk_container_get_border_width(GTK_CONTAINER(page())), 8U);
@@ -71,7 +71,7 @@ protected:
         [] {});
   }
 
-  // From the first page to the location page, and there the location.
+  // Moves from the first page to the location page and enters the location there.
   void enter(const std::string &location) {
     await_page(0);
     script.click("Next");
@@ -79,7 +79,7 @@ protected:
     script.then([location] { gtk_entry_set_text(entry(), location.c_str()); });
   }
 
-  // Leaves the assistant, which is on its first page and still has the location.
+  // Cancels the assistant, which must be on its first page and still have the location.
   void cancel_on_first_page(const std::string &location) {
     await_page(0);
     script.then([location] { EXPECT_EQ(gtk_entry_get_text(entry()), location); });
@@ -161,7 +161,7 @@ TEST_F(NewWorkspaceAssistant, LocationTakesTheWidthAndTextsAreInTheCorner) {
   EXPECT_TRUE(run());
 }
 
-TEST_F(NewWorkspaceAssistant, ProposedPlaceThatIsTakenLeadsBackToTheFirstPage) {
+TEST_F(NewWorkspaceAssistant, ReturnsToTheFirstPageWhenTheProposedPlaceIsTaken) {
   const std::string proposed = std::string(g_get_home_dir()) + "/Vantorelle Workspace";
   make_folder(proposed);
   write_file(proposed + "/mine", "mine");
@@ -186,7 +186,7 @@ TEST_F(NewWorkspaceAssistant, ReturnInTheLocationApplies) {
   EXPECT_THAT(list_folder(folder.path()), ElementsAre("workspace"));
 }
 
-TEST_F(NewWorkspaceAssistant, ReturnInALocationThatIsTakenShowsOneError) {
+TEST_F(NewWorkspaceAssistant, ReturnInATakenLocationShowsOneError) {
   make_folder(folder / "taken");
   enter(folder / "taken");
   script.then([] { gtk_widget_activate(GTK_WIDGET(entry())); });
@@ -195,7 +195,7 @@ TEST_F(NewWorkspaceAssistant, ReturnInALocationThatIsTakenShowsOneError) {
   EXPECT_FALSE(run());
 }
 
-TEST_F(NewWorkspaceAssistant, FileAtThePlaceIsLeftAlone) {
+TEST_F(NewWorkspaceAssistant, KeepsAFileAtThePlace) {
   write_file(folder / "file", "mine");
   enter(folder / "file");
   script.click("Apply");
@@ -205,7 +205,7 @@ TEST_F(NewWorkspaceAssistant, FileAtThePlaceIsLeftAlone) {
   EXPECT_EQ(read_file(folder / "file"), "mine");
 }
 
-TEST_F(NewWorkspaceAssistant, BlanksAroundAndTrailingDelimitersAreDropped) {
+TEST_F(NewWorkspaceAssistant, DropsBlanksAroundAndTrailingDelimiters) {
   enter(" \t\u00a0\u2003" + (folder / "my \u00a0 workspace//") + " \u3000 ");
   script.click("Apply");
   await_page(2);
@@ -214,7 +214,7 @@ TEST_F(NewWorkspaceAssistant, BlanksAroundAndTrailingDelimitersAreDropped) {
   EXPECT_THAT(list_folder(folder.path()), ElementsAre("my \u00a0 workspace"));
 }
 
-TEST_F(NewWorkspaceAssistant, PlaceInAMissingFolderFails) {
+TEST_F(NewWorkspaceAssistant, FailsForAPlaceInAMissingFolder) {
   enter(folder / "missing/workspace");
   script.click("Apply");
   script.answer("Error", "Creating a workspace at the chosen location failed.", "Close");
@@ -223,8 +223,8 @@ TEST_F(NewWorkspaceAssistant, PlaceInAMissingFolderFails) {
   EXPECT_TRUE(list_folder(folder.path()).empty());
 }
 
-// Other tools of the suite are started in other folders.
-TEST_F(NewWorkspaceAssistant, RelativePlaceIsInTheHomeFolderAndSavedAsAnAbsolutePath) {
+// Other tools of the suite may run in other working folders.
+TEST_F(NewWorkspaceAssistant, ARelativePlaceIsInTheHomeFolderAndSavedAsAnAbsolutePath) {
   const std::pair<const char *, std::string> places[] = {{" work/shop/ ", "work/shop"},
                                                          {"~/other shop", "other shop"}};
   const std::string home = g_get_home_dir();
@@ -245,7 +245,7 @@ TEST_F(NewWorkspaceAssistant, RelativePlaceIsInTheHomeFolderAndSavedAsAnAbsolute
   std::filesystem::remove_all(home + "/work");
 }
 
-TEST_F(NewWorkspaceAssistant, RelativePlaceThatIsTakenInTheHomeFolderIsLeftAlone) {
+TEST_F(NewWorkspaceAssistant, KeepsAFileAtARelativePlace) {
   const std::string taken = std::string(g_get_home_dir()) + "/taken";
   write_file(taken, "mine");
   enter("taken");
@@ -257,7 +257,7 @@ TEST_F(NewWorkspaceAssistant, RelativePlaceThatIsTakenInTheHomeFolderIsLeftAlone
   std::filesystem::remove(taken);
 }
 
-TEST_F(NewWorkspaceAssistant, EmptyPlaceFails) {
+TEST_F(NewWorkspaceAssistant, FailsForAnEmptyPlace) {
   for (const char *location : {"", "   ", "/", " // "}) {
     enter(location);
     script.click("Apply");
@@ -267,7 +267,7 @@ TEST_F(NewWorkspaceAssistant, EmptyPlaceFails) {
   }
 }
 
-TEST_F(NewWorkspaceAssistant, PlaceThatCannotBeAskedAboutShowsTheReason) {
+TEST_F(NewWorkspaceAssistant, ShowsTheReasonWhenThePlaceCannotBeExamined) {
   write_file(folder / "file", "");
   enter(folder / "file/workspace");
   script.click("Apply");
@@ -321,8 +321,8 @@ TEST_F(NewWorkspaceAssistant, ClosingTheWindowOfTheLastPageKeepsTheWorkspace) {
   EXPECT_THAT(list_folder(folder.path()), ElementsAre("workspace"));
 }
 
-// Whoever presses the button gets an answer before the error is there.
-TEST_F(NewWorkspaceAssistant, ApplyIsAnsweredBeforeItsErrorIsShown) {
+// The click handler returns before the error is shown.
+TEST_F(NewWorkspaceAssistant, ApplyReturnsBeforeItsErrorIsShown) {
   make_folder(folder / "taken");
   bool is_answered = false;
   enter(folder / "taken");
@@ -341,7 +341,7 @@ TEST_F(NewWorkspaceAssistant, ApplyIsAnsweredBeforeItsErrorIsShown) {
   EXPECT_FALSE(run());
 }
 
-TEST_F(NewWorkspaceAssistant, AnErrorGoesWithTheAssistant) {
+TEST_F(NewWorkspaceAssistant, ShowsNoErrorAfterTheAssistantIsDestroyed) {
   make_folder(folder / "taken");
   enter(folder / "taken");
   script.when(
@@ -360,7 +360,7 @@ TEST_F(NewWorkspaceAssistant, OnlyApplyCreates) {
   enter(folder / "workspace");
   script.then([] {
     gtk_assistant_update_buttons_state(assistant());
-    gtk_assistant_next_page(assistant()); // asks where to go, without Apply
+    gtk_assistant_next_page(assistant()); // calls the page function without Apply
   });
   await_page(0);
   script.then([this] { EXPECT_TRUE(list_folder(folder.path()).empty()); });
