@@ -50,7 +50,7 @@ TEST_F(ApplicationMenu, HasOneItemThatStartsTheTool) {
   EXPECT_EQ(top_window(), nullptr);
 }
 
-TEST_F(ApplicationMenu, TellsOfAToolThatDoesNotStart) {
+TEST_F(ApplicationMenu, ShowsAnErrorWhenTheToolDoesNotStart) {
   fake_platform.install_folder = programs.path();
   fake_platform.commands_can_start = false;
   GuiScript script;
@@ -62,7 +62,7 @@ TEST_F(ApplicationMenu, TellsOfAToolThatDoesNotStart) {
   EXPECT_EQ(fake_platform.command_lines.size(), 1U);
 }
 
-TEST_F(ApplicationMenu, TellsOfAnUnknownInstallFolder) {
+TEST_F(ApplicationMenu, ShowsAnErrorWhenTheInstallFolderIsUnknown) {
   GuiScript script;
   script.answer("Error", failure, "Close");
   macos_menu_item_activate_callback(nullptr, nullptr);

@@ -26,7 +26,7 @@ void write_temp_file(const SystemFolders &system, const std::string &name) {
 
 } // namespace
 
-// ---- A start that succeeds ----------------------------------------------------------------------
+// ---- Successful start-ups -----------------------------------------------------------------------
 
 TEST(Application, RunsTheToolOnceWithEverythingLoaded) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
@@ -48,7 +48,7 @@ TEST(Application, RunsTheToolOnceWithEverythingLoaded) {
   });
 }
 
-TEST(Application, WindowsHaveTheProgramsIconSoon) {
+TEST(Application, WindowsGetTheProgramsIconWhenIdle) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
     system.install_font();
     fake_tool.run = [] {
@@ -63,8 +63,8 @@ TEST(Application, WindowsHaveTheProgramsIconSoon) {
   });
 }
 
-// The toolkit would know some of them.
-TEST(Application, ArgumentsAreTheToolsAlone) {
+// The toolkit would handle some of these arguments.
+TEST(Application, PassesAllArgumentsToTheTool) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
     system.install_font();
     EXPECT_EQ(
@@ -95,7 +95,7 @@ TEST(Application, AFurtherActivationDoesNotRunTheToolAgain) {
   });
 }
 
-TEST(Application, AFurtherActivationIsTheToolsToAnswer) {
+TEST(Application, AFurtherActivationCallsTheTool) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
     system.install_font();
     fake_tool.has_reactivate_callback = true;
@@ -108,7 +108,7 @@ TEST(Application, AFurtherActivationIsTheToolsToAnswer) {
   });
 }
 
-TEST(Application, ADenseScreenIsHalvedOnce) {
+TEST(Application, HalvesTheResolutionOfADenseScreenOnce) {
   in_own_process([](const SystemFolders &system, GuiScript &) {
     system.install_font();
     gdk_screen_set_resolution(gdk_screen_get_default(), 288);
@@ -122,7 +122,7 @@ TEST(Application, ADenseScreenIsHalvedOnce) {
   });
 }
 
-TEST(Application, StaleTemporaryFilesAreGoneBeforeTheToolRuns) {
+TEST(Application, DeletesStaleTemporaryFilesBeforeTheToolRuns) {
   in_own_process([](SystemFolders &system, GuiScript &) {
     system.install_font();
     const std::string executable = system.install_folder / "running";
@@ -143,14 +143,14 @@ TEST(Application, StaleTemporaryFilesAreGoneBeforeTheToolRuns) {
   });
 }
 
-// ---- A start that fails -------------------------------------------------------------------------
+// ---- Failed start-ups ---------------------------------------------------------------------------
 
-TEST(Application, AMissingFontIsToldOf) {
+TEST(Application, ReportsAMissingFont) {
   in_own_process(
       [](const SystemFolders &, GuiScript &script) { expect_failed_start(script, font_message); });
 }
 
-TEST(Application, AMissingTemporaryFolderIsToldOfBeforeAnythingElse) {
+TEST(Application, ReportsAMissingTemporaryFolderFirst) {
   in_own_process([](const SystemFolders &system, GuiScript &script) {
     fake_platform.temp_files_folder = system.temp_files_folder / "missing";
     expect_failed_start(script, "Startup failed.\n\nCouldn't clean up temp files.\n\n"
@@ -159,14 +159,14 @@ TEST(Application, AMissingTemporaryFolderIsToldOfBeforeAnythingElse) {
   });
 }
 
-TEST(Application, AnUnknownTemporaryFolderIsToldOf) {
+TEST(Application, ReportsAnUnknownTemporaryFolder) {
   in_own_process([](const SystemFolders &, GuiScript &script) {
     fake_platform.temp_files_folder.reset();
     expect_failed_start(script, "Startup failed.\n\nCouldn't clean up temp files.");
   });
 }
 
-TEST(Application, AnUnknownInstallFolderIsToldOf) {
+TEST(Application, ReportsAnUnknownInstallFolder) {
   in_own_process([](const SystemFolders &, GuiScript &script) {
     fake_platform.install_folder.reset();
     expect_failed_start(script, "Startup failed.\n\nCouldn't find required fonts.\n\n"
@@ -174,7 +174,7 @@ TEST(Application, AnUnknownInstallFolderIsToldOf) {
   });
 }
 
-// Its Close button, or the window manager's.
+// With the dialog's Close button or that of the window manager.
 TEST(Application, TheMessageOfAFailedStartCanBeDismissed) {
   in_own_process([](const SystemFolders &, GuiScript &script) {
     script.dismiss("Error", font_message);
@@ -183,12 +183,12 @@ TEST(Application, TheMessageOfAFailedStartCanBeDismissed) {
   });
 }
 
-TEST(Application, EveryActivationTellsOfAFailedStart) {
+TEST(Application, EveryActivationReportsAFailedStart) {
   in_own_process([](const SystemFolders &system, GuiScript &script) {
     script.when(
         "the first message", [] { return top_window() != nullptr; },
         [&system] {
-          // What is missing is looked for at the start alone.
+          // Only start-up looks for the font.
           system.install_font();
           activate();
         });
@@ -207,7 +207,7 @@ TEST(Application, EveryActivationTellsOfAFailedStart) {
 
 // ---- Single handlers ----------------------------------------------------------------------------
 
-TEST(Application, ShutdownMayFindNothingStarted) {
+TEST(Application, ShutsDownWhenNothingWasStarted) {
   in_own_process([](const SystemFolders &, GuiScript &) {
     app_shutdown_callback(nullptr, nullptr);
     app_shutdown_callback(nullptr, nullptr);
@@ -215,7 +215,6 @@ TEST(Application, ShutdownMayFindNothingStarted) {
   });
 }
 
-// The start-up itself shows nothing.
 TEST(Application, AFailedStartUpIsSilentUntilTheActivation) {
   in_own_process([](const SystemFolders &, GuiScript &) {
     const EnvironmentVariable theme("GTK_THEME", nullptr);

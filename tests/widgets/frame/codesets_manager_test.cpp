@@ -56,7 +56,7 @@ protected:
 
 } // namespace
 
-// ---- What the list shows ------------------------------------------------------------------------
+// ---- Summaries ----------------------------------------------------------------------------------
 
 TEST_F(CodesetsManager, SummaryIsInThePreferredLanguage) {
   use_workspace_with_paper();
@@ -65,7 +65,7 @@ TEST_F(CodesetsManager, SummaryIsInThePreferredLanguage) {
   EXPECT_EQ(summarise({}), "100%s <b> & \u00e5 (Anna) 1.2");
 }
 
-TEST_F(CodesetsManager, WhatIsNoCodesetHasNoSummary) {
+TEST_F(CodesetsManager, AFileThatIsNotACodesetHasNoSummary) {
   use_workspace_with_paper();
   for (const char *content :
        {"", "text", "<codesets/>", "<codeset/>", "<codeset><name lang='sv'>P</name></codeset>"}) {
@@ -106,11 +106,11 @@ TEST_F(CodesetsManager, EditsTheChosenCodeset) {
   on(main_title, [] {});
   script.close(main_title);
   run(0, nullptr);
-  // Written anew, in the program's own form.
+  // The program has rewritten the file in its own form.
   EXPECT_EQ(read_file(codeset_path("paper.codeset")).find("<?xml version=\"1.0\" "), 0U);
 }
 
-// The libraries behind a checker end before the program's own objects do.
+// The libraries that a checker uses end before the program's static objects are destroyed.
 TEST_F(CodesetsManager, LeavesNoSpellCheckerBehind) {
   use_workspace();
   GspellChecker *checker = v_spell_checker_cache_get(nullptr);
@@ -121,7 +121,7 @@ TEST_F(CodesetsManager, LeavesNoSpellCheckerBehind) {
   EXPECT_EQ(checker, nullptr);
 }
 
-TEST_F(CodesetsManager, EditingTellsWhetherItWasSaved) {
+TEST_F(CodesetsManager, EditingReturnsWhetherTheFileWasSaved) {
   use_workspace_with_paper();
   const OwnedWindowStack window_stack = v_window_stack_new();
   VWorkspace workspace;
@@ -137,7 +137,7 @@ TEST_F(CodesetsManager, EditingTellsWhetherItWasSaved) {
   EXPECT_EQ(edit_callback(path.c_str(), &context), 1);
 }
 
-TEST_F(CodesetsManager, ANewUserComesToTheMainWindow) {
+TEST_F(CodesetsManager, ANewUserGetsToTheMainWindow) {
   create_by_assistant(folder / "new");
   on(main_title, [] {
     EXPECT_EQ(gtk_tree_model_iter_n_children(gtk_tree_view_get_model(list()), nullptr), 1);

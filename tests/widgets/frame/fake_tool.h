@@ -1,5 +1,5 @@
 #pragma once
-// The tool as a test wants it to be, started in the frame and in a process of its own.
+// A tool whose behaviour a test sets, started in the frame and in a separate process.
 
 #include <functional>
 #include <string>
@@ -9,8 +9,8 @@
 #include "system_folders.h"
 
 struct FakeTool {
-  std::function<void()> run;      // what it does; none: it ends at once
-  std::vector<std::string> calls; // what the frame has asked of it
+  std::function<void()> run;      // empty: the tool ends at once
+  std::vector<std::string> calls; // by the frame
   std::string theme;              // GTK_THEME when the frame asked for its configuration
   bool has_reactivate_callback = false;
 };
@@ -19,14 +19,14 @@ extern FakeTool fake_tool;
 
 constexpr const char *fake_tool_id = "org.vantorelle.Test";
 
-// The frame's state is the process's, and lasts as long: each test has a process of its own.
+// Runs the test in a separate process, because the frame's state lasts as long as the process.
 void in_own_process(const std::function<void(SystemFolders &, GuiScript &)> &test);
 
-// Starts the tool in the frame; the process's status when it has ended.
+// Runs the tool in the frame; returns the exit status.
 int start_fake_tool(std::vector<std::string> arguments = {"program"});
 
-// Start-up fails with the message, and the tool does not run.
+// Expects that start-up fails with the message and that the tool does not run.
 void expect_failed_start(GuiScript &script, const std::string &message);
 
-// Nothing is left of what start-up loads.
+// Expects that everything that start-up loads is released.
 void expect_everything_released();

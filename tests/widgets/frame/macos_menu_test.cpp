@@ -51,7 +51,7 @@ void gtkosx_application_insert_app_menu_item(GtkosxApplication *self, GtkWidget 
 
 void gtkosx_application_ready(GtkosxApplication *self) { self->calls.emplace_back("ready"); }
 
-TEST_F(MacosMenu, GetsALineAndTheItemBehindTheFirstEntry) {
+TEST_F(MacosMenu, GetsASeparatorAndTheItemAfterTheFirstEntry) {
   v_application_menu_install(nullptr);
   EXPECT_THAT(menu_bar.calls,
               ElementsAre("get", "insert a line at 1", "insert Workspace Tool at 2", "ready"));

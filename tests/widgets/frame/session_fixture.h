@@ -1,6 +1,5 @@
 #pragma once
-// A user with a home of the test's own: no workspace at first, and delivered components to put into
-// a new one.
+// A user without a workspace, and delivered components for a new one.
 
 #include <functional>
 #include <string>
@@ -23,7 +22,7 @@ protected:
   }
   ~SessionFixture() override { v_workspace_save_folder_path(nullptr); }
 
-  // A new empty workspace, named by the pointer file.
+  // Creates an empty workspace and stores its path in the pointer file.
   void use_workspace() {
     workspace_number++;
     make_folder(workspace_path());
@@ -47,7 +46,7 @@ protected:
     on_page(0, [] {});
     script.click("Cancel");
   }
-  // before_close: done on the last page.
+  // before_close: called on the last page.
   void create_by_assistant(
       const std::string &location, std::function<void()> before_close = [] {}) {
     on_page(0, [] {});

@@ -1,4 +1,4 @@
-// Start-ups that a library fails: told of in one message, with nothing half done left behind.
+// Start-ups in which a library fails: one message reports it, and nothing half-loaded remains.
 
 #include <set>
 #include <string>
@@ -29,8 +29,8 @@ using testing::UnorderedElementsAre;
 
 namespace {
 
-// What the functions below do instead of the libraries', as long as it lives. They do it for the
-// start-up alone: the toolkit draws with the same libraries.
+// Controls the replaced library functions below while it exists. They only change calls of the
+// start-up: the toolkit draws with the same libraries.
 class Libraries {
 public:
   Libraries() { current = this; }
@@ -38,7 +38,7 @@ public:
   Libraries(const Libraries &) = delete;
   Libraries &operator=(const Libraries &) = delete;
 
-  // Notes the call. Whether it is one that is to fail, which it does once.
+  // Records the call; true when it must fail. Each failing call fails once.
   static bool fails(const std::string &call) {
     note(call);
     return current != nullptr && current->failing_calls.erase(call) > 0;
@@ -52,21 +52,21 @@ public:
     return current != nullptr && face == current->font_face;
   }
 
-  // Null outside and for other threads; the toolkit looks for fonts in one of its own.
+  // Null outside a test and in other threads; the toolkit searches for fonts in its own thread.
   static thread_local Libraries *current;
 
-  // Functions, and what they are to open if they open something. Without those that have failed.
+  // Names of functions, with the argument of those that open something. A failed call is removed.
   std::set<std::string> failing_calls;
-  std::vector<std::string> calls; // of the functions below, those of the start-up and the shutdown
-  // The view font's, once there are any. Only compared, never dereferenced.
+  std::vector<std::string> calls; // by start-up and shutdown, of the functions below
+  // The faces of the view font, null before they exist. Only compared, never dereferenced.
   FT_Face ft_face = nullptr;
   cairo_font_face_t *font_face = nullptr;
-  std::vector<std::string> ended; // which of the two, in their order
+  std::vector<std::string> ended; // freed faces, in order
 };
 
 thread_local Libraries *Libraries::current;
 
-// The function that stands behind ours.
+// The library's function that ours replaces.
 template <typename Function>
 Function *next(const char *name) {
   return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
@@ -124,7 +124,7 @@ DIR *opendir(const char *name) {
   return next<decltype(opendir)>("opendir")(name);
 }
 
-// With this function here nothing asks for the library any more, so there is none behind it.
+// Replaces the program's only call of the library, which is then not linked: there is no next one.
 void xsltCleanupGlobals() { Libraries::note("xsltCleanupGlobals"); }
 
 void xmlCleanupParser() {
@@ -137,7 +137,7 @@ void zip_discard(zip_t *archive) {
   next<decltype(zip_discard)>("zip_discard")(archive);
 }
 
-// The linker leads the program's call here.
+// The linker redirects the program's call to the wrapped function.
 void real_file_dialog_clean_up() __asm__("__real__Z22v_file_dialog_clean_upv");
 void wrapped_file_dialog_clean_up() __asm__("__wrap__Z22v_file_dialog_clean_upv");
 
@@ -187,8 +187,8 @@ namespace {
 struct Failure {
   const char *failing_call;
   const char *message;
-  std::size_t loaded_icon_count;   // before it
-  std::vector<const char *> ended; // of the view font, by it
+  std::size_t loaded_icon_count;   // before the failure
+  std::vector<const char *> ended; // faces that the failure frees
 };
 
 void PrintTo(const Failure &failure, std::ostream *stream) { *stream << failure.failing_call; }
@@ -197,7 +197,7 @@ constexpr const char *icon_message =
     "Could not load image resource.\n\nCould not load PNG.\n\n"
     "Opening compressed input file failed.\n\nCould not open compressed file.\n\nNo such file";
 
-// One for all tests: the desktop takes no second one of the name.
+// One for all tests: the desktop refuses a second application with the same id.
 GtkApplication *application() {
   static const OwnedObject<GtkApplication> registered = [] {
     OwnedObject<GtkApplication> made(gtk_application_new(fake_tool_id, G_APPLICATION_NON_UNIQUE));
@@ -210,14 +210,14 @@ GtkApplication *application() {
 class FailingStartup : public StartupFixture {
 protected:
   FailingStartup() {
-    // No message is a sequel to what was told before.
+    // An older message must not become part of a new one.
     v_error_set("From before.");
     system.install_font();
   }
 
   static bool run() { return v_startup_run(application()); }
 
-  // Of the icons, in the order in which they are loaded, the first ones and no others are there.
+  // Expects that exactly the first `count` icons are loaded.
   static void expect_icons(std::size_t count) {
     const VImage *icons[] = {v_get_checkbox_icon_image(0), v_get_checkbox_icon_image(1),
                              v_get_text_tab_menu_icon_image()};
@@ -235,23 +235,23 @@ class ToldStartupFailures : public testing::TestWithParam<Failure> {};
 
 } // namespace
 
-TEST_P(StartupFailures, EndTheStartUp) {
+TEST_P(StartupFailures, StopTheStartUp) {
   libraries.failing_calls = {GetParam().failing_call};
   EXPECT_FALSE(run());
-  EXPECT_THAT(libraries.failing_calls, IsEmpty()) << "were never made";
+  EXPECT_THAT(libraries.failing_calls, IsEmpty()) << "calls that were never made";
   EXPECT_STREQ(v_error_get(), GetParam().message);
   expect_icons(GetParam().loaded_icon_count);
   EXPECT_EQ(v_get_view_font_face(), nullptr);
   EXPECT_THAT(libraries.ended, ElementsAreArray(GetParam().ended));
 }
 
-TEST_P(ToldStartupFailures, AtTheActivation) {
+TEST_P(ToldStartupFailures, AreShownAtTheActivation) {
   in_own_process([](const SystemFolders &system, GuiScript &script) {
     system.install_font();
     Libraries libraries;
     libraries.failing_calls = {GetParam().failing_call};
     expect_failed_start(script, std::string("Startup failed.\n\n") + GetParam().message);
-    EXPECT_THAT(libraries.failing_calls, IsEmpty()) << "were never made";
+    EXPECT_THAT(libraries.failing_calls, IsEmpty()) << "calls that were never made";
   });
 }
 
@@ -265,7 +265,7 @@ const Failure failures[] = {
      "Couldn't load required fonts.",
      3,
      {"FreeType face"}},
-    // The cairo face goes before the face that it draws with.
+    // The cairo face is freed before the FreeType face that it draws with.
     {"cairo_font_face_set_user_data",
      "Couldn't use required fonts.",
      3,
@@ -275,7 +275,7 @@ const Failure failures[] = {
 INSTANTIATE_TEST_SUITE_P(Startup, StartupFailures, testing::ValuesIn(failures));
 INSTANTIATE_TEST_SUITE_P(Startup, ToldStartupFailures, testing::ValuesIn(failures));
 
-// As much as a start-up that does not fail loads, and the faces as long as it lasts.
+// A start-up without a failure loads everything and keeps the faces until they are released.
 TEST_F(FailingStartup, SucceedsWithoutAFailure) {
   EXPECT_TRUE(run()) << v_error_get();
   expect_icons(3);
@@ -286,7 +286,7 @@ TEST_F(FailingStartup, SucceedsWithoutAFailure) {
   EXPECT_THAT(libraries.ended, UnorderedElementsAre("cairo face", "FreeType face"));
 }
 
-TEST_F(FailingStartup, TakesItsStepsInTheirOrder) {
+TEST_F(FailingStartup, RunsItsStepsInOrder) {
   GdkScreen *screen = gdk_screen_get_default();
   const double resolution = gdk_screen_get_resolution(screen);
   gdk_screen_set_resolution(screen, 288);
@@ -301,9 +301,8 @@ TEST_F(FailingStartup, TakesItsStepsInTheirOrder) {
   gdk_screen_set_resolution(screen, resolution);
 }
 
-// Of several things that are wrong the user is told the first, and the order of the steps says
-// which that is.
-TEST_F(FailingStartup, TellsTheFirstOfSeveralFailures) {
+// The order of the steps decides which of several failures is reported.
+TEST_F(FailingStartup, ReportsTheFirstOfSeveralFailures) {
   const char *const icons[] = {"checkbox_off.png", "checkbox_on.png", "text_tab_menu.png"};
   libraries.failing_calls = {"FT_Init_FreeType", "zip_open_from_source"};
   for (const char *icon : icons) {
@@ -330,7 +329,7 @@ TEST_F(FailingStartup, TellsTheFirstOfSeveralFailures) {
   EXPECT_THAT(libraries.failing_calls, IsEmpty());
 }
 
-TEST_F(FailingStartup, TheShutdownTakesItsStepsInTheirOrder) {
+TEST_F(FailingStartup, TheShutdownRunsItsStepsInOrder) {
   EXPECT_TRUE(run()) << v_error_get();
   static const cairo_user_data_key_t icon_key = {};
   for (VImage *icon : {v_get_checkbox_icon_image(0), v_get_checkbox_icon_image(1),
@@ -354,8 +353,8 @@ TEST_F(FailingStartup, DoesNothingMoreAfterTheFirstFailure) {
   EXPECT_TRUE(path_exists(stale_file));
 }
 
-// The words are those of the conversion.
-TEST_F(FailingStartup, EndsAtAFontPathThatNoFileNameCanBe) {
+// The message is that of the path's conversion.
+TEST_F(FailingStartup, StopsWhenTheFontPathCannotBeConverted) {
   fake_platform.install_folder = "/tmp/\xff";
   EXPECT_FALSE(run());
   EXPECT_THAT(v_error_get(), StartsWith("Could not use filename.\n\nGError 1: "));

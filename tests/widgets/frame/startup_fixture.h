@@ -1,5 +1,5 @@
 #pragma once
-// Steps of the start-up on the made-up system, with everything that they load released at the end.
+// Start-up steps on the fake system; everything that they load is released at the end.
 
 #include <gtest/gtest.h>
 

@@ -25,7 +25,7 @@ protected:
 
 // ---- The resolution -----------------------------------------------------------------------------
 
-TEST_F(Startup, AScreenOf144OrMoreIsHalved) {
+TEST_F(Startup, HalvesAResolutionOf144OrMore) {
   const struct {
     double before;
     double after;
@@ -37,7 +37,7 @@ TEST_F(Startup, AScreenOf144OrMoreIsHalved) {
     v_startup_apply_resolution_rule(screen);
     EXPECT_DOUBLE_EQ(gdk_screen_get_resolution(screen), after);
   }
-  // None is known.
+  // The resolution is not known.
   gdk_screen_set_resolution(screen, -1);
   v_startup_apply_resolution_rule(screen);
   EXPECT_DOUBLE_EQ(gdk_screen_get_resolution(screen), -1);
@@ -46,7 +46,7 @@ TEST_F(Startup, AScreenOf144OrMoreIsHalved) {
 
 // ---- Icons --------------------------------------------------------------------------------------
 
-TEST_F(Startup, IconsLastFromLoadingToRelease) {
+TEST_F(Startup, KeepsTheIconsUntilTheyAreReleased) {
   EXPECT_EQ(v_get_checkbox_icon_image(0), nullptr);
   EXPECT_EQ(v_get_checkbox_icon_image(1), nullptr);
   EXPECT_EQ(v_get_text_tab_menu_icon_image(), nullptr);
@@ -64,7 +64,7 @@ TEST_F(Startup, IconsLastFromLoadingToRelease) {
 
 // ---- The view font ------------------------------------------------------------------------------
 
-TEST_F(Startup, TheViewFontLastsFromLoadingToRelease) {
+TEST_F(Startup, KeepsTheViewFontUntilItIsReleased) {
   EXPECT_EQ(v_get_view_font_face(), nullptr);
   system.install_font();
   ASSERT_TRUE(load_view_font()) << v_error_get();
@@ -74,8 +74,8 @@ TEST_F(Startup, TheViewFontLastsFromLoadingToRelease) {
   EXPECT_EQ(v_get_view_font_face(), nullptr);
 }
 
-// Whoever still draws with it keeps it.
-TEST_F(Startup, TheViewFontOutlivesItsReleaseWhileItIsUsed) {
+// Drawing code may hold a reference.
+TEST_F(Startup, AReferencedViewFontOutlivesItsRelease) {
   system.install_font();
   ASSERT_TRUE(load_view_font()) << v_error_get();
   cairo_font_face_t *face = cairo_font_face_reference(v_get_view_font_face());
@@ -92,14 +92,14 @@ TEST_F(Startup, TheViewFontOutlivesItsReleaseWhileItIsUsed) {
   cairo_font_face_destroy(face);
 }
 
-TEST_F(Startup, AMissingFontIsToldOfAlone) {
+TEST_F(Startup, ReportsOnlyTheMissingFont) {
   v_error_set("From before.");
   EXPECT_FALSE(load_view_font());
   EXPECT_STREQ(v_error_get(), "Couldn't open required fonts.");
   EXPECT_EQ(v_get_view_font_face(), nullptr);
 }
 
-TEST_F(Startup, AFileThatIsNoFontCannotBeOpened) {
+TEST_F(Startup, RefusesAFileThatIsNotAFont) {
   make_folder(system.install_folder / "fonts");
   write_file(system.install_folder / "fonts/LiberationSans-Bold.ttf", "no font");
   EXPECT_FALSE(load_view_font());
@@ -107,7 +107,7 @@ TEST_F(Startup, AFileThatIsNoFontCannotBeOpened) {
   EXPECT_EQ(v_get_view_font_face(), nullptr);
 }
 
-TEST_F(Startup, AnUnknownInstallFolderHasNoFonts) {
+TEST_F(Startup, FindsNoFontsWhenTheInstallFolderIsUnknown) {
   fake_platform.install_folder.reset();
   EXPECT_FALSE(load_view_font());
   EXPECT_STREQ(v_error_get(),
@@ -126,7 +126,7 @@ TEST_F(Startup, AnInstallFolderMayHaveAnyName) {
 
 // ---- Release ------------------------------------------------------------------------------------
 
-TEST_F(Startup, NothingMayBeThereToRelease) {
+TEST_F(Startup, ReleasesNothingWhenNothingIsLoaded) {
   for (int i = 0; i < 2; i++) {
     v_startup_release_icons();
     v_startup_release_view_font();

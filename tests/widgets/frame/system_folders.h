@@ -1,5 +1,5 @@
 #pragma once
-// The folders of the made-up system: all there, with nothing in them.
+// The folders of the fake system; they exist and are empty.
 
 #include <string>
 
@@ -15,7 +15,7 @@ public:
 
   static std::string font_path() { return VANTORELLE_VIEW_FONT; }
 
-  // What start-up needs beside the executable.
+  // Installs the font, which start-up needs beside the executable.
   void install_font() const {
     make_folder(install_folder / "fonts");
     write_file(install_folder / "fonts/LiberationSans-Bold.ttf", read_file(font_path()));

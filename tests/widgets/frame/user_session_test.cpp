@@ -64,7 +64,7 @@ TEST_F(UserSession, LoadsAllSettings) {
   EXPECT_FALSE(v_remark_list_is_empty(settings.recent_custom_remarks.get()));
 }
 
-TEST_F(UserSession, WarnsOnceOfSettingsThatCannotBeRead) {
+TEST_F(UserSession, WarnsOnceWhenSettingsCannotBeRead) {
   for (const char *content : {"<settings", "", "<other/>", "\xff\xfe"}) {
     use_workspace();
     write_file(workspace_path() + "/settings.xml", content);
@@ -73,7 +73,7 @@ TEST_F(UserSession, WarnsOnceOfSettingsThatCannotBeRead) {
   }
 }
 
-TEST_F(UserSession, KeepsWhatWasReadOfTheSettings) {
+TEST_F(UserSession, KeepsTheSettingsBeforeTheFault) {
   use_workspace();
   write_file(workspace_path() + "/settings.xml",
              "<settings><left-handed active='true'/><preferred-languages><language tag='sv'/>"
@@ -84,7 +84,7 @@ TEST_F(UserSession, KeepsWhatWasReadOfTheSettings) {
   EXPECT_THAT(workspace->settings->preferred_languages, ElementsAre("sv"));
 }
 
-TEST_F(UserSession, AFolderInPlaceOfTheSettingsIsWarnedOf) {
+TEST_F(UserSession, WarnsWhenTheSettingsAreAFolder) {
   use_workspace();
   make_folder(workspace_path() + "/settings.xml");
   script.answer("Warning", settings_warning, "Close");
@@ -97,21 +97,21 @@ TEST_F(UserSession, ANewUserGetsAWorkspace) {
   EXPECT_TRUE(path_exists(folder / "new/codesets/a.codeset"));
 }
 
-TEST_F(UserSession, ANewUserMayDoWithout) {
+TEST_F(UserSession, ANewUserMayDeclineAWorkspace) {
   cancel_assistant();
   EXPECT_FALSE(start());
   EXPECT_EQ(workspace, nullptr);
   EXPECT_EQ(top_window(), nullptr);
 }
 
-TEST_F(UserSession, AVanishedWorkspaceIsLikeNone) {
+TEST_F(UserSession, TreatsAMissingWorkspaceLikeNone) {
   v_workspace_save_folder_path((folder / "gone").c_str());
   cancel_assistant();
   EXPECT_FALSE(start());
   EXPECT_EQ(workspace, nullptr);
 }
 
-TEST_F(UserSession, AWorkspaceWithAFileInPlaceOfAFolderIsLikeNone) {
+TEST_F(UserSession, TreatsAWorkspaceWithAFileInPlaceOfAFolderLikeNone) {
   use_workspace();
   write_file(workspace_path() + "/codesets", "kept");
   cancel_assistant();
@@ -120,8 +120,8 @@ TEST_F(UserSession, AWorkspaceWithAFileInPlaceOfAFolderIsLikeNone) {
   EXPECT_EQ(read_file(workspace_path() + "/codesets"), "kept");
 }
 
-// Gone again between its creation and its opening.
-TEST_F(UserSession, TellsOfANewWorkspaceThatDoesNotOpen) {
+// The workspace is moved away between its creation and its opening.
+TEST_F(UserSession, ReportsANewWorkspaceThatCannotBeOpened) {
   create_by_assistant(folder / "new", [this] {
     ASSERT_EQ(rename((folder / "new").c_str(), (folder / "away").c_str()), 0);
   });

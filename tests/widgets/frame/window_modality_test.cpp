@@ -1,4 +1,4 @@
-// Each window of the tool is modal before, while and after other windows are over it.
+// Each window of the tool is modal, also while and after other windows are over it.
 
 #include <algorithm>
 #include <ostream>
@@ -36,8 +36,8 @@ void ask_to_close(GtkWindow *window) {
   }
 }
 
-// Every action of every widget but lists and combo boxes, in which the toolkit lets assistive
-// technologies move the cursor and choose although they are insensitive.
+// Performs every action of every widget except lists and combo boxes, whose accessible actions the
+// toolkit performs even when they are insensitive.
 void act_on_all(AtkObject *accessible) {
   if (GTK_IS_TREE_VIEW_ACCESSIBLE(accessible) || GTK_IS_COMBO_BOX_ACCESSIBLE(accessible)) {
     return;
@@ -89,7 +89,7 @@ std::string describe(GtkWindow *window) {
 struct Row {
   const char *name;
   const char *title;
-  // Buttons from the main window, with its only row selected, to the window of the title.
+  // Buttons that open the window from the main window, whose only row is selected.
   std::vector<const char *> clicks;
 };
 
@@ -202,7 +202,7 @@ protected:
     on(title, [this] { EXPECT_EQ(gtk_window_get_focus(top_window()), focus); });
   }
 
-  // The window itself still takes a request: it closes or asks. Afterwards all windows are closed.
+  // Expects that the window reacts to a close request. Closes all windows at the end.
   void expect_that_it_can_be_closed(const std::string &title) {
     on(title, [this] {
       shown = mapped_windows();
@@ -252,7 +252,7 @@ void select_first_row() {
 
 } // namespace
 
-TEST_P(EveryWindow, HasTheUserToItselfWhateverIsOrWasOverIt) {
+TEST_P(EveryWindow, IsModalUnderAndAfterAnyOtherWindow) {
   const Row &row = GetParam();
   make_workspace();
   on(main_title, select_first_row);
@@ -276,7 +276,7 @@ TEST_P(EveryWindow, HasTheUserToItselfWhateverIsOrWasOverIt) {
 INSTANTIATE_TEST_SUITE_P(Windows, EveryWindow, testing::ValuesIn(rows),
                          [](const auto &row) { return row.param.name; });
 
-TEST_F(WindowModality, TheAssistantHasTheUserToItselfWhateverIsOrWasOverIt) {
+TEST_F(WindowModality, TheAssistantIsModalUnderAndAfterAnyOtherWindow) {
   on_page(0, [] {});
   expect_that_nothing_gets_past("Vantorelle Workspace Setup");
   script.click("Next");
