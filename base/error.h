@@ -41,8 +41,8 @@ VErrorCopy v_error_copy();
 // Replaces the error state by the copy.
 void v_error_restore(VErrorCopy copy);
 
-// Keeps the error state over a clean-up that may fail itself: restores at the end of the scope what
-// was held at its beginning.
+// Keeps the error state over a clean-up that may fail itself: restores at the end of the scope the
+// state of its beginning.
 class VErrorKeeper {
 public:
   VErrorKeeper() : kept(v_error_copy()) {}

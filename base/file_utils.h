@@ -16,9 +16,9 @@ bool v_util_test_if_files_are_identical(const char *path_a, const char *path_b);
 // Fills the digest. False with the message of opening, or "File read error."; the digest then
 // stays.
 bool v_util_get_file_md5sum(const char *path, VMd5Digest &digest);
-// True when the text is the digest in lower-case hexadecimal. Text with another character in its
-// place, its end included, sets "Illegal base 16 character."; another digest, or a longer text, is
-// false without a message.
+// True when the text is the digest in lower-case hexadecimal. A character that is no lower-case
+// hexadecimal digit, or a text that ends too soon, sets "Illegal base 16 character."; another
+// digest, or a longer text, is false without a message.
 bool v_util_verify_md5sum(const VMd5Digest &digest, const char *text);
 
 // New ASCII text of 2n lower-case hexadecimal digits.

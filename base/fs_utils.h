@@ -17,11 +17,11 @@ struct VFileInfo {
   std::int64_t size = 0;              // bytes
 };
 
-// The system's number of the last call of this layer that has failed, 0 when none has yet. A
-// missing path does not count where the function takes it for success.
+// The system's error number of the last failed call of this layer, 0 before the first failure. A
+// missing path does not count where the function treats it as success.
 int v_fs_utils_get_last_error_number();
 
-// Between file names as the system gives them and UTF-8. Null with "Could not convert filename to
+// Convert between the system's file names and UTF-8. Null with "Could not convert filename to
 // unicode." or "Could not use filename.". The two pairs are for names of GLib and of
 // the operating system; here both use the same encoding.
 OwnedText v_fs_utils_convert_glibfsenc_to_utf8(const char *name);
@@ -43,12 +43,13 @@ struct VFilePermissions {
   unsigned mode = 0;       // the bits 0777
   unsigned long group = 0; // the system's number
 };
-// Those of the regular file at the path, following links.
+// Reads the permissions of the regular file at the path, following links.
 VFilePermissions v_fs_utils_get_permissions(const char *path);
-// Creates a file for writing where nothing is. Nobody can read it whom the permissions exclude,
-// from the beginning; they are set as far as the file system allows. Another group than that of the
-// old file gets no more than everybody does. Not known: the usual permissions, and a file that is
-// there is emptied. Null with "Cannot open file.".
+// Creates a new file for writing; at no time can it be read by users whom the permissions exclude.
+// The permissions are set as far as the file system allows. When the new file is in another group
+// than the old one, that group gets no more than all users have. When they are not known, the file
+// has the usual permissions, and an existing file is emptied. Null with "Cannot open file.", also
+// when the permissions are known and something is at the path.
 OwnedFile v_fs_utils_create_file(const char *path, const VFilePermissions &permissions);
 // Closes; null is success. False with "Cannot close file.": what was buffered may be lost.
 bool v_fs_utils_close_file(OwnedFile file);
@@ -57,10 +58,10 @@ bool v_fs_utils_close_file(OwnedFile file);
 OwnedFolder v_fs_utils_open_folder(const char *path);
 // The next entry's name ("." and ".." included, in the system's order); at the end true with null.
 // False with "Cannot read folder contents." or "Could not convert filename to unicode."; after the
-// latter, the next call goes on with the entry that follows.
+// latter, the next call continues with the following entry.
 bool v_fs_utils_next_folder_entry(DIR *listing, OwnedText &name);
 // The same for callers that look for certain names: entries whose name cannot be converted are
-// passed over. Null at the end, and where the folder cannot be read any further.
+// skipped. Null at the end, and when the folder cannot be read any further.
 OwnedText v_fs_utils_next_convertible_folder_entry(DIR *listing);
 // Closes; null is success. False with "Cannot close folder.".
 bool v_fs_utils_close_folder(OwnedFolder listing);
@@ -79,7 +80,7 @@ bool v_fs_utils_delete_file_if_exists(const char *path);
 void v_fs_utils_discard_file(const char *path);
 
 // Replaces the file at the path by one with the bytes of the text. The new file is written beside
-// the old one, brought onto the disk and renamed, so that the old file stays as it was until the
+// the old one, forced onto the disk and renamed, so that the old file stays as it was until the
 // new one is whole. A link to a file is followed; the new file is readable only for users who could
 // read the old one. False with the system's reason alone.
 bool v_fs_utils_replace_file(const char *path, const char *text);
@@ -87,17 +88,18 @@ bool v_fs_utils_replace_file(const char *path, const char *text);
 // Fills the record, following links; a missing path is success with every field zero. False with
 // "Cannot get file status.".
 bool v_fs_utils_get_info(const char *path, VFileInfo &info);
-// True when nothing is at the path; a path that cannot be asked about counts as taken.
+// True when nothing is at the path; a path whose status cannot be read counts as taken.
 bool v_fs_utils_is_missing(const char *path);
 
-// Whether the record is that of a regular file. A socket has the file's bit of the mode as well,
-// and the folder's.
+// True when the record describes a regular file. The mode of a socket has both bits, that of a file
+// and that of a folder.
 inline bool v_fs_utils_is_regular_file(const VFileInfo &info) {
   return info.exists && info.is_file && !info.is_folder;
 }
 
-// Joins a folder and count parts: trailing "/" of the folder go, empty parts are skipped, parts are
-// joined by one "/". A folder of only "/" counts as empty, so its parts make a relative path.
+// Joins a folder and count parts: trailing "/" of the folder are cut, empty parts are skipped,
+// parts are joined by one "/". A folder of only "/" counts as empty, so its parts make a relative
+// path.
 OwnedText v_fs_utils_create_path_in_folder_(const char *folder, const char *const *parts,
                                             int count);
 // The same with the parts written out.

@@ -1,14 +1,14 @@
 #pragma once
 // Files that a program keeps for itself beside those of the user: readable for their owner alone
 // (0600), held by one running program at a time, and forced onto the disk when that matters. Paths
-// are UTF-8. Failures leave no message: the callers have nothing to tell the user of these files.
+// are UTF-8. Failures set no message: the callers report none of them to the user.
 
 #include "base/owned.h"
 
 struct VHeldFile;
 void v_private_files_release(VHeldFile *held);
-// A file that no other program can hold at the same time. It is released when the program ends, in
-// whatever way; renaming or removing the file does not release it.
+// A file that no other program can hold at the same time. It is released when the program ends,
+// normally or not; renaming or removing the file does not release it.
 using OwnedHeldFile = Owned<VHeldFile, v_private_files_release>;
 
 // Holds the file at the path, which is created when there is none. Null when that is impossible or
@@ -17,8 +17,8 @@ OwnedHeldFile v_private_files_create(const char *path);
 // The same for an existing file only.
 OwnedHeldFile v_private_files_hold(const char *path);
 
-// Moves a file within its folder, in place of any other of the new name: at every moment one of the
-// two is there under it.
+// Renames a file within its folder and replaces a file that has the new name: at every moment one
+// of the two has it.
 bool v_private_files_rename(const char *path, const char *new_path);
 // Returns once the content of the file, or the names in the folder, are on the disk. True also
 // where the file system has no such operation.

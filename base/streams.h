@@ -65,9 +65,9 @@ bool v_input_stream_read(VInputStream *stream, void *buffer, std::size_t n, std:
 // The next piece, valid until the next call; length 0 is the end. A memory stream gives all that is
 // left at once.
 bool v_input_stream_get_some(VInputStream *stream, const std::byte *&data, std::size_t &length);
-// Passes over n bytes. A file may be passed beyond its end, and one that cannot be passed over
-// fails with the system's message; memory ("Memory buffer end reached prematurely.", the position
-// stays) and zip entries ("Premature end of data stream.") may not.
+// Skips n bytes. A file can be skipped beyond its end; one in which the position cannot be set
+// fails with the system's message. Memory ("Memory buffer end reached prematurely.", the position
+// stays) and zip entries ("Premature end of data stream.") cannot be skipped beyond their end.
 bool v_input_stream_skip(VInputStream *stream, std::size_t n);
 
 // Deletes the file at the path and creates a new one. Always a stream; when the file cannot be
@@ -82,8 +82,8 @@ OwnedOutputStream v_output_stream_new_for_memory();
 bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t n);
 // Ends the writing: hands everything to the system and closes a file that the stream created, so
 // that a full disk is noticed while it can still be reported. "File write error.", or
-// "Creating file failed." when there never was a file. A memory stream, and a file that is finished
-// already, have nothing left to do.
+// "Creating file failed." when there never was a file. Does nothing for a memory stream and for a
+// file that is already finished.
 bool v_output_stream_finish(VOutputStream *stream);
 // The bytes written to a memory stream, followed by a zero byte that length does not count; the
 // stream is empty afterwards. Any other stream gives "" and length 0.

@@ -8,8 +8,8 @@
 //
 // Names and paths are only stripped: white space inside belongs to them.
 //
-// In ISO-8859-1 and ASCII whitespace is the six ASCII characters whatever the locale (a no-break
-// space is not); in UTF-8 g_unichar_isspace decides (a no-break space is, the vertical tab is not)
+// In ISO-8859-1 and ASCII whitespace is the six ASCII characters in every locale (a no-break space
+// is not); in UTF-8 g_unichar_isspace decides (a no-break space is, the vertical tab is not)
 // and bytes that are not UTF-8 pass through. "within_original" works in the caller's buffer and
 // returns a pointer into it, "in_new" leaves the text alone.
 

@@ -1,9 +1,9 @@
 #pragma once
-// What a reader of XML files sees of a document: named items (elements, and processing
-// instructions) with attributes, text and children, and the getters that turn everything missing or
-// malformed in them into a fixed message. A reader need not know whether an item is a node of a
-// tree (XmlNodeElement) or was gathered from the parser's events (base/xml_events.h): each rule
-// about what a file may hold is written once, over XmlElement.
+// An XML document as a reader sees it: named items (elements, and processing instructions) with
+// attributes, text and children, and the getters that turn everything missing or malformed in them
+// into a fixed message. A reader need not know whether an item is a node of a tree (XmlNodeElement)
+// or was gathered from the parser's events (base/xml_events.h): each rule about the contents of a
+// file is written once, over XmlElement.
 //
 // Names are compared without namespaces; a prefix that is not declared is part of the name.
 
@@ -46,7 +46,7 @@ public:
   virtual XmlText get_attribute(const char *name) const = 0;
   // The direct text, CDATA included; child elements add nothing. Never absent.
   virtual XmlText get_text() const = 0;
-  // Visits the children in their order, until the visitor returns false. Returns whether it never
+  // Visits the children in their order, until the visitor returns false. Returns true when it never
   // did.
   virtual bool visit_children(const XmlChildVisitor &visit) const = 0;
 };
@@ -54,7 +54,7 @@ public:
 // A node of a tree. References to entities are resolved; a text with an entity that is not known is
 // unreadable as a whole, where the library's own function would leave the reference out: a text is
 // never shortened unnoticed. What entities and declared defaults add to all texts of a document is
-// limited to v_xml_maximum_expansion; what is beyond counts as unreadable. The document's _private
+// limited to v_xml_maximum_expansion; a text beyond that is unreadable. The document's _private
 // field keeps that sum.
 class XmlNodeElement final : public XmlElement {
 public:
@@ -73,7 +73,7 @@ private:
   const xmlNode *node;
 };
 
-// How a getter wants its value.
+// Options of the getters for values.
 enum class XmlEncoding { ascii, latin1, utf8 };
 enum class XmlPresence { optional, required };
 enum class XmlContent { any, nonempty };

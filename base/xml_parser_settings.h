@@ -4,11 +4,11 @@
 
 #include <libxml/parser.h>
 
-// Puts the library's process-wide state in place and restores it: the report is collected, and no
-// external entity is ever loaded. The two parser defaults are switched on as all tools of the suite
-// do. They are not without effect: by the second one, a new context asks for external entities and
-// document types, whatever options it is given. The loader, which refuses all of them, is what
-// keeps them shut.
+// Sets the library's process-wide state, and restores it at the end: the report is collected, and
+// no external entity is ever loaded. The two parser defaults (substitution of entities, loading of
+// external document types) are switched on as all tools of the suite do. Because of the second one,
+// a new context requests external entities and document types, with any options; the entity loader
+// of these settings refuses all of them.
 class XmlParserSettings {
 public:
   XmlParserSettings();
@@ -22,12 +22,12 @@ private:
   xmlExternalEntityLoader external_entity_loader;
 };
 
-// While XmlParserSettings are in place: sets the message to "Could not parse XML data." before what
-// the library has reported (15 lines at most), "Unknown XML error." when it has reported nothing.
-// A reason of our own (null: none) takes the place of the report.
+// While XmlParserSettings are in place: sets the message to "Could not parse XML data." before the
+// library's report (15 lines at most), or "Unknown XML error." when there is none. reason: replaces
+// the report; null: none.
 void v_xml_set_error_from_report(const char *reason);
 
-// While XmlParserSettings are in place: whether the library has passed over something, a file that
-// cannot be read to its end or a piece of text that there was no memory for. It does not report
-// these as a failure of the parse.
+// While XmlParserSettings are in place: true when the library has left something out, the rest of a
+// file that cannot be read to its end or a piece of text for which there was no memory. The library
+// does not report these as a failure of the parse.
 bool v_xml_has_lost_something();

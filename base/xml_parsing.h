@@ -13,8 +13,8 @@
 
 #include "base/owned.h"
 
-// What the entities of one document may expand to, in bytes and nodes, over all texts that are read
-// from it: the size to which the library limits a single text itself.
+// The limit, in bytes and nodes, of what the entities of one document may add to all texts that are
+// read from it. It is the library's own limit for a single text.
 inline constexpr std::size_t v_xml_maximum_expansion = 10'000'000;
 
 // Parses the file (path in UTF-8; its own declaration decides on the encoding). Entities declared

@@ -1,8 +1,8 @@
 #pragma once
 // Getters for the nodes of a tree that turn everything missing or malformed into a fixed message:
 // those of base/xml_element.h, which also says what entities may add to a text, and those for
-// children by their name. Names are compared without namespaces. Attribute values and text come
-// back in the encoding that the getter's name says; the tree itself is in UTF-8.
+// children by their name. Names are compared without namespaces. Attribute values and text are in
+// the encoding that the getter's name says; the tree itself is in UTF-8.
 
 #include "base/xml_parsing.h"
 
@@ -21,7 +21,7 @@ bool v_xml_get_attribute_value_as_utf8(OwnedText &value, const xmlNode *node, co
 // The same, and a present but empty value fails with "Empty XML attribute: <name>".
 bool v_xml_get_nonempty_attribute_value_as_utf8(OwnedText &value, const xmlNode *node,
                                                 const char *name);
-// The fallback stands for an absent attribute and for one that is unreadable or out of range.
+// Returns the fallback when the attribute is absent, unreadable or out of range.
 bool v_xml_get_attribute_value_as_boolean_with_fallback(const xmlNode *node, const char *name,
                                                         bool fallback);
 int v_xml_get_attribute_value_as_int_in_range_with_fallback(const xmlNode *node, const char *name,
@@ -51,7 +51,7 @@ bool v_xml_get_required_attribute_value_as_double_in_range(double &value, const 
                                                            const char *name, double minimum,
                                                            double maximum);
 
-// Child by name, whatever its kind. Two of them: "Duplicate XML nodes found where not allowed.".
+// A child of any kind, by its name. Two of them: "Duplicate XML nodes found where not allowed.".
 // True with null when there is none.
 bool v_xml_get_distinct_child_node(xmlNode *&child, const xmlNode *node, const char *name);
 // Borrowed; null also with "Missing XML node: <name>".

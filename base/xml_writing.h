@@ -1,6 +1,6 @@
 #pragma once
-// XML out, two ways: documents built as a tree and serialised by the parser library, and text
-// written by hand with an exact escaping rule for files whose every byte is promised.
+// Writes XML in two ways: documents built as a tree and serialised by the parser library, and text
+// with an exact escaping rule, for files whose format is fixed to the byte.
 
 #include <cstdio>
 #include <string>
@@ -38,7 +38,7 @@ bool v_xml_set_attribute_to_int(xmlNode *node, const char *name, int value);
 // With a decimal point in every locale, and as many digits as reading back needs.
 bool v_xml_set_attribute_to_double(xmlNode *node, const char *name, double value);
 
-// Writes the document, indented, in the named encoding over whatever is at the path (UTF-8). False
+// Writes the document, indented, in the named encoding over any file at the path (UTF-8). False
 // with the message of opening or closing the file or that of v_xml_write_to_stream; no file is left
 // half written.
 bool v_xml_write_to_file(xmlDoc *document, const char *path, const char *encoding);
@@ -54,16 +54,16 @@ bool v_xml_write_to_stream(xmlDoc *document, std::FILE *stream, const char *enco
 OwnedText v_xml_write_to_string(xmlDoc *document, const char *encoding);
 
 // New escaped text of an ISO-8859-1 text; null for null. A carriage return becomes two references,
-// "&#xD;&#x9;": meant, and in every file of the suite.
+// "&#xD;&#x9;", on purpose: all files of the suite have it so.
 OwnedText v_xml_latin1_to_xml(const char *latin1_text);
 // Appends the escaped text (not null).
 void v_xml_append_string(std::string &xml, const char *latin1_text);
 
-// The hand writers: false with "File I/O error when writing to file." on a failed write. What the
-// stream buffers is written, and can fail, only when it is flushed or closed.
+// The functions that write text: false with "File I/O error when writing to file." on a failed
+// write. What the stream buffers is written, and can fail, only when it is flushed or closed.
 
-// Writes what was put together with the appending functions. Many short texts are written in a
-// quarter of the time that a formatted write of each takes.
+// Writes a text that the appending functions have built. For many short texts this takes a quarter
+// of the time of a formatted write of each.
 bool v_xml_write_xml(std::FILE *stream, const std::string &xml);
 // Writes the escaped text; nothing for null.
 bool v_xml_write_string(std::FILE *stream, const char *latin1_text);
