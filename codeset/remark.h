@@ -53,32 +53,32 @@ void v_remark_list_add_remark_last(VRemarkList *list, OwnedRemark remark);
 // Links the remark before the first one whose code is greater, at the end when it has no code.
 // Linear; many remarks are added last and sorted once.
 void v_remark_list_add_remark_sorted(VRemarkList *list, OwnedRemark remark);
-// Links a remark that has a code at its place in a list in remark code order, behind those with the
-// same code, and returns its index. Place: where the search begins, a remark of the list or its
-// tail sentinel; index: that place's own, from 0. Takes as long as the two are apart.
+// Links a remark that has a code at its place in a list in remark code order, after those with the
+// same code, and returns its index. The search begins at place, a remark of the list or its tail
+// sentinel; index: that of place, from 0. Linear in the distance between the two places.
 int v_remark_list_add_remark_sorted_near(VRemark *place, int index, OwnedRemark remark);
-// Brings a list whose remarks all have codes into remark code order; n log n. Returns whether no
-// code is there twice.
+// Sorts a list whose remarks all have codes into remark code order; n log n. Returns true when no
+// code occurs twice.
 bool v_remark_list_sort(VRemarkList *list);
 
-// Decides the place of a remark among others (borrowed, with a code) in most cases without a look
-// at the codes, which are spread over the memory.
+// A remark (borrowed, with a code) and a key that in most cases decides its place among others, so
+// that the codes, which are scattered over the memory, need not be read.
 struct VRemarkKey {
   std::uint64_t key; // strnatzerocasecmp_key of the code
   VRemark *remark;
 };
 
-// A list while remark after remark is added to it, as a file gives them. The keys for sorting are
-// made while each remark is still in the processor's cache.
+// A list that is being read from a file, one remark after the other. The keys for sorting are made
+// while each remark is still in the processor's cache.
 struct VRemarkCollection {
-  OwnedRemarkList list = v_remark_list_new(); // may be taken, and is not changed by others before
+  OwnedRemarkList list = v_remark_list_new(); // until it is taken, only these functions change it
   bool is_in_order = true;                    // each code is greater than the one before
   std::vector<VRemarkKey> keys;               // of all remarks; none as long as they are in order
 };
 
 // Adds a remark that has a code at the end.
 void v_remark_list_collect_remark(VRemarkCollection &collection, OwnedRemark remark);
-// As v_remark_list_sort.
+// Sorts the list; returns the same as v_remark_list_sort.
 bool v_remark_list_sort_collection(VRemarkCollection &collection);
 
 // The first remark with exactly this code (borrowed), or null.
@@ -86,14 +86,15 @@ VRemark *v_remark_list_get_remark_for_code(const VRemarkList *list, const char *
 
 // Appends clones of all remarks of from, in its order.
 void v_remark_list_copy_remarks(VRemarkList *to, const VRemarkList *from);
-// Whether there is a remark with this code and the identical description.
+// True when there is a remark with this code and the identical description.
 bool v_remark_list_has_remark(const VRemarkList *list, const char *code,
                               const VLangstr *description);
-// Whether every remark of a has one in b with the same code whose description contains its own.
+// True when b has, for every remark of a, one of the same code whose description contains that of
+// a.
 bool v_remark_list_is_subset(const VRemarkList *a, const VRemarkList *b);
-// Whether the list has no remark of that code, or one whose description can be merged with it.
+// True when the list has no remark of that code, or one whose description can be merged with it.
 bool v_remark_list_remark_is_mergeable(const VRemarkList *list, const VRemark *remark);
-// Whether that holds in a for every remark of b.
+// True when that holds in a for every remark of b.
 bool v_remark_list_remarks_are_mergeable(const VRemarkList *a, const VRemarkList *b);
 // Adds a clone of the remark at its sorted place, or merges its description into the list's remark
 // of that code.

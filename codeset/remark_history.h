@@ -26,9 +26,9 @@ struct VRemarkHistory;
 void v_remark_history_destroy(VRemarkHistory *history);
 using OwnedRemarkHistory = Owned<VRemarkHistory, v_remark_history_destroy>;
 
-// A history without steps. The list is borrowed and in remark code order. From here on remarks are
-// added to it, removed from it and given another code by the history alone, or the steps are not
-// valid any more. Either of the two may be destroyed first.
+// A history without steps. The list is borrowed and in remark code order. From then on only the
+// history may add remarks to it, remove them and change their codes; otherwise the steps are no
+// longer valid. Either of the two may be destroyed first.
 OwnedRemarkHistory v_remark_history_new(VRemarkList *list);
 
 // Each of these three changes the list and records that as a step, which drops the steps that were
@@ -50,6 +50,6 @@ std::optional<VRemarkExchange> v_remark_history_take_back(VRemarkHistory *histor
 // Does the step again that was taken back last. Returns nothing, and does nothing, when there is
 // none, or when a step has been recorded since.
 std::optional<VRemarkExchange> v_remark_history_do_again(VRemarkHistory *history);
-// Whether those two would do something.
+// True when those two would change the list.
 bool v_remark_history_can_take_back(const VRemarkHistory *history);
 bool v_remark_history_can_do_again(const VRemarkHistory *history);

@@ -8,7 +8,7 @@
 
 // A remark in no list, with a code and a description. Children count by their name alone, so a
 // processing instruction named "code" is an empty code. Null with "Missing remark content in XML
-// data." alone whenever either is missing in the end, an unreadable code included; else with
+// data." alone when the code (an unreadable one included) or the description is missing; else with
 // "Remark in XML has multiple codes." or the message of the description's reader.
 OwnedRemark v_xml_read_remark(const XmlElement &element);
 // The same for a node of a tree.
