@@ -9,7 +9,7 @@ struct VLangstr;
 void v_langstr_free(VLangstr *langstr);
 using OwnedLangstr = Owned<VLangstr, v_langstr_free>;
 
-// One translation. The whole string is its first translation; that one's text stands in for a
+// One translation. The whole string is its first translation; its text is used for a
 // language that is missing. No two translations of a string have the same tag.
 struct VLangstr {
   OwnedText lang; // "" for a translation of unknown language
@@ -20,7 +20,8 @@ struct VLangstr {
 // The only way to add a translation, which keeps tags unique. Returns whether the string changed.
 //  - A translation with this tag gets the text.
 //  - An untagged text that some translation has already is not added.
-//  - A tagged text that the untagged translation has gives that one the tag, at its place.
+//  - A tagged text that the untagged translation has: that translation gets the tag.
+//    Its place stays.
 //  - Anything else is appended.
 bool v_langstr_set_translation(OwnedLangstr &langstr, const char *lang, const char *text);
 // The same for an owned tag and text.
@@ -29,11 +30,11 @@ bool v_langstr_set_owned_translation(OwnedLangstr &langstr, OwnedText lang, Owne
 struct VLangstrIndex;
 void v_langstr_index_free(VLangstrIndex *index);
 
-// A string while translation after translation is set in it, as a file gives them. Setting one in a
-// string walks through the whole string, and a file can hold any number of them: a collection that
-// becomes long keeps an index.
+// A string that is being read from a file, one translation after the other. To set one, the whole
+// string is walked, and a file can have any number of them, so a collection that becomes long keeps
+// an index.
 struct VLangstrCollection {
-  OwnedLangstr langstr; // may be taken, and is not changed by others before
+  OwnedLangstr langstr; // until it is taken, only v_langstr_collect_translation changes it
   int walks = 0;        // translations that were set without an index
   Owned<VLangstrIndex, v_langstr_index_free> index;
 };

@@ -1,5 +1,5 @@
 #pragma once
-// Which spelling dictionary a language is checked with.
+// The spelling dictionary of each language.
 
 // The dictionary's name ("sv_SE", static) for a tag of the supported languages; null when there is
 // no dictionary for it, as for languages without region that have several.
