@@ -16,12 +16,12 @@
 
 struct VDraft {
   OwnedText codeset_path;
-  // Of the codeset's file when it was saved or tried to be; not known while there was none.
+  // Those of the codeset's file at the last save that found one; not known before.
   VFilePermissions codeset_permissions;
   OwnedText path;     // of the draft; null while there is none
   OwnedHeldFile held; // the draft, null likewise
-  // What a program that no longer runs had left behind, until it is taken or the draft is removed;
-  // null when there was nothing.
+  // The draft that a program left behind when it ended, until it is taken or removed; null when
+  // there was none.
   OwnedCodeset left_behind;
   std::int64_t left_behind_time = 0; // when it was written, in seconds since the epoch
 };
@@ -30,9 +30,9 @@ struct VDraft {
 void v_draft_close(VDraft *draft);
 using OwnedDraft = Owned<VDraft, v_draft_close>;
 
-// For one codeset file, which need not exist, while it is edited. The newest draft of it that was
-// left behind is taken over; older ones stay for the next time. A draft that cannot be read is set
-// aside: its name gets the ending ".unreadable", and it is not read again.
+// The draft of one codeset file, which need not exist, while it is edited. The newest draft of it
+// that was left behind is taken over; older ones stay for the next time. A draft that cannot be
+// read is set aside: its name gets the ending ".unreadable", and it is not read again.
 OwnedDraft v_draft_open(const char *codeset_path);
 
 // Brings the draft up to date, in place of the older one. A codeset without name is given its

@@ -20,7 +20,7 @@ using OwnedWorkspace = Owned<VWorkspace, v_workspace_close>;
 
 // Opens the workspace where the pointer file says, else at its default place: makes sub-folders
 // that are missing and brings earlier delivered layouts up to date. Null when there is no such
-// folder, or one of the sub-folders cannot be had; perhaps with a message of the file layer.
+// folder, or when a sub-folder cannot be used or made; a message of the file layer may be set.
 OwnedWorkspace v_workspace_open();
 
 // Makes a new workspace with the delivered components and remembers it in the pointer file. False

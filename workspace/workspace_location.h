@@ -18,12 +18,13 @@ bool v_workspace_get_saved_folder_path(OwnedText &path);
 bool v_workspace_save_folder_path(const char *path);
 // The default name of a workspace folder.
 inline constexpr const char *v_workspace_default_folder_name = "Vantorelle Workspace";
-// The folder of that name in the home folder; null when the home folder cannot be had.
+// The folder of that name in the home folder; null when its path has no
+// UTF-8 form.
 OwnedText v_workspace_get_default_folder_path();
 
 // The folder of that name in an absolute folder, which may be the root.
 OwnedText v_workspace_create_path_in_parent_folder(const char *parent_folder);
 // The absolute path of a place that a user has typed: a relative one, "~" and "~/..." are in the
 // home folder. The empty text stays empty. Null with "Could not convert filename to unicode." when
-// the home folder is needed and cannot be had.
+// the home folder is needed and its path has no UTF-8 form.
 OwnedText v_workspace_make_place_absolute(const char *place);
