@@ -1,6 +1,6 @@
 #pragma once
-// What the user can do with a window while another one is above it: nothing. A covered window is
-// insensitive and refuses requests to close it; uncovered, it has its focus and its grab again.
+// Keeps the user from a window while another one is above it. A covered window is insensitive and
+// refuses requests to close it; uncovered, it has its focus and its grab again.
 
 #include "gui/window_entries.h"
 

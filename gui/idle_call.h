@@ -1,5 +1,5 @@
 #pragma once
-// Calls that wait until the main loop is reached again, for what must not happen inside the handler
+// Delays a call until the main loop runs again, for work that must not be done inside the handler
 // that causes it.
 
 #include <functional>
@@ -7,6 +7,6 @@
 #include <gtk/gtk.h>
 
 // Calls the function once, from the main loop, unless the widget is destroyed before that.
-// priority: the toolkit's (G_PRIORITY_...). The widget is held until the function returns, whatever
-// that does to it.
+// priority: the toolkit's (G_PRIORITY_...). The widget is held until the function returns, even if
+// the function destroys it.
 void v_idle_call_add(GtkWidget *widget, int priority, std::function<void()> function);

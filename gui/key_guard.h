@@ -1,6 +1,6 @@
 #pragma once
-// Keeps keys from doing what the user did not mean. The toolkit takes the repeats of a key that is
-// held down for new presses, and when a window opens while the user types, it gets the rest of the
+// Keeps keys from doing what the user did not mean. The toolkit treats the repeats of a key that is
+// held down as new presses, and a window that opens while the user types gets the rest of the
 // typing.
 
 #include <gtk/gtk.h>
@@ -19,5 +19,5 @@ void v_key_guard_install();
 // pressed with nothing typed before them is an answer.
 void v_key_guard_shield(GtkWindow *window);
 
-// Whether the key that is being handled is a repeat, whichever window got the press.
+// True when the key that is being handled is a repeat, also of a press in another window.
 bool v_key_guard_is_repeating();

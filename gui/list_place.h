@@ -25,14 +25,14 @@ private:
 
 // The row with the cursor; -1 when there is none.
 int v_list_place_get(GtkTreeView *view);
-// Whether the cursor was placed and has not moved since.
+// True when the cursor was placed and has not moved since.
 bool v_list_place_is_placed(GtkTreeView *view);
 // Puts the cursor on the row, or on the last one when there are fewer, scrolls it into view and
 // unselects all rows. Down then selects the next row and Up the one before. Does nothing in an
 // empty list. The focus stays where it is.
 void v_list_place_set(GtkTreeView *view, int row);
-// Makes the focus visible in the list's window, for a list as the row with the cursor. The toolkit
-// itself waits for the first key.
+// Makes the focus visible in the list's window; in a list this is the row with the cursor. The
+// toolkit itself shows it only after the first key.
 void v_list_place_reveal_focus(GtkTreeView *view);
 // Scrolls the row into view, as little as possible. Does nothing when there is no such row.
 void v_list_place_show(GtkTreeView *view, int row);

@@ -5,14 +5,14 @@
 #include <gtk/gtk.h>
 
 // The part of the monitor that desktop bars leave free, in pixels. A screen that is shown in a web
-// browser knows no size of its monitor: there it is the whole screen.
+// browser reports no size of its monitor: there it is the whole screen.
 GdkRectangle v_screen_area_get(GtkWidget *widget);
-// Height of a scrolling part of a window, in pixels: the most that title bar and the window's other
-// rows leave, and the least where these need the room for a list.
+// The height of a scrolling part of a window, in pixels: the most that title bar and other rows of
+// the window leave free, and the least, when these other rows need the room for a list.
 int v_screen_area_get_most_height(GtkWidget *widget);
 int v_screen_area_get_least_height(GtkWidget *widget);
-// How many rows a list shows at once, if the window has the room.
+// The number of rows that a list shows at once, if the window has the room.
 int v_screen_area_count_list_rows(GtkWidget *widget);
-// How many characters of the widget's font the screen is wide, less the reserved characters and
-// pixels; 10 at least.
+// The width of the screen in characters of the widget's font, less the reserved characters and
+// pixels; at least 10.
 int v_screen_area_count_characters(GtkWidget *widget, int reserved_characters, int reserved_pixels);

@@ -12,7 +12,7 @@ enum class HeadersVisible { no, yes };
 enum class FixedHeight { no, yes };
 enum class SelectionMode { single, multiple };
 enum class Homogeneous { no, yes };
-// Whether a field turns every run of blanks into one.
+// yes: a field turns every run of blanks into one.
 enum class Compact { no, yes };
 
 // The buttons that a dialog is made with, in the order in which they are added.

@@ -38,8 +38,8 @@ GtkWindow *v_window_stack_push_native_window(VWindowStack *window_stack);
 void v_window_stack_pop_window(VWindowStack *window_stack);
 
 // Pushes and shows the window and returns when it has been destroyed, by its close button or by a
-// handler that calls gtk_widget_destroy; its entry is gone then. focus_widget: null gives no widget
-// the focus at first. A window below that is destroyed takes this one with it.
+// handler that calls gtk_widget_destroy; its entry is removed then. focus_widget: null gives no
+// widget the focus at first. A window below that is destroyed takes this one with it.
 void v_window_stack_run_window(VWindowStack *window_stack, GtkWindow *window, Maximize maximize,
                                GtkWidget *focus_widget = nullptr,
                                VCursorCallback cursor_callback = nullptr,

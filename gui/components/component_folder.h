@@ -27,6 +27,6 @@ bool v_component_folder_add(const VComponentFolder &folder, const char *source_p
 // False when the file could not be copied. A source that cannot be read leaves the destination as
 // it is.
 bool v_component_folder_copy_file(const char *source_path, const char *destination_path);
-// Whether the file differs from the delivered one of that name, or the user wants to edit it all
-// the same.
+// True when the file may be edited: it differs from the delivered one of that name, or the user
+// confirms it.
 bool v_component_folder_may_edit(const VComponentFolder &folder, const char *entry_name);

@@ -37,8 +37,8 @@ struct VComponentPlace {
 // The place of the row with the cursor, which is also on any selected row.
 VComponentPlace v_component_list_get_place(GtkTreeView *view);
 // Puts the cursor on the row of the new file (null for none), or on that of the place or, if that
-// row is gone, on the row after it or else the last one. Does nothing without a new file when the
-// place was not chosen.
+// row was removed, on the row after it or else the last one. Does nothing without a new file when
+// the place was not chosen.
 void v_component_list_return_to_place(GtkTreeView *view, const char *new_file,
                                       const VComponentPlace &place);
 // Packs a scrolled view of the list, expanding, in which rows are found by typing. cell_data_func

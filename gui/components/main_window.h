@@ -12,7 +12,7 @@ enum class OfferBundled { no, yes };
 // Edits the file at the path (UTF-8), creating it if it does not exist, and returns when editing is
 // finished. The result is ignored.
 using VComponentEditCallback = int (*)(const char *path, void *user_data);
-// Whether the file at the path (UTF-8) may be edited and cloned.
+// True when the file at the path (UTF-8) may be edited and cloned.
 using VComponentCanEditCallback = bool (*)(const char *path, void *user_data);
 
 // Returns when the user has closed the window. title and folder_name are UTF-8. offer_bundled:

@@ -10,7 +10,7 @@
 
 struct VCodesList {
   const VSettings *settings = nullptr; // borrowed; the languages in which descriptions are shown
-  // What each row reads (UTF-8), and its remark, which the codeset owns.
+  // Columns: the text of each row (UTF-8), and its remark, which the codeset owns.
   OwnedObject<GtkListStore> store;
   GtkTreeView *view = nullptr; // owned by the box
 };

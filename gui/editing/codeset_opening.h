@@ -1,5 +1,5 @@
 #pragma once
-// Which codeset the editing window starts with, asking the user where there is a choice.
+// Chooses the codeset that the editing window starts with, and asks the user when there is a draft.
 
 #include "codeset/codeset.h"
 #include "gui/window_stack.h"

@@ -1,12 +1,12 @@
 #pragma once
-// When a draft is written: soon after the first change that it lacks. Knows nothing of what is in a
-// draft and of how it is written.
+// Has a draft written soon after the first change that it lacks. Knows neither the contents of a
+// draft nor how it is written.
 
 #include <glib.h>
 
 class VDraftTimer {
 public:
-  // Writes the draft; false when it could not, and is to be called again later.
+  // Writes the draft. After false, a failure, the timer calls it again later.
   using WriteCallback = bool (*)(void *data);
 
   // data is handed to the callback and must outlive the timer.
@@ -19,7 +19,7 @@ public:
   void start();
   // The draft is up to date, or no longer needed.
   void stop();
-  // Whether a change is still missing in the draft.
+  // True while the draft lacks a change.
   bool is_running() const { return source != 0; }
 
 private:

@@ -1,4 +1,4 @@
 #pragma once
-// Whether the texts of a VLangstrEditor have one line or several.
+// The number of lines that the texts of a VLangstrEditor have.
 
 enum class VLangstrEditorMode { single_line = 0, multi_line = 1 };

@@ -15,8 +15,8 @@ int v_remark_gui_edit_remark(VWindowStack *window_stack, const VSettings *settin
 
 // A pass through several remarks, with one window after the other.
 struct VRemarkPass {
-  // Which remark the user wants to edit next: 1 the next one of the list, -1 the one before, 0
-  // none.
+  // The step to the remark that the user wants to edit next: 1 to the next one in the list, -1 to
+  // the one before, 0 to none.
   int step = 0;
   // The language (UTF-8, as the user reads it) whose description has the focus; null when the code
   // or anything else has it. The next window gives its field of that language the focus, if it has

@@ -9,5 +9,5 @@
 // field that adds words or switches the language needs a checker of its own.
 GspellChecker *v_spell_checker_cache_get(const GspellLanguage *language);
 // Releases all checkers; no field may use one any more. Must be called before the program ends,
-// because the libraries behind a checker are torn down before static objects.
+// because the libraries behind a checker are shut down before static objects.
 void v_spell_checker_cache_clean_up();
