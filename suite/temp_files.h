@@ -5,7 +5,7 @@
 // not say which executable that process runs, or it is another executable. The files of a running
 // process are kept when its executable cannot be examined. Files that cannot be deleted are skipped
 // without a message. False with "Couldn't clean up temp files." before the reason when the folder
-// could not be searched at all.
+// could not be opened.
 bool v_temp_files_clean_up();
 // The same in a folder of the caller's choice (UTF-8). Null means that the folder is not known and
 // fails without a further reason.
