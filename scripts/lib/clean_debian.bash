@@ -56,8 +56,12 @@ copy_checkout() {
 }
 
 # Runs a command of the checkout's copy in the Debian in the folder, with an environment of its own.
+# Its root is the root of a mount namespace, not only of the process: programs that make namespaces
+# themselves, and /proc, then work as on a real machine.
 run_inside() {
     # shellcheck disable=SC2016 # expanded by the sh that is started
-    "${as_root[@]}" unshare --mount sh -c 'mount -t proc proc "$1/proc" && exec chroot "$@"' sh "$1" \
+    local enter='mount --bind "$1" "$1" && cd "$1" && mount -t proc proc proc && shift &&
+        pivot_root . . && umount --lazy . && exec chroot . "$@"'
+    "${as_root[@]}" unshare --mount sh -c "$enter" sh "$1" \
         env -i --chdir="$checkout_inside" PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 "${@:2}"
 }

@@ -25,6 +25,8 @@ class CleanDebian:
         processes, temporary = root / "proc", root / tempfile.gettempdir().lstrip("/")
         self.mounted = processes, temporary
         temporary.mkdir(parents=True, exist_ok=True)
+        # unshare needs a root that is mounted.
+        subprocess.run(("mount", "--bind", root, root), check=True)
         subprocess.run(("mount", "-t", "proc", "proc", processes), check=True)
         subprocess.run(("mount", "--bind", tempfile.gettempdir(), temporary), check=True)
 
