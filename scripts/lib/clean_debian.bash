@@ -63,5 +63,6 @@ run_inside() {
     local enter='mount --bind "$1" "$1" && cd "$1" && mount -t proc proc proc && shift &&
         pivot_root . . && umount --lazy . && exec chroot . "$@"'
     "${as_root[@]}" unshare --mount sh -c "$enter" sh "$1" \
-        env -i --chdir="$checkout_inside" PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 "${@:2}"
+        env -i --chdir="$checkout_inside" PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root \
+        LC_ALL=C.UTF-8 "${@:2}"
 }

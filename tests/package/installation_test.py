@@ -77,7 +77,11 @@ class Files(unittest.TestCase):
 
     def test_the_font_has_its_own_licence_beside_it(self):
         fonts = prefix / "lib" / "vantorelle" / "fonts"
-        self.assertIn("LIBERATION", (fonts / "copyright").read_text())
+        copyright_text = (fonts / "copyright").read_text()
+        self.assertRegex(
+            copyright_text, r"LIBERATION font software|Upstream-Name: Liberation Fonts"
+        )
+        self.assertIn("/usr/share/common-licenses/GPL-2", copyright_text)
         self.assertIn("GNU GENERAL PUBLIC LICENSE", (fonts / "GPL-2").read_text())
 
 
