@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/owned.h"
+
 namespace {
 
 std::string without_mnemonic(const char *label) {
@@ -118,6 +120,11 @@ GtkLabel *find_label(GtkWidget *root, const std::string &text) {
 std::string message_of(GtkWindow *dialog) {
   const std::vector<GtkLabel *> labels = shown_labels(GTK_WIDGET(dialog));
   return labels.empty() ? "" : gtk_label_get_text(labels.front());
+}
+
+std::string tooltip_of(GtkWidget *widget) {
+  const OwnedText text(gtk_widget_get_tooltip_text(widget));
+  return text ? text.get() : "";
 }
 
 GtkLabel *label_of(GtkWidget *widget) {

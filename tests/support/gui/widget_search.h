@@ -32,5 +32,7 @@ std::vector<std::string> button_labels(GtkWidget *root);
 GtkLabel *find_label(GtkWidget *root, const std::string &text);
 // The text of the first shown label that is not part of a button; "" when there is none.
 std::string message_of(GtkWindow *dialog);
+// "" when it has none.
+std::string tooltip_of(GtkWidget *widget);
 // The label whose mnemonic widget it is; null when there is none.
 GtkLabel *label_of(GtkWidget *widget);

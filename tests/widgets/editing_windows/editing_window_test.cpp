@@ -695,10 +695,8 @@ TEST_F(EditingWindow, MovingOnKeepsTheDialogWhenTheRemarkIsRefused) {
 TEST_F(EditingWindow, KeysAddACodeAndSave) {
   write_paper();
   check([] {
-    EXPECT_STREQ(gtk_widget_get_tooltip_text(GTK_WIDGET(find_button(window(), "Add new"))),
-                 "Key: Ctrl+N");
-    EXPECT_STREQ(gtk_widget_get_tooltip_text(GTK_WIDGET(find_button(window(), "Save codeset"))),
-                 "Key: Ctrl+S");
+    EXPECT_EQ(tooltip_of(GTK_WIDGET(find_button(window(), "Add new"))), "Key: Ctrl+N");
+    EXPECT_EQ(tooltip_of(GTK_WIDGET(find_button(window(), "Save codeset"))), "Key: Ctrl+S");
     press_key(GDK_KEY_n, GDK_CONTROL_MASK);
   });
   enter_remark("3", "Fold");

@@ -215,7 +215,11 @@ protected:
     system.install_font();
   }
 
-  static bool run() { return v_startup_run(application()); }
+  // A start-up that fails ends the program, so what an earlier one has opened is released first.
+  static bool run() {
+    v_startup_release_font_library();
+    return v_startup_run(application());
+  }
 
   // Expects that exactly the first `count` icons are loaded.
   static void expect_icons(std::size_t count) {

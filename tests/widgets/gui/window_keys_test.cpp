@@ -163,9 +163,9 @@ TEST_F(WindowKeys, TheButtonShowsItsKey) {
   v_window_keys_add(window.get(), GDK_KEY_n, GDK_CONTROL_MASK, button);
   EXPECT_STREQ(atk_action_get_keybinding(ATK_ACTION(accessible), 0), ";;Ctrl+N");
   EXPECT_EQ(atk_action_get_keybinding(ATK_ACTION(accessible), 1), nullptr);
-  EXPECT_STREQ(gtk_widget_get_tooltip_text(GTK_WIDGET(button)), "Key: Ctrl+N");
+  EXPECT_EQ(tooltip_of(GTK_WIDGET(button)), "Key: Ctrl+N");
   EXPECT_STREQ(atk_object_get_description(accessible), "Key: Ctrl+N");
   v_window_keys_add_in_list(window.get(), list, GDK_KEY_Delete, button);
   EXPECT_STREQ(atk_action_get_keybinding(ATK_ACTION(accessible), 0), ";;Delete");
-  EXPECT_STREQ(gtk_widget_get_tooltip_text(GTK_WIDGET(button)), "Key: Delete (in the list)");
+  EXPECT_EQ(tooltip_of(GTK_WIDGET(button)), "Key: Delete (in the list)");
 }
