@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "base/owned.h"
+#include "gui/answering_button.h"
 #include "gui/owned_objects.h"
 
 namespace {
@@ -44,4 +45,5 @@ void v_window_commands_add(GtkWindow *window, guint key, GdkModifierType modifie
 void v_window_commands_announce(GtkButton *button, const char *key) {
   const OwnedText text(g_strdup_printf("Key: %s", key));
   gtk_widget_set_tooltip_text(GTK_WIDGET(button), text.get());
+  v_answering_button_set_key(V_ANSWERING_BUTTON(button), key);
 }

@@ -12,5 +12,5 @@ GtkAccelGroup *v_window_commands_get_keys(GtkWindow *window);
 // The key calls the command. data must outlive the window.
 void v_window_commands_add(GtkWindow *window, guint key, GdkModifierType modifiers,
                            VWindowCommand command, void *data);
-// Shows the key (UTF-8) in the button's tooltip, which assistive technology reads as well.
+// Names the key (UTF-8) in the button's tooltip and to assistive technology.
 void v_window_commands_announce(GtkButton *button, const char *key);

@@ -646,6 +646,9 @@ TEST_F(LangstrEditorTest, NamesEachFieldByItsLanguage) {
   EXPECT_STREQ(spoken_description(combo(0)), "Language");
   EXPECT_STREQ(spoken_name(combo(0)), german);
   EXPECT_STREQ(spoken_description(plus_button()), "Add a translation");
+  EXPECT_STREQ(atk_action_get_keybinding(
+                   ATK_ACTION(gtk_widget_get_accessible(GTK_WIDGET(plus_button()))), 0),
+               ";;Ctrl+Return");
   EXPECT_STREQ(spoken_description(delete_button(1)), "Delete this translation");
 }
 
