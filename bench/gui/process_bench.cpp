@@ -53,6 +53,6 @@ void add_row(const char *what, const char *unit, double target, int repetitions,
 } // namespace
 
 void v_bench_add_process_rows() {
-  add_row("Start until the main window is mapped", "s", 1.2, 21, measure_start);
+  add_row("Start until the main window is mapped", "s", 1.2, 41, measure_start);
   add_row("Memory when idle in the main window", "MiB", 1.25, 5, measure_memory);
 }

@@ -24,7 +24,7 @@ struct BundledFileSelector {
   OwnedText result; // null until a file was chosen
 };
 
-void cell_data_func(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *model,
+void cell_data_func(GtkTreeViewColumn *column, GtkCellRenderer *cell, GtkTreeModel *model,
                     GtkTreeIter *row, void *);
 void ok_callback(GtkButton *button, BundledFileSelector *state);
 
@@ -73,9 +73,9 @@ OwnedText read_path(const BundledFileSelector *state) {
 // ---- Handlers -----------------------------------------------------------------------------------
 
 // Called by the list for each row that it draws or measures.
-void cell_data_func(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *model,
+void cell_data_func(GtkTreeViewColumn *column, GtkCellRenderer *cell, GtkTreeModel *model,
                     GtkTreeIter *row, void *) {
-  v_component_list_show_text(cell,
+  v_component_list_show_text(column, cell,
                              v_component_list_get_text(model, row, v_component_column_text).get());
 }
 

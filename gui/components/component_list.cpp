@@ -53,6 +53,18 @@ void set_text(GtkListStore *list, GtkTreeIter *row, const char *text) {
   }
 }
 
+// Computed when the first row is shown: then the view is in its window and has its style.
+int get_longest_text(GtkTreeViewColumn *column, GtkCellRenderer *cell) {
+  if (const int known = GPOINTER_TO_INT(g_object_get_data(G_OBJECT(cell), longest_text_key))) {
+    return known;
+  }
+  GtkWidget *view = gtk_tree_view_column_get_tree_view(column);
+  const int room = v_screen_area_count_characters(view, button_characters, other_pixels);
+  const int longest = std::min(longest_text, room);
+  g_object_set_data(G_OBJECT(cell), longest_text_key, GINT_TO_POINTER(longest));
+  return longest;
+}
+
 } // namespace
 
 OwnedObject<GtkListStore> v_component_list_new() {
@@ -127,10 +139,6 @@ GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
   GtkTreeView *view = v_gui_add_tree_view(GTK_CONTAINER(scrolled_window), HeadersVisible::no,
                                           FixedHeight::no, SelectionMode::single);
   GtkCellRenderer *cell = gtk_cell_renderer_text_new();
-  const int room =
-      v_screen_area_count_characters(GTK_WIDGET(view), button_characters, other_pixels);
-  g_object_set_data(G_OBJECT(cell), longest_text_key,
-                    GINT_TO_POINTER(std::min(longest_text, room)));
   gtk_tree_view_insert_column_with_data_func(view, -1, "Item", cell, cell_data_func, nullptr,
                                              nullptr);
   gtk_tree_view_set_model(view, GTK_TREE_MODEL(list));
@@ -144,9 +152,9 @@ void v_component_list_set_accessible_name(GtkTreeView *view, const VComponentKin
   v_gui_set_accessible_name(GTK_WIDGET(view), name.get());
 }
 
-void v_component_list_show_text(GtkCellRenderer *cell, const char *text) {
-  const int limit = GPOINTER_TO_INT(g_object_get_data(G_OBJECT(cell), longest_text_key));
-  const int longest = limit > 0 ? limit : longest_text;
+void v_component_list_show_text(GtkTreeViewColumn *column, GtkCellRenderer *cell,
+                                const char *text) {
+  const int longest = get_longest_text(column, cell);
   const bool overlong = g_utf8_strlen(text, -1) > longest;
   g_object_set(cell, "text", text, "ellipsize",
                overlong ? PANGO_ELLIPSIZE_END : PANGO_ELLIPSIZE_NONE, "width-chars",

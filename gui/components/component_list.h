@@ -50,9 +50,10 @@ GtkTreeView *v_component_list_pack_view(GtkBox *box, GtkListStore *list,
 void v_component_list_set_accessible_name(GtkTreeView *view, const VComponentKind &kind);
 // New text that the row shows: its display text, or else its file.
 OwnedText v_component_list_get_shown_text(GtkTreeModel *model, GtkTreeIter *row);
-// Shows plain text in the cell. Overlong text ends in an ellipsis when the window has no room for
-// it: there is no horizontal scroll bar, and no file may make the window wider than the screen.
-void v_component_list_show_text(GtkCellRenderer *cell, const char *text);
+// Shows plain text in the cell of a view's column. Overlong text ends in an ellipsis when the
+// window has no room for it: there is no horizontal scroll bar, and no file may make the window
+// wider than the screen.
+void v_component_list_show_text(GtkTreeViewColumn *column, GtkCellRenderer *cell, const char *text);
 // New text from a column of a row; null for none.
 OwnedText v_component_list_get_text(GtkTreeModel *model, GtkTreeIter *row, VComponentColumn column);
 // The row of that number (from 0), if there is one.

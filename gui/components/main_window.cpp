@@ -37,7 +37,7 @@ struct MainWindow {
 
 using ClickedCallback = void (*)(GtkButton *button, MainWindow *state);
 
-void cell_data_func(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *model,
+void cell_data_func(GtkTreeViewColumn *column, GtkCellRenderer *cell, GtkTreeModel *model,
                     GtkTreeIter *row, void *);
 void selection_change_callback(GtkTreeSelection *selection, MainWindow *state);
 void add_from_file_callback(GtkButton *button, MainWindow *state);
@@ -205,9 +205,9 @@ const char *get_entry_name(const OwnedText &path) {
 // While a handler waits for another window, the list and even the main window may change.
 
 // Called by the list for each row that it draws or measures. Incompatible files are red.
-void cell_data_func(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *model,
+void cell_data_func(GtkTreeViewColumn *column, GtkCellRenderer *cell, GtkTreeModel *model,
                     GtkTreeIter *row, void *) {
-  v_component_list_show_text(cell, v_component_list_get_shown_text(model, row).get());
+  v_component_list_show_text(column, cell, v_component_list_get_shown_text(model, row).get());
   if (v_component_list_get_text(model, row, v_component_column_text)) {
     g_object_set(cell, "foreground-set", FALSE, nullptr);
   } else {

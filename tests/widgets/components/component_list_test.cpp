@@ -100,16 +100,21 @@ TEST_F(ComponentList, IsAListInAFrameThatScrolls) {
 
 TEST_F(ComponentList, ShortensByCharacters) {
   const OwnedObject<GtkCellRenderer> cell = sink(gtk_cell_renderer_text_new());
+  const OwnedObject<GtkBox> box(
+      GTK_BOX(g_object_ref_sink(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0))));
+  const OwnedObject<GtkListStore> list = v_component_list_new();
+  GtkTreeViewColumn *column =
+      gtk_tree_view_get_column(v_component_list_pack_view(box.get(), list.get(), nullptr), 0);
   const std::string accented = "\u00e9";
   std::string text;
   for (int i = 0; i < 100; i++) {
     text += accented;
   }
   PangoEllipsizeMode mode = PANGO_ELLIPSIZE_MIDDLE;
-  v_component_list_show_text(cell.get(), text.c_str());
+  v_component_list_show_text(column, cell.get(), text.c_str());
   g_object_get(cell.get(), "ellipsize", &mode, nullptr);
   EXPECT_EQ(mode, PANGO_ELLIPSIZE_NONE);
-  v_component_list_show_text(cell.get(), (text + accented).c_str());
+  v_component_list_show_text(column, cell.get(), (text + accented).c_str());
   g_object_get(cell.get(), "ellipsize", &mode, nullptr);
   EXPECT_EQ(mode, PANGO_ELLIPSIZE_END);
 }
