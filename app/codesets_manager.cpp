@@ -3,7 +3,6 @@
 #include "app/user_session.h"
 #include "codeset/codeset_io.h"
 #include "gui/components/main_window.h"
-#include "gui/editing/spell_checker_cache.h"
 #include "workspace/display_text.h"
 
 void run(int, char **) {
@@ -14,7 +13,6 @@ void run(int, char **) {
     run_main_window(&context);
     v_user_session_end(std::move(workspace));
   }
-  v_spell_checker_cache_clean_up();
 }
 
 void run_main_window(RunContext *context) {

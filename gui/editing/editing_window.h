@@ -1,13 +1,16 @@
 #pragma once
 // The window in which one codeset file is edited: its name, author, version and remark codes.
 
+#include "gui/editing/spell_checker_cache.h"
 #include "gui/window_stack.h"
 #include "workspace/workspace.h"
 
-// The objects of one run of the tool, all borrowed.
+// The objects of one run of the tool.
 struct RunContext {
-  VWindowStack *window_stack = nullptr;
-  VWorkspace *workspace = nullptr;
+  VWindowStack *window_stack = nullptr; // borrowed
+  VWorkspace *workspace = nullptr;      // borrowed
+  // A window finds the checkers that an earlier one has loaded.
+  VSpellCheckerCacheOwner spell_checkers = {};
 };
 
 // Edits the file at the path (UTF-8), or a new codeset when there is none, and returns when the

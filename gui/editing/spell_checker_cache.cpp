@@ -9,6 +9,7 @@ namespace {
 
 // One for each language that any field has been checked in.
 std::vector<OwnedObject<GspellChecker>> checkers;
+int owner_count = 0;
 
 } // namespace
 
@@ -24,4 +25,10 @@ GspellChecker *v_spell_checker_cache_get(const GspellLanguage *language) {
   return checkers.emplace_back(take(gspell_checker_new(language))).get();
 }
 
-void v_spell_checker_cache_clean_up() { checkers.clear(); }
+VSpellCheckerCacheOwner::VSpellCheckerCacheOwner() { ++owner_count; }
+
+VSpellCheckerCacheOwner::~VSpellCheckerCacheOwner() {
+  if (--owner_count == 0) {
+    checkers.clear();
+  }
+}

@@ -8,6 +8,14 @@
 // The checker of the language (null: gspell's default), borrowed. Callers must not change it: a
 // field that adds words or switches the language needs a checker of its own.
 GspellChecker *v_spell_checker_cache_get(const GspellLanguage *language);
-// Releases all checkers; no field may use one any more. Must be called before the program ends,
-// because the libraries behind a checker are shut down before static objects.
-void v_spell_checker_cache_clean_up();
+
+// Owns the cache, with any other owner; each run of the tool has one. The last owner frees all
+// checkers when it is destroyed, and no field may use one then. Without an owner the checkers would
+// outlive the libraries behind them, which are shut down before static objects.
+class VSpellCheckerCacheOwner {
+public:
+  VSpellCheckerCacheOwner();
+  ~VSpellCheckerCacheOwner();
+  VSpellCheckerCacheOwner(const VSpellCheckerCacheOwner &) = delete;
+  VSpellCheckerCacheOwner &operator=(const VSpellCheckerCacheOwner &) = delete;
+};

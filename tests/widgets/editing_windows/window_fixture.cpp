@@ -27,6 +27,8 @@ std::vector<T *> table_column(GtkWidget *root, GType type) {
 
 } // namespace
 
+std::unique_ptr<VSpellCheckerCacheOwner> WindowFixture::checkers;
+
 WindowFixture::WindowFixture() {
   workspace.folder_path = copy_text(folder.path());
   workspace.settings = v_settings_new(folder.path());

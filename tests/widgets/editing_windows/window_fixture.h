@@ -1,6 +1,7 @@
 #pragma once
 // The objects that the editing windows borrow, and the rows of their language-string editors.
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 
 #include "gui/editing/editing_widgets.h"
 #include "gui/editing/langstr_editor.h"
+#include "gui/editing/spell_checker_cache.h"
 #include "gui/window_stack.h"
 #include "support/files.h"
 #include "support/gui_driver.h"
@@ -15,6 +17,10 @@
 
 class WindowFixture : public testing::Test {
 protected:
+  // The dictionaries are loaded once for all tests of a suite.
+  static void SetUpTestSuite() { checkers = std::make_unique<VSpellCheckerCacheOwner>(); }
+  static void TearDownTestSuite() { checkers.reset(); }
+
   WindowFixture();
 
   VSettings *settings() { return workspace.settings.get(); }
@@ -26,6 +32,9 @@ protected:
   VWorkspace workspace; // preferred languages: English, Swedish
   OwnedWindowStack window_stack = v_window_stack_new();
   GuiScript script;
+
+private:
+  static std::unique_ptr<VSpellCheckerCacheOwner> checkers;
 };
 
 bool is_on_top(const std::string &title);
