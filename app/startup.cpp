@@ -27,7 +27,7 @@ OwnedFontFace view_font_face;
 
 const cairo_user_data_key_t destroy_ft_face_key = {};
 
-bool fail(const char *message) {
+bool fail_with_message(const char *message) {
   v_error_set(message);
   return false;
 }
@@ -49,14 +49,14 @@ bool open_resources() {
 bool make_view_font(OwnedFtFace ft_face) {
   OwnedFontFace face(cairo_ft_font_face_create_for_ft_face(ft_face.get(), 0));
   if (cairo_font_face_status(face.get()) != CAIRO_STATUS_SUCCESS) {
-    return fail("Couldn't load required fonts.");
+    return fail_with_message("Couldn't load required fonts.");
   }
   const auto done_face = [](void *data) { FT_Done_Face(static_cast<FT_Face>(data)); };
   if (cairo_font_face_set_user_data(face.get(), &destroy_ft_face_key, ft_face.get(), done_face) !=
       CAIRO_STATUS_SUCCESS) {
     // Free the cairo face before the FreeType face that it draws with.
     face.reset();
-    return fail("Couldn't use required fonts.");
+    return fail_with_message("Couldn't use required fonts.");
   }
   static_cast<void>(ft_face.release()); // the cairo face frees it from now on
   view_font_face = std::move(face);
@@ -77,7 +77,7 @@ bool v_startup_run(GtkApplication *application) {
 
 bool v_startup_init_font_library() {
   return FT_Init_FreeType(&ft_library) == 0 ||
-         fail("Couldn't initialize the FreeType font library.");
+         fail_with_message("Couldn't initialize the FreeType font library.");
 }
 
 void v_startup_apply_resolution_rule(GdkScreen *screen) {
@@ -107,7 +107,7 @@ bool v_startup_load_view_font() {
   }
   OwnedFtFace ft_face;
   if (FT_New_Face(ft_library, name.get(), 0, receive(ft_face)) != 0) {
-    return fail("Couldn't open required fonts.");
+    return fail_with_message("Couldn't open required fonts.");
   }
   return make_view_font(std::move(ft_face));
 }

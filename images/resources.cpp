@@ -15,7 +15,7 @@ using OwnedArchive = Owned<zip_t, zip_discard>;
 
 OwnedArchive archive;
 
-bool fail(zip_error_t *error) {
+bool fail_with_zip_error(zip_error_t *error) {
   v_error_set_from_zip_error(error);
   zip_error_fini(error);
   return false;
@@ -29,13 +29,13 @@ bool v_resources_open() {
   zip_source_t *source =
       zip_source_buffer_create(v_resources_archive_data, v_resources_archive_length, 0, &error);
   if (source == nullptr) {
-    return fail(&error);
+    return fail_with_zip_error(&error);
   }
   archive.reset(zip_open_from_source(source, ZIP_RDONLY, &error));
   if (!archive) {
     // zip_open_from_source takes ownership of the source only when it succeeds.
     zip_source_free(source);
-    return fail(&error);
+    return fail_with_zip_error(&error);
   }
   zip_error_fini(&error);
   return true;
