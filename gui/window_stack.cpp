@@ -1,7 +1,6 @@
 #include "gui/window_stack.h"
 
-#include <cstdarg>
-
+#include "base/text_buffer.h"
 #include "covered_windows.h"
 #include "gui/key_guard.h"
 #include "gui/owned_objects.h"
@@ -313,10 +312,7 @@ void v_window_stack_set_busy_window_message(VWindowStack *window_stack, const ch
 
 void v_window_stack_set_busy_window_message_utf8_printf(VWindowStack *window_stack,
                                                         const char *format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  const OwnedText message(g_strdup_vprintf(format, arguments));
-  va_end(arguments);
+  V_FORMAT_ARGUMENTS(message, format);
   v_window_stack_set_busy_window_message(window_stack, message.get());
 }
 
