@@ -19,7 +19,8 @@ ApplicationConfiguration process_app_conf;
 bool startup_successful = false;
 bool running = false;
 
-// Shutdown steps for the drawing and styling of other tools; empty in this one.
+// The shutdown of every tool of the suite has these two steps. They are empty here: this tool draws
+// no text sheets, and no style outlives its widget.
 void clean_up_text_sheet_drawing() {}
 void clean_up_widget_styles() {}
 
