@@ -9,10 +9,10 @@
 
 namespace {
 
-constexpr MessageKind info_kind = {"Message", nullptr, ButtonSet::ok};
-constexpr MessageKind error_kind = {"Error", "dialog-error", ButtonSet::close};
-constexpr MessageKind warning_kind = {"Warning", "dialog-warning", ButtonSet::close};
-constexpr MessageKind question_kind = {"Question", "dialog-question", ButtonSet::none};
+constexpr MessageKind info_kind = {"Message", nullptr, VButtonSet::ok};
+constexpr MessageKind error_kind = {"Error", "dialog-error", VButtonSet::close};
+constexpr MessageKind warning_kind = {"Warning", "dialog-warning", VButtonSet::close};
+constexpr MessageKind question_kind = {"Question", "dialog-question", VButtonSet::none};
 
 // Lines of the program's own messages are shorter; a long path or a text from a file may be longer.
 constexpr int widest_line = 120; // characters
@@ -78,7 +78,7 @@ void pack_message(GtkDialog *dialog, GtkBox *box, const char *text) {
 }
 
 GtkDialog *create_dialog(const char *title, const char *icon_name, const char *text,
-                         ButtonSet button_set) {
+                         VButtonSet button_set) {
   GtkDialog *dialog = v_gui_create_dialog(title, button_set);
   GtkBox *box =
       v_gui_pack_hbox(GTK_BOX(gtk_dialog_get_content_area(dialog)), Expand::yes, Spacing::standard);
@@ -148,7 +148,7 @@ int v_message_ask_yes_no_question(VWindowStack *window_stack, int default_answer
   const MessageKind *icon_kind =
       warning_icon == WarningIcon::yes ? warning_message : question_message;
   GtkDialog *dialog =
-      create_dialog(question_message->title, icon_kind->icon_name, text, ButtonSet::yes_no);
+      create_dialog(question_message->title, icon_kind->icon_name, text, VButtonSet::yes_no);
   gtk_dialog_set_default_response(dialog, default_answer != 0 ? GTK_RESPONSE_YES : GTK_RESPONSE_NO);
   switch (v_message_run_and_destroy_dialog(window_stack, dialog)) {
   case GTK_RESPONSE_YES:

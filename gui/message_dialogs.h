@@ -15,7 +15,7 @@ enum class WarningIcon { no, yes };
 struct MessageKind {
   const char *title = nullptr;
   const char *icon_name = nullptr; // null for none
-  ButtonSet button_set = ButtonSet::none;
+  VButtonSet button_set = VButtonSet::none;
 };
 
 extern const MessageKind *const info_message;

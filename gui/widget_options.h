@@ -16,7 +16,7 @@ enum class Homogeneous { no, yes };
 enum class Compact { no, yes };
 
 // The buttons that a dialog is made with, in the order in which they are added.
-enum class ButtonSet {
+enum class VButtonSet {
   none = 0,   // the caller adds them
   ok = 1,     // "OK" (GTK_RESPONSE_OK)
   close = 2,  // "Close" (GTK_RESPONSE_CLOSE)

@@ -103,7 +103,7 @@ GtkWindow *v_gui_create_window(const char *title) {
   return window;
 }
 
-GtkDialog *v_gui_create_dialog(const char *title, ButtonSet button_set) {
+GtkDialog *v_gui_create_dialog(const char *title, VButtonSet button_set) {
   GtkDialog *dialog = GTK_DIALOG(gtk_dialog_new());
   gtk_window_set_destroy_with_parent(GTK_WINDOW(dialog), TRUE);
   gtk_window_set_modal(GTK_WINDOW(dialog), TRUE);
@@ -111,17 +111,17 @@ GtkDialog *v_gui_create_dialog(const char *title, ButtonSet button_set) {
     gtk_window_set_title(GTK_WINDOW(dialog), title);
   }
   switch (button_set) {
-  case ButtonSet::none:
+  case VButtonSet::none:
     break;
-  case ButtonSet::ok:
+  case VButtonSet::ok:
     v_gui_add_dialog_button(dialog, "OK", GTK_RESPONSE_OK);
     gtk_dialog_set_default_response(dialog, GTK_RESPONSE_OK);
     break;
-  case ButtonSet::close:
+  case VButtonSet::close:
     v_gui_add_dialog_button(dialog, "Close", GTK_RESPONSE_CLOSE);
     gtk_dialog_set_default_response(dialog, GTK_RESPONSE_CLOSE);
     break;
-  case ButtonSet::yes_no:
+  case VButtonSet::yes_no:
     v_gui_add_dialog_button(dialog, "No", GTK_RESPONSE_NO);
     v_gui_add_dialog_button(dialog, "Yes", GTK_RESPONSE_YES);
     gtk_dialog_set_alternative_button_order(dialog, GTK_RESPONSE_YES, GTK_RESPONSE_NO, -1);

@@ -24,7 +24,7 @@ int v_gui_get_default_margin();
 GtkWindow *v_gui_create_window(const char *title);
 // Modal and destroyed with its parent. The buttons share the width of the dialog, and the borders
 // of the dialog's own areas are 0.
-GtkDialog *v_gui_create_dialog(const char *title, ButtonSet button_set);
+GtkDialog *v_gui_create_dialog(const char *title, VButtonSet button_set);
 // As gtk_dialog_add_button, with a button of the program's own, which a key presses at once. label:
 // a text in which an underscore marks the mnemonic, or the toolkit's name of a stock item.
 GtkButton *v_gui_add_dialog_button(GtkDialog *dialog, const char *label, int response);

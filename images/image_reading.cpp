@@ -14,8 +14,7 @@ OwnedImage decode_png(VInputStream *stream) {
   int width = 0;
   int height = 0;
   bool opaque = false;
-  OwnedPixels pixels =
-      v_png_decompress(stream, VPngAlphaMode::premultiplied, width, height, opaque);
+  OwnedPixels pixels = v_png_decompress(stream, PngAlphaMode::premultiplied, width, height, opaque);
   return pixels ? v_gfx_image_new_for_pixels(std::move(pixels), width, height, opaque) : nullptr;
 }
 

@@ -28,7 +28,7 @@ struct Reader {
 struct Decoding {
   png_structp png = nullptr;
   png_infop info = nullptr;
-  VPngAlphaMode alpha_mode = VPngAlphaMode::premultiplied;
+  PngAlphaMode alpha_mode = PngAlphaMode::premultiplied;
   png_uint_32 width = 0;
   png_uint_32 height = 0;
   bool has_alpha = false;
@@ -89,7 +89,7 @@ void request_eight_bit_colours(Decoding *decoding) {
     png_set_gray_to_rgb(png);
   }
   decoding->pass_count = png_set_interlace_handling(png);
-  if (decoding->alpha_mode == VPngAlphaMode::on_white) {
+  if (decoding->alpha_mode == PngAlphaMode::on_white) {
     lay_on_white(png);
   }
 }
@@ -136,7 +136,7 @@ std::uint32_t convert_pixel(const Decoding *decoding, const png_byte *samples) {
     return pack(0xff, samples[0], samples[1], samples[2]);
   }
   const std::uint32_t alpha = samples[3];
-  if (decoding->alpha_mode != VPngAlphaMode::premultiplied) {
+  if (decoding->alpha_mode != PngAlphaMode::premultiplied) {
     return pack(alpha, samples[0], samples[1], samples[2]);
   }
   return pack(alpha, multiply(samples[0], alpha), multiply(samples[1], alpha),
@@ -215,8 +215,8 @@ bool create_reader(Reader &reader, VInputStream *stream) {
 
 } // namespace
 
-OwnedPixels v_png_decompress(VInputStream *stream, VPngAlphaMode alpha_mode, int &width,
-                             int &height, bool &opaque) {
+OwnedPixels v_png_decompress(VInputStream *stream, PngAlphaMode alpha_mode, int &width, int &height,
+                             bool &opaque) {
   Reader reader;
   if (!read_signature(stream) || !create_reader(reader, stream)) {
     return nullptr;
@@ -244,21 +244,21 @@ OwnedPixels v_png_decompress(VInputStream *stream, VPngAlphaMode alpha_mode, int
   return pixels;
 }
 
-OwnedPixels v_png_decompress_from_file_path(const char *path, VPngAlphaMode alpha_mode, int &width,
+OwnedPixels v_png_decompress_from_file_path(const char *path, PngAlphaMode alpha_mode, int &width,
                                             int &height, bool &opaque) {
   return v_png_decompress(v_input_stream_new_for_file_path(path).get(), alpha_mode, width, height,
                           opaque);
 }
 
 OwnedPixels v_png_decompress_from_memory(const void *data, std::size_t length,
-                                         VPngAlphaMode alpha_mode, int &width, int &height,
+                                         PngAlphaMode alpha_mode, int &width, int &height,
                                          bool &opaque) {
   return v_png_decompress(v_input_stream_new_for_memory(data, length).get(), alpha_mode, width,
                           height, opaque);
 }
 
 OwnedPixels v_png_decompress_from_zip_file_path(struct zip *archive, const char *entry_name,
-                                                VPngAlphaMode alpha_mode, int &width, int &height,
+                                                PngAlphaMode alpha_mode, int &width, int &height,
                                                 bool &opaque) {
   return v_png_decompress(v_input_stream_new_for_zip_file_path(archive, entry_name).get(),
                           alpha_mode, width, height, opaque);

@@ -7,7 +7,7 @@
 #include "base/streams.h"
 #include "images/image.h"
 
-enum class VPngAlphaMode {
+enum class PngAlphaMode {
   on_white = 0, // the picture is composed on white, no alpha remains
   straight = 1,
   premultiplied = 2,
@@ -18,13 +18,13 @@ enum class VPngAlphaMode {
 // data is not a PNG image.", "Error reading PNG data." (damaged or cut short), "Pixel buffer
 // dimension out of range.", "Unexpected PNG row size: ..." or the out-of-memory message; data whose
 // beginning cannot be read leaves the stream's message.
-OwnedPixels v_png_decompress(VInputStream *stream, VPngAlphaMode alpha_mode, int &width,
-                             int &height, bool &opaque);
-OwnedPixels v_png_decompress_from_file_path(const char *path, VPngAlphaMode alpha_mode, int &width,
+OwnedPixels v_png_decompress(VInputStream *stream, PngAlphaMode alpha_mode, int &width, int &height,
+                             bool &opaque);
+OwnedPixels v_png_decompress_from_file_path(const char *path, PngAlphaMode alpha_mode, int &width,
                                             int &height, bool &opaque);
 OwnedPixels v_png_decompress_from_memory(const void *data, std::size_t length,
-                                         VPngAlphaMode alpha_mode, int &width, int &height,
+                                         PngAlphaMode alpha_mode, int &width, int &height,
                                          bool &opaque);
 OwnedPixels v_png_decompress_from_zip_file_path(struct zip *archive, const char *entry_name,
-                                                VPngAlphaMode alpha_mode, int &width, int &height,
+                                                PngAlphaMode alpha_mode, int &width, int &height,
                                                 bool &opaque);

@@ -16,7 +16,7 @@ GtkBox *pack_frame(GtkBox *box, const char *label, Required required) {
 VLangstrEditor *pack_langstr(GtkBox *box, VWindowStack *window_stack, const VSettings *settings,
                              const char *label, Required required, const VLangstr *value) {
   VLangstrEditor *editor = v_gui_pack_langstr_editor(pack_frame(box, label, required), window_stack,
-                                                     settings, VLangstrEditorMode::single_line,
+                                                     settings, LangstrEditorMode::single_line,
                                                      value, nullptr, ActivatesDefault::no);
   v_gui_set_accessible_name(GTK_WIDGET(editor), label);
   return editor;

@@ -26,7 +26,7 @@ VSpacifyingTextView *v_gui_add_spacifying_text_view(GtkContainer *container) {
 }
 
 VLangstrEditor *v_gui_pack_langstr_editor(GtkBox *box, VWindowStack *window_stack,
-                                          const VSettings *settings, VLangstrEditorMode mode,
+                                          const VSettings *settings, LangstrEditorMode mode,
                                           const VLangstr *initial_value,
                                           const VLangstr *locked_texts,
                                           ActivatesDefault activates_default) {

@@ -17,7 +17,7 @@ VSpacifyingEntry *v_gui_pack_spacifying_entry(GtkBox *box, Expand expand, Compac
 VSpacifyingTextView *v_gui_add_spacifying_text_view(GtkContainer *container);
 // Arguments as for v_langstr_editor_new; packed without expanding.
 VLangstrEditor *v_gui_pack_langstr_editor(GtkBox *box, VWindowStack *window_stack,
-                                          const VSettings *settings, VLangstrEditorMode mode,
+                                          const VSettings *settings, LangstrEditorMode mode,
                                           const VLangstr *initial_value,
                                           const VLangstr *locked_texts,
                                           ActivatesDefault activates_default);

@@ -50,15 +50,15 @@ constexpr Targets from_outside = {
     .right = Target::first_row,
 };
 
-const Targets &get_targets(FocusPlace place) {
+const Targets &get_targets(VFocusPlace place) {
   switch (place) {
-  case FocusPlace::text_field:
+  case VFocusPlace::text_field:
     return from_text_field;
-  case FocusPlace::row_button:
+  case VFocusPlace::row_button:
     return from_row_button;
-  case FocusPlace::plus_button:
+  case VFocusPlace::plus_button:
     return from_plus_button;
-  case FocusPlace::outside:
+  case VFocusPlace::outside:
     break;
   }
   return from_outside;
@@ -84,7 +84,7 @@ Target get_target(const Targets &targets, FocusKey key) {
 
 } // namespace
 
-std::optional<std::size_t> v_focus_order_find_row(FocusPosition position, FocusKey key,
+std::optional<std::size_t> v_focus_order_find_row(VFocusPosition position, FocusKey key,
                                                   std::size_t row_count) {
   std::size_t row = row_count;
   switch (get_target(get_targets(position.place), key)) {

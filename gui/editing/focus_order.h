@@ -6,15 +6,15 @@
 #include <optional>
 
 // row_button: the language or the delete button of a row. plus_button: the one below all rows.
-enum class FocusPlace { text_field, row_button, plus_button, outside };
+enum class VFocusPlace { text_field, row_button, plus_button, outside };
 
-struct FocusPosition {
-  FocusPlace place = FocusPlace::outside;
+struct VFocusPosition {
+  VFocusPlace place = VFocusPlace::outside;
   std::size_t row = 0; // the last row for the plus button, without a meaning outside
 };
 
 enum class FocusKey { tab, shift_tab, up, down, left, right };
 
 // The row whose text field gets the focus; nullopt when the key leads out of the editor.
-std::optional<std::size_t> v_focus_order_find_row(FocusPosition position, FocusKey key,
+std::optional<std::size_t> v_focus_order_find_row(VFocusPosition position, FocusKey key,
                                                   std::size_t row_count);

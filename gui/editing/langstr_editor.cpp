@@ -22,7 +22,7 @@ constexpr char broken_message[] = "An error occured with the user interface.";
 struct LangstrEditorState {
   VWindowStack *window_stack = nullptr;
   const VSettings *settings = nullptr;
-  VLangstrEditorMode mode = VLangstrEditorMode::single_line;
+  LangstrEditorMode mode = LangstrEditorMode::single_line;
   ActivatesDefault activates_default = ActivatesDefault::no;
   LangstrEditorRows rows;
   bool broken = false;       // not all initial rows could be made
@@ -101,7 +101,7 @@ void add_plus_button(VLangstrEditor *editor) {
   v_window_commands_announce(state->plus_button.get(), "Ctrl+Return");
   state->clicked_handler =
       g_signal_connect(state->plus_button.get(), "clicked", G_CALLBACK(add_row_callback), editor);
-  if (state->mode == VLangstrEditorMode::multi_line) {
+  if (state->mode == LangstrEditorMode::multi_line) {
     state->plus_alignment = sink(v_gui_create_alignment_for_widget(
         1.0f, 1.0f, 0.0f, 0.0f, GTK_WIDGET(state->plus_button.get())));
   }
@@ -290,7 +290,7 @@ static void v_langstr_editor_init(VLangstrEditor *editor) {
 }
 
 GtkWidget *v_langstr_editor_new(VWindowStack *window_stack, const VSettings *settings,
-                                VLangstrEditorMode mode, const VLangstr *initial_value,
+                                LangstrEditorMode mode, const VLangstr *initial_value,
                                 const VLangstr *locked_texts, ActivatesDefault activates_default) {
   auto *editor = V_LANGSTR_EDITOR(g_object_new(V_TYPE_LANGSTR_EDITOR, nullptr));
   LangstrEditorState *state = editor->state;
@@ -327,9 +327,9 @@ int v_langstr_editor_get_text(VLangstrEditor *editor, OwnedLangstr &langstr) {
 
 OwnedText v_langstr_editor_get_focused_language(VLangstrEditor *editor) {
   const LangstrEditorState *state = editor->state;
-  const FocusPosition position =
+  const VFocusPosition position =
       v_langstr_editor_focus_find(GTK_WIDGET(editor), state->rows, state->plus_button.get());
-  return position.place == FocusPlace::text_field
+  return position.place == VFocusPlace::text_field
              ? v_langstr_editor_row_get_language(state->rows[position.row].get())
              : nullptr;
 }

@@ -23,7 +23,7 @@ G_DECLARE_FINAL_TYPE(VLangstrEditor, v_langstr_editor, V, LANGSTR_EDITOR, GtkBox
 // among locked_texts (null: none) cannot be changed. activates_default: Enter in a one-line field
 // presses the window's default button.
 GtkWidget *v_langstr_editor_new(VWindowStack *window_stack, const VSettings *settings,
-                                VLangstrEditorMode mode, const VLangstr *initial_value,
+                                LangstrEditorMode mode, const VLangstr *initial_value,
                                 const VLangstr *locked_texts, ActivatesDefault activates_default);
 // Returns 1 with the rows that have a text, in row order (null when all are empty), or 0 with null
 // and a message: two texts in one language, or a field or language that cannot be read.

@@ -54,27 +54,27 @@ std::vector<GtkWidget *> list_stops(const LangstrEditorRows &rows, GtkButton *pl
 
 } // namespace
 
-FocusPosition v_langstr_editor_focus_find(GtkWidget *editor, const LangstrEditorRows &rows,
-                                          GtkButton *plus_button) {
+VFocusPosition v_langstr_editor_focus_find(GtkWidget *editor, const LangstrEditorRows &rows,
+                                           GtkButton *plus_button) {
   GtkWidget *focus_widget = get_focus_widget(editor);
   for (std::size_t i = 0; i < rows.size(); i++) {
     if (is_inside(focus_widget, rows[i]->text_field.get())) {
-      return {FocusPlace::text_field, i};
+      return {VFocusPlace::text_field, i};
     }
     if (is_inside(focus_widget, rows[i]->language_combo.get()) ||
         is_inside(focus_widget, rows[i]->delete_button.get())) {
-      return {FocusPlace::row_button, i};
+      return {VFocusPlace::row_button, i};
     }
   }
   if (is_inside(focus_widget, plus_button) && !rows.empty()) {
-    return {FocusPlace::plus_button, rows.size() - 1};
+    return {VFocusPlace::plus_button, rows.size() - 1};
   }
   return {};
 }
 
 bool v_langstr_editor_focus_move(GtkWidget *editor, const LangstrEditorRows &rows,
                                  GtkButton *plus_button, GtkDirectionType direction) {
-  const FocusPosition position = v_langstr_editor_focus_find(editor, rows, plus_button);
+  const VFocusPosition position = v_langstr_editor_focus_find(editor, rows, plus_button);
   const std::optional<std::size_t> row =
       v_focus_order_find_row(position, to_focus_key(direction), rows.size());
   return row && v_langstr_editor_row_grab_focus(rows[*row].get());

@@ -6,8 +6,8 @@
 #include "langstr_editor_row.h"
 
 // The position of the focus of the editor's window.
-FocusPosition v_langstr_editor_focus_find(GtkWidget *editor, const LangstrEditorRows &rows,
-                                          GtkButton *plus_button);
+VFocusPosition v_langstr_editor_focus_find(GtkWidget *editor, const LangstrEditorRows &rows,
+                                           GtkButton *plus_button);
 // Moves the focus to the text field that the key leads to; false when there is none or it does not
 // take the focus.
 bool v_langstr_editor_focus_move(GtkWidget *editor, const LangstrEditorRows &rows,

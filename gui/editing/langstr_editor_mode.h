@@ -1,4 +1,4 @@
 #pragma once
 // The number of lines that the texts of a VLangstrEditor have.
 
-enum class VLangstrEditorMode { single_line = 0, multi_line = 1 };
+enum class LangstrEditorMode { single_line = 0, multi_line = 1 };

@@ -69,7 +69,7 @@ constexpr FieldKind text_view_kind = {
 };
 
 const FieldKind &kind_of(const LangstrEditorRow *row) {
-  return row->mode == VLangstrEditorMode::multi_line ? text_view_kind : entry_kind;
+  return row->mode == LangstrEditorMode::multi_line ? text_view_kind : entry_kind;
 }
 
 // ---- Spelling -----------------------------------------------------------------------------------
@@ -189,7 +189,7 @@ gboolean combo_scroll_event_callback(GtkWidget *combo, GdkEvent *, void *) {
 
 void add_delete_button(LangstrEditorRow *row) {
   row->delete_button = sink(v_langstr_editor_row_create_button(" - ", "Delete this translation"));
-  if (row->mode == VLangstrEditorMode::multi_line) {
+  if (row->mode == LangstrEditorMode::multi_line) {
     row->delete_alignment = sink(v_gui_create_alignment_for_widget(
         0.0f, 1.0f, 0.0f, 0.0f, GTK_WIDGET(row->delete_button.get())));
   }
@@ -211,7 +211,7 @@ void add_entry(LangstrEditorRow *row, ActivatesDefault activates_default) {
 }
 
 void add_text_field(LangstrEditorRow *row, ActivatesDefault activates_default) {
-  if (row->mode == VLangstrEditorMode::multi_line) {
+  if (row->mode == LangstrEditorMode::multi_line) {
     add_text_view(row);
   } else {
     add_entry(row, activates_default);
@@ -247,7 +247,7 @@ bool add_language_combo(LangstrEditorRow *row, const VSettings *settings,
 } // namespace
 
 std::unique_ptr<LangstrEditorRow>
-v_langstr_editor_row_new(VLangstrEditor *editor, VLangstrEditorMode mode,
+v_langstr_editor_row_new(VLangstrEditor *editor, LangstrEditorMode mode,
                          ActivatesDefault activates_default, const VSettings *settings,
                          const LangstrEditorRows &other_rows, const VLangstr *translation) {
   auto row = std::make_unique<LangstrEditorRow>();

@@ -19,7 +19,7 @@ typedef struct _VLangstrEditor VLangstrEditor;
 // A row holds a reference to each of its widgets, so that they outlive the tables that show them.
 struct LangstrEditorRow {
   VLangstrEditor *editor = nullptr; // for the editor's own handlers
-  VLangstrEditorMode mode = VLangstrEditorMode::single_line;
+  LangstrEditorMode mode = LangstrEditorMode::single_line;
   bool text_locked = false; // the row cannot be deleted either
   bool language_locked = false;
   OwnedObject<GtkScrolledWindow> scroller; // around the text field; null unless multi-line
@@ -37,7 +37,7 @@ using LangstrEditorRows = std::vector<std::unique_ptr<LangstrEditorRow>>;
 // the translation; for null it has no text and the first language that no other row has. Null when
 // the choice of the language cannot be made. The text field takes the focus.
 std::unique_ptr<LangstrEditorRow>
-v_langstr_editor_row_new(VLangstrEditor *editor, VLangstrEditorMode mode,
+v_langstr_editor_row_new(VLangstrEditor *editor, LangstrEditorMode mode,
                          ActivatesDefault activates_default, const VSettings *settings,
                          const LangstrEditorRows &other_rows, const VLangstr *translation);
 // Disconnects all handlers that have the row as data, also the editor's. To be called before the

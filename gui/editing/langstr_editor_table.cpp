@@ -40,9 +40,9 @@ void take_out(GtkWidget *child, void *table) { gtk_container_remove(GTK_CONTAINE
 
 } // namespace
 
-GtkTable *v_langstr_editor_table_new(VLangstrEditorMode mode, const LangstrEditorRows &rows,
+GtkTable *v_langstr_editor_table_new(LangstrEditorMode mode, const LangstrEditorRows &rows,
                                      GtkWidget *plus_widget) {
-  const bool multi_line = mode == VLangstrEditorMode::multi_line;
+  const bool multi_line = mode == LangstrEditorMode::multi_line;
   const guint height = multi_line ? 2 : 1; // of an editor row, in table rows
   // An editor without rows still shows its plus button.
   const guint bottom = std::max(height * static_cast<guint>(rows.size()), 1u);

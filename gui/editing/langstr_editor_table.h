@@ -5,7 +5,7 @@
 
 // plus_widget: the plus button, in multi-line mode the alignment around it. Floating, like every
 // new widget.
-GtkTable *v_langstr_editor_table_new(VLangstrEditorMode mode, const LangstrEditorRows &rows,
+GtkTable *v_langstr_editor_table_new(LangstrEditorMode mode, const LangstrEditorRows &rows,
                                      GtkWidget *plus_widget);
 // Removes all widgets from the table, and the hidden table from its container.
 void v_langstr_editor_table_drop(GtkTable *table, GtkContainer *container);

@@ -43,7 +43,7 @@ void pack_code(RemarkDialog *state, GtkBox *box) {
 void pack_description(RemarkDialog *state, GtkBox *box) {
   v_gui_pack_label_for_input_field(box, "Short description", Required::yes, 0.0F, 0.0F);
   state->description_editor = v_gui_pack_langstr_editor(
-      box, state->window_stack, state->settings, VLangstrEditorMode::single_line,
+      box, state->window_stack, state->settings, LangstrEditorMode::single_line,
       state->remark->description.get(), nullptr, ActivatesDefault::yes);
   v_gui_set_accessible_group_name(GTK_WIDGET(state->description_editor), "Short description");
   g_signal_connect(state->description_editor, "shrunk", G_CALLBACK(shrunk_callback), state);

@@ -30,7 +30,7 @@ struct Picture {
   bool opaque = false;
 };
 
-Picture decode(const std::uint8_t *data, std::size_t size, VPngAlphaMode mode) {
+Picture decode(const std::uint8_t *data, std::size_t size, PngAlphaMode mode) {
   Picture picture;
   set_old_message();
   picture.pixels =
@@ -54,9 +54,9 @@ bool is_premultiplied(std::uint32_t pixel) {
 }
 
 void check_alpha_modes(const std::uint8_t *data, std::size_t size, const OwnedImage &image) {
-  const Picture premultiplied = decode(data, size, VPngAlphaMode::premultiplied);
-  const Picture straight = decode(data, size, VPngAlphaMode::straight);
-  const Picture on_white = decode(data, size, VPngAlphaMode::on_white);
+  const Picture premultiplied = decode(data, size, PngAlphaMode::premultiplied);
+  const Picture straight = decode(data, size, PngAlphaMode::straight);
+  const Picture on_white = decode(data, size, PngAlphaMode::on_white);
   for (const Picture *picture : {&premultiplied, &straight, &on_white}) {
     require((picture->pixels != nullptr) == (image != nullptr), "all modes succeed or fail alike");
   }

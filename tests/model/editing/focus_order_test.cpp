@@ -10,7 +10,7 @@ constexpr int leaves = -1;
 
 struct Row {
   const char *name;
-  FocusPosition from;
+  VFocusPosition from;
   // The row whose text field has the focus then.
   int tab;
   int shift_tab;
@@ -20,7 +20,7 @@ struct Row {
   int right;
 };
 
-int find_row(FocusPosition from, FocusKey key, std::size_t row_count) {
+int find_row(VFocusPosition from, FocusKey key, std::size_t row_count) {
   const std::optional<std::size_t> row = v_focus_order_find_row(from, key, row_count);
   return row ? static_cast<int>(*row) : leaves;
 }
@@ -41,9 +41,9 @@ TEST(FocusOrder, MovesFromFieldToField) {
   //                     from                              tab shift up down left right
   expect_rows(
       {
-          {"first field", {FocusPlace::text_field, 0}, 1, leaves, leaves, 1, leaves, leaves},
-          {"middle field", {FocusPlace::text_field, 1}, 2, 0, 0, 2, leaves, leaves},
-          {"last field", {FocusPlace::text_field, 2}, leaves, 1, 1, leaves, leaves, leaves},
+          {"first field", {VFocusPlace::text_field, 0}, 1, leaves, leaves, 1, leaves, leaves},
+          {"middle field", {VFocusPlace::text_field, 1}, 2, 0, 0, 2, leaves, leaves},
+          {"last field", {VFocusPlace::text_field, 2}, leaves, 1, 1, leaves, leaves, leaves},
       },
       3);
 }
@@ -51,10 +51,10 @@ TEST(FocusOrder, MovesFromFieldToField) {
 TEST(FocusOrder, MovesFromAButtonToItsOwnFieldOrToTheNext) {
   expect_rows(
       {
-          {"first row", {FocusPlace::row_button, 0}, 1, 0, leaves, 1, 0, leaves},
-          {"middle row", {FocusPlace::row_button, 1}, 2, 1, 0, 2, 1, leaves},
-          {"last row", {FocusPlace::row_button, 2}, leaves, 2, 1, leaves, 2, leaves},
-          {"plus button", {FocusPlace::plus_button, 2}, leaves, 2, 1, leaves, 2, leaves},
+          {"first row", {VFocusPlace::row_button, 0}, 1, 0, leaves, 1, 0, leaves},
+          {"middle row", {VFocusPlace::row_button, 1}, 2, 1, 0, 2, 1, leaves},
+          {"last row", {VFocusPlace::row_button, 2}, leaves, 2, 1, leaves, 2, leaves},
+          {"plus button", {VFocusPlace::plus_button, 2}, leaves, 2, 1, leaves, 2, leaves},
       },
       3);
 }
@@ -66,9 +66,9 @@ TEST(FocusOrder, EntersAtTheFirstFieldOrBackwardsAtTheLast) {
 TEST(FocusOrder, StaysInTheOnlyRow) {
   expect_rows(
       {
-          {"field", {FocusPlace::text_field, 0}, leaves, leaves, leaves, leaves, leaves, leaves},
-          {"row button", {FocusPlace::row_button, 0}, leaves, 0, leaves, leaves, 0, leaves},
-          {"plus button", {FocusPlace::plus_button, 0}, leaves, 0, leaves, leaves, 0, leaves},
+          {"field", {VFocusPlace::text_field, 0}, leaves, leaves, leaves, leaves, leaves, leaves},
+          {"row button", {VFocusPlace::row_button, 0}, leaves, 0, leaves, leaves, 0, leaves},
+          {"plus button", {VFocusPlace::plus_button, 0}, leaves, 0, leaves, leaves, 0, leaves},
           {"outside", {}, 0, 0, 0, 0, 0, 0},
       },
       1);

@@ -30,7 +30,7 @@ struct Decoded {
   std::string message;
 };
 
-Decoded decode(const std::string &file, VPngAlphaMode alpha_mode = VPngAlphaMode::premultiplied) {
+Decoded decode(const std::string &file, PngAlphaMode alpha_mode = PngAlphaMode::premultiplied) {
   v_error_set("An old message.");
   Decoded decoded;
   const OwnedPixels pixels = v_png_decompress_from_memory(
@@ -65,7 +65,7 @@ std::string noise(std::size_t length) {
 struct Conversion {
   const char *name;
   PngPicture picture;
-  VPngAlphaMode alpha_mode;
+  PngAlphaMode alpha_mode;
   Pixels pixels;
   bool opaque;
 };
@@ -74,9 +74,9 @@ std::ostream &operator<<(std::ostream &stream, const Conversion &conversion) {
   return stream << conversion.name;
 }
 
-constexpr auto premultiplied = VPngAlphaMode::premultiplied;
-constexpr auto straight = VPngAlphaMode::straight;
-constexpr auto on_white = VPngAlphaMode::on_white;
+constexpr auto premultiplied = PngAlphaMode::premultiplied;
+constexpr auto straight = PngAlphaMode::straight;
+constexpr auto on_white = PngAlphaMode::on_white;
 
 const std::vector<png_color> red_green_blue = {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}};
 const PngPicture translucent = {
@@ -349,7 +349,7 @@ TEST(PngDecoding, LaysOnWhiteInLightWhereTheFileTellsItsGamma) {
 
 TEST(PngDecoding, TheGammaOfAFileMattersOnWhiteAlone) {
   PngPicture picture = translucent;
-  for (const VPngAlphaMode mode : {premultiplied, straight}) {
+  for (const PngAlphaMode mode : {premultiplied, straight}) {
     picture.gamma = 0;
     const Decoded plain = decode(encode_png(picture), mode);
     picture.gamma = 1 / 2.2;
@@ -381,7 +381,7 @@ TEST(PngDecoding, InterlacedPicturesEqualPlainOnes) {
           picture.palette = {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12}};
           picture.palette_alpha = {100, 200};
         }
-        for (const VPngAlphaMode alpha_mode : {premultiplied, straight, on_white}) {
+        for (const PngAlphaMode alpha_mode : {premultiplied, straight, on_white}) {
           picture.interlaced = false;
           const Decoded plain = decode(encode_png(picture), alpha_mode);
           picture.interlaced = true;

@@ -57,7 +57,7 @@ TEST_F(EditingWidgetsTest, PacksEditorsNotExpanding) {
   const OwnedWindowStack stack = v_window_stack_new();
   const VSettings settings;
   expect_packing(v_gui_pack_langstr_editor(box, stack.get(), &settings,
-                                           VLangstrEditorMode::single_line, nullptr, nullptr,
+                                           LangstrEditorMode::single_line, nullptr, nullptr,
                                            ActivatesDefault::no),
                  false);
   gtk_widget_destroy(GTK_WIDGET(box));

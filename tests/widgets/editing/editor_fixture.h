@@ -18,7 +18,7 @@ protected:
     }
   }
 
-  void make(const Translations &value, VLangstrEditorMode mode = VLangstrEditorMode::single_line,
+  void make(const Translations &value, LangstrEditorMode mode = LangstrEditorMode::single_line,
             const Translations &locked = {},
             ActivatesDefault activates_default = ActivatesDefault::no) {
     const OwnedLangstr initial_value = langstr_of(value);
@@ -27,7 +27,7 @@ protected:
         stack.get(), &settings, mode, initial_value.get(), locked_texts.get(), activates_default)));
     g_signal_connect(widget, "shrunk", G_CALLBACK(+[](VLangstrEditor *, int *count) { ++*count; }),
                      &shrunk_count);
-    multi_line = mode == VLangstrEditorMode::multi_line;
+    multi_line = mode == LangstrEditorMode::multi_line;
   }
 
   VLangstrEditor *editor() { return V_LANGSTR_EDITOR(widget); }

@@ -81,7 +81,7 @@ TEST_F(LangstrEditorFocusTest, MovesFromFieldToField) {
 }
 
 TEST_F(LangstrEditorFocusTest, MovesTheSameWayInMultiLineMode) {
-  make({{"sv", "a"}, {"en-uk", "b"}, {"de-de", "c"}}, VLangstrEditorMode::multi_line);
+  make({{"sv", "a"}, {"en-uk", "b"}, {"de-de", "c"}}, LangstrEditorMode::multi_line);
   expect_moves(moves_of_three_rows);
 }
 
@@ -96,7 +96,7 @@ TEST_F(LangstrEditorFocusTest, StaysInTheOnlyRow) {
 }
 
 TEST_F(LangstrEditorFocusTest, DoesNotMoveToALockedField) {
-  make({{"sv", "a"}, {"en-uk", "b"}, {"de-de", "c"}}, VLangstrEditorMode::single_line,
+  make({{"sv", "a"}, {"en-uk", "b"}, {"de-de", "c"}}, LangstrEditorMode::single_line,
        {{"en-uk", "b"}});
   expect_moves({
       {{Part::field, 0}, {leaves, leaves, leaves, leaves, leaves, leaves}},
@@ -155,7 +155,7 @@ TEST_F(LangstrEditorFocusTest, PassesItsFocusWhenItsWindowBecomesActiveLater) {
 }
 
 TEST_F(LangstrEditorFocusTest, MovesToTheFieldOfANewRow) {
-  for (const auto mode : {VLangstrEditorMode::single_line, VLangstrEditorMode::multi_line}) {
+  for (const auto mode : {LangstrEditorMode::single_line, LangstrEditorMode::multi_line}) {
     make({{"sv", "a"}}, mode);
     const ShownWindow host(widget);
     for (guint row = 1; row < 4; row++) {
@@ -170,12 +170,12 @@ TEST_F(LangstrEditorFocusTest, MovesToTheFieldOfANewRow) {
 }
 
 TEST_F(LangstrEditorFocusTest, MovesToTheFieldOfARowWhoseLanguageChanges) {
-  for (const auto mode : {VLangstrEditorMode::single_line, VLangstrEditorMode::multi_line}) {
+  for (const auto mode : {LangstrEditorMode::single_line, LangstrEditorMode::multi_line}) {
     make({{"sv", "first"}, {"en-uk", "second"}}, mode);
     const ShownWindow host(widget);
     gtk_combo_box_set_active(combo(1), 2);
     EXPECT_EQ(host.focus(), field(1));
-    if (mode == VLangstrEditorMode::single_line) {
+    if (mode == LangstrEditorMode::single_line) {
       EXPECT_FALSE(gtk_editable_get_selection_bounds(GTK_EDITABLE(field(1)), nullptr, nullptr));
     }
     gtk_widget_destroy(widget);

@@ -24,7 +24,7 @@ constexpr char undefined[] = "Undefined";
 constexpr char broken[] = "An error occured with the user interface.";
 constexpr char unknown[] = "An unknown program error has occured.";
 
-constexpr auto multi_line_mode = VLangstrEditorMode::multi_line;
+constexpr auto multi_line_mode = LangstrEditorMode::multi_line;
 
 // One line per translation: tag, equals sign, text.
 std::string describe(const OwnedLangstr &langstr) {
@@ -145,7 +145,7 @@ void turn_wheel(GtkWidget *over, GdkScrollDirection direction) {
 
 // The window scrolls instead.
 TEST_F(LangstrEditorTest, TheWheelDoesNotChangeTheLanguage) {
-  for (const VLangstrEditorMode mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
+  for (const LangstrEditorMode mode : {LangstrEditorMode::single_line, multi_line_mode}) {
     make({{"sv", "a"}, {"en-uk", "b"}}, mode);
     {
       const ShownWindow host(widget);
@@ -360,7 +360,7 @@ TEST_F(LangstrEditorTest, SelectsTheFirstLanguageWhenAllAreTaken) {
 }
 
 TEST_F(LangstrEditorTest, KeepsTheRestOfARowWhenTheTableIsRebuilt) {
-  for (const auto mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
+  for (const auto mode : {LangstrEditorMode::single_line, multi_line_mode}) {
     make({{"sv", "a"}, {"fr-fr", "b"}, {"en-uk", "c"}}, mode);
     enter(1, "changed");
     gtk_combo_box_set_active(combo(2), 2);
@@ -435,7 +435,7 @@ TEST_F(LangstrEditorTest, MayBeDestroyedInAShrunkHandler) {
 }
 
 TEST_F(LangstrEditorTest, EmitsChangedAfterEachChange) {
-  for (const auto mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
+  for (const auto mode : {LangstrEditorMode::single_line, multi_line_mode}) {
     make({{"sv", "a"}}, mode);
     std::string seen;
     const auto look = +[](VLangstrEditor *changed_editor, std::string *text) {
@@ -468,7 +468,7 @@ TEST_F(LangstrEditorTest, MayBeDestroyedInAChangedHandler) {
 }
 
 TEST_F(LangstrEditorTest, FreesTheWidgetsOfADeletedRow) {
-  for (const auto mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
+  for (const auto mode : {LangstrEditorMode::single_line, multi_line_mode}) {
     make({{"sv", "a"}, {"en-uk", "b"}}, mode);
     GtkWidget *gone[] = {field(0), GTK_WIDGET(combo(0)), delete_button(0), GTK_WIDGET(table())};
     for (GtkWidget *&each : gone) {
@@ -496,7 +496,7 @@ TEST_F(LangstrEditorTest, AnswersRealClicks) {
 }
 
 TEST_F(LangstrEditorTest, IsDestroyedWithAllItsRows) {
-  for (const auto mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
+  for (const auto mode : {LangstrEditorMode::single_line, multi_line_mode}) {
     make({{"sv", "a"}, {"en-uk", "b"}, {"fr-fr", "c"}, {"", "d"}}, mode);
     for (int i = 0; i < 12; i++) {
       click(plus_button());
@@ -579,7 +579,7 @@ TEST_F(LangstrEditorTest, LaysOutTwoTableRowsPerRowInMultiLineMode) {
 
 TEST_F(LangstrEditorTest, LetsEnterActivateTheDefaultOnlyWhenAsked) {
   for (const auto activates : {ActivatesDefault::yes, ActivatesDefault::no}) {
-    make({}, VLangstrEditorMode::single_line, {}, activates);
+    make({}, LangstrEditorMode::single_line, {}, activates);
     click(plus_button());
     for (guint row = 0; row < 2; row++) {
       EXPECT_EQ(gtk_entry_get_activates_default(GTK_ENTRY(field(row))) != FALSE,
@@ -591,7 +591,7 @@ TEST_F(LangstrEditorTest, LetsEnterActivateTheDefaultOnlyWhenAsked) {
 }
 
 TEST_F(LangstrEditorTest, LocksTexts) {
-  make({{"sv", "a"}, {"", "b"}, {"de-de", "c"}}, VLangstrEditorMode::single_line,
+  make({{"sv", "a"}, {"", "b"}, {"de-de", "c"}}, LangstrEditorMode::single_line,
        {{"sv", "anything"}, {"", "whatever"}, {"fi", "not there"}});
   const struct {
     bool text;
@@ -624,7 +624,7 @@ TEST_F(LangstrEditorTest, ChecksTheSpellingInTheRowsLanguage) {
                    {3, "de_DE"}, {4, "fr"},    {5, "off"}, // several dictionaries match
                    {6, "off"},                             // its dictionary is not installed
                    {1, "en_GB"}};
-  for (const auto mode : {VLangstrEditorMode::single_line, multi_line_mode}) {
+  for (const auto mode : {LangstrEditorMode::single_line, multi_line_mode}) {
     make({}, mode);
     EXPECT_EQ(spelling(0), "sv_SE");
     for (const auto &language : languages) {

@@ -90,7 +90,7 @@ TEST(Accessibility, EscapeCanBeRefusedByTheWindow) {
 
 TEST(Accessibility, EscapeAnswersADialogAtOnce) {
   const FatalWarnings fatal_warnings;
-  GtkDialog *dialog = v_gui_create_dialog("Dialog", ButtonSet::close);
+  GtkDialog *dialog = v_gui_create_dialog("Dialog", VButtonSet::close);
   std::vector<int> responses;
   g_signal_connect(dialog, "response",
                    G_CALLBACK(+[](GtkDialog *, int response, std::vector<int> *all) {

@@ -101,17 +101,17 @@ TEST(WindowWidget, HasTheGivenTitleAndTheMargin) {
 TEST(WindowWidget, DefaultMarginIsEightPixels) { EXPECT_EQ(v_gui_get_default_margin(), 8); }
 
 struct ButtonSetRow {
-  ButtonSet button_set;
+  VButtonSet button_set;
   int number;
   std::vector<std::pair<const char *, int>> buttons;
 };
 
 TEST(DialogWidget, HasTheButtonsOfItsSetInOrder) {
   const ButtonSetRow rows[] = {
-      {ButtonSet::none, 0, {}},
-      {ButtonSet::ok, 1, {{"OK", -5}}},
-      {ButtonSet::close, 2, {{"Close", -7}}},
-      {ButtonSet::yes_no, 4, {{"No", -9}, {"Yes", -8}}},
+      {VButtonSet::none, 0, {}},
+      {VButtonSet::ok, 1, {{"OK", -5}}},
+      {VButtonSet::close, 2, {{"Close", -7}}},
+      {VButtonSet::yes_no, 4, {{"No", -9}, {"Yes", -8}}},
   };
   for (const ButtonSetRow &row : rows) {
     EXPECT_EQ(static_cast<int>(row.button_set), row.number);
@@ -133,7 +133,7 @@ TEST(DialogWidget, HasTheButtonsOfItsSetInOrder) {
 TEST(DialogWidget, YesComesFirstInTheAlternativeOrder) {
   GtkSettings *settings = gtk_settings_get_default();
   g_object_set(settings, "gtk-alternative-button-order", TRUE, nullptr);
-  GtkDialog *dialog = v_gui_create_dialog("Title", ButtonSet::yes_no);
+  GtkDialog *dialog = v_gui_create_dialog("Title", VButtonSet::yes_no);
   const std::vector<GtkWidget *> buttons =
       find_widgets(gtk_dialog_get_action_area(dialog), GTK_TYPE_BUTTON);
   g_object_set(settings, "gtk-alternative-button-order", FALSE, nullptr);
@@ -144,7 +144,7 @@ TEST(DialogWidget, YesComesFirstInTheAlternativeOrder) {
 }
 
 TEST(DialogWidget, IsModalAndDestroyedWithItsParentAndHasNoBorders) {
-  GtkDialog *dialog = v_gui_create_dialog("Ärende", ButtonSet::ok);
+  GtkDialog *dialog = v_gui_create_dialog("Ärende", VButtonSet::ok);
   EXPECT_TRUE(gtk_window_get_modal(GTK_WINDOW(dialog)));
   EXPECT_TRUE(gtk_window_get_destroy_with_parent(GTK_WINDOW(dialog)));
   EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(dialog)), "Ärende");
