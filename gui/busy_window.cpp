@@ -2,6 +2,7 @@
 
 #include "base/owned.h"
 #include "gui/css.h"
+#include "gui/labels.h"
 #include "gui/widgets.h"
 
 namespace {

@@ -4,6 +4,7 @@
 #include "base/text_buffer.h"
 #include "gui/accessibility.h"
 #include "gui/key_guard.h"
+#include "gui/labels.h"
 #include "gui/owned_objects.h"
 #include "gui/widgets.h"
 

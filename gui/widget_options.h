@@ -1,6 +1,6 @@
 #pragma once
-// The options of the functions in gui/widgets.h, for headers that take an option and need none of
-// these functions.
+// The options of the functions that make widgets (gui/widgets.h, labels.h, text_fields.h, lists.h),
+// for headers that take an option and need none of these functions.
 
 enum class Expand { no, yes };
 enum class Spacing { none, standard };

@@ -1,14 +1,10 @@
 #include "gui/widgets.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "gui/answering_button.h"
 #include "gui/css.h"
 #include "gui/height_capped_scroller.h"
+#include "gui/labels.h"
 #include "gui/list_place.h"
-#include "gui/list_scroller.h"
-#include "gui/owned_objects.h"
 #include "gui/placing.h"
 #include "gui/screen_area.h"
 
@@ -18,27 +14,10 @@ constexpr int default_margin = 8;
 constexpr int default_spacing = 8;
 constexpr const char *dialog_css =
     "dialog { -GtkDialog-action-area-border: 0px; -GtkDialog-content-area-border: 0px }";
-// Themes draw the row with the focus so faintly that it is overlooked where no row is selected.
-constexpr const char *list_css =
-    "treeview { outline-style: solid; outline-color: alpha(currentColor, 0.6); }";
-constexpr const char *required_suffix = " <span style=\"italic\" alpha=\"50%\">(Required)</span>";
 
 GtkBox *create_box(GtkOrientation orientation, Spacing spacing) {
   const int pixels = spacing == Spacing::standard ? default_spacing : 0;
   return GTK_BOX(shown(gtk_box_new(orientation, pixels)));
-}
-
-GtkLabel *create_label(const char *text, float x_align, float y_align) {
-  GtkLabel *label = GTK_LABEL(shown(gtk_label_new(text)));
-  gtk_label_set_xalign(label, x_align);
-  gtk_label_set_yalign(label, y_align);
-  return label;
-}
-
-GtkLabel *create_label_with_markup(const char *markup, float x_align, float y_align) {
-  GtkLabel *label = create_label(nullptr, x_align, y_align);
-  gtk_label_set_markup(label, markup);
-  return label;
 }
 
 GtkAlignment *create_alignment(float x_align, float y_align, float x_scale, float y_scale) {
@@ -62,32 +41,6 @@ void make_default_if_asked(GtkButton *button, MakeDefault make_default) {
 void dialog_close_callback(GtkDialog *dialog, void *) {
   g_signal_stop_emission_by_name(dialog, "close");
   gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
-}
-
-glong count_characters_of_longest_line(const char *text) {
-  glong longest = 0;
-  for (const char *line = text; line != nullptr;) {
-    const char *end = std::strchr(line, '\n');
-    longest = std::max(longest, g_utf8_strlen(line, end == nullptr ? -1 : end - line));
-    line = end == nullptr ? nullptr : end + 1;
-  }
-  return longest;
-}
-
-void set_up_scrolled_window(GtkScrolledWindow *scrolled_window, int width, int height) {
-  gtk_scrolled_window_set_overlay_scrolling(scrolled_window, FALSE);
-  gtk_widget_set_size_request(GTK_WIDGET(scrolled_window), width, height);
-}
-
-// A hyphen at the end of a line could be read as a part of a path.
-void forbid_hyphens(GtkLabel *label) {
-  const Owned<PangoAttrList, pango_attr_list_unref> attributes(pango_attr_list_new());
-  pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
-  gtk_label_set_attributes(label, attributes.get());
-}
-
-GtkInputHints without_emojis(GtkInputHints hints) {
-  return static_cast<GtkInputHints>((hints & ~GTK_INPUT_HINT_EMOJI) | GTK_INPUT_HINT_NO_EMOJI);
 }
 
 } // namespace
@@ -192,57 +145,9 @@ GtkBox *v_gui_pack_vbox_in_frame_with_input_field_label(GtkBox *box, Expand expa
   return inner_box;
 }
 
-void v_gui_set_frame_label_markup(GtkFrame *frame, const char *markup) {
-  GtkLabel *label = markup == nullptr ? nullptr : create_label_with_markup(markup, 0.5f, 0.5f);
-  gtk_frame_set_label_widget(frame, label == nullptr ? nullptr : GTK_WIDGET(label));
-}
-
 void v_gui_pack_space(GtkBox *box, int width, int height) {
   GtkAlignment *space = pack_alignment(box, Expand::no, 0.0f, 0.0f, 0.0f, 0.0f);
   gtk_widget_set_size_request(GTK_WIDGET(space), width, height);
-}
-
-OwnedText v_util_format_input_field_label_markup(const char *label, Required required) {
-  const OwnedText escaped_label(g_markup_escape_text(label, -1));
-  return OwnedText(g_strdup_printf("%s:%s", escaped_label.get(),
-                                   required == Required::yes ? required_suffix : ""));
-}
-
-GtkLabel *v_gui_create_label_for_input_field(const char *label, Required required, float x_align,
-                                             float y_align) {
-  return create_label_with_markup(v_util_format_input_field_label_markup(label, required).get(),
-                                  x_align, y_align);
-}
-
-GtkLabel *v_gui_pack_label_for_input_field(GtkBox *box, const char *label, Required required,
-                                           float x_align, float y_align) {
-  return packed(box, Expand::no,
-                v_gui_create_label_for_input_field(label, required, x_align, y_align));
-}
-
-void v_gui_wrap_overlong_label(GtkLabel *label, int widest_line, int reserved_width) {
-  GtkWidget *widget = GTK_WIDGET(label);
-  int width = 0;
-  gtk_widget_get_preferred_width(widget, nullptr, &width);
-  if (count_characters_of_longest_line(gtk_label_get_text(label)) <= widest_line &&
-      width <= v_screen_area_get(widget).width - reserved_width) {
-    return;
-  }
-  const int room = v_screen_area_count_characters(widget, 0, reserved_width);
-  gtk_label_set_line_wrap(label, TRUE);
-  gtk_label_set_line_wrap_mode(label, PANGO_WRAP_WORD_CHAR);
-  gtk_label_set_width_chars(label, std::min(widest_line, room));
-  gtk_label_set_max_width_chars(label, std::min(widest_line, room));
-  forbid_hyphens(label);
-}
-
-GtkLabel *v_gui_pack_label(GtkBox *box, const char *text, float x_align, float y_align) {
-  return packed(box, Expand::no, create_label(text, x_align, y_align));
-}
-
-GtkLabel *v_gui_pack_label_with_markup(GtkBox *box, const char *markup, float x_align,
-                                       float y_align) {
-  return packed(box, Expand::no, create_label_with_markup(markup, x_align, y_align));
 }
 
 GtkButton *v_gui_create_button(const char *label) {
@@ -279,89 +184,6 @@ GtkAlignment *v_gui_create_alignment_for_widget(float x_align, float y_align, fl
   GtkAlignment *alignment = create_alignment(x_align, y_align, x_scale, y_scale);
   added(GTK_CONTAINER(alignment), child);
   return alignment;
-}
-
-GtkEntry *v_gui_create_entry(const char *text, ActivatesDefault activates_default) {
-  GtkEntry *entry = GTK_ENTRY(shown(gtk_entry_new()));
-  v_gui_disable_emojis_in_entry(entry);
-  if (text != nullptr) {
-    v_gui_set_entry_text(entry, text);
-  }
-  gtk_entry_set_activates_default(entry, activates_default == ActivatesDefault::yes);
-  return entry;
-}
-
-GtkEntry *v_gui_pack_entry(GtkBox *box, Expand expand, const char *text,
-                           ActivatesDefault activates_default) {
-  return packed(box, expand, v_gui_create_entry(text, activates_default));
-}
-
-void v_gui_set_entry_text(GtkEntry *entry, const char *text) { gtk_entry_set_text(entry, text); }
-
-const char *v_gui_get_entry_text(GtkEntry *entry) { return gtk_entry_get_text(entry); }
-
-GtkTextView *v_gui_add_text_view(GtkContainer *container, Editable editable) {
-  GtkTextView *text_view = GTK_TEXT_VIEW(shown(gtk_text_view_new()));
-  gtk_text_view_set_wrap_mode(text_view, GTK_WRAP_WORD);
-  gtk_text_view_set_editable(text_view, editable == Editable::yes);
-  gtk_text_view_set_cursor_visible(text_view, editable == Editable::yes);
-  v_gui_disable_emojis_in_text_view(text_view);
-  return added(container, text_view);
-}
-
-void v_gui_disable_emojis_in_entry(GtkEntry *entry) {
-  g_object_set(entry, "show-emoji-icon", FALSE, nullptr);
-  gtk_entry_set_input_hints(entry, without_emojis(gtk_entry_get_input_hints(entry)));
-}
-
-void v_gui_disable_emojis_in_text_view(GtkTextView *text_view) {
-  gtk_text_view_set_input_hints(text_view,
-                                without_emojis(gtk_text_view_get_input_hints(text_view)));
-}
-
-GtkScrolledWindow *v_gui_create_scrolled_window(int width, int height,
-                                                GtkPolicyType horizontal_policy,
-                                                GtkPolicyType vertical_policy,
-                                                GtkShadowType shadow) {
-  GtkScrolledWindow *scrolled_window =
-      GTK_SCROLLED_WINDOW(shown(gtk_scrolled_window_new(nullptr, nullptr)));
-  set_up_scrolled_window(scrolled_window, width, height);
-  gtk_scrolled_window_set_policy(scrolled_window, horizontal_policy, vertical_policy);
-  gtk_scrolled_window_set_shadow_type(scrolled_window, shadow);
-  return scrolled_window;
-}
-
-GtkScrolledWindow *v_gui_pack_list_scrolled_window(GtkBox *box, int width, int height) {
-  auto *scrolled_window = GTK_SCROLLED_WINDOW(shown(v_list_scroller_new()));
-  set_up_scrolled_window(scrolled_window, width, height);
-  gtk_scrolled_window_set_policy(scrolled_window, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
-  gtk_scrolled_window_set_shadow_type(scrolled_window, GTK_SHADOW_IN);
-  return packed(box, Expand::yes, scrolled_window);
-}
-
-GtkScrolledWindow *v_gui_pack_scrolled_window(GtkBox *box, int width, int height,
-                                              GtkPolicyType horizontal_policy,
-                                              GtkPolicyType vertical_policy, GtkShadowType shadow) {
-  return packed(
-      box, Expand::yes,
-      v_gui_create_scrolled_window(width, height, horizontal_policy, vertical_policy, shadow));
-}
-
-GtkTreeView *v_gui_create_tree_view(HeadersVisible headers_visible, FixedHeight fixed_height,
-                                    SelectionMode selection_mode) {
-  GtkTreeView *tree_view = GTK_TREE_VIEW(shown(gtk_tree_view_new()));
-  v_css_style_widget(GTK_WIDGET(tree_view), list_css);
-  gtk_tree_view_set_headers_visible(tree_view, headers_visible == HeadersVisible::yes);
-  gtk_tree_view_set_fixed_height_mode(tree_view, fixed_height == FixedHeight::yes);
-  if (selection_mode == SelectionMode::multiple) {
-    gtk_tree_selection_set_mode(gtk_tree_view_get_selection(tree_view), GTK_SELECTION_MULTIPLE);
-  }
-  return tree_view;
-}
-
-GtkTreeView *v_gui_add_tree_view(GtkContainer *container, HeadersVisible headers_visible,
-                                 FixedHeight fixed_height, SelectionMode selection_mode) {
-  return added(container, v_gui_create_tree_view(headers_visible, fixed_height, selection_mode));
 }
 
 GtkTable *v_gui_create_table(guint rows, guint columns, Homogeneous homogeneous) {

@@ -1,6 +1,7 @@
 #pragma once
 // The widgets that every window is made of, with the house defaults: a margin and a spacing of 8
-// pixels and no emoji input.
+// pixels and no emoji input. Labels, text fields and lists have headers of their own: gui/labels.h,
+// gui/text_fields.h and gui/lists.h. For all of them:
 //
 //   v_gui_create_<x>  makes a widget and shows it;
 //   v_gui_add_<x>     makes it and adds it to a container;
@@ -14,7 +15,6 @@
 
 #include <gtk/gtk.h>
 
-#include "base/owned.h"
 #include "gui/widget_options.h"
 
 // 8 pixels.
@@ -47,28 +47,8 @@ GtkBox *v_gui_pack_hbox_in_alignment(GtkBox *box, Expand expand, Spacing spacing
 GtkBox *v_gui_pack_vbox_in_frame_with_input_field_label(GtkBox *box, Expand expand,
                                                         const char *label, Required required,
                                                         Spacing spacing);
-// Replaces the frame's label; null removes it.
-void v_gui_set_frame_label_markup(GtkFrame *frame, const char *markup);
 // Packs an empty area as a spacer, not expanding.
 void v_gui_pack_space(GtkBox *box, int width, int height);
-
-// Labels, packed without expanding.
-//
-// The markup of an input field's label: the label (plain text), a colon and, for a required field,
-// a pale "(Required)" in italics.
-OwnedText v_util_format_input_field_label_markup(const char *label, Required required);
-GtkLabel *v_gui_create_label_for_input_field(const char *label, Required required, float x_align,
-                                             float y_align);
-GtkLabel *v_gui_pack_label_for_input_field(GtkBox *box, const char *label, Required required,
-                                           float x_align, float y_align);
-// Wraps the text of a label only when a line of it has more than widest_line characters or would
-// make the window wider than the screen, where the rest of the window takes reserved_width pixels.
-// The width is then fixed: the toolkit would keep the window as high as its narrowest form needs.
-void v_gui_wrap_overlong_label(GtkLabel *label, int widest_line, int reserved_width);
-// Plain text: markup is shown literally.
-GtkLabel *v_gui_pack_label(GtkBox *box, const char *text, float x_align, float y_align);
-GtkLabel *v_gui_pack_label_with_markup(GtkBox *box, const char *markup, float x_align,
-                                       float y_align);
 
 // Buttons. label: null makes an empty button, which can hold any child. A button that is made the
 // default needs the box to be inside its window already.
@@ -85,40 +65,7 @@ GtkButton *v_gui_pack_ok_and_cancel(GtkBox *row, GtkWindow *window, GCallback ok
 GtkAlignment *v_gui_create_alignment_for_widget(float x_align, float y_align, float x_scale,
                                                 float y_scale, GtkWidget *child);
 
-// Text fields. text: null leaves the entry empty.
-GtkEntry *v_gui_create_entry(const char *text, ActivatesDefault activates_default);
-GtkEntry *v_gui_pack_entry(GtkBox *box, Expand expand, const char *text,
-                           ActivatesDefault activates_default);
-void v_gui_set_entry_text(GtkEntry *entry, const char *text);
-// Borrowed from the entry until its next change.
-const char *v_gui_get_entry_text(GtkEntry *entry);
-// Wraps at words. One that is not editable shows no cursor either.
-GtkTextView *v_gui_add_text_view(GtkContainer *container, Editable editable);
-// Switch emoji input off, where the toolkit offers it, and ask input methods for none.
-void v_gui_disable_emojis_in_entry(GtkEntry *entry);
-void v_gui_disable_emojis_in_text_view(GtkTextView *text_view);
-
-// Lists and tables.
-//
-// Without overlay scroll bars; width and height are the least size.
-GtkScrolledWindow *v_gui_create_scrolled_window(int width, int height,
-                                                GtkPolicyType horizontal_policy,
-                                                GtkPolicyType vertical_policy,
-                                                GtkShadowType shadow);
-// Packed expanding.
-GtkScrolledWindow *v_gui_pack_scrolled_window(GtkBox *box, int width, int height,
-                                              GtkPolicyType horizontal_policy,
-                                              GtkPolicyType vertical_policy, GtkShadowType shadow);
-// For a list: scrolls downwards, expands, and asks for more rows than the height (pixels) holds.
-GtkScrolledWindow *v_gui_pack_list_scrolled_window(GtkBox *box, int width, int height);
-// FixedHeight::yes makes long lists fast. It demands that every column is of fixed sizing
-// (gtk_tree_view_column_set_sizing with GTK_TREE_VIEW_COLUMN_FIXED) before the column is added,
-// and that no cell wraps.
-GtkTreeView *v_gui_create_tree_view(HeadersVisible headers_visible, FixedHeight fixed_height,
-                                    SelectionMode selection_mode);
-GtkTreeView *v_gui_add_tree_view(GtkContainer *container, HeadersVisible headers_visible,
-                                 FixedHeight fixed_height, SelectionMode selection_mode);
-// Rows and columns keep the default spacing.
+// Tables and choices. Rows and columns keep the default spacing.
 GtkTable *v_gui_create_table(guint rows, guint columns, Homogeneous homogeneous);
 GtkComboBoxText *v_gui_create_combo_box_text();
 

@@ -10,8 +10,8 @@
 #include "gui/idle_call.h"
 #include "gui/list_place.h"
 #include "gui/list_search.h"
+#include "gui/lists.h"
 #include "gui/screen_area.h"
-#include "gui/widgets.h"
 
 namespace {
 

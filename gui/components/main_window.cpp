@@ -8,8 +8,10 @@
 #include "gui/components/component_list.h"
 #include "gui/components/new_file_window.h"
 #include "gui/file_dialogs.h"
+#include "gui/labels.h"
 #include "gui/list_place.h"
 #include "gui/message_dialogs.h"
+#include "gui/text_fields.h"
 #include "gui/widgets.h"
 #include "gui/window_keys.h"
 

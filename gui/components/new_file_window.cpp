@@ -5,7 +5,9 @@
 #include "base/fs_utils.h"
 #include "base/whitespace.h"
 #include "gui/accessibility.h"
+#include "gui/labels.h"
 #include "gui/message_dialogs.h"
+#include "gui/text_fields.h"
 #include "gui/widgets.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include "gui/accessibility.h"
 #include "gui/list_place.h"
 #include "gui/list_search.h"
-#include "gui/widgets.h"
+#include "gui/lists.h"
 #include "workspace/display_text.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include "base/text_encoding.h"
 #include "gui/css.h"
 #include "gui/owned_objects.h"
-#include "gui/widgets.h"
+#include "gui/text_fields.h"
 #include "langstr/supported_languages.h"
 
 struct LangstrDisplayState {

@@ -7,6 +7,7 @@
 #include "gui/accessibility.h"
 #include "gui/editing/editing_widgets.h"
 #include "gui/editing/spell_checker_cache.h"
+#include "gui/lists.h"
 #include "gui/screen_area.h"
 #include "gui/widgets.h"
 #include "langstr/spelling_dictionaries.h"

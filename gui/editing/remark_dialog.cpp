@@ -5,6 +5,7 @@
 #include "base/error.h"
 #include "gui/accessibility.h"
 #include "gui/editing/editing_widgets.h"
+#include "gui/labels.h"
 #include "gui/message_dialogs.h"
 #include "gui/widgets.h"
 #include "gui/window_commands.h"

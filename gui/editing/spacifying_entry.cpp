@@ -5,7 +5,7 @@
 #include "base/text_encoding.h"
 #include "base/whitespace.h"
 #include "gui/editing/latin1_input.h"
-#include "gui/widgets.h"
+#include "gui/text_fields.h"
 
 struct _VSpacifyingEntry {
   GtkEntry parent_instance;

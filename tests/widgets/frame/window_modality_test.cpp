@@ -9,6 +9,7 @@
 #include "app/codesets_manager.h"
 #include "gui/editing/editing_window.h"
 #include "gui/file_dialogs.h"
+#include "gui/labels.h"
 #include "gui/message_dialogs.h"
 #include "gui/owned_objects.h"
 #include "gui/widgets.h"

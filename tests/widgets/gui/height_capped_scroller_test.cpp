@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "gui/owned_objects.h"
+#include "gui/text_fields.h"
 #include "gui/widgets.h"
 #include "support/gui_driver.h"
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "gui/lists.h"
 #include "gui/owned_objects.h"
 #include "gui/widgets.h"
 #include "support/gui_driver.h"

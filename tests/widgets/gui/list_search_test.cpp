@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "gui/lists.h"
 #include "gui/owned_objects.h"
-#include "gui/widgets.h"
 #include "support/gui_driver.h"
 
 namespace {

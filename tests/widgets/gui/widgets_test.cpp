@@ -1,3 +1,6 @@
+#include "gui/labels.h"
+#include "gui/lists.h"
+#include "gui/text_fields.h"
 #include "gui/widgets.h"
 
 #include <string>

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "gui/list_place.h"
+#include "gui/lists.h"
 #include "gui/owned_objects.h"
+#include "gui/text_fields.h"
 #include "gui/widgets.h"
 #include "support/gui_driver.h"
 
