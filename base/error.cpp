@@ -21,7 +21,7 @@ constexpr const char *informative_out_of_memory_text =
     "Alternatively, it could be that you have too many things open/running on your\n"
     "computer simultaneously.";
 
-// cairo's numbers; this floor does not see its headers.
+// Values of cairo_status_t; this folder does not include cairo's headers.
 enum CairoStatus {
   cairo_no_memory = 1,
   cairo_read_error = 10,

@@ -46,7 +46,7 @@ const char *v_file_type_get_media_type(VFileType file_type) {
 }
 
 const char *v_file_type_get_default_file_name_extension_with_period(VFileType file_type) {
-  return find_row(file_type).default_pattern + 1; // behind the "*"
+  return find_row(file_type).default_pattern + 1; // without the "*"
 }
 
 const char *v_file_type_get_default_file_name_extension_wildcard_pattern(VFileType file_type) {

@@ -32,18 +32,18 @@ OwnedText convert(const char *name, decltype(&g_filename_to_utf8) converter, con
   return converted;
 }
 
-// A named pipe blocks until its other end is opened, and a device may have no end. Neither may
-// block the program when it is found in a user's folder.
+// Opening a named pipe blocks until its other end is opened, and reading a device may never end.
+// One that is found in a user's folder must not block the program.
 bool may_never_answer(const char *name, const char *mode) {
   struct stat status;
   return stat(name, &status) == 0 &&
          (S_ISFIFO(status.st_mode) || (S_ISCHR(status.st_mode) && *mode == 'r'));
 }
 
-// A name in the encoding of the system, from its own allocator.
+// A file name in the system's encoding, allocated with malloc.
 using SystemName = Owned<char, std::free>;
 
-// Cannot fail the write: a file system without permissions has none to keep.
+// Ignores errors: a file system without permissions has none to keep.
 void set_permissions(int descriptor, const VFilePermissions &permissions) {
   mode_t mode = permissions.mode;
   struct stat status;
@@ -82,7 +82,7 @@ OwnedFile v_fs_utils_open_file(const char *path, const char *mode) {
   }
   OwnedFile file;
   if (may_never_answer(name.get(), mode)) {
-    errno = ENXIO; // as for a socket
+    errno = ENXIO; // as open does for a socket
   } else {
     file.reset(std::fopen(name.get(), mode));
   }
@@ -116,7 +116,7 @@ OwnedFile v_fs_utils_create_file(const char *path, const VFilePermissions &permi
   if (!name) {
     return nullptr;
   }
-  // For its owner alone until it has its own permissions.
+  // Only the owner may read it until set_permissions.
   const int descriptor = open(name.get(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   OwnedFile file;
   if (descriptor != -1) {
@@ -182,7 +182,7 @@ bool v_fs_utils_create_folder_recursively(const char *path) {
   v_fs_utils_strip_ending_path_delimiters(parent.get());
   v_fs_utils_strip_entry_name_from_path(parent.get());
   v_fs_utils_strip_ending_path_delimiters(parent.get());
-  // The walk upward ends at the empty parent, which no folder can be created for.
+  // The recursion ends when the parent is empty; no folder can be created for an empty path.
   const bool parent_is_missing = *parent != '\0' && v_fs_utils_is_missing(parent.get());
   if (parent_is_missing && !v_fs_utils_create_folder_recursively(parent.get())) {
     return false;
@@ -205,7 +205,7 @@ bool v_fs_utils_delete_file_if_exists(const char *path) {
 void v_fs_utils_discard_file(const char *path) {
   const OwnedText name(g_filename_from_utf8(path, -1, nullptr, nullptr, nullptr));
   struct stat status;
-  // A device was there before and holds nothing of ours.
+  // A device such as /dev/full existed before and holds none of our data.
   const bool is_device = name && lstat(name.get(), &status) == 0 && !S_ISREG(status.st_mode) &&
                          !S_ISLNK(status.st_mode);
   if (name && !is_device && unlink(name.get()) != 0 && errno != ENOENT) {
@@ -220,7 +220,7 @@ bool v_fs_utils_replace_file(const char *path, const char *text) {
   }
   struct stat status;
   const bool is_file = stat(name.get(), &status) == 0 && S_ISREG(status.st_mode);
-  // A rename replaces a link, not its target.
+  // The file is replaced by a rename, which would replace a link and not its target.
   const SystemName target(is_file ? realpath(name.get(), nullptr) : nullptr);
   OwnedError error;
   if (!g_file_set_contents_full(target ? target.get() : name.get(), text, -1,
@@ -244,8 +244,8 @@ bool v_fs_utils_get_info(const char *path, VFileInfo &info) {
   if (stat(name.get(), &status) != 0) {
     return errno == ENOENT || fail_with_errno("Cannot get file status.");
   }
-  // Single bits of the mode, as all tools of the suite read them: a block device has the folder's
-  // bit too, a socket both.
+  // Tests single bits of the mode, as all tools of the suite do: a block device also has the bit of
+  // a folder, a socket has both bits.
   info.exists = 1;
   info.is_folder = (status.st_mode & 0x4000) != 0;
   info.is_file = (status.st_mode & 0x8000) != 0;

@@ -13,7 +13,7 @@ bool begins_with_whitespace(const char *utf8_text) {
   return v_ascii_is_space(*utf8_text) || (first < 0x110000 && g_unichar_isspace(first));
 }
 
-// The two families differ in the parser and in their words alone.
+// The signed and the unsigned parsers differ only in the library function and in these messages.
 struct Words {
   const char *empty;
   const char *leading_whitespace;
@@ -71,7 +71,7 @@ bool parse(Value *out, const char *text, const Words &words,
   if (errno == ERANGE) {
     return fail_with_message(words.overflow);
   }
-  // Covers a text without any digit too: the parser has then passed nothing.
+  // Also rejects a text without any digit: the library then leaves `end` at the start.
   if (end == text || *end != '\0') {
     return fail_with_message(words.invalid_characters);
   }
@@ -118,7 +118,7 @@ bool v_util_parse_uint64(guint64 *out, const char *text) {
   if (!check_beginning(text, unsigned_words)) {
     return false;
   }
-  // The parser itself would take a minus sign and wrap round.
+  // The library accepts a minus sign and wraps around.
   if (*text == '-') {
     return fail_with_message("Unsigned integer value underflow (is negative).");
   }

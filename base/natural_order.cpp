@@ -34,7 +34,7 @@ int compare_left_aligned(const char *a, const char *b) {
   }
 }
 
-// The longer run is greater; of equally long ones the first differing digit decides.
+// The longer run is greater; in runs of equal length the first differing digit decides.
 int compare_right_aligned(const char *a, const char *b) {
   int bias = 0;
   for (;; a++, b++) {
@@ -56,7 +56,7 @@ const char *skip_ignored(const char *text) {
   return text;
 }
 
-// Plain char has no fixed sign.
+// Plain char is signed on some platforms only.
 int compare_signed(char a, char b) {
   const auto signed_a = static_cast<signed char>(a);
   const auto signed_b = static_cast<signed char>(b);
@@ -74,8 +74,8 @@ int compare(const char *a, const char *b) {
               is_fraction ? compare_left_aligned(a, b) : compare_right_aligned(a, b)) {
         return order;
       }
-      // Equal runs are passed whole: digit by digit they would be compared again from each digit
-      // on.
+      // Skips both runs at once. Otherwise the comparison would start again at each of their
+      // digits.
       const std::size_t length = digit_run_length(a);
       a += length;
       b += length;
@@ -120,7 +120,8 @@ std::uint64_t strnatzerocasecmp_key(const char *text) {
       key |= static_cast<std::uint64_t>(byte) << shift;
     }
   };
-  // A character is its byte, moved so that the order of signed bytes becomes that of unsigned ones.
+  // A character is stored as its byte with the top bit flipped: keys are compared unsigned, but
+  // characters are ordered as signed bytes.
   const auto append_character = [&](char byte) {
     append(static_cast<unsigned char>(byte) ^ 0x80U);
   };
@@ -135,11 +136,12 @@ std::uint64_t strnatzerocasecmp_key(const char *text) {
       text++;
       continue;
     }
-    // A number is the byte of any digit, the count of its digits, and the digits, two in a byte.
+    // A number is stored as the byte of a digit, the number of its digits, and the digits, two per
+    // byte.
     append_character('0');
     if (length >= 0xFF) {
       append(0xFF);
-      return key; // here the count no longer tells which number is longer
+      return key; // longer numbers cannot be told apart by their count
     }
     append(static_cast<unsigned>(length));
     for (std::size_t i = 0; i < length; i += 2) {

@@ -9,12 +9,12 @@
 #include <unistd.h>
 
 struct VHeldFile {
-  int descriptor; // a lock on it ends when it is closed
+  int descriptor; // closing it releases the lock
 };
 
 namespace {
 
-// In the file system's encoding; null when there is none for it.
+// The path in the file system's encoding; null when it cannot be converted.
 OwnedText convert(const char *path) {
   return OwnedText(g_filename_from_utf8(path, -1, nullptr, nullptr, nullptr));
 }
@@ -24,8 +24,7 @@ OwnedHeldFile open_without_lock(const char *name, int flags) {
   return OwnedHeldFile(descriptor < 0 ? nullptr : new VHeldFile{descriptor});
 }
 
-// The program that held the file may have removed it, or put another in its place, between opening
-// and locking.
+// Between opening and locking, the program that held the file may have removed or replaced it.
 bool is_still_at(const char *name, int descriptor) {
   struct stat at_name;
   struct stat opened;

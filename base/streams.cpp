@@ -128,7 +128,7 @@ bool copy(VInputStream *source, VOutputStream *destination) {
     const std::byte *data = nullptr;
     std::size_t length = 0;
     if (!v_input_stream_get_some(source, data, length)) {
-      // A part of the source must not be taken for the whole.
+      // A copy of only a part must not pass for the whole.
       destination->is_incomplete = is_begun;
       return false;
     }
@@ -217,8 +217,8 @@ void v_input_stream_destroy(VInputStream *stream) { delete stream; }
 OwnedOutputStream v_output_stream_new_for_file_path(const char *path) {
   OwnedOutputStream stream(new VOutputStream);
   stream->kind = VStreamKind::file;
-  // A file that cannot be deleted is not emptied instead: it may be the very one that is about to
-  // be copied, and the rest of a failed write could not be removed.
+  // A file that cannot be deleted is not truncated instead: it may be the source of the copy, and
+  // the remains of a failed write could not be removed.
   if (v_fs_utils_delete_file_if_exists(path)) {
     stream->file.reset(v_fs_utils_open_file(path, "wb").release());
   }
@@ -303,8 +303,8 @@ bool v_stream_copy_from_file_path_to_file_path(const char *source, const char *d
   if (std::strcmp(source, destination) == 0) {
     return true;
   }
-  // Source first: under another spelling of the same path, deleting the destination would take the
-  // file away before it is open.
+  // The source is opened first: if both are spellings of the same path, the destination's stream
+  // deletes the file.
   const OwnedInputStream input = v_input_stream_new_for_file_path(source);
   const OwnedOutputStream output = v_output_stream_new_for_file_path(destination);
   return copy(input.get(), output.get());

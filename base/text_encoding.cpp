@@ -10,7 +10,7 @@
 
 namespace {
 
-// Eight bytes are tested at a time: nearly all text that is read passes through here.
+// Tests eight bytes at a time: nearly all text that is read goes through here.
 using Word = std::uint64_t;
 
 bool is_ascii(Word word) { return (word & 0x8080808080808080) == 0; }
@@ -21,7 +21,7 @@ bool has_word(const char *text, const char *end) {
   return end - text >= static_cast<std::ptrdiff_t>(sizeof(Word));
 }
 
-// The first byte from 128 up, or the end.
+// The first byte that is not ASCII, or the end.
 const char *skip_ascii(const char *text, const char *end) {
   Word word;
   while (has_word(text, end)) {
@@ -37,7 +37,7 @@ const char *skip_ascii(const char *text, const char *end) {
   return text;
 }
 
-// The same, and copies what it skips. There must be room for the whole text at out.
+// Like skip_ascii, but copies the skipped bytes to out, which must have room for the whole text.
 const char *copy_ascii(char *&out, const char *text, const char *end) {
   Word word;
   while (has_word(text, end)) {
@@ -59,8 +59,7 @@ bool is_latin1_pair(unsigned char first, unsigned char second) {
   return (first == 0xC2 || first == 0xC3) && (second & 0xC0) == 0x80;
 }
 
-// The text in ISO-8859-1, or null when it holds anything but ASCII and two-byte characters up to
-// U+00FF.
+// The text in ISO-8859-1; null when it has a character above U+00FF or is not UTF-8.
 OwnedText decode_latin1(std::string_view utf8_text) {
   const char *end = utf8_text.data() + utf8_text.size();
   OwnedText latin1_text(g_new(char, utf8_text.size() + 1));
@@ -112,8 +111,8 @@ void v_utf8_string_append_latin1(VUtf8String *string, const char *latin1_text) {
 }
 
 OwnedText v_convert_utf8_to_latin1(std::string_view utf8_text) {
-  // No converter: opening one costs as much as parsing a whole remark does, and those of some
-  // systems pass over characters that they take for invisible, in place of refusing them.
+  // Uses no iconv converter: opening one takes as long as parsing a whole remark, and some systems'
+  // converters drop characters that they treat as invisible instead of refusing them.
   OwnedText latin1_text = decode_latin1(utf8_text);
   if (!latin1_text) {
     v_error_set("Character incompatible with ISO-8859-1 found where not allowed.");

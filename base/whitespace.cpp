@@ -7,20 +7,20 @@ namespace {
 
 enum class Rule { strip, detabify, spacify, compact };
 
-// The length in bytes of the whitespace character at the pointer, 0 when there is none. Of other
-// characters every byte counts as one for itself.
+// Length in bytes of the whitespace character at the pointer; 0 for any other character, which is
+// then copied byte by byte.
 int latin1_space_length(const char *text) { return v_ascii_is_space(*text) ? 1 : 0; }
 
 int utf8_space_length(const char *text) {
   const gunichar code_point = g_utf8_get_char_validated(text, -1);
-  // Invalid UTF-8 is not whitespace either.
+  // The range check excludes invalid UTF-8, which is not whitespace.
   const bool is_space = code_point < 0x110000 && g_unichar_isspace(code_point);
   return is_space ? g_utf8_skip[static_cast<unsigned char>(*text)] : 0;
 }
 
-// Whether the text is words with one space between them. No rule changes such a text, and most
-// texts are such. The loop has neither branches nor an early end, so that compilers look at many
-// bytes at once: this is several times faster than normalising.
+// True when the text is words with one space between them, as most texts are; no rule changes such
+// a text. The loop has no branches and no early exit, so that the compiler can vectorise it: this
+// is several times faster than normalising.
 bool is_normal_latin1(const char *text) {
   const std::size_t length = std::strlen(text);
   if (length == 0) {

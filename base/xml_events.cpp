@@ -24,8 +24,8 @@ namespace {
 
 const char *as_text(const xmlChar *text) { return reinterpret_cast<const char *>(text); }
 
-// As the library's tree has it: a prefix that is not declared is part of the name. Room: for a name
-// that has to be put together.
+// The name as in the library's tree: an undeclared prefix is part of it. room: a buffer for a name
+// that has to be joined.
 const char *get_name(std::string &room, const xmlChar *local_name, const xmlChar *prefix,
                      const xmlChar *uri) {
   if (prefix == nullptr || uri != nullptr) {
@@ -35,7 +35,7 @@ const char *get_name(std::string &room, const xmlChar *local_name, const xmlChar
   return room.c_str();
 }
 
-// The entry of the list that is equal; null when there is none.
+// The entry that equals the name; null when there is none.
 const std::string *find(const std::vector<std::string> &names, const char *name) {
   const auto found = std::find_if(names.begin(), names.end(), [name](const std::string &other) {
     return std::strcmp(other.c_str(), name) == 0;
@@ -103,7 +103,8 @@ public:
     return std::all_of(children.begin(), children.end(), std::cref(visit));
   }
 
-  // A hostile file has millions of them: none is moved, and there is no room for twice as many.
+  // A deque: a hostile file has millions of children, and a growing vector would move all of them
+  // and need twice the memory.
   ReusedList<std::deque<RecordedElement>> children;
 };
 
@@ -116,12 +117,12 @@ constexpr int grandchild_depth = 3;
 // Kept in the parser context's private field, which belongs to the application.
 struct EventReading {
   const XmlRootReader *reader = nullptr;
-  int depth = 0;    // of open elements
-  std::string room; // for names, used again
+  int depth = 0;    // number of open elements
+  std::string room; // buffer for get_name
   RecordedParent child;
-  RecordedElement *grandchild = nullptr; // the last of the child's, while it is open
-  bool is_child_recorded = false;        // the open child is one of those that are handed out
-  std::size_t text_length = 0;           // of the text since the last other event, in bytes
+  RecordedElement *grandchild = nullptr; // the open grandchild; null when it is left out
+  bool is_child_recorded = false;        // the open child will be handed out
+  std::size_t text_length = 0;           // bytes of text since the last event of another kind
   bool needs_tree = false;
 };
 
@@ -149,7 +150,7 @@ void record_attributes(RecordedElement &element, std::string &room, int count,
   }
 }
 
-// The record for the item that begins, or null when it is left out.
+// The record for the element or instruction that begins; null when it is left out.
 RecordedElement *begin_record(EventReading &reading, const char *item_name, int depth,
                               bool is_instruction) {
   const bool is_child = depth == child_depth;
@@ -219,7 +220,7 @@ void append_text(EventReading &reading, const xmlChar *text, int length) {
 void characters(void *context, const xmlChar *text, int length) noexcept {
   EventReading &reading = reading_of(context);
   reading.text_length += static_cast<std::size_t>(length);
-  if (reading.text_length > XML_MAX_TEXT_LENGTH) { // no tree holds it
+  if (reading.text_length > XML_MAX_TEXT_LENGTH) { // a tree cannot hold it
     leave_to_tree(context);
   } else {
     append_text(reading, text, length);
@@ -252,7 +253,8 @@ xmlSAXHandler event_handlers() {
   handlers.startElementNs = start_element;
   handlers.endElementNs = end_element;
   handlers.characters = characters;
-  // Any other function here would be given the white space between elements.
+  // With another function here the library would report white space between elements to that
+  // function.
   handlers.ignorableWhitespace = characters;
   handlers.cdataBlock = cdata_block;
   handlers.processingInstruction = processing_instruction;
@@ -273,8 +275,9 @@ Outcome outcome_of(const EventReading &reading, const OwnedXmlDoc &document) {
   return document && !v_xml_has_lost_something() ? Outcome::read : Outcome::failed;
 }
 
-// Two fields of the context are used, both meant for applications: the table of handlers and the
-// private field. The document that comes back is empty and only says that the file is well-formed.
+// Uses only the two fields of the context that are meant for applications, the table of handlers
+// and the private field. The resulting document is empty; it only shows that the file is
+// well-formed.
 Outcome read_by_events(int descriptor, const XmlRootReader &reader) {
   const XmlParserSettings settings;
   EventReading reading;
@@ -284,7 +287,7 @@ Outcome read_by_events(int descriptor, const XmlRootReader &reader) {
   if (parser) {
     parser->_private = &reading;
     *parser->sax = event_handlers();
-    // Without the option an "&" in the value of an attribute is handed out as a reference.
+    // Without this option an "&" in an attribute's value is reported as a reference.
     document.reset(xmlCtxtReadFd(parser.get(), descriptor, nullptr, nullptr, XML_PARSE_NOENT));
   }
   const Outcome outcome = outcome_of(reading, document);
@@ -320,12 +323,12 @@ bool read_by_tree(int descriptor, const XmlRootReader &reader) {
   return true;
 }
 
-// Bytes. The tree of a larger file takes too much memory to be made for its report alone.
+// Bytes. Building the tree of a larger file only for its report takes too much memory.
 constexpr off_t largest_file_reported_by_tree = 16 * 1024 * 1024;
 
-// A tree reports more where a parse fails: the faults of identifiers, for one, and what follows a
-// fault in front of the document type. So the message is replaced by the tree's. The file stays
-// rejected even if it has become readable since.
+// The parse to a tree reports more: for instance faults of identifiers, and what follows a fault in
+// front of the document type. Its message replaces the first one. The file stays rejected even if
+// the second parse succeeds because the file has changed.
 void report_by_tree(int descriptor) {
   struct stat status;
   if (fstat(descriptor, &status) != 0 || status.st_size > largest_file_reported_by_tree) {

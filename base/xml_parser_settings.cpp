@@ -10,14 +10,14 @@
 namespace {
 
 constexpr int maximum_report_lines = 15;
-// Far more than is ever shown; a file with a million faults must not be collected whole.
+// Far more than is ever shown; limits the memory for a file with a million faults.
 constexpr gsize maximum_report_bytes = 64 * 1024;
 
 OwnedUtf8String report; // null while nothing is reported
 
 void collect_report(void *, const char *format, ...) G_GNUC_PRINTF(2, 3);
 
-// The library's messages come in several pieces each.
+// The library calls this several times for each message.
 void collect_report(void *, const char *format, ...) {
   if (!report) {
     report = v_utf8_string_new(nullptr);
@@ -38,7 +38,7 @@ void set_error_from_collected() {
     v_error_set("Unknown XML error.");
     return;
   }
-  // The report quotes lines of the file as they are, whatever their encoding.
+  // The report quotes lines of the file, which may be in any encoding.
   const OwnedText text(g_utf8_make_valid(report->str, static_cast<gssize>(report->len)));
   v_error_set(g_strstrip(text.get()));
   v_error_limit_line_count(maximum_report_lines);

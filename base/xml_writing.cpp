@@ -21,8 +21,8 @@ const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar 
 
 void ignore_report(void *, const char *, ...) {}
 
-// Failures are reported by the error state; the library would print them as well. Clears the
-// library's own record of the last error.
+// Keeps the library from printing failures, which the error state reports, and clears the library's
+// record of its last error.
 class SilentLibrary {
 public:
   SilentLibrary() {
@@ -34,14 +34,14 @@ public:
   SilentLibrary &operator=(const SilentLibrary &) = delete;
 };
 
-// When memory runs out the library may go on with what it has, a node without its name or a
-// document without its encoding, and all that is left of that is its last error.
+// When memory runs out the library may go on with an incomplete result, for instance a node without
+// its name or a document without its encoding. Only its last error then shows it.
 bool has_run_out_of_memory() {
   const xmlError *error = xmlGetLastError();
   return error != nullptr && error->code == XML_ERR_NO_MEMORY;
 }
 
-// Makes a part of a tree; null when it could not be made whole.
+// Makes a part of a tree; null when the part is incomplete.
 template <typename Make>
 auto make_whole(Make make) {
   const SilentLibrary silent;
@@ -85,21 +85,21 @@ struct CloseSaveContext {
 };
 using OwnedSaveContext = std::unique_ptr<xmlSaveCtxt, CloseSaveContext>;
 
-// The save call reports success even on a full disk; only the close, which writes the rest, tells.
+// xmlSaveDoc succeeds even on a full disk; only xmlSaveClose, which writes the rest, fails.
 bool save(xmlDoc *document, OwnedSaveContext context) {
   const bool is_saved = xmlSaveDoc(context.get(), document) != -1;
   const bool is_closed = xmlSaveClose(context.release()) != -1;
   return is_saved && is_closed && !has_run_out_of_memory();
 }
 
-// The library's own writer to a descriptor takes a write that was cut short for a whole one.
+// The library's own writer to a descriptor treats a partial write as complete.
 int write_whole(void *stream, const char *bytes, int length) {
   const auto size = static_cast<std::size_t>(length);
   return std::fwrite(bytes, 1, size, static_cast<std::FILE *>(stream)) == size ? length : -1;
 }
 
-// True for a text with a character that no XML document may hold, not even as a reference. The
-// parser library would write it all the same, and then refuse to read it.
+// True when the text has a character that XML forbids, even as a reference. The library would write
+// it, and then refuse to read the file.
 bool has_forbidden_character(const char *utf8_text) {
   if (utf8_text != nullptr && g_utf8_validate(utf8_text, -1, nullptr)) {
     for (const char *at = utf8_text; *at != '\0'; at = g_utf8_next_char(at)) {
@@ -118,7 +118,7 @@ OwnedXmlDoc v_xml_new_doc() {
                                   "Error when creating new empty XML tree."));
 }
 
-// The node is in the tree from the beginning, so an incomplete one is freed with the tree.
+// The node is put into the tree at once, so an incomplete one is freed with the tree.
 xmlNode *v_xml_add_root_element(xmlDoc *document, const char *name) {
   return or_set_error(make_whole([&] {
                         xmlNode *root = xmlNewDocNode(document, nullptr, as_xml(name), nullptr);
@@ -201,7 +201,7 @@ bool v_xml_write_to_file(xmlDoc *document, const char *path, const char *encodin
     return false;
   }
   const bool is_written = v_xml_write_to_stream(document, file.get(), encoding);
-  // A document that could not be written keeps that message; the file is closed either way.
+  // The file is closed even when writing failed; the message is that of the failed write.
   if (is_written && v_fs_utils_close_file(std::move(file))) {
     return true;
   }

@@ -7,7 +7,7 @@
 
 namespace {
 
-// <bundle>.app/Contents/MacOS: the levels between a bundle's parent folder and its executable.
+// Levels from a bundle's parent folder to its executable: <bundle>.app/Contents/MacOS.
 constexpr int bundle_depth = 3;
 
 // The MacOS folder of the bundle that holds the running program's bundle; null when there is none.

@@ -22,7 +22,8 @@ struct Maker {
   std::int64_t fingerprint = 0;
 };
 
-// The name must match the pattern. Numbers out of range become the limit, which no process has.
+// The name must match the pattern. A number out of range becomes the limit, which no process has as
+// its id.
 Maker get_maker(const char *file_name) {
   const char *process_id = file_name + prefix_length;
   const char *fingerprint = std::strchr(process_id, '.') + 1;
@@ -30,11 +31,11 @@ Maker get_maker(const char *file_name) {
           g_ascii_strtoll(fingerprint, nullptr, 10)};
 }
 
-// The executable's size with the top bit cleared: names carry 31 bits.
+// The executable's size with its top bit cleared, because names hold 31 bits.
 std::int64_t get_fingerprint(const VFileInfo &executable) { return executable.size & 0x7fffffff; }
 
-// False when the executable cannot be examined, for instance because its name cannot be converted:
-// it does not show whether the maker still runs.
+// False also when the executable cannot be examined, for instance because its name cannot be
+// converted: the maker may still run.
 bool is_gone(const Maker &maker) {
   OwnedText path;
   if (!v_platform_get_exe_path_for_process_id(path, maker.process_id)) {
@@ -45,8 +46,8 @@ bool is_gone(const Maker &maker) {
          get_fingerprint(executable) != maker.fingerprint;
 }
 
-// The folder is shared and may have thousands of entries: comparing the prefix first takes a
-// hundredth of the time of the expression.
+// Compares the prefix first, which takes a hundredth of the time of the regular expression: the
+// folder is shared and may have thousands of entries.
 bool is_ours(const char *name, const GRegex *pattern) {
   return g_str_has_prefix(name, name_prefix) &&
          g_regex_match(pattern, name, G_REGEX_MATCH_DEFAULT, nullptr);
@@ -82,8 +83,9 @@ bool clean_up(const char *folder) {
   if (!pattern) {
     return false;
   }
-  // A listing that ends with an error is no failure: the next start deletes the rest. A name that
-  // cannot be converted is not ours, and failing on it would make every start fail.
+  // A listing that ends with an error is not a failure: the next start deletes the rest. Names that
+  // cannot be converted are skipped: they are not ours, and failing on one would make every start
+  // fail.
   while (const OwnedText name = v_fs_utils_next_convertible_folder_entry(listing.get())) {
     clean_up_file(folder, name.get(), pattern.get());
   }
