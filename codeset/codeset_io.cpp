@@ -15,9 +15,9 @@
 
 namespace {
 
-// The state of reading a codeset, one child of the root at a time. A fault in the name
-// takes precedence over one in the author, that over one in the version, and that over one in a
-// remark, wherever they are in the file: the first message of each is kept until the end.
+// State of reading a codeset, one child of the root at a time. Faults are reported in the order
+// name, author, version, remarks, wherever they are in the file, so the first message of each is
+// kept until the end.
 struct CodesetReading {
   bool is_codeset = false;
   OwnedCodeset codeset = v_codeset_new();
@@ -40,7 +40,7 @@ void read_translation(VLangstrCollection &langstr, std::optional<VErrorCopy> &er
   }
 }
 
-// A second version is the worse fault, even where the first one cannot be read.
+// A second version is reported even when the first one cannot be read.
 void read_version(CodesetReading &reading, const XmlElement &element) {
   reading.versions++;
   if (reading.versions == 1) {
@@ -81,7 +81,7 @@ void read_child(CodesetReading &reading, const XmlElement &child) {
 }
 
 bool finish_remarks(CodesetReading &reading) {
-  // The remarks in the list are in front of the one that cannot be read, so their fault is first.
+  // A duplicate is among the remarks in front of the unreadable one, so it is reported first.
   if (!v_remark_list_sort_collection(reading.remarks)) {
     v_error_set("Duplicate remark codes.");
     return false;
@@ -140,7 +140,7 @@ void append_remark(std::string &xml, const VRemark *remark, Codes codes) {
   xml += "\t</remark>\n";
 }
 
-// Fewer and larger writes cost a fraction of what one for each remark does.
+// Large writes take a fraction of the time of one write per remark.
 constexpr std::size_t write_size = 64 * 1024; // bytes
 
 bool write_head_and_remarks(std::FILE *file, const VCodeset *codeset, const VLangstr *name,
@@ -160,7 +160,7 @@ bool write_head_and_remarks(std::FILE *file, const VCodeset *codeset, const VLan
   return v_xml_write_xml(file, xml);
 }
 
-// The last write is the flush: a full disk may show up only here.
+// A full disk may show up only when the last buffer is written.
 bool flush(std::FILE *file) {
   if (std::fflush(file) != 0) {
     v_error_set_file_io_writing();
@@ -174,7 +174,7 @@ bool write_codeset(std::FILE *file, const VCodeset *codeset, const VLangstr *nam
          v_util_fprintf(file, "\n</codeset>\n") && flush(file);
 }
 
-// Codes are written unescaped. This is meant: other tools of the suite write and compare them so.
+// Codes are written unescaped on purpose: the suite's other tools write and compare them like this.
 bool write_codeset_as_it_is(std::FILE *file, const VCodeset *codeset) {
   return write_codeset(file, codeset, codeset->name.get(), Codes::as_they_are);
 }

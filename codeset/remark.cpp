@@ -49,7 +49,7 @@ bool is_greater_than_last(const VRemarkList *list, const VRemark *remark) {
          v_remark_compare_codes(list->tail.prev->code.get(), remark->code.get()) < 0;
 }
 
-// Links the remarks of the list in the order of the keys. Returns whether no code is there twice.
+// Links the remarks in the order of the keys. False when a code occurs twice.
 bool link_in_order(VRemarkList *list, const std::vector<VRemarkKey> &keys) {
   VRemark *last = &list->head;
   for (const VRemarkKey &key : keys) {
@@ -60,7 +60,7 @@ bool link_in_order(VRemarkList *list, const std::vector<VRemarkKey> &keys) {
   return std::adjacent_find(keys.begin(), keys.end(), has_same_code) == keys.end();
 }
 
-// The keys of all remarks of the list are sorted first.
+// keys: of all remarks of the list; sorted in place.
 bool sort(VRemarkList *list, std::vector<VRemarkKey> &keys) {
   std::stable_sort(keys.begin(), keys.end(), is_before);
   return link_in_order(list, keys);
@@ -101,7 +101,7 @@ OwnedRemark v_remark_take(VRemark *remark) {
 }
 
 int v_remark_get_index(const VRemark *remark) {
-  int index = -1; // the head sentinel does not count
+  int index = -1; // -1 for the head sentinel
   while ((remark = remark->prev) != nullptr) {
     index++;
   }
@@ -213,7 +213,7 @@ VRemark *v_remark_list_get_remark_for_code(const VRemarkList *list, const char *
 }
 
 void v_remark_list_copy_remarks(VRemarkList *to, const VRemarkList *from) {
-  // Both may be the same list: do not copy the copies.
+  // Both may be the same list: the copies must not be copied in turn.
   const VRemark *last = from->tail.prev;
   for (const VRemark *remark = &from->head; remark != last;) {
     remark = remark->next;

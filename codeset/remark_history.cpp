@@ -6,8 +6,8 @@
 
 namespace {
 
-// Two remarks, each of which may be none. A step is done and taken back by the same exchange, which
-// leaves it ready for the opposite one.
+// Two remarks, either of which may be null. Doing and taking back a step both exchange the two; the
+// step is then ready for the opposite.
 struct Step {
   VRemark *listed = nullptr;
   OwnedRemark unlisted;
@@ -16,7 +16,7 @@ struct Step {
 VRemarkExchange exchange(VRemarkList *list, Step &step) {
   VRemarkExchange result;
   OwnedRemark removed;
-  // An edited remark mostly keeps its code and its place, so the search begins there.
+  // The search begins at the old place: an edited remark mostly keeps its code.
   VRemark *place = list->head.next;
   int index = 0;
   if (step.listed != nullptr) {
@@ -45,7 +45,7 @@ bool is_identical(const VRemark *a, const VRemark *b) {
 struct VRemarkHistory {
   VRemarkList *list = nullptr;
   std::vector<Step> steps;
-  std::size_t done = 0; // how many of them, from the first on; the others are taken back
+  std::size_t done = 0; // the first steps, up to this number, are done; the others are taken back
 };
 
 namespace {

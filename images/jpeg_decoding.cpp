@@ -16,9 +16,9 @@ namespace {
 
 using OwnedRow = Owned<JSAMPLE, g_free>;
 
-// State of the guarded steps. An error of the library leaves a step by longjmp, so no local of a
-// step may need a destructor: this record and the owners of what it borrows are locals of the
-// steps' callers.
+// State of the guarded steps. An error of the library leaves a step by longjmp, so a step must have
+// no local with a destructor: this record, and the owners of what it borrows, are locals of the
+// step's caller.
 struct Decoding {
   jpeg_decompress_struct library = {};
   jpeg_error_mgr errors = {};
@@ -51,7 +51,7 @@ Decoding *decoding_of(Library *library) {
 
 void ignore_message(j_common_ptr) {}
 
-// Every error of the library unwinds to here; its message is set by then.
+// Errors of the library return here, with the message set.
 bool run_guarded(Decoding *decoding, void (*step)(Decoding *)) {
   if (setjmp(decoding->unwinding) != 0) {
     return false;
@@ -64,7 +64,7 @@ void begin_source(j_decompress_ptr) {}
 
 void end_source(j_decompress_ptr) {}
 
-// All data is in memory from the start, so a request for more means that it ends too soon.
+// Called when the data ends too soon: all of it is in memory from the start.
 boolean fill_source(j_decompress_ptr library) {
   ERREXIT(library, JERR_INPUT_EOF);
   return FALSE;
@@ -115,7 +115,7 @@ Count divide_rounding_up(Count dividend, Count divisor) {
   return (dividend + divisor - 1) / divisor;
 }
 
-// The blocks of 8x8 samples that the components of the picture consist of.
+// The number of 8x8 blocks in all components of the picture.
 Count count_blocks(const jpeg_decompress_struct &library) {
   const std::span components(library.comp_info, static_cast<std::size_t>(library.num_components));
   int widest = 1;
@@ -148,10 +148,10 @@ void read_rows(Decoding *decoding) {
   }
 }
 
-// Upper bound of the blocks that the data can encode. A Huffman code has at least one bit. Every
-// block has a code for its first coefficient and, except in a progressive picture, one for the end
-// of the others. With arithmetic coding one bit can encode thousands of equal blocks, so plain
-// pictures of a moderate size are always accepted.
+// Upper bound for the number of blocks that the data can encode. A Huffman code has at least one
+// bit. Each block has a code for its first coefficient and, except in a progressive picture, one
+// that ends the others. Arithmetic coding can encode thousands of equal blocks in one bit, so such
+// pictures are always accepted up to a moderate size.
 Count limit_blocks(const jpeg_decompress_struct &library, std::size_t length) {
   constexpr Count moderate_block_count = 1 << 18; // 16 million grey pixels
   const Count bits = Count{length} * 8;
@@ -174,7 +174,7 @@ OwnedPixels decompress(Decoding &decoding, const char *data, std::size_t length)
   if (!run_guarded(&decoding, read_header)) {
     return nullptr;
   }
-  // The library makes up missing parts of a picture and allocates memory for them.
+  // The library fills in missing parts of a picture and allocates memory for them.
   if (count_blocks(decoding.library) > limit_blocks(decoding.library, length)) {
     v_error_set("Pixel buffer dimension out of range.");
     return nullptr;

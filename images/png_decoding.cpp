@@ -12,7 +12,6 @@ constexpr std::size_t signature_length = 8;
 
 using OwnedRows = Owned<png_byte, g_free>;
 
-// The library's two records.
 struct Reader {
   png_structp png = nullptr;
   png_infop info = nullptr;
@@ -23,8 +22,9 @@ struct Reader {
   Reader &operator=(const Reader &) = delete;
 };
 
-// State of the guarded steps. An error of the library leaves a step by longjmp, so no local of a
-// step may need a destructor: the owners of what is borrowed here are locals of the steps' caller.
+// State of the guarded steps. An error of the library leaves a step by longjmp, so a step must have
+// no local with a destructor: the owners of what this record borrows are locals of the step's
+// caller.
 struct Decoding {
   png_structp png = nullptr;
   png_infop info = nullptr;
@@ -53,7 +53,7 @@ void read_bytes(png_structp png, png_bytep bytes, std::size_t n) {
   }
 }
 
-// Every error of the library unwinds to here.
+// Errors of the library return here.
 bool run_guarded(Decoding *decoding, void (*step)(Decoding *)) {
   if (setjmp(png_jmpbuf(decoding->png)) != 0) {
     v_error_set("Error reading PNG data.");
@@ -94,12 +94,12 @@ void request_eight_bit_colours(Decoding *decoding) {
   }
 }
 
-// Chunks that do not affect pixels. The library would allocate as much for one as its header
-// promises, which may be 2 GiB in a file of 70 bytes.
+// Chunks that do not affect pixels. The library would allocate the length that the chunk's header
+// states, up to 2 GiB in a file of 70 bytes.
 constexpr png_byte passed_over_chunks[] = "eXIf\0iTXt\0pCAL\0sCAL\0sPLT\0tEXt\0zTXt";
 constexpr int passed_over_chunk_count = sizeof passed_over_chunks / 5;
 
-// Reads the size only: the library must not allocate a row before the size is known to be in range.
+// Reads only the size, which is checked before the library allocates a row.
 void read_size(Decoding *decoding) {
   png_structp png = decoding->png;
   png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);

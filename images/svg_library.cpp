@@ -6,7 +6,7 @@
 
 namespace {
 
-// The library is never closed: its object types could not be registered a second time.
+// The library is never unloaded, because its object types cannot be registered twice.
 template <typename Function>
 bool find(GModule *module, const char *name, Function &function) {
   void *symbol = nullptr;

@@ -32,7 +32,7 @@ bool is_dialect_of(const char *tag, const char *lang, std::size_t lang_length) {
   return std::strncmp(tag, lang, lang_length) == 0 && tag[lang_length] == '-';
 }
 
-// A string as it is: every question is a walk through it.
+// A string without an index: each look-up walks through the list.
 class WalkedLangstr {
 public:
   explicit WalkedLangstr(OwnedLangstr &walked) : langstr(walked) {}
@@ -53,7 +53,7 @@ private:
   OwnedLangstr &langstr;
 };
 
-// The rules of setting a translation.
+// The rules of v_langstr_set_translation, for a list with or without an index.
 template <typename Langstr>
 bool set_translation(Langstr &&langstr, OwnedText lang, OwnedText text) {
   if (VLangstr *same_tag = langstr.find(lang.get())) {
@@ -76,10 +76,10 @@ bool set_translation(Langstr &&langstr, OwnedText lang, OwnedText text) {
   return true;
 }
 
-// Up to here a walk is as quick as an index.
+// Up to this length walking is as fast as an index.
 constexpr int longest_walk = 32;
 
-// Whether b holds one translation of a.
+// True when b has the translation.
 bool holds(const VLangstr *b, const VLangstr &translation) {
   if (is_untagged(translation)) {
     return has_text(b, translation.text.get());
@@ -95,7 +95,8 @@ bool holds(const VLangstr *b, const VLangstr &translation) {
 } // namespace
 
 void v_langstr_free(VLangstr *langstr) {
-  // One by one: a record that freed its successor would call itself as deep as the list is long.
+  // Frees in a loop: destroying the list through its owning pointers would recurse once per
+  // translation.
   while (langstr != nullptr) {
     VLangstr *next = langstr->next.release();
     delete langstr;
@@ -111,7 +112,7 @@ bool v_langstr_set_owned_translation(OwnedLangstr &langstr, OwnedText lang, Owne
   return set_translation(WalkedLangstr(langstr), std::move(lang), std::move(text));
 }
 
-// Index of a string that is changed only through this collection.
+// Index of a string that changes only through the collection.
 struct VLangstrIndex {
   explicit VLangstrIndex(VLangstr *langstr) {
     for (; langstr != nullptr; langstr = langstr->next.get()) {
@@ -148,8 +149,9 @@ private:
     last = translation;
   }
 
-  std::unordered_map<std::string_view, VLangstr *> translations; // by the records' own tags
-  std::unordered_map<std::string, int> texts;                    // how often each is there
+  std::unordered_map<std::string_view, VLangstr *>
+      translations;                           // the keys are borrowed from the translations
+  std::unordered_map<std::string, int> texts; // number of occurrences
   VLangstr *last = nullptr;
 };
 

@@ -21,7 +21,7 @@ void normalise(char *latin1_text, LangstrSpacing spacing) {
   }
 }
 
-// Tag and text of one element, normalised.
+// Normalised tag and text of one element.
 struct Translation {
   OwnedText lang;
   OwnedText text;
@@ -105,7 +105,7 @@ void v_xml_append_langstr(std::string &xml, const VLangstr *langstr, const char 
   for (const VLangstr *t = langstr; t != nullptr; t = t->next.get()) {
     xml.append(static_cast<std::size_t>(std::max(depth, 0)), '\t');
     xml.append("<").append(element_name).append(" lang=\"");
-    // A file may hold any ASCII tag; the usual ones have nothing to escape.
+    // Escaped, because a file may have any ASCII tag.
     v_xml_append_string(xml, t->lang.get());
     xml.append("\">");
     v_xml_append_string(xml, t->text.get());

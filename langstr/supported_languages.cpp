@@ -14,8 +14,8 @@ struct Language {
   const char *default_dialect_tag;
 };
 
-// The order is the numbering that other tools rely on; tags and names stand in files and on screens
-// as they are here.
+// Other tools rely on the order, which numbers the languages. Files and windows have the tags and
+// names exactly as they are here.
 constexpr Language languages[] = {
     {"af", "Afrikaans", nullptr},
     {"sq", "Albanian", nullptr},

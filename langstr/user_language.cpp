@@ -9,7 +9,7 @@
 
 namespace {
 
-// The row that a locale name such as "de_AT" or "sv" names, else -1.
+// Index of the language for a locale name such as "de_AT" or "sv"; -1 when there is none.
 int index_for_locale_name(const char *name) {
   if (!v_ascii_test(name)) {
     return -1;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char *layouts_name = "layouts";
 
-// Digests of the layouts as earlier versions delivered them.
+// MD5 digests of the layouts that earlier versions delivered.
 constexpr const char *standard_layout_name = "standard.layout";
 constexpr const char *standard_layout_digest = "fbf64e8b689a7e27434603f2cbb84636";
 
@@ -50,7 +50,7 @@ bool copy_if_missing(const char *source, const char *target) {
   if (target_info.exists || v_stream_copy_from_file_path_to_file_path(source, target)) {
     return true;
   }
-  // Half a copy would count as there already the next time.
+  // A partial copy would pass for an installed file the next time.
   v_fs_utils_discard_file(target);
   return false;
 }
@@ -72,7 +72,7 @@ bool copy_missing_files(DIR *listing, const char *source_folder, const char *tar
   }
 }
 
-// One layout was replaced by several: deletes the old file and installs the missing ones.
+// Several layouts replace the earlier one: deletes its file and installs those that are missing.
 void upgrade_standard_layout(const char *workspace_folder, const char *layouts_folder) {
   const OwnedText path = v_fs_utils_create_path_in_folder(layouts_folder, standard_layout_name);
   VFileInfo info;
@@ -131,7 +131,7 @@ void upgrade_component_if_needed(const char *layouts_folder, const char *file_na
   if (const OwnedText install_folder = v_platform_get_install_folder_path()) {
     const OwnedText delivered =
         v_fs_utils_create_path_in_folder(install_folder.get(), layouts_name, file_name);
-    // Copying from a missing file would leave an empty layout in the old one's place.
+    // Copying from a missing file would leave an empty layout instead of the old one.
     VFileInfo info;
     if (v_fs_utils_get_info(delivered.get(), info) && v_fs_utils_is_regular_file(info)) {
       v_stream_copy_from_file_path_to_file_path(delivered.get(), path.get());

@@ -11,23 +11,23 @@
 
 namespace {
 
-// Endings of names. A draft is written under the first and then renamed.
+// Endings of file names. A draft is written with the first one and then renamed.
 constexpr const char *unfinished = ".new";
 constexpr const char *unreadable = ".unreadable";
 
-// Bytes of the codeset file's name that the draft's name repeats, for people who look into the
+// Bytes of the codeset file's name at the end of a draft's name, for people who look into the
 // folder.
 constexpr std::size_t longest_repeated_name = 60;
 
-// Null when there is no place for drafts.
+// The folder of drafts; null when the state folder's name cannot be converted.
 OwnedText find_folder() {
   const OwnedText state_folder = v_fs_utils_convert_glibfsenc_to_utf8(g_get_user_state_dir());
   return state_folder ? v_fs_utils_create_path_in_folder(state_folder.get(), "vantorelle", "drafts")
                       : nullptr;
 }
 
-// The absolute path of the file, the same by whichever links its folder is reached. A link in the
-// file's own place counts as the file: saving replaces it.
+// The absolute path of the file with the links in its folder resolved. A link as the file itself is
+// kept, because saving replaces it.
 OwnedText find_location(const char *path) {
   const OwnedText folder(g_path_get_dirname(path));
   const OwnedText real_folder = v_fs_utils_resolve_links(folder.get());
@@ -36,22 +36,22 @@ OwnedText find_location(const char *path) {
                      : OwnedText(g_canonicalize_filename(path, nullptr));
 }
 
-// The prefix of the names of all drafts of a codeset file, and of no other: paths may be longer
-// than a name can be.
+// The prefix of the names of this codeset file's drafts and of no other's. A digest, because a path
+// may be longer than a name can be.
 std::string find_prefix(const char *codeset_path) {
   const OwnedText absolute = find_location(codeset_path);
   const OwnedText digest(g_compute_checksum_for_string(G_CHECKSUM_SHA256, absolute.get(), -1));
   return std::string(digest.get()) + ".";
 }
 
-// The end of the name, which has its ending.
+// The last bytes of the name, which include the extension.
 const char *shorten(const char *name) {
   const std::size_t length = std::char_traits<char>::length(name);
   const char *rest = name + length - std::min(length, longest_repeated_name);
   return g_utf8_validate(rest, -1, nullptr) ? rest : g_utf8_find_next_char(rest, nullptr);
 }
 
-// Each call makes another path: every editing of the file has a draft of its own.
+// A new path for each call: each editing of the file has its own draft.
 OwnedText make_path(const char *folder, const char *codeset_path) {
   const OwnedText name(g_strdup_printf("%s%08x%08x.%s", find_prefix(codeset_path).c_str(),
                                        g_random_int(), g_random_int(),
@@ -59,7 +59,8 @@ OwnedText make_path(const char *folder, const char *codeset_path) {
   return v_fs_utils_create_path_in_folder(folder, name.get());
 }
 
-// The file's name in ISO-8859-1, with "?" for what that cannot write or a codeset cannot hold.
+// The file's name in ISO-8859-1, with "?" for characters outside it and for those that a codeset
+// cannot hold.
 std::string find_substitute_name(const char *codeset_path) {
   std::string name;
   const char *entry = v_fs_utils_find_entry_name_in_path(codeset_path);
@@ -83,7 +84,8 @@ bool write_content(const char *path, const VCodeset *codeset, const char *substi
          v_fs_utils_close_file(std::move(file));
 }
 
-// Nobody sees a draft that is not whole, or that is not held.
+// Writes the draft under another name, holds it and renames it, so that other programs never see
+// one that is incomplete or not held.
 bool write_draft(VDraft *draft, const VCodeset *codeset) {
   const OwnedText folder = find_folder();
   if (v_remark_list_is_empty(codeset->remarks.get()) || !folder ||
@@ -108,7 +110,7 @@ bool write_draft(VDraft *draft, const VCodeset *codeset) {
   return true;
 }
 
-// The file's content and its name in its folder.
+// Forces the file's content, and its name in the folder, onto the disk.
 bool sync_file(const char *path) {
   const OwnedText folder(g_path_get_dirname(path));
   return v_private_files_sync(path) && v_private_files_sync(folder.get());
@@ -125,7 +127,7 @@ void remember_permissions(VDraft *draft) {
   }
 }
 
-// The file was there when it was saved, and is not now.
+// True when the codeset file existed when it was saved, and does not exist now.
 bool has_lost_its_file(const VDraft *draft) {
   VFileInfo info;
   return draft->codeset_permissions.are_known &&
@@ -143,8 +145,8 @@ struct Candidate {
   std::int64_t time = 0;
 };
 
-// The drafts of the codeset file, newest first, held or not. Removes what a program has left
-// behind that ended while it wrote.
+// The drafts of the codeset file, newest first, whether held or not. Removes unfinished ones of
+// programs that ended while writing.
 std::vector<Candidate> list_candidates(const char *folder, const char *codeset_path) {
   std::vector<Candidate> candidates;
   const std::string prefix = find_prefix(codeset_path);
@@ -168,7 +170,7 @@ std::vector<Candidate> list_candidates(const char *folder, const char *codeset_p
   return candidates;
 }
 
-// False when a running program has the draft, or when it cannot be read.
+// False when a running program holds the draft or it cannot be read.
 bool take_over(VDraft *draft, Candidate &candidate) {
   OwnedHeldFile held = v_private_files_hold(candidate.path.get());
   if (!held) {
@@ -212,7 +214,7 @@ bool v_draft_save_codeset(VDraft *draft, const VCodeset *codeset) {
   remember_permissions(draft);
   if (!v_codeset_io_write_to_file_with_permissions(codeset, draft->codeset_path.get(),
                                                    draft->codeset_permissions)) {
-    // The old file may have made room on a full disk.
+    // The failed save may have deleted the old file and so have made room on a full disk.
     if (!is_drafted) {
       const VErrorKeeper keeper;
       write_and_sync_draft(draft, codeset);
@@ -230,7 +232,7 @@ void v_draft_remove(VDraft *draft) {
   if (draft->path && !has_lost_its_file(draft)) {
     v_fs_utils_discard_file(draft->path.get());
   }
-  // Released only after it is deleted, so that no other program takes it over.
+  // The draft is released after it is deleted, so that no other program can take it over.
   draft->path.reset();
   draft->held.reset();
 }

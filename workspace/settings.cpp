@@ -10,8 +10,8 @@
 
 namespace {
 
-// Each reader applies one element to the record. False says that something in it could not be used
-// and that loading must report so; a merely incomplete element is skipped and true.
+// Applies one element to the record. False when something in the element could not be used and
+// loading must report it; an incomplete element is skipped without a report.
 using Reader = bool (*)(VSettings &settings, xmlDoc *document, const xmlNode *element);
 
 struct ElementReader {
@@ -20,7 +20,7 @@ struct ElementReader {
   Reader read;
 };
 
-// Processing instructions and references to entities have names too.
+// Checks the type because processing instructions and references to entities also have names.
 bool is_element(const xmlNode *node, const char *name) {
   return node->type == XML_ELEMENT_NODE && v_xml_node_has_name(node, name);
 }
@@ -35,7 +35,7 @@ void set_text(OwnedText &text, const xmlNode *element, const char *attribute) {
   }
 }
 
-// The number of the first text that is equal, else the fallback.
+// The level of the first name that equals the text; else the fallback.
 template <typename Level, std::size_t count>
 Level level_of(const char *text, const std::pair<const char *, Level> (&levels)[count],
                Level fallback) {
@@ -82,7 +82,7 @@ void read_layout(VPrintoutSettings &printout, const xmlNode *element) {
   set_text(printout.layout_file_name, element, "filename");
 }
 
-// Which paper a name means is known to the print module alone, so the paper stays.
+// Takes only the orientation: the print module alone knows the papers by their names.
 void read_paper(VPrintoutSettings &printout, const xmlNode *element) {
   const OwnedText name = v_xml_get_required_attribute_value_as_utf8(element, "name");
   const OwnedText orientation = v_xml_get_required_attribute_value_as_utf8(element, "orientation");

@@ -9,11 +9,10 @@
 
 namespace {
 
-// Sub-folders that are installed in a new workspace, in this order.
+// Sub-folders that a new workspace gets, in the order of installation.
 constexpr const char *delivered_sub_folders[] = {"codesets", "layouts", "templates"};
 
-// The result of reading is ignored on purpose: a pointer file that cannot be read is as good as
-// none.
+// Ignores whether reading succeeds: a pointer file that cannot be read counts as absent.
 OwnedText find_workspace_folder() {
   OwnedText path;
   v_workspace_get_saved_folder_path(path);
@@ -25,7 +24,7 @@ bool is_folder(const char *path) {
   return v_fs_utils_get_info(path, info) && info.exists && info.is_folder;
 }
 
-// Sets the path of a sub-folder and makes it if it is missing.
+// Sets the path of a sub-folder and creates the folder if it is missing.
 bool open_sub_folder(OwnedText &sub_folder_path, const char *folder_path, const char *name) {
   sub_folder_path = v_fs_utils_create_path_in_folder(folder_path, name);
   VFileInfo info;
@@ -35,8 +34,8 @@ bool open_sub_folder(OwnedText &sub_folder_path, const char *folder_path, const 
   return info.exists ? info.is_folder != 0 : v_fs_utils_create_folder(sub_folder_path.get());
 }
 
-// Installs the delivered components, then saves the path. A failing step undoes those before it,
-// the last one first.
+// Installs the delivered components, then saves the workspace's path. After a failure it removes
+// the installed ones again, in reverse order.
 bool fill_new_workspace(const char *folder_path) {
   std::size_t installed = 0;
   while (installed < std::size(delivered_sub_folders) &&
@@ -83,7 +82,7 @@ bool v_workspace_create(const char *folder_path) {
     return false;
   }
   if (!fill_new_workspace(path.get())) {
-    // The message that gives the reason must not be replaced by one of the clean-up.
+    // The clean-up must not replace the message.
     const VErrorKeeper keeper;
     v_fs_utils_delete_folder_if_exists(path.get());
     return false;

@@ -38,14 +38,14 @@ int forward_page_func(int current_page, void *data);
 
 constexpr const char *page_title = "Vantorelle Workspace Setup";
 
-// The texts have line breaks of their own.
+// The texts have their own line breaks, so this only limits a long line.
 constexpr int widest_line = 120; // characters
 
-// Width of the margins around the text and around the titles of the pages beside it, and of the
-// window's own border, in pixels.
+// Width in pixels of the margins around the text and around the page titles beside it, and of the
+// window's border.
 constexpr int margins_beside_text = 80;
 
-// In pixels.
+// Width in pixels.
 int measure_page_title(GtkBox *page) {
   const OwnedObject<PangoLayout> layout =
       take(gtk_widget_create_pango_layout(GTK_WIDGET(page), page_title));
@@ -131,7 +131,7 @@ void append_summary_page(NewWorkspaceAssistant *state) {
 
 void build_assistant(NewWorkspaceAssistant *state) {
   state->assistant = GTK_ASSISTANT(gtk_assistant_new());
-  // Until the first page is shown. From then on the toolkit sets the page's title.
+  // The title until the first page is shown; then the toolkit shows the page's title.
   gtk_window_set_title(GTK_WINDOW(state->assistant), "Vantorelle");
   append_intro_page(state);
   append_location_page(state);
@@ -152,8 +152,8 @@ void show_error(NewWorkspaceAssistant *state) {
 
 // ---- Read ---------------------------------------------------------------------------------------
 
-// Absolute, because the other tools read it from the pointer file and run in other folders. UTF-8;
-// null, with a message, when there is none.
+// An absolute path (UTF-8): the other tools read it from the pointer file and run in other folders.
+// Null, with a message, when there is none.
 OwnedText read_location(const NewWorkspaceAssistant *state) {
   const OwnedText location =
       v_strip_surrounding_in_new_for_utf8(v_gui_get_entry_text(state->location_entry));
@@ -180,9 +180,9 @@ OwnedText create_workspace(const NewWorkspaceAssistant *state) {
 
 // ---- Handlers -----------------------------------------------------------------------------------
 
-// "activate" of the location. Return presses the button that leads to the next page, which the
-// assistant makes its default on every page. At once: activating the toolkit's button would let
-// further typing change the location before the button acts.
+// "activate" of the location. Return presses the button of the next page, which the assistant makes
+// the default on every page. The click acts at once: if the toolkit activated the button, keys
+// typed meanwhile could change the location first.
 void location_activate_callback(GtkEntry *, NewWorkspaceAssistant *state) {
   GtkWidget *button = gtk_window_get_default_widget(GTK_WINDOW(state->assistant));
   if (GTK_IS_BUTTON(button) && gtk_widget_is_sensitive(button)) {
@@ -199,10 +199,10 @@ void browse_callback(GtkButton *, NewWorkspaceAssistant *state) {
   }
 }
 
-// "apply", once for each press of the button, and before forward_page_func is called. That may also
-// be called without a press, so the workspace is created here, and forward_page_func only looks at
-// the outcome. The error waits until the press is answered, as in gui/answering_button.h: an
-// assistive technology that has pressed the button could not read it otherwise.
+// "apply", emitted once per press of the button, before the assistant calls forward_page_func. That
+// is also called without a press, so the workspace is created here. The error is shown after the
+// press is answered (see gui/answering_button.h), so that an assistive technology that pressed the
+// button can read it.
 void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
   state->error = create_workspace(state);
   state->created = state->error == nullptr;
@@ -212,8 +212,8 @@ void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
   }
 }
 
-// Called by the assistant for the page after the current one. After an error it starts over from
-// its first page; the location stays as it was typed.
+// Called by the assistant to find the next page. After an error it starts over at its first page;
+// the typed location remains.
 int forward_page_func(int current_page, void *data) {
   const auto *state = static_cast<const NewWorkspaceAssistant *>(data);
   return current_page == state->location_page && !state->created ? 0 : current_page + 1;
