@@ -1,5 +1,7 @@
 #include "support/gui/script.h"
 
+#include <memory>
+
 #include "base/owned.h"
 #include "support/gui/widget_search.h"
 
@@ -59,6 +61,27 @@ GuiScript &GuiScript::when(std::string what, std::function<bool()> ready,
 GuiScript &GuiScript::then(std::function<void()> act) {
   return when(
       "a turn for the next step", [] { return true; }, std::move(act));
+}
+
+GuiScript &GuiScript::holds_for(unsigned milliseconds, std::string what,
+                                std::function<bool()> condition) {
+  struct Watch {
+    gint64 end = 0;
+    bool held = true;
+  };
+  const auto watch = std::make_shared<Watch>();
+  then(
+      [watch, milliseconds] { watch->end = g_get_monotonic_time() + gint64{1000} * milliseconds; });
+  return when(
+      "the end of the time in which there must be " + what,
+      [watch, condition = std::move(condition)] {
+        watch->held = watch->held && condition();
+        return !watch->held || g_get_monotonic_time() >= watch->end;
+      },
+      [watch, milliseconds, what] {
+        EXPECT_TRUE(watch->held) << "Within " << milliseconds << " ms there was not " << what
+                                 << ". Windows:" << describe_windows();
+      });
 }
 
 GuiScript &GuiScript::when_active(const std::string &title, std::function<void()> act) {

@@ -24,6 +24,10 @@ public:
   // The general step. what: names the condition in the message of a wait that fails.
   GuiScript &when(std::string what, std::function<bool()> ready, std::function<void()> act);
   GuiScript &then(std::function<void()> act);
+  // For things that must not happen, instead of the driver's function, which must not be called in
+  // a step: the test fails when the condition is false at any turn of the time. what: names the
+  // condition. The time must be longer than the unwanted effect would take.
+  GuiScript &holds_for(unsigned milliseconds, std::string what, std::function<bool()> condition);
   // Acts when the top window has the title and is active, so that it has its requested state.
   GuiScript &when_active(const std::string &title, std::function<void()> act);
   // Clicks the button of the top window, which must be sensitive.

@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr gint64 patience = 10 * G_USEC_PER_SEC;
 constexpr gint64 longest_turn = G_USEC_PER_SEC / 10;
 constexpr unsigned look_interval = 10; // milliseconds
 

@@ -11,13 +11,19 @@
 // Measures how long a test has waited for one thing.
 class Wait {
 public:
-  // To be called each time the wait is not over. True after ten seconds, of which a turn of the
-  // main loop counts a tenth at most: the layout of a long text may take several.
+  static constexpr gint64 ten_seconds = 10 * G_USEC_PER_SEC;
+
+  // limit: microseconds.
+  explicit Wait(gint64 limit = ten_seconds) : patience(limit) {}
+  // To be called each time the wait is not over. True when it has lasted longer than the limit;
+  // a turn of the main loop counts a tenth of a second at most, because the layout of a long text
+  // may take several seconds.
   bool is_too_long();
   // "Waited 10.0 s in vain for <what>", and the windows that are shown.
   std::string describe_failure(const std::string &what) const;
 
 private:
+  gint64 patience;
   gint64 begin = g_get_monotonic_time();
   gint64 latest = begin;
   gint64 counted = 0; // microseconds
