@@ -3,25 +3,15 @@
 #include <memory>
 
 #include "base/owned.h"
+#include "support/gui/file_choosers.h"
 #include "support/gui/widget_search.h"
 
 namespace {
 
 constexpr unsigned turn_milliseconds = 10;
 
-bool top_window_has_title(const std::string &title) {
-  GtkWindow *window = top_window();
-  return window != nullptr && gtk_window_get_title(window) != nullptr &&
-         gtk_window_get_title(window) == title;
-}
-
-GtkFileChooser *top_chooser() {
-  GtkWindow *window = top_window();
-  return GTK_IS_FILE_CHOOSER_DIALOG(window) ? GTK_FILE_CHOOSER(window) : nullptr;
-}
-
 bool is_message_dialog(const std::string &title) {
-  return GTK_IS_DIALOG(top_window()) && top_window_has_title(title);
+  return GTK_IS_DIALOG(top_window()) && is_on_top(title);
 }
 
 bool has_chosen(const std::string &path) {
@@ -36,8 +26,6 @@ bool is_in_folder(const std::string &folder) {
                                              : gtk_file_chooser_get_current_folder(chooser));
   return current && current.get() == folder;
 }
-
-void accept_chooser() { gtk_dialog_response(GTK_DIALOG(top_window()), GTK_RESPONSE_ACCEPT); }
 
 } // namespace
 
@@ -84,11 +72,15 @@ GuiScript &GuiScript::holds_for(unsigned milliseconds, std::string what,
       });
 }
 
+GuiScript &GuiScript::on(const std::string &title, std::function<void()> act) {
+  return when(
+      "the window \"" + title + "\"", [title] { return is_on_top(title); }, std::move(act));
+}
+
 GuiScript &GuiScript::when_active(const std::string &title, std::function<void()> act) {
   return when(
       "the active window \"" + title + "\"",
-      [title] { return top_window_has_title(title) && gtk_window_is_active(top_window()); },
-      std::move(act));
+      [title] { return is_on_top(title) && gtk_window_is_active(top_window()); }, std::move(act));
 }
 
 GuiScript &GuiScript::click(const std::string &label) {
@@ -120,17 +112,14 @@ GuiScript &GuiScript::dismiss(const std::string &title, const std::string &messa
 }
 
 GuiScript &GuiScript::close(const std::string &title) {
-  return when(
-      "a window \"" + title + "\" to close", [title] { return top_window_has_title(title); },
-      [] { gtk_window_close(top_window()); });
+  return on(title, [] { gtk_window_close(top_window()); });
 }
 
 GuiScript &GuiScript::choose(const std::string &path) {
   when(
       "a file chooser", [] { return top_chooser() != nullptr; },
       [path] { gtk_file_chooser_set_filename(top_chooser(), path.c_str()); });
-  return when(
-      path + " in a file chooser", [path] { return has_chosen(path); }, accept_chooser);
+  return accept_chooser(path);
 }
 
 GuiScript &GuiScript::save_as(const std::string &folder, const std::string &name) {
@@ -140,15 +129,19 @@ GuiScript &GuiScript::save_as(const std::string &folder, const std::string &name
   when(
       folder + " in a file chooser", [folder] { return is_in_folder(folder); },
       [name] { gtk_file_chooser_set_current_name(top_chooser(), name.c_str()); });
+  return accept_chooser(folder + "/" + name);
+}
+
+GuiScript &GuiScript::accept_chooser(const std::string &path) {
   return when(
-      folder + "/" + name + " in a file chooser",
-      [folder, name] { return has_chosen(folder + "/" + name); }, accept_chooser);
+      path + " in a file chooser",
+      [path, is_loaded = chooser_to_be_loaded()] { return is_loaded() && has_chosen(path); },
+      [] { gtk_dialog_response(GTK_DIALOG(top_window()), GTK_RESPONSE_ACCEPT); });
 }
 
 GuiScript &GuiScript::cancel_chooser() {
-  return when(
-      "a file chooser", [] { return top_chooser() != nullptr; },
-      [] { gtk_dialog_response(GTK_DIALOG(top_window()), GTK_RESPONSE_CANCEL); });
+  return when("a loaded file chooser", chooser_to_be_loaded(),
+              [] { gtk_dialog_response(GTK_DIALOG(top_window()), GTK_RESPONSE_CANCEL); });
 }
 
 void GuiScript::schedule() { source = g_timeout_add(turn_milliseconds, turn_callback, this); }

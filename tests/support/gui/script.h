@@ -28,6 +28,8 @@ public:
   // a step: the test fails when the condition is false at any turn of the time. what: names the
   // condition. The time must be longer than the unwanted effect would take.
   GuiScript &holds_for(unsigned milliseconds, std::string what, std::function<bool()> condition);
+  // Acts when the top window has the title.
+  GuiScript &on(const std::string &title, std::function<void()> act);
   // Acts when the top window has the title and is active, so that it has its requested state.
   GuiScript &when_active(const std::string &title, std::function<void()> act);
   // Clicks the button of the top window, which must be sensitive.
@@ -51,6 +53,7 @@ private:
     std::function<void()> act;
   };
 
+  GuiScript &accept_chooser(const std::string &path);
   static gboolean turn_callback(void *script);
   void take_turn();
   void schedule();

@@ -72,6 +72,11 @@ GtkWindow *top_window() {
   return nullptr;
 }
 
+bool is_on_top(const std::string &title) {
+  GtkWindow *window = top_window();
+  return window != nullptr && g_strcmp0(gtk_window_get_title(window), title.c_str()) == 0;
+}
+
 std::string describe_windows() {
   std::string text;
   for (GtkWindow *window : shown_windows()) {

@@ -9,6 +9,7 @@
 
 // The window with no other window over it; null when none is shown.
 GtkWindow *top_window();
+bool is_on_top(const std::string &title);
 // All windows that are shown.
 std::vector<GtkWindow *> shown_windows();
 // Titles and beginnings of the first labels of all shown windows, for a message on failure.

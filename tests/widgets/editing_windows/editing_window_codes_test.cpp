@@ -46,7 +46,7 @@ TEST_F(EditingWindow, AnAddedCodeIsInItsPlaceAndNothingIsSelected) {
 TEST_F(EditingWindow, ACancelledAdditionAddsNothing) {
   select(1);
   script.click("Add new");
-  on(dialog_title, [] { EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=\n"); });
+  script.on(dialog_title, [] { EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=\n"); });
   script.click("Cancel");
   check([] {
     EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));
@@ -77,7 +77,7 @@ TEST_F(EditingWindow, AnEditedCodeMovesAndNothingIsSelected) {
 
 TEST_F(EditingWindow, ACancelledEditChangesNothing) {
   edit_code(1);
-  on(dialog_title, [] {
+  script.on(dialog_title, [] {
     EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Loss\n");
     enter(window(), 0, "Lost");
   });
@@ -174,7 +174,7 @@ TEST_F(EditingWindow, SavesTheShownCodesAfterUndo) {
 TEST_F(EditingWindow, UndoSkipsAnEditThatChangedNothing) {
   delete_code(1);
   edit_code(0);
-  on(dialog_title, [] {});
+  script.on(dialog_title, [] {});
   script.click("OK");
   check([] {
     EXPECT_EQ(cursor_row(), 0);
@@ -189,7 +189,7 @@ TEST_F(EditingWindow, ACoveredWindowIgnoresItsKeys) {
   delete_code(1);
   check([] {});
   script.click("Add new");
-  on(dialog_title, [] {
+  script.on(dialog_title, [] {
     press_key(GDK_KEY_z, GDK_CONTROL_MASK);
     press_key(GDK_KEY_s, GDK_CONTROL_MASK);
     press_key(GDK_KEY_n, GDK_CONTROL_MASK);
@@ -204,21 +204,21 @@ TEST_F(EditingWindow, ACoveredWindowIgnoresItsKeys) {
 
 TEST_F(EditingWindow, MovesThroughTheCodesInsideTheRemarkDialog) {
   edit_code(1);
-  on(dialog_title, [] {
+  script.on(dialog_title, [] {
     gtk_widget_grab_focus(GTK_WIDGET(rows_of(window()).at(0)));
     enter(window(), 0, "Lost");
     press_key(GDK_KEY_Down, GDK_CONTROL_MASK);
   });
-  on(dialog_title, [] {
+  script.on(dialog_title, [] {
     EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Stain\n");
     EXPECT_TRUE(gtk_widget_is_focus(GTK_WIDGET(rows_of(window()).at(0))));
     press_key(GDK_KEY_Up, GDK_CONTROL_MASK);
   });
-  on(dialog_title, [] {
+  script.on(dialog_title, [] {
     EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Lost\n");
     press_key(GDK_KEY_Up, GDK_CONTROL_MASK);
   });
-  on(dialog_title, [] {
+  script.on(dialog_title, [] {
     EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Tear\n");
     press_key(GDK_KEY_Up, GDK_CONTROL_MASK);
   });
@@ -233,12 +233,12 @@ TEST_F(EditingWindow, MovesThroughTheCodesInsideTheRemarkDialog) {
 
 TEST_F(EditingWindow, MovingOnKeepsTheDialogWhenTheRemarkIsRefused) {
   edit_code(0);
-  on(dialog_title, [] {
+  script.on(dialog_title, [] {
     enter(window(), 0, "");
     press_key(GDK_KEY_Down, GDK_CONTROL_MASK);
   });
   script.answer("Error", "Missing a description.", "Close");
-  on(dialog_title, [] {});
+  script.on(dialog_title, [] {});
   script.click("Cancel");
   expect_codes({"1. Tear", "2. Loss", "10. Stain"});
   run_until_closed();

@@ -114,7 +114,7 @@ struct Change {
 
 TEST_F(EditingWindowDrafts, AreNotWrittenWithoutAChange) {
   edit_code(1);
-  on(dialog_title, [] { gtk_window_close(top_window()); });
+  script.on(dialog_title, [] { gtk_window_close(top_window()); });
   // A draft would exist two seconds after a change.
   check([] {});
   script.holds_for(2500, "no draft", [this] { return drafts().empty(); });
@@ -201,7 +201,7 @@ TEST_F(EditingWindowDrafts, AreWrittenDuringTypingAndUnderOtherWindows) {
       "the last key", [typing] { return typing->is_over(); },
       [typing] { EXPECT_EQ(typing->drafts.size(), 2U); });
   script.click("Add new");
-  on(dialog_title, [] {});
+  script.on(dialog_title, [] {});
   script.when(
       "the draft of the last key",
       [this, typing] {

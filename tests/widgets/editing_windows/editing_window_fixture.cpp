@@ -127,7 +127,7 @@ void EditingWindow::expect_refused_save(const std::string &message) {
 }
 
 void EditingWindow::enter_remark(const char *code, const char *description) {
-  on(dialog_title, [code, description] {
+  script.on(dialog_title, [code, description] {
     for (GtkWidget *entry : find_widgets(window(), V_TYPE_SPACIFYING_ENTRY)) {
       const bool in_editor = gtk_widget_get_ancestor(entry, V_TYPE_LANGSTR_EDITOR) != nullptr;
       gtk_entry_set_text(GTK_ENTRY(entry), in_editor ? description : code);

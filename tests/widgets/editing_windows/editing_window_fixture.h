@@ -58,7 +58,7 @@ protected:
   void run_until_saved();
 
   // Acts when the window has no other over it.
-  void check(std::function<void()> act) { on(title(), std::move(act)); }
+  void check(std::function<void()> act) { script.on(title(), std::move(act)); }
   void expect_codes(const std::vector<std::string> &rows);
   void select(int row);
   // Of the question whether to close without saving.

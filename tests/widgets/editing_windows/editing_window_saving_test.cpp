@@ -164,7 +164,7 @@ TEST_F(EditingWindow, AsksBeforeClosingInEveryWay) {
 TEST_F(EditingWindow, TheQuestionFocusesTheAnswerThatKeepsTheWork) {
   check([] { enter(name_editor(), 0, "Changed"); });
   check([] { press_key(GDK_KEY_Escape); });
-  on("Really close?", [] { gtk_window_activate_focus(top_window()); });
+  script.on("Really close?", [] { gtk_window_activate_focus(top_window()); });
   check([] { EXPECT_EQ(gtk_entry_get_text(rows_of(name_editor())[0]), std::string("Changed")); });
   run_until_closed();
 }
@@ -193,7 +193,7 @@ TEST_F(EditingWindow, MayBeDestroyedTogetherWithItsDialog) {
     write_paper();
     select(0);
     script.click(button);
-    on(over, destroy_below);
+    script.on(over, destroy_below);
     EXPECT_EQ(run(), 0);
   }
 }

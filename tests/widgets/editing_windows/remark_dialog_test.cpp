@@ -57,7 +57,7 @@ protected:
   }
 
   void fill_in(const char *code, const char *description) {
-    on(title, [code, description] {
+    script.on(title, [code, description] {
       gtk_entry_set_text(code_field(), code);
       enter(window(), 0, description);
     });
@@ -89,7 +89,7 @@ protected:
 // ---- The window ---------------------------------------------------------------------------------
 
 TEST_F(RemarkDialog, ShowsTheRemark) {
-  on(title, [] {
+  script.on(title, [] {
     EXPECT_STREQ(gtk_entry_get_text(code_field()), "a1");
     EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Tear\nSwedish [sv]=Reva\n");
     EXPECT_THAT(labels(), ElementsAre("Remark code: (Required)", "Short description: (Required)"));
@@ -131,7 +131,7 @@ TEST_F(RemarkDialog, ButtonsAreAtTheBottomOverTheFullWidth) {
 }
 
 TEST_F(RemarkDialog, ANewRemarkHasEmptyFields) {
-  on(title, [] {
+  script.on(title, [] {
     EXPECT_STREQ(gtk_entry_get_text(code_field()), "");
     EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=\n");
   });
@@ -143,7 +143,7 @@ TEST_F(RemarkDialog, ANewRemarkHasEmptyFields) {
 
 // Cancel is at the right edge.
 TEST_F(RemarkDialog, ButtonsAreAtBothEndsOfTheLowestRow) {
-  on(title, [] {
+  script.on(title, [] {
     GtkAllocation ok;
     GtkAllocation cancel_button;
     GtkAllocation whole;
@@ -166,7 +166,7 @@ TEST_F(RemarkDialog, ShrinksAfterARowIsDeleted) {
     gtk_window_get_size(top_window(), nullptr, &height_now);
     return height_now;
   };
-  on(title, [height, get_height] {
+  script.on(title, [height, get_height] {
     *height = get_height();
     for (int i = 0; i < 3; i++) {
       add_row(window());
@@ -191,19 +191,19 @@ TEST_F(RemarkDialog, ReportsOneErrorAtATime) {
   expect_refusal("Missing a code.");
   fill_in(" \u00a0 ", "Text");
   expect_refusal("Missing a code.");
-  on(title, [] { EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Text\n"); });
+  script.on(title, [] { EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Text\n"); });
   fill_in("b", "");
   expect_refusal("That code is already taken.");
   fill_in("c", "  ");
   expect_refusal("Missing a description.");
-  on(title, [] {
+  script.on(title, [] {
     enter(window(), 0, "One");
     add_row(window());
     enter(window(), 1, "Two");
     gtk_combo_box_set_active(languages_of(window())[1], 0);
   });
   expect_refusal("Each language may only appear once. Language \"en-uk\" appears several times.");
-  on(title, [] {
+  script.on(title, [] {
     EXPECT_STREQ(gtk_entry_get_text(code_field()), "c");
     EXPECT_EQ(shown_rows(window()),
               "English/United Kingdom [en-uk]=One\nEnglish/United Kingdom [en-uk]=Two\n");
@@ -234,14 +234,14 @@ TEST_F(RemarkDialog, ACodeThatCannotBeReadKeepsTheWindow) {
   fill_in("c", "Text");
   script.then([] { fail_reading_entries_from(1); });
   script.click("OK");
-  on(title, [] { fail_reading_entries_from(0); });
+  script.on(title, [] { fail_reading_entries_from(0); });
   EXPECT_EQ(code_after_ok(), "c");
 }
 
 // The code can be read, the first row of the description cannot.
 TEST_F(RemarkDialog, AnUnknownLanguageIsRefused) {
   added->description = langstr_of({{"pl", "Opis"}});
-  on(title, [] {
+  script.on(title, [] {
     EXPECT_EQ(shown_rows(window()), "Unknown language [pl]=Opis\n");
     gtk_entry_set_text(code_field(), "c");
   });
@@ -262,7 +262,7 @@ TEST_F(RemarkDialog, StoresBothFieldsNormalised) {
 }
 
 TEST_F(RemarkDialog, ItsOwnCodeIsNotTaken) {
-  on(title, [] { enter(window(), 1, "Revor"); });
+  script.on(title, [] { enter(window(), 1, "Revor"); });
   script.click("OK");
   EXPECT_EQ(run(edited), 1);
   EXPECT_STREQ(edited->code.get(), "a1");
@@ -310,7 +310,7 @@ TEST_F(RemarkDialog, LeavingChangesNothing) {
   const char *code = edited->code.get();
   const VLangstr *description = edited->description.get();
   for (const int way : {0, 1, 2}) {
-    on(title, [] {
+    script.on(title, [] {
       gtk_entry_set_text(code_field(), "z");
       add_row(window());
       enter(window(), 0, "Other");
@@ -334,7 +334,7 @@ TEST_F(RemarkDialog, LeavingChangesNothing) {
 TEST_F(RemarkDialog, ARefusalChangesNothing) {
   const char *code = edited->code.get();
   fill_in("c", "");
-  on(title, [] { enter(window(), 1, ""); });
+  script.on(title, [] { enter(window(), 1, ""); });
   expect_refusal("Missing a description.");
   cancel();
   EXPECT_EQ(run(edited), 0);

@@ -35,16 +35,6 @@ WindowFixture::WindowFixture() {
   settings()->preferred_languages = {"en-uk", "sv"};
 }
 
-void WindowFixture::on(const std::string &title, std::function<void()> act) {
-  script.when(
-      "the window \"" + title + "\"", [title] { return is_on_top(title); }, std::move(act));
-}
-
-bool is_on_top(const std::string &title) {
-  GtkWindow *window = top_window();
-  return window != nullptr && g_strcmp0(gtk_window_get_title(window), title.c_str()) == 0;
-}
-
 bool is_sensitive(const std::string &button_label) {
   return gtk_widget_is_sensitive(GTK_WIDGET(find_button(GTK_WIDGET(top_window()), button_label)));
 }

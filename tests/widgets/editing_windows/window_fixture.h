@@ -25,9 +25,6 @@ protected:
 
   VSettings *settings() { return workspace.settings.get(); }
 
-  // Acts as soon as the window with the title has no other over it.
-  void on(const std::string &title, std::function<void()> act);
-
   TemporaryFolder folder;
   VWorkspace workspace; // preferred languages: English, Swedish
   OwnedWindowStack window_stack = v_window_stack_new();
@@ -37,7 +34,6 @@ private:
   static std::unique_ptr<VSpellCheckerCacheOwner> checkers;
 };
 
-bool is_on_top(const std::string &title);
 bool is_sensitive(const std::string &button_label);
 
 // The fields and language choices of the editor at or below the widget, from top to bottom.

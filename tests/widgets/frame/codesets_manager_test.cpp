@@ -17,22 +17,12 @@ constexpr const char *paper =
     "<author lang='sv'>Anna</author><version>1.2</version>"
     "<remark><code>1</code><description lang='sv'>Reva</description></remark></codeset>";
 
-bool is_on_top(const std::string &title) {
-  GtkWindow *window = top_window();
-  return window != nullptr && g_strcmp0(gtk_window_get_title(window), title.c_str()) == 0;
-}
-
 GtkTreeView *list() {
   return find_widget<GtkTreeView>(GTK_WIDGET(top_window()), GTK_TYPE_TREE_VIEW);
 }
 
 class CodesetsManager : public SessionFixture {
 protected:
-  void on(const std::string &title, std::function<void()> act) {
-    script.when(
-        "the window \"" + title + "\"", [title] { return is_on_top(title); }, std::move(act));
-  }
-
   std::string codeset_path(const std::string &name) const {
     return workspace_path() + "/codesets/" + name;
   }
@@ -83,7 +73,7 @@ TEST_F(CodesetsManager, ShowsTheCodesetsOfTheWorkspace) {
       "<settings><preferred-languages><language tag='sv'/></preferred-languages></settings>");
   write_file(codeset_path("broken.codeset"), "<codeset/>");
   write_file(codeset_path("other.layout"), paper);
-  on(main_title, [] {
+  script.on(main_title, [] {
     EXPECT_EQ(gtk_tree_model_iter_n_children(gtk_tree_view_get_model(list()), nullptr), 2);
     EXPECT_THAT(button_labels(GTK_WIDGET(top_window())),
                 ElementsAre("Add from file", "Add bundled", "Add new", "Clone", "Edit",
@@ -96,14 +86,14 @@ TEST_F(CodesetsManager, ShowsTheCodesetsOfTheWorkspace) {
 
 TEST_F(CodesetsManager, EditsTheChosenCodeset) {
   use_workspace_with_paper();
-  on(main_title, [] {
+  script.on(main_title, [] {
     const Owned<GtkTreePath, gtk_tree_path_free> path(gtk_tree_path_new_first());
     gtk_tree_view_set_cursor(list(), path.get(), nullptr, FALSE);
   });
   script.click("Edit");
-  on("Edit remark codeset - paper.codeset", [] {});
+  script.on("Edit remark codeset - paper.codeset", [] {});
   script.click("Save codeset");
-  on(main_title, [] {});
+  script.on(main_title, [] {});
   script.close(main_title);
   run(0, nullptr);
   // The program has rewritten the file in its own form.
@@ -115,7 +105,7 @@ TEST_F(CodesetsManager, LeavesNoSpellCheckerBehind) {
   use_workspace();
   GspellChecker *checker = v_spell_checker_cache_get(nullptr);
   g_object_add_weak_pointer(G_OBJECT(checker), reinterpret_cast<void **>(&checker));
-  on(main_title, [&checker] { EXPECT_NE(checker, nullptr); });
+  script.on(main_title, [&checker] { EXPECT_NE(checker, nullptr); });
   script.close(main_title);
   run(0, nullptr);
   EXPECT_EQ(checker, nullptr);
@@ -128,18 +118,18 @@ TEST_F(CodesetsManager, EditingReturnsWhetherTheFileWasSaved) {
   workspace.settings = v_settings_new(folder.path());
   RunContext context = {window_stack.get(), &workspace};
   const std::string path = codeset_path("paper.codeset");
-  on("Edit remark codeset - paper.codeset", [] {});
+  script.on("Edit remark codeset - paper.codeset", [] {});
   script.click("Close").answer(
       "Really close?", "Are you sure you want to close the codeset without saving?", "gtk-close");
   EXPECT_EQ(edit_callback(path.c_str(), &context), 0);
-  on("Edit remark codeset - paper.codeset", [] {});
+  script.on("Edit remark codeset - paper.codeset", [] {});
   script.click("Save codeset");
   EXPECT_EQ(edit_callback(path.c_str(), &context), 1);
 }
 
 TEST_F(CodesetsManager, ANewUserGetsToTheMainWindow) {
   create_by_assistant(folder / "new");
-  on(main_title, [] {
+  script.on(main_title, [] {
     EXPECT_EQ(gtk_tree_model_iter_n_children(gtk_tree_view_get_model(list()), nullptr), 1);
   });
   script.close(main_title);

@@ -21,10 +21,6 @@ namespace {
 constexpr const char *main_title = "Vantorelle Remark Codesets Manager 3.2.3";
 constexpr const char *editing_title = "Edit remark codeset - paper.codeset";
 
-bool has_title(GtkWindow *window, const std::string &title) {
-  return window != nullptr && g_strcmp0(gtk_window_get_title(window), title.c_str()) == 0;
-}
-
 // ---- Acting on a window -------------------------------------------------------------------------
 
 void ask_to_close(GtkWindow *window) {
@@ -111,15 +107,9 @@ const Row rows[] = {
 
 class WindowModality : public SessionFixture {
 protected:
-  void on(const std::string &title, std::function<void()> act) {
-    script.when(
-        "the window \"" + title + "\"", [title] { return has_title(top_window(), title); },
-        std::move(act));
-  }
-
   // Acts on the windows below the top one and expects no effect.
   void expect_only_the_top_window_reacts(const std::string &title) {
-    on(title, [this] {
+    script.on(title, [this] {
       shown = mapped_windows();
       covered.clear();
       for (GtkWindow *window : shown_windows()) {
@@ -136,7 +126,7 @@ protected:
       for (const auto &[window, description] : covered) {
         EXPECT_EQ(describe(window), description) << gtk_window_get_title(window);
       }
-      EXPECT_TRUE(has_title(top_window(), title));
+      EXPECT_TRUE(is_on_top(title));
       EXPECT_TRUE(gtk_widget_get_sensitive(GTK_WIDGET(top_window())));
       if (gtk_window_get_transient_for(top_window()) != nullptr) {
         EXPECT_EQ(gtk_grab_get_current(), GTK_WIDGET(top_window()));
@@ -145,13 +135,13 @@ protected:
   }
 
   void cover_with_message(const std::string &title) {
-    on(title, [this] { v_message_show_warning(stack.get(), "over it"); });
+    script.on(title, [this] { v_message_show_warning(stack.get(), "over it"); });
     expect_only_the_top_window_reacts("Warning");
     script.answer("Warning", "over it", "Close");
   }
 
   void cover_with_question(const std::string &title) {
-    on(title, [this] {
+    script.on(title, [this] {
       EXPECT_EQ(v_message_ask_yes_no_question(stack.get(), 1, WarningIcon::no, "over it"), 1);
     });
     expect_only_the_top_window_reacts("Question");
@@ -159,13 +149,13 @@ protected:
   }
 
   void cover_with_file_chooser(const std::string &title) {
-    on(title, [this] { v_file_dialog_get_folder_path(stack.get(), "Folder"); });
+    script.on(title, [this] { v_file_dialog_get_folder_path(stack.get(), "Folder"); });
     expect_only_the_top_window_reacts("Folder");
     script.cancel_chooser();
   }
 
   void cover_with_window(const std::string &title) {
-    on(title, [this] {
+    script.on(title, [this] {
       GtkWindow *window = v_gui_create_window("Another");
       v_gui_pack_label(v_gui_add_vbox(GTK_CONTAINER(window), Spacing::none), "text", 0, 0);
       v_window_stack_run_window(stack.get(), window, Maximize::no);
@@ -177,18 +167,18 @@ protected:
   }
 
   void cover_with_busy_window(const std::string &title) {
-    on(title, [this] {
+    script.on(title, [this] {
       v_window_stack_busy_begin(stack.get(), ShowBusyWindow::yes);
       is_busy = true;
     });
     script.when(
         "a busy window", [this] { return is_busy; }, [] {});
     expect_only_the_top_window_reacts("Please wait");
-    on("Please wait", [this] { v_window_stack_busy_end(stack.get()); });
+    script.on("Please wait", [this] { v_window_stack_busy_end(stack.get()); });
   }
 
   void expect_that_nothing_gets_past(const std::string &title) {
-    on(title, [this] { focus = gtk_window_get_focus(top_window()); });
+    script.on(title, [this] { focus = gtk_window_get_focus(top_window()); });
     expect_only_the_top_window_reacts(title);
     cover_with_message(title);
     expect_only_the_top_window_reacts(title);
@@ -200,12 +190,12 @@ protected:
     expect_only_the_top_window_reacts(title);
     cover_with_busy_window(title);
     expect_only_the_top_window_reacts(title);
-    on(title, [this] { EXPECT_EQ(gtk_window_get_focus(top_window()), focus); });
+    script.on(title, [this] { EXPECT_EQ(gtk_window_get_focus(top_window()), focus); });
   }
 
   // Expects that the window reacts to a close request. Closes all windows at the end.
   void expect_that_it_can_be_closed(const std::string &title) {
-    on(title, [this] {
+    script.on(title, [this] {
       shown = mapped_windows();
       gtk_window_close(top_window());
     });
@@ -215,7 +205,7 @@ protected:
     script.then([this] {
       EXPECT_NE(mapped_windows(), shown);
       for (GtkWindow *window : shown_windows()) {
-        if (has_title(window, main_title)) {
+        if (std::string(gtk_window_get_title(window)) == main_title) {
           gtk_widget_destroy(GTK_WIDGET(window));
         }
       }
@@ -256,7 +246,7 @@ void select_first_row() {
 TEST_P(EveryWindow, IsModalUnderAndAfterAnyOtherWindow) {
   const Row &row = GetParam();
   make_workspace();
-  on(main_title, select_first_row);
+  script.on(main_title, select_first_row);
   for (const char *label : row.clicks) {
     script.click(label);
   }

@@ -8,6 +8,7 @@
 
 #include "gui/owned_objects.h"
 #include "support/files.h"
+#include "support/gui/file_choosers.h"
 #include "support/gui_driver.h"
 
 namespace {
@@ -209,25 +210,10 @@ std::vector<std::string> list_chosen(GtkFileChooser *chooser) {
   return paths;
 }
 
-// The toolkit logs a critical when a chooser is destroyed while it loads. Its list has no model
-// while it loads, which may happen twice, and nothing signals the end: so the list must have kept
-// its model for a while.
-void wait_until_loaded(GtkFileChooser *chooser) {
-  constexpr gint64 last_look = 200 * G_TIME_SPAN_MILLISECOND;
-  GtkTreeView *list = find_widget<GtkTreeView>(GTK_WIDGET(chooser), GTK_TYPE_TREE_VIEW);
-  gint64 latest_without_list = g_get_monotonic_time();
-  EXPECT_TRUE(wait_until([&] {
-    if (gtk_tree_view_get_model(list) == nullptr) {
-      latest_without_list = g_get_monotonic_time();
-    }
-    return g_get_monotonic_time() - latest_without_list > last_look;
-  }));
-}
-
 void enter_folder(GtkFileChooser *chooser, const std::string &path) {
   gtk_file_chooser_set_current_folder(chooser, path.c_str());
   EXPECT_TRUE(wait_until([&] { return get_current_folder(chooser) == path; })) << path;
-  wait_until_loaded(chooser);
+  EXPECT_TRUE(wait_until(chooser_to_be_loaded()));
 }
 
 // Chooses a file or folder as a click on it would, then accepts.
@@ -260,7 +246,7 @@ void save_as(GtkDialog *dialog, const std::string &folder, const char *name) {
 }
 
 void cancel(GtkDialog *dialog) {
-  wait_until_loaded(as_chooser(dialog));
+  EXPECT_TRUE(wait_until(chooser_to_be_loaded()));
   gtk_dialog_response(dialog, GTK_RESPONSE_CANCEL);
 }
 
