@@ -10,6 +10,8 @@ using testing::IsEmpty;
 
 namespace {
 
+constexpr const char *title = "Select one to add";
+
 class BundledFileSelector : public ComponentFixture {
 protected:
   std::string run() {
@@ -17,18 +19,6 @@ protected:
         v_components_gui_get_bundled_file_path(window_stack.get(), &workspace, kind);
     return path ? path.get() : "none";
   }
-
-  // Waits until the list has the focus; the window also undoes the selection that comes with it.
-  void await_start() {
-    script.when(
-        "a list with the focus",
-        [] {
-          return top_window() != nullptr && gtk_widget_has_focus(GTK_WIDGET(list_of(top_window())));
-        },
-        [] {});
-  }
-
-  GuiScript script;
 };
 
 } // namespace
@@ -40,10 +30,10 @@ TEST_F(BundledFileSelector, ListsTheDeliveredFilesSorted) {
   write_file(delivered("m.codeset"), "broken");
   write_file(delivered("readme.txt"), "text:no");
   write_file(managed("own.codeset"), "text:not delivered");
-  await_start();
+  await_focus_in_list(title);
   script.then([] {
     GtkWindow *window = top_window();
-    EXPECT_STREQ(gtk_window_get_title(window), "Select one to add");
+    EXPECT_STREQ(gtk_window_get_title(window), title);
     EXPECT_THAT(shown_rows(window), ElementsAre(ShownRow{"Ceramics"}, ShownRow{"m.codeset"},
                                                 ShownRow{"wood <b>& 100%s"}));
     EXPECT_FALSE(has_selection(window));
@@ -57,7 +47,7 @@ TEST_F(BundledFileSelector, ListsTheDeliveredFilesSorted) {
 TEST_F(BundledFileSelector, ListTakesTheRoomAboveTheButtons) {
   make_folders();
   write_file(delivered("a.codeset"), "text:A");
-  script.when_active("Select one to add", [] {
+  script.when_active(title, [] {
     GtkWidget *window = GTK_WIDGET(top_window());
     GtkTreeView *list = list_of(top_window());
     EXPECT_EQ(gtk_tree_view_column_get_width(gtk_tree_view_get_column(list, 0)),
@@ -81,7 +71,7 @@ TEST_F(BundledFileSelector, ReturnsThePathOfTheSelectedFile) {
   write_file(delivered("c.codeset"), "broken");
   for (const auto &[shown, name] : {std::pair("B", "b.codeset"), std::pair("A", "a.codeset"),
                                     std::pair("c.codeset", "c.codeset")}) {
-    await_start();
+    await_focus_in_list(title);
     script.then([shown = shown] { select_row(top_window(), shown); });
     script.click("OK");
     EXPECT_EQ(run(), delivered(name));
@@ -89,18 +79,18 @@ TEST_F(BundledFileSelector, ReturnsThePathOfTheSelectedFile) {
 }
 
 TEST_F(BundledFileSelector, IsEmptyWithoutDeliveredFolder) {
-  await_start();
+  await_focus_in_list(title);
   script.then([] { EXPECT_THAT(shown_rows(top_window()), IsEmpty()); });
   script.click("OK");
   script.answer("Error", "None selected.", "Close");
-  script.close("Select one to add");
+  script.close(title);
   EXPECT_EQ(run(), "none");
 }
 
 TEST_F(BundledFileSelector, NothingIsSelectedBeforeTheUserSelects) {
   make_folders();
   write_file(delivered("a.codeset"), "text:A");
-  await_start();
+  await_focus_in_list(title);
   script.click("OK");
   script.answer("Error", "None selected.", "Close");
   script.then([] { select_row(top_window(), "A"); });
@@ -117,8 +107,8 @@ TEST_F(BundledFileSelector, ShowsNoWindowWhenTheInstallationFolderIsUnknown) {
 TEST_F(BundledFileSelector, FolderWithTheExtensionIsListed) {
   make_folders();
   make_folder(delivered("x.codeset"));
-  await_start();
+  await_focus_in_list(title);
   script.then([] { EXPECT_THAT(shown_texts(top_window()), ElementsAre("x.codeset")); });
-  script.close("Select one to add");
+  script.close(title);
   EXPECT_EQ(run(), "none");
 }

@@ -48,6 +48,20 @@ void ComponentFixture::make_folders() {
   make_folder(delivered());
 }
 
+void ComponentFixture::await_focus_in_list(const std::string &title) {
+  script.when(
+      "the focus in the list of the window \"" + title + "\"",
+      [title] {
+        return is_on_top(title) && gtk_widget_has_focus(GTK_WIDGET(list_of(top_window())));
+      },
+      [] {});
+}
+
+void ComponentFixture::enter_name(const std::string &name) {
+  script.on("Add new", [name] { gtk_entry_set_text(entry(), name.c_str()); });
+  script.click("OK");
+}
+
 OwnedText ComponentFixture::text_callback(const char *path, void *fixture) {
   static_cast<ComponentFixture *>(fixture)->summarised.emplace_back(path);
   char *contents = nullptr;
@@ -58,6 +72,8 @@ OwnedText ComponentFixture::text_callback(const char *path, void *fixture) {
   }
   return OwnedText(g_strndup(contents + 5, std::strcspn(contents + 5, "\r\n")));
 }
+
+GtkEntry *entry() { return find_widget<GtkEntry>(GTK_WIDGET(top_window()), GTK_TYPE_ENTRY); }
 
 void PrintTo(const ShownRow &row, std::ostream *stream) {
   *stream << '"' << row.text << '"' << (row.is_red ? " in red" : "");

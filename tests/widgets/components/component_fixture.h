@@ -25,6 +25,12 @@ protected:
   std::string delivered(const std::string &name = "") const;
   void make_folders();
 
+  // Waits until the list of the window has the focus. Windows undo the selection that comes with
+  // it.
+  void await_focus_in_list(const std::string &title);
+  // Types the name in the window "Add new", which is open or about to open, and clicks OK.
+  void enter_name(const std::string &name);
+
   static OwnedText text_callback(const char *path, void *fixture);
 
   FakePlatformReset reset_platform;
@@ -35,7 +41,11 @@ protected:
   OwnedWindowStack window_stack = v_window_stack_new();
   VComponentKind kind = {"codesets", VFileType::remark_codeset, text_callback, this};
   std::vector<std::string> summarised; // the paths that text_callback was called with
+  GuiScript script;
 };
+
+// The only entry of the top window.
+GtkEntry *entry();
 
 // The text and the style of a row in a list.
 struct ShownRow {

@@ -12,8 +12,6 @@ namespace {
 constexpr const char *form_message =
     "The file name must contain at least one character and then end with \".codeset\"";
 
-GtkEntry *entry() { return find_widget<GtkEntry>(GTK_WIDGET(top_window()), GTK_TYPE_ENTRY); }
-
 class NewFileWindow : public ComponentFixture {
 protected:
   NewFileWindow() { make_folders(); }
@@ -22,20 +20,6 @@ protected:
     const OwnedText path = v_components_gui_get_new_file_path(window_stack.get(), &workspace, kind);
     return path ? path.get() : "none";
   }
-
-  // Types the name and presses OK.
-  void enter(const std::string &name) {
-    script.when(
-        "the window \"Add new\"",
-        [] {
-          return top_window() != nullptr &&
-                 g_strcmp0(gtk_window_get_title(top_window()), "Add new") == 0;
-        },
-        [name] { gtk_entry_set_text(entry(), name.c_str()); });
-    script.click("OK");
-  }
-
-  GuiScript script;
 };
 
 } // namespace
@@ -107,7 +91,7 @@ TEST_F(NewFileWindow, AcceptsAndCreatesNothing) {
         std::pair("\u00a0abc.codeset\u2003\u3000", "abc.codeset"),
         std::pair("abc.CODESET", "abc.CODESET"), std::pair("a_1.Codeset", "a_1.Codeset"),
         std::pair("0.codeset", "0.codeset"), std::pair("_.codeset", "_.codeset")}) {
-    enter(typed);
+    enter_name(typed);
     EXPECT_EQ(run(), managed(name)) << typed;
   }
   EXPECT_TRUE(list_folder(managed()).empty());
@@ -116,7 +100,7 @@ TEST_F(NewFileWindow, AcceptsAndCreatesNothing) {
 TEST_F(NewFileWindow, RefusesATextThatIsNotANameWithTheExtension) {
   for (const char *typed : {".codeset", ".CODESET", "", "   ", "abc", "abc.txt", "abc.codeset.txt",
                             "abccodeset", "\u00e5codeset", " .codeset ", "\u00a0.codeset\u00a0"}) {
-    enter(typed);
+    enter_name(typed);
     script.answer("Error", form_message, "Close");
     script.then([typed = typed] { EXPECT_STREQ(gtk_entry_get_text(entry()), typed); });
     script.close("Add new");
@@ -132,7 +116,7 @@ TEST_F(NewFileWindow, RefusesTheFirstCharacterThatIsNotPermitted) {
         std::pair("a.b.codeset", "."), std::pair("a%s<&.codeset", "%"),
         std::pair("ab<.codeset", "<"), std::pair("ab\u20ac\u00e5.codeset", "\u20ac"),
         std::pair("a\U0001f600.codeset", "\U0001f600"), std::pair("..codeset", ".")}) {
-    enter(typed);
+    enter_name(typed);
     script.answer("Error", "The character \"" + std::string(character) + "\" is not permitted.",
                   "Close");
     script.then([typed = typed] { EXPECT_STREQ(gtk_entry_get_text(entry()), typed); });
@@ -143,7 +127,7 @@ TEST_F(NewFileWindow, RefusesTheFirstCharacterThatIsNotPermitted) {
 
 TEST_F(NewFileWindow, RefusesATakenNameWithTheTextOfItsFile) {
   write_file(managed("abc.codeset"), "text:Paper <b>& 100%s");
-  enter("abc.codeset");
+  enter_name("abc.codeset");
   script.answer("Error", "That file name is already taken for \"Paper <b>& 100%s\"", "Close");
   script.click("Cancel");
   EXPECT_EQ(run(), "none");
@@ -154,7 +138,7 @@ TEST_F(NewFileWindow, RefusesATakenNameWithoutAText) {
   write_file(managed("abc.codeset"), "something else");
   make_folder(managed("folder.codeset"));
   for (const char *name : {"abc.codeset", "folder.codeset"}) {
-    enter(name);
+    enter_name(name);
     script.answer("Error", "That file name is already taken.", "Close");
     script.click("Cancel");
     EXPECT_EQ(run(), "none");
@@ -164,21 +148,21 @@ TEST_F(NewFileWindow, RefusesATakenNameWithoutAText) {
 TEST_F(NewFileWindow, ANameThatCannotBeExaminedCountsAsTaken) {
   workspace.folder_path = copy_text((workspace_folder / "file").c_str());
   write_file(workspace_folder / "file", "");
-  enter("abc.codeset");
+  enter_name("abc.codeset");
   script.answer("Error", "That file name is already taken.", "Close");
   script.click("Cancel");
   EXPECT_EQ(run(), "none");
 }
 
 TEST_F(NewFileWindow, AfterARefusalAnotherNameIsAccepted) {
-  enter("Abc.codeset");
+  enter_name("Abc.codeset");
   script.dismiss("Error", "The character \"A\" is not permitted.");
-  enter("abc.codeset");
+  enter_name("abc.codeset");
   EXPECT_EQ(run(), managed("abc.codeset"));
 }
 
 TEST_F(NewFileWindow, AcceptsANameInAMissingFolder) {
   workspace.folder_path = copy_text((workspace_folder / "nowhere").c_str());
-  enter("abc.codeset");
+  enter_name("abc.codeset");
   EXPECT_EQ(run(), workspace_folder / "nowhere/codesets/abc.codeset");
 }
