@@ -5,7 +5,8 @@
 
 namespace {
 
-// Does what the window manager's close button does. An insensitive window has another one over it.
+// Requests closing like the window manager's close button. An insensitive window is covered by
+// another one.
 void request_close(GtkWidget *window) {
   if (!gtk_widget_get_realized(window) || !gtk_widget_is_sensitive(window)) {
     return;
@@ -18,9 +19,9 @@ void request_close(GtkWidget *window) {
   }
 }
 
-// "key-press-event". Closing waits, as in gtk_window_close. That keeps no reference: were the
-// window destroyed by then, because the key repeats for instance, it would close a window that is
-// no longer there.
+// "key-press-event". Closing waits for the main loop, as in gtk_window_close. That function holds
+// no reference: if the window were destroyed first, for instance because the key repeats, it would
+// close a window that no longer exists.
 gboolean key_press_event_callback(GtkWidget *window, GdkEventKey *event, void *) {
   if (event->keyval != GDK_KEY_Escape) {
     return GDK_EVENT_PROPAGATE;
@@ -50,7 +51,7 @@ void v_gui_set_accessible_message(GtkWidget *window, const char *message) {
 }
 
 void v_gui_close_on_escape(GtkWindow *window) {
-  // Connected after, so that the focused widget, a list's search field for instance, handles the
-  // key first.
+  // Connected after other handlers, so that the widget with the focus, for instance a list's search
+  // field, handles the key first.
   g_signal_connect_after(window, "key-press-event", G_CALLBACK(key_press_event_callback), nullptr);
 }

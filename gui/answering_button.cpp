@@ -26,14 +26,15 @@ bool can_be_pressed(GtkWidget *button) {
   return gtk_widget_is_sensitive(button) && gtk_widget_is_visible(button);
 }
 
-// The toolkit's own handler first shows the button pressed for a quarter of a second.
+// The toolkit's own handler would first draw the button as pressed for a quarter of a second.
 void activate(GtkButton *button) {
   if (can_be_pressed(GTK_WIDGET(button))) {
     gtk_button_clicked(button);
   }
 }
 
-// A button has one action, number 0. By the time of the call another window may cover the button's.
+// Action 0 is the only one of a button. activate checks the button again, because another window
+// may cover it by then.
 gboolean do_action(AtkAction *accessible, int action) {
   GtkWidget *button = gtk_accessible_get_widget(GTK_ACCESSIBLE(accessible));
   if (action != 0 || button == nullptr || !can_be_pressed(button)) {
@@ -43,7 +44,7 @@ gboolean do_action(AtkAction *accessible, int action) {
   return TRUE;
 }
 
-// Null for none. The button owns the string, until it gets another key.
+// Null when no key is set. The button owns the string until another key is set.
 const char *get_keybinding(AtkAction *accessible, int action) {
   GtkWidget *button = gtk_accessible_get_widget(GTK_ACCESSIBLE(accessible));
   return action != 0 || button == nullptr

@@ -9,7 +9,7 @@ namespace {
 
 void shrink_to_fit(GtkWindow *window) { gtk_window_resize(window, 1, 1); }
 
-// "destroy" of the window, which the stack or the destruction of its parent causes.
+// "destroy" of the window, by the stack or with its parent.
 void destroy_callback(GtkWidget *, VBusyRecord *busy) {
   v_busy_window_disconnect(busy);
   *busy = VBusyRecord{.abort_requested = busy->abort_requested};
@@ -29,7 +29,7 @@ void build_window(VBusyRecord *busy) {
   v_css_style_widget(GTK_WIDGET(busy->window), "* { background: #000000 }");
   v_gui_set_surrounding_margin(GTK_WIDGET(busy->window), 1);
   g_signal_connect(busy->window, "destroy", G_CALLBACK(destroy_callback), busy);
-  // Only the end of the task closes the window.
+  // The window closes only when the task ends.
   g_signal_connect(busy->window, "delete-event", G_CALLBACK(gtk_true), busy);
 }
 
@@ -59,7 +59,7 @@ void build_abort_button(VBusyRecord *busy) {
 
 } // namespace
 
-// A white area in a black frame of one pixel, with the content in the middle.
+// Builds a white area in a black frame of one pixel, with the content in the middle.
 void v_busy_window_build(VBusyRecord *busy) {
   build_window(busy);
   build_content(busy);

@@ -62,7 +62,7 @@ GtkFileFilter *add_joint_filter(GtkFileChooser *chooser, const char *name, FileT
   return filter;
 }
 
-// The first filter is the current one.
+// Makes the first filter the current one.
 void add_filters(GtkFileChooser *chooser, const char *filter_name, FileTypes file_types) {
   GtkFileFilter *first = nullptr;
   const auto keep_first = [&first](GtkFileFilter *filter) {
@@ -80,7 +80,7 @@ void add_filters(GtkFileChooser *chooser, const char *filter_name, FileTypes fil
   gtk_file_chooser_set_filter(chooser, first);
 }
 
-// The chooser itself would start with the list of recently used files, which may be empty.
+// By default the chooser starts with the list of recently used files, which may be empty.
 void start_in_documents_folder(GtkFileChooser *chooser) {
   const char *documents = g_get_user_special_dir(G_USER_DIRECTORY_DOCUMENTS);
   const bool exists = documents != nullptr && g_file_test(documents, G_FILE_TEST_IS_DIR);
@@ -93,7 +93,7 @@ void start_in_folder(GtkFileChooser *chooser, FileTypes file_types) {
     start_in_documents_folder(chooser);
     return;
   }
-  // A file directly in the root has the empty folder.
+  // The folder is empty for a file in the root folder.
   const std::string &folder = remembered->second;
   const OwnedText name =
       v_fs_utils_convert_utf8_to_glibfsenc(folder.empty() ? "/" : folder.c_str());

@@ -8,8 +8,8 @@
 struct _VHeightCappedScroller {
   GtkScrolledWindow parent_instance;
 
-  int least_height; // pixels; 0: never lower than the content, up to the screen's height
-  // Both in pixels, as they were when the scroller was laid out last.
+  int least_height; // pixels; 0: as high as the content, up to the screen's height
+  // In pixels, from the last allocation.
   double content_height;
   double shown_height;
 };
@@ -18,11 +18,11 @@ G_DEFINE_TYPE(VHeightCappedScroller, v_height_capped_scroller, GTK_TYPE_SCROLLED
 
 namespace {
 
-// In themes the scroll bar touches the fields beside it.
+// Themes leave no gap between the scroll bar and the fields beside it.
 constexpr const char *scroller_css =
     "scrolledwindow { -GtkScrolledWindow-scrollbar-spacing: 8px; }";
 
-// The scrolled window itself has a minimum of almost no height.
+// A plain scrolled window has a minimum of almost no height.
 int limit_minimum(GtkWidget *widget, int natural) {
   const int least_height = V_HEIGHT_CAPPED_SCROLLER(widget)->least_height;
   return least_height == 0 ? natural : std::min(natural, least_height);
@@ -40,7 +40,7 @@ void get_preferred_height_for_width(GtkWidget *widget, int width, int *minimum, 
   *minimum = limit_minimum(widget, *natural);
 }
 
-// The scrolled window itself would reserve room for a scroll bar that is not shown.
+// A plain scrolled window would reserve room for a scroll bar even when none is shown.
 void get_preferred_width(GtkWidget *widget, int *minimum, int *natural) {
   GTK_WIDGET_CLASS(v_height_capped_scroller_parent_class)
       ->get_preferred_width(widget, minimum, natural);
@@ -54,7 +54,7 @@ void get_preferred_width(GtkWidget *widget, int *minimum, int *natural) {
   }
 }
 
-// Null when the focus is not inside.
+// The focus widget when it is inside; else null.
 GtkWidget *find_focus_inside(GtkWidget *scroller) {
   GtkWidget *window = gtk_widget_get_toplevel(scroller);
   GtkWidget *focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
@@ -68,9 +68,9 @@ void scroll_to(GtkWidget *widget, GtkWidget *content, GtkAdjustment *place) {
   }
 }
 
-// The toolkit scrolls to a widget when it gets the focus, but a new one has no position until it is
-// laid out here. When no size has changed nothing scrolls: the user may have scrolled elsewhere on
-// purpose.
+// Scrolls to the focus widget again: the toolkit scrolls to a widget when it gets the focus, but a
+// new widget has no position until it is allocated here. Nothing scrolls when no size has changed,
+// because the user may have scrolled elsewhere on purpose.
 void size_allocate(GtkWidget *widget, GtkAllocation *allocation) {
   VHeightCappedScroller *scroller = V_HEIGHT_CAPPED_SCROLLER(widget);
   GTK_WIDGET_CLASS(v_height_capped_scroller_parent_class)->size_allocate(widget, allocation);
@@ -102,7 +102,7 @@ static void v_height_capped_scroller_init(VHeightCappedScroller *scroller) {
   gtk_scrolled_window_set_policy(scrolled_window, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
   gtk_scrolled_window_set_overlay_scrolling(scrolled_window, FALSE);
   v_css_style_widget(GTK_WIDGET(scroller), scroller_css);
-  // Only what can be operated gets the focus.
+  // The focus skips the scroller itself, with which a key can do nothing.
   gtk_widget_set_can_focus(GTK_WIDGET(scroller), FALSE);
   gtk_scrolled_window_set_propagate_natural_height(scrolled_window, TRUE);
   gtk_scrolled_window_set_max_content_height(scrolled_window,

@@ -14,10 +14,10 @@ struct IdleCall {
   guint source = 0;
 };
 
-// "destroy" of the widget before the call.
+// "destroy" of the widget, only before the call.
 void destroy_callback(GtkWidget *, IdleCall *call) { g_source_remove(call->source); }
 
-// From here on the widget may be destroyed: the function itself may do that.
+// Disconnects the handler first: the function may destroy the widget.
 gboolean idle_callback(void *data) {
   auto *call = static_cast<IdleCall *>(data);
   g_signal_handler_disconnect(call->widget.get(), std::exchange(call->destroy_handler, 0));

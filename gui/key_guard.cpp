@@ -10,15 +10,15 @@ using OwnedEvent = Owned<GdkEvent, gdk_event_free>;
 
 constexpr const char *shield_key = "vantorelle-key-guard-shield";
 
-// Milliseconds: the most that a keyboard waits before its first repeat, and then between repeats.
+// Longest waits of a keyboard, in milliseconds, before its first repeat and between repeats.
 constexpr guint32 longest_repeat_delay = 1000;
 constexpr guint longest_repeat_interval = 150;
-// Longer than the pauses of slow typing, shorter than it takes to read a message.
+// Milliseconds. Longer than the pauses in slow typing, shorter than reading a message takes.
 constexpr guint32 typing_pause = 400;
-// Shorter than it takes to press the same key again as an answer.
+// Milliseconds. Shorter than pressing the same key again as an answer takes.
 constexpr guint32 shortest_answer = 100;
 
-// The last press of a key that is no modifier.
+// The last press of a key other than a modifier.
 struct LastPress {
   guint16 keycode = 0;
   guint32 time = 0; // of the event, in milliseconds
@@ -31,9 +31,8 @@ struct LastPress {
 
 LastPress last_press;
 
-// A press that is either the first repeat of a key pressed in another window, or a new press after
-// the release was lost with that window. The next event decides: only a held key repeats again at
-// once.
+// A press that may be the first repeat of a key pressed in another window, or a new press after the
+// release was lost with that window. The next event decides: only a held key repeats at once.
 struct DoubtfulPress {
   OwnedEvent event; // null for none
   guint source = 0;
@@ -50,7 +49,7 @@ bool is_space(const GdkEventKey *event) {
   return event->keyval == GDK_KEY_space || event->keyval == GDK_KEY_KP_Space;
 }
 
-// The window that gets the key: a modal window also gets the keys of the others.
+// The window that gets the key; a modal window also gets the keys of the other windows.
 GtkWidget *find_receiver(GdkEvent *event) {
   GtkWidget *widget = gtk_get_event_widget(event);
   GtkWidget *grab_widget = gtk_grab_get_current();
@@ -85,14 +84,14 @@ void set_shield(GtkWidget *window, Shield shield) {
   g_object_set_data(G_OBJECT(window), shield_key, GINT_TO_POINTER(shield));
 }
 
-// Return and Escape answer a message, unless they are a part of continued typing.
+// Return and Escape answer a message unless they continue typing.
 bool is_answer(const GdkEventKey *event, Shield shield) {
   const guint32 pause = event->time - last_press.time;
   const bool can_answer = is_enter(event) || event->keyval == GDK_KEY_Escape;
   return pause >= typing_pause || (shield == shielded && can_answer && pause >= shortest_answer);
 }
 
-// Ends the shield at the first key that is an answer.
+// True while typing continues. The first key that is an answer ends the shield.
 bool is_typed_into_shield(const GdkEventKey *event, GtkWidget *window) {
   const Shield shield = get_shield(window);
   if (shield == not_shielded) {
@@ -138,9 +137,9 @@ void doubt(GdkEvent *event) {
   doubtful_press.source = g_timeout_add(longest_repeat_interval, doubt_timeout_callback, nullptr);
 }
 
-// The same key again means that the key is held; any other key, or the release, means that it was
-// pressed anew. True when the event was put back into the queue, behind the press, whose handlers
-// may run a main loop.
+// A second press of the same key means that the key is held; any other key, or the release, means
+// that it was pressed anew. True when the event was put back into the queue: it follows the
+// doubtful press, whose handlers may run a main loop.
 bool settle_doubt(GdkEvent *event) {
   if (!doubtful_press.event) {
     return false;

@@ -30,7 +30,7 @@ void set_placed(GtkTreeView *view, bool is_placed) {
 
 void cursor_changed_callback(GtkTreeView *view, void *) { set_placed(view, false); }
 
-// The row to which the key moves the cursor from the given row; -1 for other keys.
+// The row that the key moves the cursor to; -1 for other keys.
 int row_of_key(const GdkEventKey *event, int row, int rows) {
   if ((event->state & gtk_accelerator_get_default_mod_mask()) != 0) {
     return -1;
@@ -53,8 +53,8 @@ int row_of_key(const GdkEventKey *event, int row, int rows) {
   }
 }
 
-// Without a selection the toolkit's arrow keys only select the row that has the cursor, and Home in
-// the first row and End in the last one do nothing.
+// "key-press-event" of a list without a selection. There the toolkit's arrow keys only select the
+// cursor's row, and Home in the first row and End in the last do nothing.
 gboolean key_press_event_callback(GtkWidget *widget, GdkEventKey *event, void *) {
   GtkTreeView *view = GTK_TREE_VIEW(widget);
   if (!v_list_place_is_placed(view) || has_selection(view)) {
@@ -68,8 +68,8 @@ gboolean key_press_event_callback(GtkWidget *widget, GdkEventKey *event, void *)
   return GDK_EVENT_STOP;
 }
 
-// Scrolls at once. The toolkit scrolls step by step, and stops between two steps when another
-// window covers the list.
+// Scrolls in one step. The toolkit scrolls gradually, and stops when another window covers the
+// list.
 void scroll_now(GtkTreeView *view, GtkTreePath *path) {
   GdkRectangle area;
   gtk_tree_view_get_background_area(view, path, nullptr, &area);
@@ -142,7 +142,7 @@ void v_list_place_show(GtkTreeView *view, int row) {
     return;
   }
   const OwnedTreePath path = path_of_row(row);
-  // For a row whose height is not known yet.
+  // The toolkit scrolls later to a row that has no height yet.
   gtk_tree_view_scroll_to_cell(view, path.get(), nullptr, FALSE, 0.0f, 0.0f);
   if (gtk_widget_get_realized(GTK_WIDGET(view))) {
     scroll_now(view, path.get());

@@ -12,7 +12,7 @@ G_DEFINE_TYPE(VListScroller, v_list_scroller, GTK_TYPE_SCROLLED_WINDOW)
 
 namespace {
 
-// Pixels, with the gap to the next row; 0 for a list without columns.
+// Height of a row in pixels, including the gap to the next one; 0 for a list without columns.
 int measure_row(GtkTreeView *list) {
   GtkTreeViewColumn *column = gtk_tree_view_get_column(list, 0);
   if (column == nullptr) {

@@ -8,18 +8,19 @@
 
 namespace {
 
-// The search in one list. It keeps the folded texts, so that a key does not fold thousands of them.
+// The search in one list. Keeps the folded texts: folding thousands of them for each key would be
+// slow.
 struct ListSearch {
   OwnedObject<GtkTreeModel> model;
   VListTextCallback text_callback = nullptr;
   bool is_folded = false;
   std::vector<std::string> texts; // folded, one for each row; valid while is_folded
-  OwnedText key;                  // as typed; null: first_match is not valid
+  OwnedText key;                  // as typed; null when first_match is not valid
   std::string folded_key;
-  std::size_t first_match = 0; // rows before it do not match
+  std::size_t first_match = 0; // earlier rows do not match
 };
 
-// Unicode does not decompose letters with a stroke and ligatures: here they become ASCII letters.
+// Ligatures and letters with a stroke, which Unicode does not decompose, become ASCII letters.
 void append_without_accent(std::string *text, gunichar character) {
   char utf8[7] = {};
   g_unichar_to_utf8(character, utf8);
@@ -77,7 +78,7 @@ bool matches(const ListSearch *search, GtkTreeIter *row) {
          search->texts.at(index).find(search->folded_key) != std::string::npos;
 }
 
-// FALSE for a match, as the toolkit wants it.
+// FALSE for a match, as gtk_tree_view_set_search_equal_func requires.
 gboolean differs_callback(GtkTreeModel *, int, const char *key, GtkTreeIter *row, void *data) {
   auto *search = static_cast<ListSearch *>(data);
   if (!search->key || g_strcmp0(search->key.get(), key) != 0) {

@@ -15,16 +15,16 @@ constexpr MessageKind error_kind = {"Error", "dialog-error", VButtonSet::close};
 constexpr MessageKind warning_kind = {"Warning", "dialog-warning", VButtonSet::close};
 constexpr MessageKind question_kind = {"Question", "dialog-question", VButtonSet::none};
 
-// Lines of the program's own messages are shorter; a long path or a text from a file may be longer.
+// The program's own lines are shorter; a long path or a text from a file may be longer.
 constexpr int widest_line = 120; // characters
 
-// Width of icon, margins, scroll bar and the window's own border, in pixels.
+// Width in pixels of icon, margins, scroll bar and window border.
 constexpr int width_beside_message = 150;
 
 struct ScrollKey {
   guint key;
   guint keypad_key;
-  // How far it scrolls.
+  // How far the key scrolls.
   int steps, pages, texts;
 };
 
@@ -50,8 +50,8 @@ void scroll(GtkAdjustment *adjustment, const ScrollKey &row) {
                                row.texts * gtk_adjustment_get_upper(adjustment));
 }
 
-// "key-press-event" of the dialog, independent of the focus. Keys with Shift or Control are left to
-// the text.
+// "key-press-event" of the dialog, wherever the focus is. The text handles keys with Shift or
+// Control.
 gboolean scroll_key_callback(GtkWidget *, GdkEventKey *event, GtkScrolledWindow *scroller) {
   GtkAdjustment *adjustment = gtk_scrolled_window_get_vadjustment(scroller);
   if ((event->state & gtk_accelerator_get_default_mod_mask()) != 0 || !can_scroll(adjustment)) {
@@ -66,13 +66,12 @@ gboolean scroll_key_callback(GtkWidget *, GdkEventKey *event, GtkScrolledWindow 
   return GDK_EVENT_PROPAGATE;
 }
 
-// The text scrolls, because one from a file may be higher than the screen; the buttons stay
-// visible.
+// The text scrolls, so that the buttons stay visible below a text that is higher than the screen.
 void pack_message(GtkDialog *dialog, GtkBox *box, const char *text) {
   GtkBox *text_box = v_gui_pack_scrolling_vbox(box, Expand::yes, Spacing::standard);
   GtkLabel *label = v_gui_pack_label(text_box, text, 0.0f, 0.0f);
   v_gui_wrap_overlong_label(label, widest_line, width_beside_message);
-  gtk_label_set_selectable(label, TRUE); // to be copied
+  gtk_label_set_selectable(label, TRUE); // so that the user can copy it
   GtkWidget *scroller = gtk_widget_get_ancestor(GTK_WIDGET(text_box), GTK_TYPE_SCROLLED_WINDOW);
   g_signal_connect_object(dialog, "key-press-event", G_CALLBACK(scroll_key_callback), scroller,
                           GConnectFlags{});
@@ -99,7 +98,7 @@ int run_dialog_of_kind(VWindowStack *window_stack, const MessageKind *kind, cons
       window_stack, create_dialog(kind->title, kind->icon_name, text, kind->button_set));
 }
 
-// The toolkit would give the focus to the first button, which may be the unsafe one.
+// Without this the first button gets the focus, which may be the unsafe one.
 void focus_default_button(GtkDialog *dialog) {
   if (GtkWidget *button = gtk_window_get_default_widget(GTK_WINDOW(dialog))) {
     gtk_widget_grab_focus(button);
@@ -179,7 +178,7 @@ GtkDialog *v_message_create_question_dialog_utf8_printf(const char *title, const
 }
 
 int v_message_run_and_destroy_dialog(VWindowStack *window_stack, GtkDialog *dialog) {
-  // A dialog may be destroyed while it runs, by the window below it.
+  // The dialog is destroyed while it runs when the window below it is.
   const OwnedObject<GtkDialog> held = share(dialog);
   if (window_stack != nullptr) {
     v_window_stack_push_window(window_stack, GTK_WINDOW(dialog));

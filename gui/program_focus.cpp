@@ -17,7 +17,7 @@ bool has_focus(const VWindowStack *stack) {
   return false;
 }
 
-// The source whose callback is running removes itself by returning G_SOURCE_REMOVE.
+// Forgets the running source, which G_SOURCE_REMOVE removes.
 gboolean end_current_source(VWindowStack *stack) {
   std::erase(stack->sources, g_source_get_id(g_main_current_source()));
   return G_SOURCE_REMOVE;
@@ -38,8 +38,8 @@ gboolean focus_loss_idle_callback(void *data) {
   return end_current_source(stack);
 }
 
-// "focus-out-event" of a watched window. The focus may only be on its way to another window of the
-// program, so the check whether it is lost waits.
+// "focus-out-event" of a watched window. The check is delayed, because another window of the
+// program may be about to get the focus.
 gboolean focus_out_event_callback(GtkWidget *, GdkEventFocus *, WindowStackNode *entry) {
   VWindowStack *stack = entry->stack;
   stack->focus_lost_time = get_present_time();

@@ -6,8 +6,8 @@
 
 namespace {
 
-// Screen height for each row of a list: 10 rows on 700 pixels, 12 on 900. The fields of one
-// language above the list then need no scroll bar on either.
+// Screen height in pixels for each row of a list: 10 rows on 700 pixels, 12 on 900. On both, the
+// fields of one language above the list need no scroll bar.
 constexpr int pixels_per_list_row = 70;
 
 constexpr int fewest_characters = 10;
@@ -23,7 +23,8 @@ GdkWindow *find_active_window() {
   return nullptr;
 }
 
-// A window has its place on the screen once it is mapped.
+// The monitor of the widget's window; the window has a position only when it is mapped. Otherwise
+// the monitor of the active window, or the primary one.
 GdkMonitor *find_monitor(GtkWidget *widget) {
   GdkDisplay *display = gtk_widget_get_display(widget);
   GtkWidget *toplevel = gtk_widget_get_toplevel(widget);
@@ -38,8 +39,8 @@ GdkMonitor *find_monitor(GtkWidget *widget) {
   return primary != nullptr ? primary : gdk_display_get_monitor(display, 0);
 }
 
-// The widest of an average letter and a digit, as the toolkit computes widths in characters;
-// pixels.
+// Pixels per character, as the toolkit counts widths in characters: the greater of an average
+// letter and digit.
 int measure_character(GtkWidget *widget) {
   PangoContext *context = gtk_widget_get_pango_context(widget);
   const Owned<PangoFontMetrics, pango_font_metrics_unref> metrics(

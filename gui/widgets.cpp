@@ -37,7 +37,7 @@ void make_default_if_asked(GtkButton *button, MakeDefault make_default) {
 }
 
 // "close" of a dialog, emitted for Escape. The toolkit's own handler closes the window later, and
-// with a key that repeats before that it would close a dialog that no longer exists.
+// after a repeated key it would close a dialog that no longer exists.
 void dialog_close_callback(GtkDialog *dialog, void *) {
   g_signal_stop_emission_by_name(dialog, "close");
   gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
@@ -113,7 +113,7 @@ GtkBox *v_gui_pack_hbox(GtkBox *box, Expand expand, Spacing spacing) {
 GtkBox *v_gui_pack_scrolling_vbox(GtkBox *box, Expand expand, Spacing spacing) {
   GtkWidget *scroller = packed(box, expand, shown(v_height_capped_scroller_new()));
   GtkBox *inner_box = v_gui_add_vbox(GTK_CONTAINER(scroller), spacing);
-  // The focused widget scrolls into view.
+  // Scrolls the focused widget into view.
   gtk_container_set_focus_vadjustment(
       GTK_CONTAINER(inner_box), gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller)));
   return inner_box;

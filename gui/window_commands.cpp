@@ -8,7 +8,7 @@
 
 namespace {
 
-// One key of one window, which owns it.
+// One key of a window. The window owns this record.
 struct Command {
   GtkWindow *window = nullptr;
   VWindowCommand function = nullptr;

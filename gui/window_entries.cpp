@@ -11,7 +11,7 @@ void disconnect(WindowStackNode *entry) {
   }
 }
 
-// "destroy" of the window of an entry, which stays in the chain without a window.
+// "destroy" of an entry's window. The entry stays in the chain.
 void destroy_callback(GtkWidget *, WindowStackNode *entry) {
   disconnect(entry);
   entry->window = nullptr;
@@ -57,7 +57,7 @@ WindowStackNode *v_window_entries_add(VWindowStack *stack, GtkWindow *window) {
 void v_window_entries_remove(WindowStackNode *entry) {
   disconnect(entry);
   entry->next->previous = entry->previous;
-  // The entry is destroyed at the end of the scope, after it has lost what is above it.
+  // The entry is destroyed on return, when it no longer owns the entries above it.
   const std::unique_ptr<WindowStackNode> removed = std::move(entry->previous->next);
   removed->previous->next = std::move(removed->next);
 }

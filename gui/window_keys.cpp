@@ -12,7 +12,7 @@ namespace {
 
 enum class Row { selected, with_cursor };
 
-// One key of one window. The window owns the widgets, and the key.
+// One key of a window. The window owns the widgets and this record.
 struct Key {
   GtkWindow *window = nullptr;
   GdkModifierType modifiers = {};
@@ -39,14 +39,15 @@ bool press(GtkButton *button) {
   return true;
 }
 
-// The toolkit may ignore Shift, and the key would then work with and without it.
+// Compares all modifiers: the toolkit may ignore Shift, and the key would then work both with and
+// without it.
 bool has_modifiers_of(const Key *key) {
   GdkModifierType state = {};
   gtk_get_current_event_state(&state);
   return (state & gtk_accelerator_get_default_mod_mask()) == key->modifiers;
 }
 
-// Keys that are not handled here reach the widget that has the focus.
+// FALSE passes the key on to the widget with the focus.
 gboolean key_callback(GtkAccelGroup *, GObject *, guint, GdkModifierType, Key *key) {
   if (!has_modifiers_of(key) ||
       (key->list != nullptr && gtk_window_get_focus(key->window) != GTK_WIDGET(key->list))) {
@@ -93,8 +94,9 @@ bool is_handling_a_key() {
   return event && (event->type == GDK_KEY_PRESS || event->type == GDK_KEY_RELEASE);
 }
 
-// "row-activated", which the toolkit emits for Space as well, and for Return in the search field.
-// The button's own action answers assistive technology before the button is pressed.
+// "row-activated", which the toolkit also emits for Space, and for Return in the search field.
+// Assistive technology emits it without a key: the button's action answers it before the button is
+// pressed.
 void row_activated_callback(GtkTreeView *, GtkTreePath *, GtkTreeViewColumn *, GtkButton *button) {
   if (!is_handling_a_key()) {
     atk_action_do_action(ATK_ACTION(gtk_widget_get_accessible(GTK_WIDGET(button))), 0);

@@ -7,14 +7,14 @@
 #include "program_focus.h"
 #include "window_cursors.h"
 
-// One call of v_window_stack_run_window. It waits on the call stack, so it outlives its window, and
-// may outlive its entry and the window stack.
+// One call of v_window_stack_run_window. The record is in the stack frame of that call, so it
+// outlives its window, and may outlive its entry and the window stack.
 struct VWindowRun {
   VWindowStack *stack = nullptr;   // null once the stack is destroyed
   WindowStackNode *node = nullptr; // null once the entry is removed
-  VWindowRun *outer = nullptr;     // the call whose main loop made this one
-  guint main_level = 0;            // of its main loop
-  guint maximize_source = 0;       // 0 when none is under way
+  VWindowRun *outer = nullptr;     // the call in whose main loop this one was made
+  guint main_level = 0;            // gtk_main_level in its main loop
+  guint maximize_source = 0;       // 0 when no callback is pending
   bool is_over = false;            // the window is destroyed
 };
 
@@ -47,7 +47,7 @@ void remove_entry(WindowStackNode *node) {
   v_window_entries_remove(node);
 }
 
-// The nearest entry below with a window of its own, or null.
+// The nearest entry below that has a window of its own; null when there is none.
 WindowStackNode *find_entry_to_cover(const WindowStackNode *node) {
   WindowStackNode *below = node->previous;
   while (below != nullptr && below->window == nullptr) {
@@ -75,7 +75,7 @@ void show_busy_window_below(VWindowStack *stack) {
   }
 }
 
-// Gives the new top entry back to the user, or to the busy task.
+// Makes the new top entry usable again, or shows that it is busy.
 void uncover_top_entry(VWindowStack *stack) {
   WindowStackNode *node = v_window_entries_get_top(stack);
   if (node->busy) {
@@ -91,7 +91,7 @@ void uncover_top_entry(VWindowStack *stack) {
 
 // ---- Running ------------------------------------------------------------------------------------
 
-// Idle callback after "realize".
+// Called when idle after "realize".
 gboolean maximize_idle_callback(void *data) {
   auto *run = static_cast<VWindowRun *>(data);
   run->maximize_source = 0;
@@ -101,15 +101,15 @@ gboolean maximize_idle_callback(void *data) {
   return G_SOURCE_REMOVE;
 }
 
-// "realize" of a window to maximize. Some window managers ignore a request that precedes the
-// window, others one that follows it, so the stack makes both.
+// "realize" of a window to be maximized. Some window managers ignore a request made before the
+// window is shown, others one made after, so the stack makes both.
 void run_realize_callback(GtkWidget *, VWindowRun *run) {
   if (run->maximize_source == 0) {
     run->maximize_source = g_idle_add(maximize_idle_callback, run);
   }
 }
 
-// The entry need not be the top one: a window below it may be destroyed from outside.
+// The entry may be below the top: its window may be destroyed from outside.
 void remove_entry_of(VWindowRun *run) {
   if (run->node == nullptr) {
     return;
@@ -121,14 +121,14 @@ void remove_entry_of(VWindowRun *run) {
   }
 }
 
-// Only the innermost main loop can end. The run inside an outer one ends that one, see end_run.
+// Only the innermost main loop can be quit. An outer one is quit by end_run of the call inside it.
 void quit_main_loop_if_innermost(const VWindowRun *run) {
   if (gtk_main_level() == run->main_level) {
     gtk_main_quit();
   }
 }
 
-// "destroy" of the window of a run.
+// "destroy" of the window.
 void run_destroy_callback(GtkWidget *, VWindowRun *run) {
   run->is_over = true;
   if (run->maximize_source != 0) {
@@ -233,7 +233,7 @@ void v_window_stack_run_window(VWindowStack *window_stack, GtkWindow *window, Ma
     g_signal_connect(window, "realize", G_CALLBACK(run_realize_callback), &run);
   }
   gtk_widget_show(GTK_WIDGET(window));
-  if (!run.is_over) { // showing runs handlers, which may have ended it already
+  if (!run.is_over) { // handlers of showing may have destroyed the window
     gtk_window_set_focus(window, focus_widget);
     gtk_main();
   }
