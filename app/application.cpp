@@ -24,8 +24,8 @@ bool running = false;
 void clean_up_text_sheet_drawing() {}
 void clean_up_widget_styles() {}
 
-// Also sets the icon of windows that are already shown. Loading the icon theme takes some 10 ms, so
-// the first window does not wait for it.
+// Called when idle: loading the icon theme takes some 10 ms, and the first window does not wait for
+// it. Windows that are already shown get the icon too.
 gboolean set_icon_callback(void *configuration) {
   gtk_window_set_default_icon_name(
       static_cast<const ApplicationConfiguration *>(configuration)->application_id);
@@ -39,7 +39,7 @@ int v_main(int argc, char **argv) {
   process_argv = argv;
   g_setenv("GTK_THEME", "Adwaita", TRUE);
   v_init_application_configuration(&process_app_conf);
-  // Desktops find the program's entry and icon by this name.
+  // Desktops find the program's desktop entry and icon by this name.
   g_set_prgname(process_app_conf.application_id);
   constexpr auto flags =
       static_cast<GApplicationFlags>(G_APPLICATION_HANDLES_COMMAND_LINE | G_APPLICATION_NON_UNIQUE);
@@ -54,8 +54,8 @@ int v_main(int argc, char **argv) {
 }
 
 void app_startup_callback(GtkApplication *application, ApplicationConfiguration *configuration) {
-  // The font map searches the system's fonts in its own thread. Created here, it is ready when the
-  // first text is measured.
+  // The font map searches the system's fonts in a thread of its own. Created this early, it is
+  // ready when the first text is measured.
   pango_cairo_font_map_get_default();
   g_idle_add_full(G_PRIORITY_LOW, set_icon_callback, configuration, nullptr);
   startup_successful = v_startup_run(application);

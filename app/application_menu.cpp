@@ -12,7 +12,8 @@ void activate_callback(GSimpleAction *, GVariant *, void *) {
 
 } // namespace
 
-// An entry of the application's own menu, where the desktop shows one; no window gets a menu bar.
+// Adds an item to the application's own menu, which only some desktops show. No window gets a menu
+// bar.
 void v_application_menu_install(GtkApplication *application) {
   const OwnedObject<GSimpleAction> action(g_simple_action_new(action_name, nullptr));
   g_signal_connect(action.get(), "activate", G_CALLBACK(activate_callback), nullptr);

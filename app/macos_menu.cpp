@@ -3,7 +3,7 @@
 #include "app/application_menu.h"
 #include "gui/widgets.h"
 
-// After the system's own first entry: a separator, then the item.
+// Adds a separator and the item after the system's first entry.
 void v_application_menu_install(GtkApplication *) {
   GtkosxApplication *application = gtkosx_application_get();
   gtkosx_application_insert_app_menu_item(application, GTK_WIDGET(v_gui_menu_create_separator()),

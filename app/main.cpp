@@ -1,8 +1,8 @@
 #include "app/application.h"
 #include "app/codesets_manager.h"
 
-// Defined here and not in the tool's static library: only the frame calls it, and the linker reads
-// the frame's library after the tool's.
+// Defined here and not in the tool's static library: only the frame calls it, and the linker
+// searches the tool's library before the frame's.
 void v_init_application_configuration(ApplicationConfiguration *configuration) {
   configuration->application_id = "org.vantorelle.VantorelleRemarkCodesetsManager";
   configuration->run = run;

@@ -28,5 +28,5 @@ bool v_user_session_start(VWindowStack *window_stack, OwnedWorkspace &workspace)
   return true;
 }
 
-// Letting go of the workspace closes it.
+// The destructor of the argument closes the workspace.
 void v_user_session_end(OwnedWorkspace) {}

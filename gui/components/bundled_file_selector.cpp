@@ -21,7 +21,7 @@ struct BundledFileSelector {
   OwnedObject<GtkListStore> list; // the second column holds the path
   GtkWindow *window = nullptr;
   GtkTreeView *tree_view = nullptr;
-  OwnedText result; // null until a file was chosen
+  OwnedText result; // null until a file is chosen
 };
 
 void cell_data_func(GtkTreeViewColumn *column, GtkCellRenderer *cell, GtkTreeModel *model,

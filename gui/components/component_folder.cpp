@@ -11,7 +11,7 @@
 
 namespace {
 
-// Null for a file that is not compatible.
+// The display text; null for an incompatible file.
 OwnedText read_text(const VComponentFolder &folder, const char *path) {
   return folder.kind.text_callback(path, folder.kind.user_data);
 }
@@ -34,8 +34,8 @@ bool check_extension(const VComponentFolder &folder, const char *path) {
   return false;
 }
 
-// Makes the managed folder if it is missing. The messages name the fonts folder for every kind, on
-// purpose: all managers of the suite have the same messages.
+// Creates the managed folder if it is missing. On purpose the messages name the fonts folder for
+// every kind of file: all managers of the suite have the same messages.
 bool ensure_exists(const VComponentFolder &folder) {
   const char *path = folder.path.get();
   VFileInfo info;
@@ -54,7 +54,7 @@ bool ensure_exists(const VComponentFolder &folder) {
   return known && info.is_folder;
 }
 
-// Whether nothing is at the destination, or the user agrees to overwrite it.
+// True when nothing is at the destination or the user agrees to overwrite it.
 bool may_write(const VComponentFolder &folder, const char *source, const char *destination) {
   VFileInfo info;
   if (!v_fs_utils_get_info(destination, info) || !info.exists) {
@@ -102,7 +102,7 @@ bool v_component_folder_add(const VComponentFolder &folder, const char *source_p
   return true;
 }
 
-// Copying itself deletes the destination first.
+// Checks the source first, because copying deletes the destination before it reads.
 bool v_component_folder_copy_file(const char *source_path, const char *destination_path) {
   return can_be_read(source_path) &&
          v_stream_copy_from_file_path_to_file_path(source_path, destination_path);

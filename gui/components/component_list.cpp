@@ -15,8 +15,8 @@
 
 namespace {
 
-// Most characters that a row requests room for; fewer when the screen is too narrow for them beside
-// the window's buttons.
+// The most characters that a row requests width for; fewer on a screen that is too narrow for them
+// beside the window's buttons.
 constexpr int longest_text = 100;
 constexpr char longest_text_key[] = "vantorelle_longest_text"; // on a view's cell renderer
 constexpr int button_characters = 14;
@@ -27,7 +27,7 @@ VComponentRow read_row(GtkTreeModel *model, GtkTreeIter *row) {
           v_component_list_get_text(model, row, v_component_column_file)};
 }
 
-// An iterator stays valid while its row exists, also when the row is sorted to another place.
+// The iterators stay valid while their rows exist, even when rows are sorted to other places.
 std::vector<GtkTreeIter> all_rows(GtkListStore *list) {
   GtkTreeModel *model = GTK_TREE_MODEL(list);
   std::vector<GtkTreeIter> rows;

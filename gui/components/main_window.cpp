@@ -26,12 +26,12 @@ struct MainWindow {
   VComponentEditCallback edit_callback = nullptr;
   VComponentCanEditCallback can_edit_callback = nullptr;
   OwnedObject<GtkListStore> list_store; // the second column holds the entry name
-  // Null once the window is destroyed; the other widgets must not be used then.
+  // Null once the window is destroyed; then the other widgets must not be used.
   GtkWindow *window = nullptr;
   GtkLabel *notice_label = nullptr;
   GtkTreeView *tree_view = nullptr;
   GtkEntry *file_name_entry = nullptr;
-  GtkButton *clone_button = nullptr; // this and the next are null without an edit callback
+  GtkButton *clone_button = nullptr; // both are null without an edit callback
   GtkButton *edit_button = nullptr;
   GtkButton *save_button = nullptr;
   GtkButton *delete_button = nullptr;
@@ -51,7 +51,7 @@ void save_callback(GtkButton *button, MainWindow *state);
 void delete_callback(GtkButton *button, MainWindow *state);
 void refresh_callback(GtkButton *button, MainWindow *state);
 
-// The path (UTF-8) of the file of a row.
+// The path (UTF-8) of the row's file.
 OwnedText path_of(const MainWindow *state, const VComponentRow &row) {
   return v_component_folder_create_path(state->folder, row.file.get());
 }
@@ -147,8 +147,8 @@ bool is_scrolled_to_top(const MainWindow *state) {
   return gtk_adjustment_get_value(adjustment) <= gtk_adjustment_get_lower(adjustment);
 }
 
-// The incompatible files are the first in the list. A notice that was not shown before refers to
-// them, so the list scrolls to the first one; later it keeps the user's place.
+// Incompatible files are first in the list. When the notice appears the list scrolls to them; later
+// it keeps the user's place.
 void show_notice(const MainWindow *state, bool found_incompatible) {
   GtkWidget *notice = GTK_WIDGET(state->notice_label);
   const bool was_shown = gtk_widget_get_visible(notice);
@@ -160,8 +160,8 @@ void show_notice(const MainWindow *state, bool found_incompatible) {
   }
 }
 
-// Nothing is selected afterwards. The cursor is on the row of the new file (an entry name; null for
-// none), or where it was in the list.
+// Leaves nothing selected. The cursor is on the row of the new file (an entry name; null for none),
+// or stays at its place in the list.
 void refresh_list(const MainWindow *state, const char *new_file = nullptr) {
   if (state->window == nullptr) {
     return;
@@ -191,20 +191,20 @@ void add_and_show(const MainWindow *state, const char *source_path) {
 
 // ---- Read ---------------------------------------------------------------------------------------
 
-// Nothing when no row is selected, and once the window is destroyed.
+// No value when no row is selected or the window is destroyed.
 std::optional<VComponentRow> get_selected_row(const MainWindow *state) {
   return state->window == nullptr ? std::nullopt
                                   : v_component_list_get_selected_row(state->tree_view);
 }
 
-// Borrowed from the path; null for none.
+// The last part of the path, borrowed from it; null for null.
 const char *get_entry_name(const OwnedText &path) {
   return path ? v_fs_utils_find_entry_name_in_path(path.get()) : nullptr;
 }
 
 // ---- Handlers -----------------------------------------------------------------------------------
 
-// While a handler waits for another window, the list and even the main window may change.
+// The list, and even the main window, may change while a handler waits for another window.
 
 // Called by the list for each row that it draws or measures. Incompatible files are red.
 void cell_data_func(GtkTreeViewColumn *column, GtkCellRenderer *cell, GtkTreeModel *model,

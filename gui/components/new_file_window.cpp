@@ -20,7 +20,7 @@ struct NewFileWindow {
   const VComponentKind &kind;
   GtkWindow *window = nullptr;
   GtkEntry *entry = nullptr;
-  OwnedText result; // null until a name was accepted
+  OwnedText result; // null until a name is accepted
 };
 
 gboolean focus_in_event_callback(GtkWidget *entry, GdkEventFocus *event, void *);
@@ -59,7 +59,7 @@ bool is_permitted(char byte) {
   return g_ascii_islower(byte) || g_ascii_isdigit(byte) || byte == '_';
 }
 
-// Whether the name is one or more permitted characters and the extension; shows an error if not.
+// True when the name is one or more permitted characters and the extension; else shows an error.
 bool check_form(const NewFileWindow *state, const char *name) {
   const char *extension = v_component_kind_get_extension(state->kind);
   const std::size_t length = std::strlen(name);
@@ -81,7 +81,7 @@ bool check_form(const NewFileWindow *state, const char *name) {
   return true;
 }
 
-// Whether nothing is at the path; shows an error if not.
+// True when nothing is at the path; else shows an error.
 bool check_free(const NewFileWindow *state, const char *path) {
   if (v_fs_utils_is_missing(path)) {
     return true;
@@ -109,7 +109,7 @@ OwnedText read_path(const NewFileWindow *state) {
 // ---- Handlers -----------------------------------------------------------------------------------
 
 // "focus-in-event" of the entry. An entry selects its text when it gets the focus, and the first
-// key would then replace the extension. The cursor is put before it instead.
+// key would replace the extension; so the cursor is put before it.
 gboolean focus_in_event_callback(GtkWidget *entry, GdkEventFocus *, void *) {
   int start = 0;
   if (gtk_editable_get_selection_bounds(GTK_EDITABLE(entry), &start, nullptr)) {

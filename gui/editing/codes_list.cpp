@@ -12,8 +12,8 @@ namespace {
 
 enum CodesColumn { display_text_column, remark_column };
 
-// One fixed-height column: with rows of their own heights a long list would be measured row by row.
-// What does not fit ends in an ellipsis, the display beside it shows it whole.
+// The column has a fixed height, because otherwise every row of a long list would be measured. A
+// text that is too wide ends in an ellipsis; the display beside the list shows it whole.
 void add_column(GtkTreeView *view) {
   GtkCellRenderer *renderer = gtk_cell_renderer_text_new();
   g_object_set(renderer, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
@@ -23,7 +23,7 @@ void add_column(GtkTreeView *view) {
   gtk_tree_view_append_column(view, column);
 }
 
-// Into the text, in place of what it held.
+// Replaces the content of text.
 void format_row(const VCodesList *codes, const VRemark *remark, VUtf8String *text) {
   g_string_truncate(text, 0);
   v_utf8_string_append_latin1(text, remark->code.get());
@@ -34,9 +34,9 @@ void format_row(const VCodesList *codes, const VRemark *remark, VUtf8String *tex
   }
 }
 
-// The values only point to what the store copies: gtk_list_store_insert_with_values would copy each
-// text once more, which makes filling a third slower. text: a buffer for what the row reads, which
-// the caller may use for many rows. place: from 0; -1 is the end.
+// The values borrow what the store copies: gtk_list_store_insert_with_values would copy each text
+// once more, which makes filling a third slower. text: a buffer that the caller may use for many
+// rows. place: from 0; -1 is the end.
 void insert_row(const VCodesList *codes, VRemark *remark, VUtf8String *text, int place) {
   format_row(codes, remark, text);
   int columns[] = {display_text_column, remark_column};
@@ -55,7 +55,7 @@ void remove_row(const VCodesList *codes, int place) {
   }
 }
 
-// Returns the row concerned, or the one that is now where it was.
+// Returns the index of the inserted row, or of the row that is now at the place of the removed one.
 int change_rows(const VCodesList *codes, const VRemarkExchange &exchange) {
   if (exchange.removed != nullptr) {
     remove_row(codes, exchange.removed_index);
@@ -85,7 +85,7 @@ VCodesList v_codes_list_pack(GtkBox *box, const VSettings *settings) {
   return {settings, take(gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_POINTER)), view};
 }
 
-// The view gets the rows when they are all there: it would follow each of them.
+// The view gets the filled store, because otherwise it would react to each row.
 void v_codes_list_show(VCodesList *codes, const VRemarkList *remarks) {
   const OwnedUtf8String text = v_utf8_string_new(nullptr);
   for (VRemark *remark = remarks->head.next; remark != &remarks->tail; remark = remark->next) {

@@ -30,7 +30,7 @@ VSpacifyingEntry *pack_version(GtkBox *box, const char *version) {
   return entry;
 }
 
-// An editor that refuses leaves the value as it was.
+// Leaves the value unchanged when the editor's text cannot be used.
 bool read_langstr(VLangstrEditor *editor, OwnedLangstr &value) {
   OwnedLangstr text;
   if (v_langstr_editor_get_text(editor, text) == 0) {

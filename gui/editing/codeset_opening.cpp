@@ -10,13 +10,13 @@
 
 namespace {
 
-// In UTF-8, as the locale writes them; seconds: since the epoch.
+// UTF-8, in the format of the locale. seconds: since the epoch.
 OwnedText format_date_and_time(std::int64_t seconds) {
   const Owned<GDateTime, g_date_time_unref> time(g_date_time_new_from_unix_local(seconds));
   return OwnedText(g_date_time_format(time.get(), "%c"));
 }
 
-// Null when no changes were left behind, or when the user does not want them.
+// Null when no changes were left behind or the user does not want them.
 OwnedCodeset restore_draft(VWindowStack *window_stack, VDraft *draft) {
   if (!draft->left_behind) {
     return nullptr;

@@ -2,8 +2,8 @@
 
 namespace {
 
-// With the time that writing takes, and that the main loop takes before, no change stays out of the
-// draft for two seconds.
+// Short enough that, with the time for writing and the main loop's delay, a draft lacks no change
+// for more than two seconds.
 constexpr guint delay = 1000; // milliseconds
 
 } // namespace

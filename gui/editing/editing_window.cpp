@@ -130,7 +130,8 @@ void build_window(EditingWindow *state) {
   state->window = v_gui_create_window(title.get());
   v_gui_close_on_escape(state->window);
   GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(state->window), Spacing::standard);
-  // The codes and all buttons stay in view, however many translations there are.
+  // Only the fields scroll: the codes and all buttons stay visible, however many translations there
+  // are.
   pack_fields(state, v_gui_pack_yielding_vbox(box, Spacing::standard));
   pack_codes(state, box);
   pack_window_buttons(state, box);
@@ -150,7 +151,7 @@ void update_gui(EditingWindow *state) {
                              remark == nullptr ? nullptr : remark->description.get());
 }
 
-// For a cursor that was put on another row. The button that had the focus may be insensitive now.
+// After the cursor was put on another row, which may have made the focused button insensitive.
 void update_after_move(EditingWindow *state) {
   update_gui(state);
   v_list_place_take_free_focus(state->codes.view);
@@ -162,7 +163,7 @@ void show_exchange(EditingWindow *state, const VRemarkExchange &exchange) {
   state->draft_timer.start();
 }
 
-// Without an exchange the remark is unchanged, and only its row gets the cursor.
+// Without an exchange the remark is unchanged, and only the cursor moves to its row.
 void show_edit(EditingWindow *state, const VRemark *remark,
                const std::optional<VRemarkExchange> &exchange) {
   if (exchange) {
@@ -175,7 +176,7 @@ void show_edit(EditingWindow *state, const VRemark *remark,
 
 // ---- Read ---------------------------------------------------------------------------------------
 
-// False leaves the reason in the error state.
+// When false, the reason is in the error state.
 bool check_remarks(const EditingWindow *state) {
   if (v_remark_list_is_empty(state->codeset->remarks.get())) {
     v_error_set("There must be at least one remark code in the codeset.");
@@ -184,7 +185,7 @@ bool check_remarks(const EditingWindow *state) {
   return true;
 }
 
-// The next remark for step 1, the one before for -1; null for 0 and beyond either end.
+// The next remark for step 1, the previous one for -1; null for step 0 and at either end.
 VRemark *find_neighbour(const VRemarkList *list, const VRemark *remark, int step) {
   VRemark *neighbour = step > 0 ? remark->next : remark->prev;
   return step == 0 || neighbour == &list->head || neighbour == &list->tail ? nullptr : neighbour;
@@ -199,15 +200,14 @@ VRemark *edit_remark(EditingWindow *state, VRemark *remark, VRemarkPass &pass) {
                                        pass) == 0) {
     return nullptr;
   }
-  // Found before a new code moves the remark to another place.
+  // Found first, because a new code may move the remark.
   VRemark *neighbour = find_neighbour(state->codeset->remarks.get(), remark, pass.step);
   show_edit(state, remark,
             v_remark_history_replace_remark(state->history.get(), remark, std::move(edited)));
   return neighbour;
 }
 
-// Asks every time, also when nothing was changed. True when the window may be closed; the draft is
-// removed then.
+// Asks even when nothing was changed. When true, the window may be closed and the draft is removed.
 bool confirm_closing(EditingWindow *state) {
   GtkDialog *dialog = v_message_create_question_dialog(
       "Really close?", "Are you sure you want to close the codeset without saving?");
@@ -229,8 +229,8 @@ bool confirm_closing(EditingWindow *state) {
 // could not be written.
 bool write_draft(void *editing_window) {
   auto *state = static_cast<EditingWindow *>(editing_window);
-  // For a field that is refused, for instance while two rows have the same language, the draft has
-  // the last accepted value.
+  // A field that cannot be read, for instance while two rows have the same language, keeps its last
+  // valid value in the draft.
   v_codeset_fields_read_valid(&state->fields, state->codeset.get());
   return v_draft_write(state->draft.get(), state->codeset.get());
 }
@@ -288,7 +288,7 @@ void do_again(void *editing_window) {
   }
 }
 
-// "clicked" of "Save codeset", and Ctrl+S. A failure is shown, and the window stays.
+// "clicked" of "Save codeset", and Ctrl+S. After a failure the window stays open.
 void save_button_clicked_callback(GtkButton *, EditingWindow *state) {
   if (check_remarks(state) && v_codeset_fields_read(&state->fields, state->codeset.get()) &&
       v_draft_save_codeset(state->draft.get(), state->codeset.get())) {
@@ -312,7 +312,7 @@ gboolean window_delete_event_callback(GtkWidget *, GdkEvent *, EditingWindow *st
   return !confirm_closing(state);
 }
 
-// "destroy". A draft that outlives the window has every change.
+// "destroy". Writes pending changes, so that a draft that is kept has all of them.
 void window_destroy_callback(GtkWidget *, EditingWindow *state) {
   if (state->draft_timer.is_running()) {
     state->draft_timer.stop();

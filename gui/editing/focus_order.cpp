@@ -2,7 +2,7 @@
 
 namespace {
 
-// Target of a key, relative to the row that has the focus.
+// The row that a key leads to, relative to the focused row.
 enum class Target { outside, first_row, last_row, same_row, next_row, previous_row };
 
 struct Targets {
@@ -106,6 +106,6 @@ std::optional<std::size_t> v_focus_order_find_row(VFocusPosition position, Focus
     row = position.row - 1;
     break;
   }
-  // Also rejects SIZE_MAX, to which the subtractions wrap before the first row.
+  // Also rejects SIZE_MAX, to which the subtraction wraps in row 0.
   return row < row_count ? std::optional(row) : std::nullopt;
 }

@@ -21,7 +21,7 @@ G_DEFINE_TYPE(VLangstrDisplay, v_langstr_display, GTK_TYPE_SCROLLED_WINDOW)
 namespace {
 
 constexpr char bold_tag[] = "bold";
-// The text has no cursor that would show the focus.
+// A frame for the focus, which a text without a cursor would not show.
 constexpr char focus_css[] =
     "textview:focus text { box-shadow: inset 0 0 0 1px @theme_selected_bg_color; }";
 constexpr int text_margin = 4; // pixels between the frame and the text
@@ -44,8 +44,8 @@ void finalize(GObject *display) {
   G_OBJECT_CLASS(v_langstr_display_parent_class)->finalize(display);
 }
 
-// The size request alone sets the width, independent of the text: the text wraps, and the rows
-// beside the display keep their places.
+// The width is only the size request, whatever the text: the text wraps, and the rows beside the
+// display keep their places.
 void get_preferred_width(GtkWidget *, int *minimum, int *natural) {
   *minimum = 0;
   *natural = 0;
@@ -70,8 +70,8 @@ static void v_langstr_display_class_init(VLangstrDisplayClass *klass) {
 static void v_langstr_display_init(VLangstrDisplay *display) {
   display->state = new LangstrDisplayState;
   gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(display), FALSE);
-  // No text changes the size of the display. Without this, each text would lay out and paint the
-  // whole window again, a long list included.
+  // The size never depends on the text. Without this mode each new text would lay out and paint the
+  // whole window again, including a long list.
   gtk_container_set_resize_mode(GTK_CONTAINER(display), GTK_RESIZE_QUEUE);
 }
 
@@ -82,7 +82,7 @@ GtkWidget *v_langstr_display_new(int width, int height) {
   gtk_scrolled_window_set_shadow_type(scroller, GTK_SHADOW_IN);
   gtk_widget_set_size_request(GTK_WIDGET(display), width, height);
   GtkTextView *view = v_gui_add_text_view(GTK_CONTAINER(display), Editable::no);
-  // A word that is wider than the display is broken: nothing scrolls sideways.
+  // Breaks a word that is wider than the display, which does not scroll sideways.
   gtk_text_view_set_wrap_mode(view, GTK_WRAP_WORD_CHAR);
   set_text_margins(view);
   v_css_style_widget(GTK_WIDGET(view), focus_css);

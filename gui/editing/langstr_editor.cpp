@@ -25,8 +25,8 @@ struct LangstrEditorState {
   LangstrEditorMode mode = LangstrEditorMode::single_line;
   ActivatesDefault activates_default = ActivatesDefault::no;
   LangstrEditorRows rows;
-  bool broken = false;       // not all initial rows could be made
-  GtkTable *table = nullptr; // rebuilt after every change of the rows; null in between
+  bool broken = false;       // some initial row could not be made
+  GtkTable *table = nullptr; // rebuilt after every change of the rows; null while rows change
   OwnedObject<GtkAlignment> plus_alignment; // around the plus button; null unless multi-line
   OwnedObject<GtkButton> plus_button;
   gulong clicked_handler = 0;
@@ -64,8 +64,8 @@ void connect_row(LangstrEditorRow *row) {
                    G_CALLBACK(row_changed_callback), row);
 }
 
-// Appends a row, with the translation if there is one. Null when it cannot be made. It is in no
-// table yet.
+// Appends a row with the translation (null: empty). The row is not in a table yet. Null when it
+// cannot be made.
 LangstrEditorRow *append_row(VLangstrEditor *editor, const VLangstr *translation) {
   LangstrEditorState *state = editor->state;
   std::unique_ptr<LangstrEditorRow> row = v_langstr_editor_row_new(
@@ -107,7 +107,7 @@ void add_plus_button(VLangstrEditor *editor) {
   }
 }
 
-// One row per translation, up to the first that cannot be made; one empty row for no value.
+// Appends one row per translation, up to the first that fails; for null one empty row.
 bool append_initial_rows(VLangstrEditor *editor, const VLangstr *initial_value) {
   if (initial_value == nullptr) {
     return append_row(editor, nullptr) != nullptr;
@@ -145,7 +145,7 @@ void delete_row(VLangstrEditor *editor, LangstrEditorRow *row) {
   state->rows.erase(deleted);
   create_table(editor);
   v_langstr_editor_focus_restore(GTK_WIDGET(editor), state->rows, focus_widget.get(), index);
-  // A handler may destroy the editor.
+  // A handler of the signal may destroy the editor.
   const OwnedObject<VLangstrEditor> held = share(editor);
   g_signal_emit(editor, changed_signal, 0);
   g_signal_emit(editor, shrunk_signal, 0);
@@ -153,8 +153,8 @@ void delete_row(VLangstrEditor *editor, LangstrEditorRow *row) {
 
 // ---- Handlers -----------------------------------------------------------------------------------
 
-// "clicked" of the plus button. Dropping the old table loses the focus that the new row took, so
-// the row takes it again.
+// "clicked" of the plus button. Gives the new row the focus again, which dropping the old table
+// took from it.
 void add_row_callback(GtkButton *, VLangstrEditor *editor) {
   const LangstrEditorRow *row = append_row(editor, nullptr);
   if (row == nullptr) {
@@ -180,7 +180,7 @@ gboolean field_key_press_event_callback(GtkWidget *, GdkEventKey *event, Langstr
   return GDK_EVENT_STOP;
 }
 
-// "clicked" of a row's delete button, which the emission keeps alive.
+// "clicked" of a row's delete button. The emission holds a reference to the button.
 void delete_row_callback(GtkButton *, LangstrEditorRow *row) {
   VLangstrEditor *editor = row->editor;
   if (editor->state->rows.size() == 1) {
@@ -204,8 +204,8 @@ gboolean focus_in_event_callback(GtkWidget *widget, GdkEvent *, void *) {
   return GDK_EVENT_PROPAGATE;
 }
 
-// gtk_widget_grab_focus on the editor. The first text field takes the focus at once: if only
-// "focus-in-event" passed it on, screen readers would not announce it (seen with GTK 3.24.38).
+// "grab-focus" of the editor. The first text field takes the focus at once: screen readers would
+// not announce it if only "focus-in-event" passed the focus on (seen with GTK 3.24.38).
 void grab_focus_callback(GtkWidget *widget) {
   const LangstrEditorState *state = V_LANGSTR_EDITOR(widget)->state;
   if (state->rows.empty()) {
@@ -215,7 +215,7 @@ void grab_focus_callback(GtkWidget *widget) {
   }
 }
 
-// A key moves the focus, in or into the editor. True when a text field has it now.
+// "focus" of the editor: a key moves the focus in it or into it. True when a text field takes it.
 gboolean focus_callback(GtkWidget *widget, GtkDirectionType direction) {
   const LangstrEditorState *state = V_LANGSTR_EDITOR(widget)->state;
   return v_langstr_editor_focus_move(widget, state->rows, state->plus_button.get(), direction);

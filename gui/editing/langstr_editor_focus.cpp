@@ -24,7 +24,7 @@ FocusKey to_focus_key(GtkDirectionType direction) {
   return FocusKey::right;
 }
 
-// Null when the editor has no window or its window no focus.
+// The focus widget of the editor's window; null when there is none.
 GtkWidget *get_focus_widget(GtkWidget *editor) {
   GtkWidget *window = gtk_widget_get_toplevel(editor);
   return GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
@@ -35,7 +35,7 @@ bool is_inside(GtkWidget *widget, gpointer container) {
          (widget == container || gtk_widget_is_ancestor(widget, GTK_WIDGET(container)));
 }
 
-// The widgets that can have the focus now.
+// The widgets that can have the focus now, in the order of Ctrl+Tab.
 std::vector<GtkWidget *> list_stops(const LangstrEditorRows &rows, GtkButton *plus_button) {
   std::vector<GtkWidget *> stops;
   const auto add_if_sensitive = [&stops](gpointer widget) {

@@ -15,7 +15,7 @@
 
 namespace {
 
-// Every supported language fits. A tag that only a file knows may be longer.
+// Enough for every supported language. A tag that only a file has may be longer.
 constexpr int longest_language_chars = 40;
 // Width of a one-line field in characters, less on screens that are too narrow for it beside a
 // language and the buttons.
@@ -30,7 +30,7 @@ struct FieldKind {
   OwnedText (*get_text)(GtkWidget *field);
   void (*set_checker)(GtkWidget *field, GspellChecker *checker);
   void (*set_inline_checking)(GtkWidget *field, bool is_on);
-  // The object that emits "changed" when the text does.
+  // The object that emits "changed" for the text.
   gpointer (*get_text_object)(GtkWidget *field);
 };
 
@@ -75,14 +75,14 @@ const FieldKind &kind_of(const LangstrEditorRow *row) {
 
 // ---- Spelling -----------------------------------------------------------------------------------
 
-// Null when there is no dictionary for it on this machine.
+// gspell's language for the tag; null when no dictionary for it is installed.
 const GspellLanguage *find_spelling_language(const char *tag) {
   const char *dictionary = v_spellcheck_get_dict_name_for_langtag(tag);
   return dictionary == nullptr ? nullptr : gspell_language_lookup(dictionary);
 }
 
-// Checks the row in the language, or not at all for null. Setting the checker first keeps gspell
-// from loading the default language's dictionary for the field.
+// Checks the row in the language; null switches checking off. The checker is set first, so that
+// gspell does not load the default language's dictionary.
 void set_spelling_language(LangstrEditorRow *row, const GspellLanguage *language) {
   kind_of(row).set_checker(row->text_field.get(), v_spell_checker_cache_get(language));
   kind_of(row).set_inline_checking(row->text_field.get(), language != nullptr);
@@ -90,8 +90,8 @@ void set_spelling_language(LangstrEditorRow *row, const GspellLanguage *language
   row->has_own_checker = false;
 }
 
-// "populate-popup" of the text field, before gspell adds to its context menu. A language that the
-// user chooses there, or a word to ignore, is meant for this field only.
+// "populate-popup" of the text field, before gspell fills its context menu. A language chosen or a
+// word ignored there applies to this field only, so the row gets a checker of its own.
 void populate_popup_callback(GtkWidget *field, GtkWidget *, LangstrEditorRow *row) {
   if (row->spelling_language != nullptr && !row->has_own_checker) {
     const OwnedObject<GspellChecker> checker = take(gspell_checker_new(row->spelling_language));
@@ -118,7 +118,7 @@ void append_and_select(GtkComboBoxText *combo, const char *language) {
   }
 }
 
-// As the user reads them, in the order of the settings; never empty.
+// The languages of the settings as the user reads them, in their order; never empty.
 std::vector<OwnedText> format_languages(const VSettings *settings) {
   std::vector<OwnedText> languages;
   for (const std::string &tag : settings->preferred_languages) {
@@ -130,7 +130,7 @@ std::vector<OwnedText> format_languages(const VSettings *settings) {
   return languages;
 }
 
-// The first language that no row has yet, or else the first.
+// The first language that no row has; else the first one.
 const char *find_unused_language(const LangstrEditorRows &rows,
                                  const std::vector<OwnedText> &languages) {
   const auto is_unused = [&rows](const OwnedText &language) {
@@ -163,7 +163,7 @@ OwnedText get_selected_langtag(const LangstrEditorRow *row) {
                   : copy_text("");
 }
 
-// Spelling and accessible name follow the selected language. The text field takes the focus.
+// Adapts spelling and accessible name to the selected language. The text field takes the focus.
 void apply_language(LangstrEditorRow *row) {
   GtkWidget *field = row->text_field.get();
   const OwnedText tag = get_selected_langtag(row);
@@ -273,8 +273,8 @@ void v_langstr_editor_row_detach(LangstrEditorRow *row) {
   }
   g_signal_handlers_disconnect_by_data(row->text_field.get(), row);
   g_signal_handlers_disconnect_by_data(v_langstr_editor_row_get_text_object(row), row);
-  // A text view that is destroyed while it is checked marks words in a buffer that is half
-  // destroyed (seen with gspell 1.12 and GTK 3.24.38, which then ends the program).
+  // Checking ends before the text view is destroyed: otherwise it marks words in a buffer that is
+  // half destroyed, which ends the program (seen with gspell 1.12 and GTK 3.24.38).
   kind_of(row).set_inline_checking(row->text_field.get(), false);
 }
 

@@ -10,7 +10,7 @@ constexpr GtkAttachOptions shrink = GTK_SHRINK;
 constexpr auto shrink_and_fill = static_cast<GtkAttachOptions>(GTK_SHRINK | GTK_FILL);
 constexpr auto expand_and_fill = static_cast<GtkAttachOptions>(GTK_EXPAND | GTK_FILL);
 
-// In columns from left up to, not including, right; likewise the table rows.
+// Columns and rows of the table; right and bottom are the first ones outside.
 struct Cell {
   guint left;
   guint right;
@@ -43,8 +43,8 @@ void take_out(GtkWidget *child, void *table) { gtk_container_remove(GTK_CONTAINE
 GtkTable *v_langstr_editor_table_new(LangstrEditorMode mode, const LangstrEditorRows &rows,
                                      GtkWidget *plus_widget) {
   const bool multi_line = mode == LangstrEditorMode::multi_line;
-  const guint height = multi_line ? 2 : 1; // of an editor row, in table rows
-  // An editor without rows still shows its plus button.
+  const guint height = multi_line ? 2 : 1; // table rows per editor row
+  // At least one table row, for the plus button.
   const guint bottom = std::max(height * static_cast<guint>(rows.size()), 1u);
   GtkTable *table = v_gui_create_table(bottom, 4, Homogeneous::no);
   guint top = 0;

@@ -12,16 +12,16 @@ namespace {
 
 enum class Fate { keep, become_space, drop };
 
-// What happens to the character at the pointer into valid UTF-8 text.
+// utf8_character: a pointer into valid UTF-8 text.
 Fate fate_of(const char *utf8_character, InputLines lines) {
   const gunichar character = g_utf8_get_char(utf8_character);
-  // In Unicode's tables the vertical tab is no space, but texts are normalised as if it were; other
-  // programs put it on the clipboard for a line break.
+  // For Unicode the vertical tab is not a space, but normalising treats it as one. Other programs
+  // put it on the clipboard as a line break.
   if (g_unichar_isspace(character) || character == '\v') {
     const bool is_fit = character == ' ' || (character == '\n' && lines == InputLines::several);
     return is_fit ? Fate::keep : Fate::become_space;
   }
-  // Below the space only white space is allowed in XML; no reference can stand for the rest either.
+  // XML allows no control characters except white space, even as references.
   const bool is_fit = character >= ' ' && v_convert_test_utf8_char_for_latin1(utf8_character);
   return is_fit ? Fate::keep : Fate::drop;
 }
@@ -86,7 +86,7 @@ bool v_latin1_input_repair_insertion(void *instance, const char *utf8_text, gssi
   }
   const OwnedText fixed = v_latin1_input_fix_text(utf8_text, length, lines);
   if (fixed && *fixed != '\0') {
-    // Calls the handler once more, which accepts the repaired text.
+    // Emits "insert-text" again, for which the handler accepts the repaired text.
     insert(fixed.get());
   }
   g_signal_stop_emission_by_name(instance, "insert-text");

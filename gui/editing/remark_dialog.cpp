@@ -89,7 +89,7 @@ bool code_is_taken(const RemarkDialog *state, const char *code) {
          v_remark_list_get_remark_for_code(state->codeset->remarks.get(), code) != nullptr;
 }
 
-// Null after an error message.
+// Null, after an error message, when there is no usable description.
 OwnedLangstr read_description(RemarkDialog *state) {
   OwnedLangstr description;
   if (v_langstr_editor_get_text(state->description_editor, description) == 0) {
@@ -100,7 +100,7 @@ OwnedLangstr read_description(RemarkDialog *state) {
   return description;
 }
 
-// Changes the remark and closes the window when the input is valid. Otherwise shows the error, or
+// When the input is valid, changes the remark and closes the window. Otherwise shows the error, or
 // does nothing when the code cannot be read.
 void confirm(RemarkDialog *state) {
   OwnedText code = v_spacifying_entry_get_text(state->code_entry);
@@ -125,7 +125,7 @@ void confirm(RemarkDialog *state) {
   gtk_widget_destroy(GTK_WIDGET(state->window));
 }
 
-// step: as in VRemarkPass.
+// step: see VRemarkPass.
 void confirm_and_go_on(RemarkDialog *state, int step) {
   OwnedText language = v_langstr_editor_get_focused_language(state->description_editor);
   confirm(state);

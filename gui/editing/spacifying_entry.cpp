@@ -12,17 +12,17 @@ struct _VSpacifyingEntry {
 
   Compact compact;
   gulong insert_text_handler;
-  gsize cut_length; // bytes that were shown of a text that was too long
+  gsize cut_length; // bytes of the text that the entry shows
 };
 
 G_DEFINE_TYPE(VSpacifyingEntry, v_spacifying_entry, GTK_TYPE_ENTRY)
 
 namespace {
 
-// Set on an entry that cannot hold its text: the whole text (UTF-8).
+// Data of an entry that cannot hold its text: the whole text (UTF-8).
 constexpr char whole_text_key[] = "vantorelle_whole_text";
 
-// The toolkit's entries hold 65,534 bytes and silently cut off the rest.
+// Keeps the whole text when the entry cut it off: the toolkit's entries hold 65,534 bytes.
 void remember_if_cut(VSpacifyingEntry *entry, const char *utf8_text) {
   const char *shown = gtk_entry_get_text(GTK_ENTRY(entry));
   const bool is_cut = std::strcmp(shown, utf8_text) != 0;
@@ -31,7 +31,7 @@ void remember_if_cut(VSpacifyingEntry *entry, const char *utf8_text) {
                          is_cut ? copy_text(utf8_text).release() : nullptr, g_free);
 }
 
-// The whole text while the entry shows the part of it that fits, else the shown text.
+// The whole text as long as the entry shows its unchanged first part; else the shown text.
 const char *get_whole_text(VSpacifyingEntry *entry) {
   const char *shown = gtk_entry_get_text(GTK_ENTRY(entry));
   const auto *whole = static_cast<const char *>(g_object_get_data(G_OBJECT(entry), whole_text_key));
@@ -40,8 +40,8 @@ const char *get_whole_text(VSpacifyingEntry *entry) {
   return is_unchanged ? whole : shown;
 }
 
-// "insert-text", before the toolkit inserts typed or pasted text; moves the position behind the
-// text.
+// "insert-text", before the toolkit inserts typed or pasted text. Moves the position to the end of
+// the text.
 void insert_text_callback(GtkEditable *editable, const char *text, int length, int *position,
                           void *) {
   v_latin1_input_repair_insertion(editable, text, length, InputLines::one,
@@ -72,7 +72,7 @@ void v_spacifying_entry_set_text(VSpacifyingEntry *entry, const char *latin1_tex
       entry->compact == Compact::yes
           ? v_strip_surrounding_and_spacify_compactly_within_original_for_utf8(utf8_text.get())
           : v_strip_surrounding_and_spacify_within_original_for_utf8(utf8_text.get());
-  // No beep for text that the program sets.
+  // Text set by the program causes no beep.
   g_signal_handler_block(entry, entry->insert_text_handler);
   gtk_entry_set_text(GTK_ENTRY(entry), normalised);
   g_signal_handler_unblock(entry, entry->insert_text_handler);

@@ -15,8 +15,8 @@ G_DEFINE_TYPE(VSpacifyingTextView, v_spacifying_text_view, GTK_TYPE_TEXT_VIEW)
 
 namespace {
 
-// "insert-text" of the buffer, before the toolkit inserts typed or pasted text; moves the place
-// behind the text.
+// "insert-text" of the buffer, before the toolkit inserts typed or pasted text. Moves the place to
+// the end of the text.
 void insert_text_callback(GtkTextBuffer *buffer, GtkTextIter *place, const char *text, int length,
                           void *) {
   v_latin1_input_repair_insertion(buffer, text, length, InputLines::several,
@@ -25,7 +25,7 @@ void insert_text_callback(GtkTextBuffer *buffer, GtkTextIter *place, const char 
                                   });
 }
 
-// Tab moves the focus. The text view itself would insert it.
+// Tab moves the focus; a plain text view would insert it.
 gboolean key_press_event_callback(GtkWidget *widget, GdkEventKey *event) {
   auto *text_view_class = GTK_WIDGET_CLASS(v_spacifying_text_view_parent_class);
   if (event->keyval != GDK_KEY_Tab && event->keyval != GDK_KEY_KP_Tab) {
@@ -43,7 +43,7 @@ static void v_spacifying_text_view_class_init(VSpacifyingTextViewClass *klass) {
 
 static void v_spacifying_text_view_init(VSpacifyingTextView *view) {
   v_gui_disable_emojis_in_text_view(GTK_TEXT_VIEW(view));
-  // Shift+Tab is another key symbol, and would insert a tab too.
+  // Shift+Tab has another key symbol and would otherwise insert a tab.
   gtk_text_view_set_accepts_tab(GTK_TEXT_VIEW(view), FALSE);
 }
 
@@ -60,7 +60,7 @@ void v_spacifying_text_view_set_text(VSpacifyingTextView *view, const char *lati
   const char *normalised =
       v_strip_surrounding_and_detabify_within_original_for_utf8(utf8_text.get());
   GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
-  // No beep for text that the program sets.
+  // Text set by the program causes no beep.
   g_signal_handler_block(buffer, view->insert_text_handler);
   gtk_text_buffer_set_text(buffer, normalised, -1);
   g_signal_handler_unblock(buffer, view->insert_text_handler);

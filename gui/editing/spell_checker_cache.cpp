@@ -7,7 +7,7 @@
 
 namespace {
 
-// One for each language that any field has been checked in.
+// One for each language in which a field has been checked.
 std::vector<OwnedObject<GspellChecker>> checkers;
 int owner_count = 0;
 
