@@ -3,8 +3,8 @@
 //
 //   pack_archive OUTPUT (ENTRY FILE)...
 //
-// The same files always give the same bytes: entries stand in the order of the arguments, every one
-// is deflated, and none carries a time.
+// The same files always give the same bytes: the entries are in the order of the arguments, are all
+// deflated, and have no time.
 
 #include <cstdio>
 #include <cstdlib>
@@ -16,7 +16,7 @@
 namespace {
 
 constexpr zip_uint32_t compression_level = 9;
-// 1 January 1980, 0:00: the first moment that an archive can name.
+// 1 January 1980, 0:00, the earliest time that an archive can store.
 constexpr zip_uint16_t entry_date = 1 << 5 | 1;
 
 using OwnedSource = Owned<zip_source_t, zip_source_free>;
@@ -40,7 +40,7 @@ void add_entry(zip_t *archive, const char *entry, const char *path) {
   }
 }
 
-// An archive in memory; the source is what it is written to.
+// Returns the source that holds the finished archive in memory.
 OwnedSource pack(int count, char **entries_and_files) {
   zip_error_t error;
   zip_error_init(&error);
@@ -50,7 +50,7 @@ OwnedSource pack(int count, char **entries_and_files) {
   if (archive == nullptr) {
     give_up("archive", zip_error_strerror(&error));
   }
-  // The archive takes one reference with it when it is closed.
+  // Closing the archive releases one reference.
   zip_source_keep(packed.get());
   for (int i = 0; i + 1 < count; i += 2) {
     add_entry(archive, entries_and_files[i], entries_and_files[i + 1]);

@@ -4,7 +4,7 @@
 
 namespace {
 
-// All that decides how large the widgets are and what they show.
+// The properties that set the size and the content of widgets.
 constexpr const char *properties[] = {"border-width",
                                       "bottom-padding",
                                       "column-spacing",
@@ -53,7 +53,8 @@ GType toolkit_type_of(GtkWidget *widget) {
 
 void copy_property(GtkWidget *from, GtkWidget *to, const char *name) {
   GParamSpec *property = g_object_class_find_property(G_OBJECT_GET_CLASS(to), name);
-  // A window is shown when it is complete, and a frame's label is a widget of its own.
+  // The window is shown later, when it is complete. The label of a frame is a widget that is copied
+  // separately.
   const bool is_label_of_frame = GTK_IS_FRAME(to) && g_str_equal(name, "label");
   if (property == nullptr || is_label_of_frame ||
       (GTK_IS_WINDOW(to) && g_str_equal(name, "visible"))) {
@@ -108,7 +109,7 @@ void copy_choices(GtkComboBox *from, GtkComboBoxText *to) {
   gtk_combo_box_set_active(GTK_COMBO_BOX(to), gtk_combo_box_get_active(from));
 }
 
-// These make what they hold themselves.
+// These widgets create their own children.
 bool is_whole(GtkWidget *widget) {
   return GTK_IS_BUTTON(widget) || GTK_IS_COMBO_BOX(widget) || GTK_IS_TREE_VIEW(widget) ||
          GTK_IS_TEXT_VIEW(widget) || !GTK_IS_CONTAINER(widget);

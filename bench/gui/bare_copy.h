@@ -4,7 +4,7 @@
 
 #include <gtk/gtk.h>
 
-// Returns a floating copy of the widget and of all that it holds; a window is not shown yet. Where
-// a widget is a class of ours, its copy is of the toolkit's class that ours is derived from. Lists
-// and text views are empty.
+// Returns a floating copy of the widget and of everything in it; a window is not shown yet. A
+// widget of our own class is copied as the toolkit's class that ours is derived from. Lists and
+// text views are empty.
 GtkWidget *v_bench_copy_bare(GtkWidget *widget);

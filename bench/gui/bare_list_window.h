@@ -9,10 +9,10 @@
 
 class BareListWindow {
 public:
-  // Rows: what they show (UTF-8). Maximised, as the editing window is.
+  // rows: their texts (UTF-8). Maximised, like the editing window.
   explicit BareListWindow(const std::vector<std::string> &rows);
-  // The same in a window with other widgets, which is not shown yet and is destroyed with this. The
-  // list is that window's, an empty view without columns.
+  // The same in a window with other widgets, which is not shown yet and is destroyed with this
+  // object. list: an empty view without columns in that window.
   BareListWindow(const std::vector<std::string> &rows, GtkTreeView *list);
   ~BareListWindow();
   BareListWindow(const BareListWindow &) = delete;
@@ -20,12 +20,12 @@ public:
 
   // Rebuilds all rows while the view has no store.
   void refill(const std::vector<std::string> &rows);
-  // Removes the row (from 0) and makes a new one in its place, while the store is on the view.
+  // Removes the row (from 0) and inserts a new one there, while the view shows the store.
   void replace_row(int place, const std::string &row);
   GtkTreeView *view() { return tree_view; }
 
-  // From now on a text view beside the list shows the selected row's own of these texts (UTF-8, one
-  // for each row), which must live as long as the window.
+  // Adds a text view beside the list, which shows the text for the selected row. texts: UTF-8, one
+  // for each row; they must live as long as the window.
   void show_descriptions(const std::vector<std::string> &texts);
 
 private:
@@ -33,8 +33,8 @@ private:
   static void selection_change_callback(GtkTreeSelection *selection, BareListWindow *self);
 
   const std::vector<std::string> *descriptions = nullptr;
-  GtkTextBuffer *description_buffer = nullptr; // the text view's
+  GtkTextBuffer *description_buffer = nullptr; // of the text view
   GtkWidget *window;
-  GtkWidget *views = nullptr; // null when the window was given
+  GtkWidget *views = nullptr; // null when the caller gave the window
   GtkTreeView *tree_view;
 };

@@ -1,6 +1,6 @@
-// The editing window with a large codeset, against a window with a bare list of the same rows, or
-// with bare copies of all its widgets. All rows of both are made by the same calls of the toolkit;
-// the bare list gets its texts ready made.
+// Measures the editing window with a large codeset against a window with a bare list of the same
+// rows, or against bare copies of all its widgets. Both make all rows by the same calls of the
+// toolkit; the bare list gets finished texts.
 
 #include <functional>
 #include <memory>
@@ -29,7 +29,8 @@
 namespace {
 
 constexpr int many_remarks = 100'000;
-// All in sight in both windows: the smaller list would scroll where the larger need not.
+// All these rows are visible in both windows: otherwise the smaller list would scroll where the
+// larger one need not.
 constexpr int selection_count = 15;
 constexpr int repetitions = 7;
 constexpr char many_remarks_text[] = "100,000 remarks";
@@ -46,7 +47,7 @@ struct Vocabulary {
     for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
       rows.push_back(row_of(remark));
     }
-    // Only the first ones are selected.
+    // Only the rows that are selected need a description.
     for (const VRemark *remark = list->head.next; descriptions.size() <= selection_count;
          remark = remark->next) {
       descriptions.push_back(description_of(remark));
@@ -102,7 +103,7 @@ GtkWidget *find(GtkWidget *root, const Test &test) {
   return found;
 }
 
-// In the window that is shown and has no other over it.
+// Searches the window that is shown and not covered by another.
 GtkWidget *find_in_top_window(const Test &test) {
   GList *windows = gtk_window_list_toplevels();
   GtkWidget *found = nullptr;
@@ -132,7 +133,7 @@ bool is_langstr_editor(GtkWidget *widget) { return V_IS_LANGSTR_EDITOR(widget); 
 
 GtkTreeView *find_list() { return GTK_TREE_VIEW(find_in_top_window(is_list)); }
 
-// An edit that changes nothing changes no row either.
+// The text must change: otherwise no row changes either.
 void change_description() {
   GtkWidget *editor = find_in_top_window(is_langstr_editor);
   GtkWidget *field = find(editor, [](GtkWidget *widget) -> bool { return GTK_IS_ENTRY(widget); });
@@ -143,18 +144,18 @@ void close_editing_window() {
   gtk_widget_destroy(gtk_widget_get_toplevel(GTK_WIDGET(find_list())));
 }
 
-// As the arrow keys do it.
+// Moves the cursor, as the arrow keys do.
 void select_row(GtkTreeView *view, int row) {
   GtkTreePath *path = gtk_tree_path_new_from_indices(row, -1);
   gtk_tree_view_set_cursor(view, path, nullptr, FALSE);
   gtk_tree_path_free(path);
 }
 
-// Opens the window, acts when it is idle, and returns when it has been closed.
+// Opens the window, acts when it is idle, and returns when the window is closed.
 void edit(const Vocabulary &vocabulary, const std::function<void(double seconds)> &act) {
   v_bench_when_idle(Stopwatch(), act);
   run_editing_window(&vocabulary.context, vocabulary.path.c_str());
-  // The next one shall not ask what to do with it.
+  // Otherwise the next window would ask about the draft.
   v_draft_remove(v_draft_open(vocabulary.path.c_str()).get());
 }
 
@@ -178,8 +179,8 @@ double measure_opening(const Vocabulary &vocabulary) {
 
 // ---- One edit -----------------------------------------------------------------------------------
 
-// Opens the dialog for the remark in the middle and acts when it is idle. Window: gets the window
-// below the dialog, null when it is not wanted.
+// Opens the dialog for the middle remark and acts when it is idle. window: receives the window
+// below the dialog; may be null.
 void open_dialog(const Vocabulary &vocabulary, const std::function<void(double seconds)> &act,
                  GtkWidget **window = nullptr) {
   edit(vocabulary, [&](double) {
@@ -217,7 +218,7 @@ double measure_edit(const Vocabulary &vocabulary) {
 
 // ---- One edit, until the list answers -----------------------------------------------------------
 
-// The processor time until the window is next drawn.
+// Measures the processor time until the window is drawn next.
 class NextFrame {
 public:
   explicit NextFrame(GtkWidget *window) {
@@ -247,8 +248,8 @@ private:
   Stopwatch stopwatch;
 };
 
-// The list answers when it is drawn with the new row. From then on the theme fades the window in
-// from insensitive, frame by frame for 200 ms, and keys already work.
+// The answer is the first frame with the new row. After it the theme fades the window in for 200
+// ms, frame by frame, but keys already work.
 double measure_answer(const Vocabulary &vocabulary) {
   double result = 0;
   GtkWidget *window = nullptr;
@@ -268,8 +269,8 @@ double measure_answer(const Vocabulary &vocabulary) {
   return result;
 }
 
-// Models of the editing window and of the dialog for one remark. They are never shown; each
-// measurement copies them.
+// Bare copies of the editing window and of the dialog for one remark. They are never shown; each
+// measurement copies them again.
 struct BareCopies {
   explicit BareCopies(const Vocabulary &vocabulary) {
     GtkWidget *covered = nullptr;
@@ -316,7 +317,7 @@ double measure_answer_of_copies(const Vocabulary &vocabulary, const BareCopies &
 
 // ---- Selecting ----------------------------------------------------------------------------------
 
-// Selects one remark after the other, and gives the mean time for one.
+// Selects one remark after the other and measures the mean time of a selection.
 class Selecting {
 public:
   explicit Selecting(std::function<void()> when_done) : done(std::move(when_done)) {}
@@ -413,7 +414,7 @@ void v_bench_add_editing_rows() {
   for (const auto &[remarks, size] : {std::pair{60, "60 remarks"}, {20'000, "20,000 remarks"}}) {
     add_answer_row(remarks, size);
   }
-  // A list alone shows no description: the row informs, the next one judges.
+  // The bare list shows no description, so the first row has no target.
   add_row("Select another remark until repainted", "the same in the bare list", std::nullopt,
           measure_selecting_in_list, measure_selecting);
   add_row("Select another remark until repainted",

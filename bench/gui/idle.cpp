@@ -23,7 +23,7 @@ gboolean act_callback(void *data) {
   return G_SOURCE_REMOVE;
 }
 
-// In place of the main loop's own waiting, which begins whenever all work is done.
+// Replaces the main loop's wait, which begins when all work is done.
 gint poll(GPollFD *descriptors, guint count, gint timeout) {
   const bool would_be_quiet = timeout < 0 || timeout >= quiet_milliseconds;
   if (!waiting || !would_be_quiet) {

@@ -11,8 +11,8 @@
 #include "support/scratch_folder.h"
 
 int main(int argc, char **argv) {
-  // Neither this process nor the programs that it starts may touch the user's own workspace; and
-  // both programs wear the theme that ours asks for.
+  // A scratch home: neither this process nor the programs that it starts may change the user's
+  // workspace. Both programs use the theme that ours sets.
   const ScratchFolder home;
   for (const char *variable :
        {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"}) {

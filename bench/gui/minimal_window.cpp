@@ -1,4 +1,4 @@
-// As little as a program of this kind can be: one window with a list and eight buttons.
+// The smallest program of this kind: one window with a list and eight buttons.
 
 #include <gtk/gtk.h>
 

@@ -1,4 +1,4 @@
-// The whole program on a workspace, against a minimal program with a window of the same kind.
+// Measures the whole program on a workspace against a minimal program with a similar window.
 
 #include <filesystem>
 #include <memory>
@@ -15,7 +15,7 @@
 namespace {
 
 constexpr int codeset_count = 20;
-constexpr int remark_count = 50; // as in the codesets that are delivered
+constexpr int remark_count = 50; // as in the delivered codesets
 constexpr char size_text[] = "workspace with 20 codesets";
 constexpr char baseline[] = "a minimal program that shows one window with a list and eight buttons";
 
@@ -42,7 +42,7 @@ void add_row(const char *what, const char *unit, double target, int repetitions,
       .what = what, .size = size_text, .baseline = baseline, .unit = unit, .target = target};
   v_bench_add_row(row, repetitions, [=] {
     const auto workspace = std::make_shared<PreparedWorkspace>();
-    // Once each, so that no measured start has to fetch a program from the disk.
+    // Runs each program once, so that no measured start reads one from the disk.
     measure(VANTORELLE_MINIMAL_WINDOW);
     measure(VANTORELLE_PROGRAM);
     return Comparison{[=] { return measure(VANTORELLE_MINIMAL_WINDOW); },

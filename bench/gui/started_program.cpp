@@ -23,20 +23,20 @@ struct CloseDisplay {
   void operator()(Display *display) const { XCloseDisplay(display); }
 };
 
-// Sees every window of the display come into being and be mapped.
+// Observes when windows of the display are created and mapped.
 class MapWatch {
 public:
   MapWatch() : display(XOpenDisplay(nullptr)) {
     if (!display) {
       throw std::runtime_error("No display.");
     }
-    // A window may be gone before it is asked for its events.
+    // A window may be destroyed before its events are selected; ignore that error.
     XSetErrorHandler([](Display *, XErrorEvent *) { return 0; });
     XSelectInput(display.get(), DefaultRootWindow(display.get()), SubstructureNotifyMask);
     XSync(display.get(), False);
   }
 
-  // Waits for the first window that a window manager manages.
+  // Waits until a window that the window manager manages is mapped.
   void wait() {
     while (!is_map_of_client(next_event())) {
     }
@@ -55,8 +55,8 @@ private:
     return event;
   }
 
-  // The window manager puts a window into a frame before it maps it, so only the map event of the
-  // window itself counts. Frames and menus are not managed.
+  // Only the map event of the window itself counts, because the window manager first puts it into a
+  // frame. Frames and menus are not managed.
   bool is_map_of_client(const XEvent &event) {
     if (event.type == CreateNotify && !event.xcreatewindow.override_redirect) {
       XSelectInput(display.get(), event.xcreatewindow.window, StructureNotifyMask);
@@ -83,7 +83,7 @@ GPid start(const std::string &path) {
 long read_used_time(GPid pid) {
   std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
   std::string field;
-  std::getline(file, field, ')'); // the name may hold anything
+  std::getline(file, field, ')'); // the name may contain spaces
   for (int i = 3; i < 14; i++) {
     file >> field;
   }

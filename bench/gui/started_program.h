@@ -1,6 +1,6 @@
 #pragma once
-// Another program, from its start until its window is on the screen, and its memory. Observed
-// through the X server and the kernel only, so the program needs no hook.
+// A program from its start until its window is on the screen, and its memory. It is observed only
+// through the X server and the kernel, so the program needs no hook.
 
 #include <string>
 
@@ -10,15 +10,15 @@ class StartedProgram {
 public:
   // Returns when the program has mapped its first window.
   explicit StartedProgram(const std::string &path);
-  // Ends it.
+  // Ends the program.
   ~StartedProgram();
   StartedProgram(const StartedProgram &) = delete;
   StartedProgram &operator=(const StartedProgram &) = delete;
 
-  // From the start until the window was mapped, on the wall clock.
+  // Wall-clock time from the start until the window was mapped.
   double seconds_until_mapped() const { return seconds; }
-  // Waits until it does nothing any more. Its resident memory then, in MiB; what it shares with
-  // others counts in full, or else the figure would move with what else happens to run.
+  // Waits until the program is idle and returns its resident memory in MiB. Shared memory counts in
+  // full; otherwise the figure would depend on the other programs that run.
   double measure_idle_memory() const;
 
 private:

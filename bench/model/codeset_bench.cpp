@@ -1,4 +1,4 @@
-// Reading and writing codesets, the list of summaries, and the order of codes.
+// Measures reading and writing codesets, the list of summaries, and sorting codes.
 
 #include <algorithm>
 #include <cstdio>
@@ -71,7 +71,7 @@ double measure_reading_often(const std::string &path, int times) {
   return seconds;
 }
 
-// The least that any reader has to do: the parser's events, with handlers that do nothing.
+// The minimum for any reader: the parser's events, with handlers that do nothing.
 double measure_events(const std::string &path) {
   xmlSAXHandler handlers = {};
   handlers.initialized = XML_SAX2_MAGIC;
@@ -107,7 +107,8 @@ void add_readings(CodeOrder order) {
   add_reading(1'000, order, 201, tree, measure_parsing, 0.8);
   add_reading(10'000, order, 31, tree, measure_parsing, 0.65);
   add_reading(100'000, order, 9, tree, measure_parsing, 0.5);
-  // The floor. A file that is not in order has to be sorted besides, so that its row only informs.
+  // The lowest possible time. A file that is not in order must also be sorted, so its row has no
+  // target.
   add_reading(100'000, order, 15, events, measure_events,
               order == CodeOrder::ascending ? std::optional(2.0) : std::nullopt);
 }
@@ -121,15 +122,15 @@ void add_growth(int small, int large, CodeOrder order) {
   v_bench_add_row(row, 3, [=] {
     const auto small_file = std::make_shared<CodesetFile>(small, order);
     const auto large_file = std::make_shared<CodesetFile>(large, order);
-    // The same number of remarks on both sides, so that other work on the machine affects both
-    // alike.
+    // Both sides read the same number of remarks, so that other work on the machine affects both
+    // equally.
     return Comparison{
         [=] { return measure_reading_often(small_file->path, large / small) / large; },
         [=] { return measure_reading(large_file->path) / large; }};
   });
 }
 
-// Runs a process that reads the file in one of the two ways, and returns its peak in MiB.
+// Runs a process that reads the file in the given way, and returns its peak memory in MiB.
 double measure_peak(const char *way, const std::string &path) {
   const std::string command = std::string(VANTORELLE_PEAK_MEMORY) + " " + way + " '" + path + "'";
   std::FILE *output = popen(command.c_str(), "r");
@@ -172,7 +173,7 @@ double measure_writing(const CodesetFile &file, const VCodeset *codeset) {
   return stopwatch.seconds();
 }
 
-// The steps of a save except forcing both files onto the disk.
+// All steps of saving except forcing both files onto the disk.
 double measure_writing_with_draft(const CodesetFile &file, const VCodeset *codeset) {
   const std::string path = file.folder.path_of("saved_by_us.codeset");
   std::remove(path.c_str());
@@ -283,7 +284,7 @@ void add_sorting(int count) {
 } // namespace
 
 int main(int argc, char **argv) {
-  // Drafts are written in the user's state folder, which is not ours.
+  // A scratch folder, because drafts are written into the user's state folder.
   const ScratchFolder state;
   g_setenv("XDG_STATE_HOME", state.path_of("").c_str(), TRUE);
   xmlInitParser();

@@ -8,7 +8,7 @@
 
 namespace {
 
-// One phrase in the three languages, in XML and ISO-8859-1.
+// A phrase in the three languages, in XML and ISO-8859-1.
 struct Phrase {
   const char *en;
   const char *sv;
@@ -72,7 +72,7 @@ constexpr Phrase places[] = {
 constexpr int prefix_count = 26 * 8;
 constexpr const char *suffixes[] = {"", "a", "b", "c"};
 
-// Fixed, where the library's own distributions may differ from one library to the next.
+// The library's own distributions may differ between libraries.
 class Random {
 public:
   std::size_t below(std::size_t limit) {

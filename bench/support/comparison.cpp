@@ -8,7 +8,7 @@
 
 namespace {
 
-// Each measurement starts with an empty heap, independent of the one before it.
+// Each measurement starts with an empty heap.
 double measure(const std::function<double()> &function) {
   malloc_trim(0);
   return function();
@@ -25,7 +25,7 @@ void run(benchmark::State &state, const Row &row, const std::function<Comparison
   std::vector<double> baseline;
   std::vector<double> ours;
   for ([[maybe_unused]] const auto _ : state) {
-    // The second one may profit from warm caches, so the order alternates.
+    // The order alternates, because the second one may profit from warm caches.
     const bool baseline_first = ours.size() % 2 == 0;
     if (baseline_first) {
       baseline.push_back(measure(comparison.measure_baseline));

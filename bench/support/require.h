@@ -1,5 +1,5 @@
 #pragma once
-// A benchmark of something that failed would only be fast.
+// Fails the benchmark for a null or false result: the time of a failed call would only be short.
 
 #include <stdexcept>
 

@@ -1,5 +1,5 @@
 #pragma once
-// Processor time of this thread, the kernel's share included: the work of other programs does not
+// Processor time of this thread, including that in the kernel. The work of other programs does not
 // count.
 
 #include <ctime>
