@@ -22,8 +22,8 @@ void v_error_set(const char *text);
 // The old message is discarded before the arguments are read: they must not point into it.
 void v_error_set_utf8_printf(const char *format, ...) G_GNUC_PRINTF(1, 2);
 
-// Appending puts the text in front of the held message, a blank line between; with no message held
-// it becomes the message. The flag stays as it is.
+// Appending puts the text and a blank line in front of the held message; without one the text
+// becomes the message. The flag is unchanged.
 void v_error_append(const char *text);
 void v_error_append_utf8_printf(const char *format, ...) G_GNUC_PRINTF(1, 2);
 void v_error_append_utf8_vprintf(const char *format, va_list arguments) G_GNUC_PRINTF(1, 0);
@@ -41,8 +41,8 @@ VErrorCopy v_error_copy();
 // Replaces the error state by the copy.
 void v_error_restore(VErrorCopy copy);
 
-// Keeps the error state over a clean-up that may fail itself: restores at the end of the scope the
-// state of its beginning.
+// Keeps the error state during a clean-up that may fail: the destructor restores the state that the
+// constructor found.
 class VErrorKeeper {
 public:
   VErrorKeeper() : kept(v_error_copy()) {}

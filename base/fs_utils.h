@@ -1,9 +1,8 @@
 #pragma once
-// The operating system's file functions, one uniform layer. Every path is UTF-8 with "/" as its
-// delimiter; conversion to the file system's encoding happens in here and nowhere else. On failure
-// the message is the system's ("Error 2: No such file or directory") or the conversion's, with the
-// sentence named at each function in front; a path that cannot be converted fails with "Could not
-// use filename.".
+// One uniform layer over the operating system's file functions. Every path is UTF-8 with "/" as its
+// delimiter; only this module converts it to the file system's encoding. On failure the message is
+// the system's ("Error 2: No such file or directory") or the conversion's, with the sentence named
+// at each function in front; a path that cannot be converted fails with "Could not use filename.".
 
 #include <cstdint>
 
@@ -37,7 +36,7 @@ OwnedFile v_fs_utils_open_file(const char *path, const char *mode);
 // used.
 OwnedText v_fs_utils_resolve_links(const char *path);
 
-// Permissions of a file for the one that will take its place.
+// Permissions of a file, for the file that replaces it.
 struct VFilePermissions {
   bool are_known = false;  // false: there is no such file
   unsigned mode = 0;       // the bits 0777
@@ -60,16 +59,16 @@ OwnedFolder v_fs_utils_open_folder(const char *path);
 // False with "Cannot read folder contents." or "Could not convert filename to unicode."; after the
 // latter, the next call continues with the following entry.
 bool v_fs_utils_next_folder_entry(DIR *listing, OwnedText &name);
-// The same for callers that look for certain names: entries whose name cannot be converted are
-// skipped. Null at the end, and when the folder cannot be read any further.
+// The same, but skips entries whose name cannot be converted, for callers that look for certain
+// names. Null at the end, and when the folder cannot be read any further.
 OwnedText v_fs_utils_next_convertible_folder_entry(DIR *listing);
 // Closes; null is success. False with "Cannot close folder.".
 bool v_fs_utils_close_folder(OwnedFolder listing);
 
-// Creates one folder for its owner alone (0700). False with "Cannot create folder.", also when it
-// is there already.
+// Creates a folder that only its owner can use (0700). False with "Cannot create folder.", also
+// when the folder exists.
 bool v_fs_utils_create_folder(const char *path);
-// Creates missing parents first. The same failures, and an existing folder is one.
+// The same, but creates missing parents first.
 bool v_fs_utils_create_folder_recursively(const char *path);
 // Removes an empty folder; a missing one is success. False with "Cannot delete folder.".
 bool v_fs_utils_delete_folder_if_exists(const char *path);
@@ -102,7 +101,7 @@ inline bool v_fs_utils_is_regular_file(const VFileInfo &info) {
 // path.
 OwnedText v_fs_utils_create_path_in_folder_(const char *folder, const char *const *parts,
                                             int count);
-// The same with the parts written out.
+// The same with the parts as arguments.
 template <typename... Parts>
 OwnedText v_fs_utils_create_path_in_folder(const char *folder, Parts... parts) {
   const char *const array[] = {parts...};

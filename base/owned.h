@@ -1,6 +1,6 @@
 #pragma once
-// The owning types of everything that the system allocates: a value of one of them frees what it
-// holds, a raw pointer never does. Nothing here has a run-time cost over the pointer itself.
+// Owning types for everything that the program allocates. Their values free what they hold; a raw
+// pointer never owns anything. They cost nothing at run time.
 
 #include <cstdio>
 #include <memory>
@@ -9,7 +9,8 @@
 #include <glib.h>
 #include <libxml/tree.h>
 
-// Calls one fixed function on the pointer. The function is named, not stored.
+// Deleter that calls one fixed function. The function is part of the type, so the owner is as small
+// as a pointer.
 template <auto destroy>
 struct CallOnDestroy {
   template <typename T>

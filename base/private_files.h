@@ -14,11 +14,11 @@ using OwnedHeldFile = Owned<VHeldFile, v_private_files_release>;
 // Holds the file at the path, which is created when there is none. Null when that is impossible or
 // another program holds it.
 OwnedHeldFile v_private_files_create(const char *path);
-// The same for an existing file only.
+// The same, but creates no file.
 OwnedHeldFile v_private_files_hold(const char *path);
 
-// Renames a file within its folder and replaces a file that has the new name: at every moment one
-// of the two has it.
+// Renames a file within its folder and replaces a file that has the new name: at any moment one of
+// the two files has that name.
 bool v_private_files_rename(const char *path, const char *new_path);
 // Returns once the content of the file, or the names in the folder, are on the disk. True also
 // where the file system has no such operation.

@@ -36,8 +36,8 @@ struct VOutputStream {
   // Null when the file could not be created, and once the stream has closed it.
   std::unique_ptr<std::FILE, CloseUnlessBorrowed> file;
   OwnedText path; // UTF-8; set when the stream created the file itself
-  // File: a write, or the read of the source that is copied, has failed, so that the file does not
-  // hold the whole.
+  // File: true after a failed write, or a failed read of the source that is copied. The file is
+  // then not complete.
   bool is_incomplete = false;
   Owned<GByteArray, g_byte_array_unref> memory; // made at the first write
 };
@@ -81,9 +81,9 @@ OwnedOutputStream v_output_stream_new_for_memory();
 // out of memory."). Nothing is written for n = 0, which never fails.
 bool v_output_stream_write(VOutputStream *stream, const void *data, std::size_t n);
 // Ends the writing: hands everything to the system and closes a file that the stream created, so
-// that a full disk is noticed while it can still be reported. "File write error.", or
-// "Creating file failed." when there never was a file. Does nothing for a memory stream and for a
-// file that is already finished.
+// that a full disk is noticed while it can still be reported. "File write error.", or "Creating
+// file failed." when no file was created. Does nothing for a memory stream and for a file that is
+// already finished.
 bool v_output_stream_finish(VOutputStream *stream);
 // The bytes written to a memory stream, followed by a zero byte that length does not count; the
 // stream is empty afterwards. Any other stream gives "" and length 0.

@@ -1,5 +1,6 @@
 #pragma once
-// Between the ISO-8859-1 of the data model and the UTF-8 of XML parser, toolkit and file system.
+// Converts between the ISO-8859-1 of the data model and the UTF-8 of the XML parser, the toolkit
+// and the file system.
 
 #include <string_view>
 

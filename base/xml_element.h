@@ -20,7 +20,7 @@ enum class XmlTextState { absent, unreadable, readable };
 struct XmlText {
   XmlTextState state = XmlTextState::absent;
   std::string_view text; // empty unless readable; valid as long as this and the element are
-  OwnedText joined;      // owns the text where it had to be put together
+  OwnedText joined;      // owns the text when it was joined from several nodes
 };
 
 inline XmlText v_xml_borrowed_text(std::string_view utf8_text) {
@@ -51,11 +51,11 @@ public:
   virtual bool visit_children(const XmlChildVisitor &visit) const = 0;
 };
 
-// A node of a tree. References to entities are resolved; a text with an entity that is not known is
-// unreadable as a whole, where the library's own function would leave the reference out: a text is
-// never shortened unnoticed. What entities and declared defaults add to all texts of a document is
-// limited to v_xml_maximum_expansion; a text beyond that is unreadable. The document's _private
-// field keeps that sum.
+// A node of a tree. References to entities are resolved; a text with an unknown entity is
+// unreadable as a whole; the library's own function would drop the reference and so shorten the
+// text unnoticed. v_xml_maximum_expansion limits the text that entities and declared defaults add
+// to all texts of a document; a text beyond the limit is unreadable. The document's _private field
+// holds the sum.
 class XmlNodeElement final : public XmlElement {
 public:
   // Both are borrowed; the document is that of the node.
@@ -91,6 +91,6 @@ bool v_xml_get_attribute(OwnedText &value, const XmlElement &element, const char
 OwnedText v_xml_get_text(const XmlElement &element, XmlEncoding encoding, XmlSpacing spacing,
                          XmlContent content);
 
-// The two messages about children by their name.
+// The messages for a missing child and for two children of the same name.
 void v_xml_set_missing_node_error(const char *name); // "Missing XML node: <name>"
 void v_xml_set_duplicate_nodes_error(); // "Duplicate XML nodes found where not allowed."

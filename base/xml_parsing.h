@@ -13,8 +13,8 @@
 
 #include "base/owned.h"
 
-// The limit, in bytes and nodes, of what the entities of one document may add to all texts that are
-// read from it. It is the library's own limit for a single text.
+// Limit, in bytes and nodes, of the text that the entities of one document may add to all texts
+// read from it. The library has the same limit for a single text.
 inline constexpr std::size_t v_xml_maximum_expansion = 10'000'000;
 
 // Parses the file (path in UTF-8; its own declaration decides on the encoding). Entities declared

@@ -1,7 +1,7 @@
 #pragma once
-// Codeset files: XML in ISO-8859-1, read tolerantly and written in one exact form. All that the
-// editing window can produce reads back equal, codes with "&", "<" or "]]>" excepted: codes are
-// written as they are.
+// Codeset files: XML in ISO-8859-1, read tolerantly and written in one exact form. Everything that
+// the editing window can produce reads back equal, except codes with "&", "<" or "]]>", because
+// codes are written unescaped.
 
 #include <cstdio>
 

@@ -35,7 +35,7 @@ OwnedRemark v_remark_clone(const VRemark *remark);
 // Unlinks the remark from the list that it must be in; it is the caller's from then on. Returns the
 // former predecessor (borrowed, perhaps the head sentinel).
 VRemark *v_remark_remove(VRemark *remark);
-// Does the same, and returns the remark itself with its ownership.
+// The same, but returns the remark itself, owned.
 OwnedRemark v_remark_take(VRemark *remark);
 // The remark's place in its list, from 0; linear.
 int v_remark_get_index(const VRemark *remark);
@@ -51,7 +51,7 @@ bool v_remark_list_is_empty(const VRemarkList *list);
 void v_remark_list_add_remark_first(VRemarkList *list, OwnedRemark remark);
 void v_remark_list_add_remark_last(VRemarkList *list, OwnedRemark remark);
 // Links the remark before the first one whose code is greater, at the end when it has no code.
-// Linear; many remarks are added last and sorted once.
+// Linear: to add many remarks, add them last and sort once.
 void v_remark_list_add_remark_sorted(VRemarkList *list, OwnedRemark remark);
 // Links a remark that has a code at its place in a list in remark code order, after those with the
 // same code, and returns its index. The search begins at place, a remark of the list or its tail
@@ -94,7 +94,7 @@ bool v_remark_list_has_remark(const VRemarkList *list, const char *code,
 bool v_remark_list_is_subset(const VRemarkList *a, const VRemarkList *b);
 // True when the list has no remark of that code, or one whose description can be merged with it.
 bool v_remark_list_remark_is_mergeable(const VRemarkList *list, const VRemark *remark);
-// True when that holds in a for every remark of b.
+// True when v_remark_list_remark_is_mergeable holds in a for every remark of b.
 bool v_remark_list_remarks_are_mergeable(const VRemarkList *a, const VRemarkList *b);
 // Adds a clone of the remark at its sorted place, or merges its description into the list's remark
 // of that code.

@@ -17,7 +17,7 @@ struct VBusyRecord {
 // Builds the window, without a message and not yet shown. It refuses requests to close it. The
 // record must outlive the window or be disconnected from it.
 void v_busy_window_build(VBusyRecord *busy);
-// Leaves the window, if there is one, without any handler that uses the record.
+// Disconnects all handlers that use the record from the window, if there is one.
 void v_busy_window_disconnect(VBusyRecord *busy);
 
 // The following need a window that is built, and return when the screen shows the change.
@@ -28,5 +28,5 @@ void v_busy_window_show_abort_button(VBusyRecord *busy);
 // Does nothing when the button was never shown.
 void v_busy_window_hide_abort_button(VBusyRecord *busy);
 
-// Runs the main loop until no event waits.
+// Runs the main loop until no event is pending.
 void v_util_let_through_gtk_events();

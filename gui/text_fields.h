@@ -12,7 +12,7 @@ GtkEntry *v_gui_pack_entry(GtkBox *box, Expand expand, const char *text,
 void v_gui_set_entry_text(GtkEntry *entry, const char *text);
 // Borrowed from the entry until its next change.
 const char *v_gui_get_entry_text(GtkEntry *entry);
-// Wraps at words. One that is not editable shows no cursor either.
+// Wraps at words. Editable::no also hides the cursor.
 GtkTextView *v_gui_add_text_view(GtkContainer *container, Editable editable);
 // Switch emoji input off, where the toolkit offers it, and ask input methods for none.
 void v_gui_disable_emojis_in_entry(GtkEntry *entry);

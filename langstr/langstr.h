@@ -30,9 +30,9 @@ bool v_langstr_set_owned_translation(OwnedLangstr &langstr, OwnedText lang, Owne
 struct VLangstrIndex;
 void v_langstr_index_free(VLangstrIndex *index);
 
-// A string that is being read from a file, one translation after the other. To set one, the whole
-// string is walked, and a file can have any number of them, so a collection that becomes long keeps
-// an index.
+// A string that is being read from a file, one translation after the other. Setting one walks
+// through the whole string, and a file can have any number of them, so a long collection keeps an
+// index.
 struct VLangstrCollection {
   OwnedLangstr langstr; // until it is taken, only v_langstr_collect_translation changes it
   int walks = 0;        // translations that were set without an index

@@ -14,9 +14,9 @@
 enum class LangstrSpacing { compact, keep_lines };
 enum class LangTag { may_be_empty, required };
 
-// Reads every child element of the name (compact or with its lines) into langstr. None at all is
-// success with an empty string. On the first failure langstr is left empty and false returned, with
-// the message of v_xml_parse_langstr_translation.
+// Reads every child element of the name (compact or with its lines) into langstr. Without such an
+// element it succeeds with an empty string. On the first failure langstr is left empty and false
+// returned, with the message of v_xml_parse_langstr_translation.
 bool v_xml_parse_langstr(OwnedLangstr &langstr, xmlDoc *document, const xmlNode *parent,
                          const char *element_name, LangstrSpacing spacing);
 // The same; null also with "Missing XML node: <name>" when there is no such element.

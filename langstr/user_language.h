@@ -1,5 +1,5 @@
 #pragma once
-// The language of the person at the screen.
+// The user's language.
 
 // The row of the user's language among the supported languages, -1 when it is none of them. The
 // environment variable VANTORELLE_USER_LANGUAGE, when it names a supported language, decides; else

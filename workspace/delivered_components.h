@@ -1,9 +1,9 @@
 #pragma once
-// The component files that are delivered beside the program (codesets, layouts, templates), and how
-// they come into a workspace. All paths are UTF-8.
+// The component files that are delivered beside the program (codesets, layouts, templates), and
+// their installation in a workspace. All paths are UTF-8.
 
-// Copies every delivered file of the sub-folder that the workspace does not have yet; what is there
-// is never overwritten. True also when nothing of the kind is delivered. On failure, with the
+// Copies every delivered file of the sub-folder that the workspace does not have yet; existing
+// files are never overwritten. True also when no such file is delivered. On failure, with the
 // message of the file layer, a target folder that was made by this call is removed; an older one
 // stays as it is.
 bool install_bundled_components(const char *workspace_folder, const char *sub_folder);

@@ -16,10 +16,10 @@
 
 struct VDraft {
   OwnedText codeset_path;
-  // Those of the codeset's file at the last save that found one; not known before.
+  // Of the codeset's file, when it was last saved over an existing file; unknown before.
   VFilePermissions codeset_permissions;
   OwnedText path;     // of the draft; null while there is none
-  OwnedHeldFile held; // the draft, null likewise
+  OwnedHeldFile held; // holds the draft; null while there is none
   // The draft that a program left behind when it ended, until it is taken or removed; null when
   // there was none.
   OwnedCodeset left_behind;

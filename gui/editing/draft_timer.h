@@ -1,6 +1,6 @@
 #pragma once
-// Has a draft written soon after the first change that it lacks. Knows neither the contents of a
-// draft nor how it is written.
+// Calls a function that writes the draft, soon after the first change that the draft lacks. Knows
+// neither the contents of a draft nor how it is written.
 
 #include <glib.h>
 

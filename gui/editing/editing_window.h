@@ -9,7 +9,7 @@
 struct RunContext {
   VWindowStack *window_stack = nullptr; // borrowed
   VWorkspace *workspace = nullptr;      // borrowed
-  // A window finds the checkers that an earlier one has loaded.
+  // The checkers stay loaded from one window to the next.
   VSpellCheckerCacheOwner spell_checkers = {};
 };
 

@@ -10,7 +10,7 @@ enum class VFocusPlace { text_field, row_button, plus_button, outside };
 
 struct VFocusPosition {
   VFocusPlace place = VFocusPlace::outside;
-  std::size_t row = 0; // the last row for the plus button, without a meaning outside
+  std::size_t row = 0; // the last row for the plus button, meaningless outside
 };
 
 enum class FocusKey { tab, shift_tab, up, down, left, right };

@@ -1,6 +1,6 @@
 #pragma once
 // One row of a VLangstrEditor: a text field, its language and a delete button. Checks the text for
-// spelling in the row's language. Places no widget: that is for the table that it is shown in.
+// spelling in the row's language. Places no widget: the table does that.
 
 #include <memory>
 #include <vector>
