@@ -392,7 +392,7 @@ void add_answer_row(int remarks, const char *size) {
   v_bench_add_row({.what = "One edit, from OK until the list answers",
                    .size = size,
                    .baseline = "bare copies of both windows: the dialog is closed, and the list "
-                               "gets one row anew",
+                               "gets one new row",
                    .target = 1.3},
                   repetitions, [=] {
                     const auto vocabulary = std::make_shared<Vocabulary>(remarks);
