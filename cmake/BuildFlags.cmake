@@ -1,4 +1,4 @@
-# One set of compiler flags for all our code.
+# The compiler flags of all our code.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -30,7 +30,8 @@ if(VANTORELLE_COVERAGE)
   target_link_options(vantorelle_flags INTERFACE --coverage)
 endif()
 
-# Optimised across files: reading a large codeset takes 4 % less, and the program is a fifth smaller.
+# Optimisation across files: reading a large codeset takes 4 % less time, and the program is a fifth
+# smaller.
 if(NOT VANTORELLE_SANITIZE AND NOT VANTORELLE_FUZZ AND NOT VANTORELLE_COVERAGE)
   include(CheckIPOSupported)
   check_ipo_supported(RESULT VANTORELLE_HAS_IPO OUTPUT ipo_report LANGUAGES CXX)
@@ -38,7 +39,7 @@ if(NOT VANTORELLE_SANITIZE AND NOT VANTORELLE_FUZZ AND NOT VANTORELLE_COVERAGE)
 endif()
 
 # Hardening against the exploitation of a fault. Only in optimised builds: the fortified functions
-# need the optimiser. Checked builds have checks of their own.
+# need the optimiser. Builds with sanitizers have their own checks.
 include(CheckCXXCompilerFlag)
 include(CheckCXXSourceCompiles)
 include(CheckLinkerFlag)

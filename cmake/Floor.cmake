@@ -7,8 +7,8 @@
 #
 # A floor is a static library. Its headers are included from the root ("base/error.h"), but the
 # root itself is on no include path: each floor gets a folder with links to its own headers, and
-# only a floor that names it under USES, itself or through a floor that it names, has that folder on
-# the include path. A header of a higher floor, or one that is not listed, is therefore not found.
+# only a floor that names it under USES, directly or through another floor, has that folder on the
+# include path. A header of a higher floor, or one that is not listed, is therefore not found.
 function(vantorelle_add_floor library)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER" "HEADERS;SOURCES;USES;PACKAGES")
   set(include_root ${PROJECT_BINARY_DIR}/include/${library})

@@ -1,4 +1,4 @@
-# All libraries of other projects. A floor names the ones that it may use.
+# All libraries of other projects. Each floor names those that it may use.
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0>=2.74)
 pkg_check_modules(LIBXML2 REQUIRED IMPORTED_TARGET libxml-2.0>=2.9.14)
@@ -17,8 +17,8 @@ if(APPLE)
   pkg_check_modules(GTK_MAC_INTEGRATION REQUIRED IMPORTED_TARGET gtk-mac-integration-gtk3)
 endif()
 
-# librsvg is loaded at run time (images/svg_library.h); only its headers are compiled against. The size
-# with its fractions and without a viewport comes from the older of its two interfaces.
+# librsvg is loaded at run time (images/svg_library.h); the build needs only its headers. The older of
+# its two interfaces gives the size with its fractions and without a viewport.
 add_library(vantorelle_svg_headers INTERFACE)
 target_compile_definitions(vantorelle_svg_headers INTERFACE RSVG_DISABLE_DEPRECATION_WARNINGS)
 target_include_directories(vantorelle_svg_headers SYSTEM INTERFACE ${LIBRSVG_INCLUDE_DIRS})

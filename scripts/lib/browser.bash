@@ -42,7 +42,7 @@ enclosed() {
     elif ((EUID == 0)); then
         exec unshare --net --mount sh -c "$enter" sh "$@"
     fi
-    # Only root may mount, if only of a namespace, and the program needs the user's own number again.
+    # Only root may mount, even in a namespace; afterwards the program gets the user's own number again.
     exec unshare --map-root-user --net --mount sh -c "$enter" sh \
         unshare --map-user="$EUID" --map-group="$(id -g)" "$@"
 }
@@ -60,7 +60,7 @@ check_enclosure() {
     is_enclosed=0
 }
 
-# Names the bus that is found through the runtime folder, because the program gets another folder.
+# Sets the address of the session bus in the runtime folder, because the program gets another folder.
 # Without a session bus there is no accessibility bus.
 find_session_bus() {
     if [[ -z ${DBUS_SESSION_BUS_ADDRESS:-} && -S ${XDG_RUNTIME_DIR:-}/bus ]]; then
@@ -69,15 +69,15 @@ find_session_bus() {
     [[ -n ${DBUS_SESSION_BUS_ADDRESS:-} ]] || export NO_AT_BRIDGE=1
 }
 
-# Only the user can enter it.
+# A folder that only the user can enter.
 make_session_folder() {
     local parent=${XDG_RUNTIME_DIR:-}
     [[ -d $parent && -O $parent && -w $parent ]] || parent=${TMPDIR:-/tmp}
     session_folder=$(mktemp -d "$parent/vantorelle.XXXXXXXXXX")
 }
 
-# Replaces this process by the command, on a display of its own whose server ends with it. The
-# server and the command meet in the folder.
+# Replaces this process by the command, on a display of its own whose server ends with it. The folder
+# is the runtime folder of both.
 show_program() {
     export XDG_RUNTIME_DIR=$1 GDK_BACKEND=broadway BROADWAY_DISPLAY=:0
     setpriv --pdeathsig TERM broadwayd --unixsocket "$1/page" "$BROADWAY_DISPLAY" </dev/null >/dev/null 2>&1 &

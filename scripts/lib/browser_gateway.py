@@ -66,7 +66,7 @@ class Gateway:
         sys.exit(f"No free port was found from {PORTS[0]} on.")
 
     async def connect(self):
-        """A connection with the server, waited for."""
+        """A connection to the server; waits until there is one."""
         while True:
             try:
                 return await asyncio.open_unix_connection(self.page)
@@ -90,11 +90,11 @@ class Gateway:
             writer.close()
 
     def admit(self, head):
-        """The wanted page, and the request to send to the server in place of the browser's: only
+        """The requested page, and the request that the server gets instead of the browser's: only
         checked values reach the server."""
         path, fields = parse_head(head)
-        # A web page of another site can have its own name lead to this address, but not change the
-        # name that is sent.
+        # Another site can make its own name resolve to this address, but cannot change the name
+        # that the browser sends.
         host = fields.get("host")
         if host not in (f"{ADDRESS}:{self.port}", f"localhost:{self.port}"):
             raise Refused
@@ -168,7 +168,7 @@ async def copy(reader, writer):
 
 
 async def run(folder):
-    """Until a signal comes."""
+    """Waits for a signal."""
     loop = asyncio.get_running_loop()
     for number in (signal.SIGHUP, signal.SIGTERM):
         loop.add_signal_handler(number, asyncio.current_task().cancel)
@@ -184,5 +184,5 @@ if __name__ == "__main__":
     except asyncio.CancelledError:
         pass
     finally:
-        # The script does the same, but may have been killed.
+        # The script does the same, unless it was killed.
         shutil.rmtree(session, ignore_errors=True)

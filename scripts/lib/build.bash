@@ -1,9 +1,8 @@
 # shellcheck shell=bash
-# Configuring and building with a preset. Sourced by scripts whose working folder is the checkout's
+# Configures and builds with a preset. Sourced by scripts whose working folder is the checkout's
 # root.
 
-# Each preset is built in the folder of its name in here. A checkout that cannot be written to needs
-# another folder.
+# Each preset is built in a sub-folder with its name. A read-only checkout needs another folder.
 build_folder=$(realpath -m "${VANTORELLE_BUILD:-build}")
 readonly build_folder
 

@@ -1,9 +1,9 @@
 # shellcheck shell=bash
-# A Debian in a folder, with nothing but its base on it. Sourced after packages.bash.
+# Installs a minimal Debian in a folder. Sourced after packages.bash.
 
 as_root=()
 
-# Only root may set up another Debian. Anyone else needs sudo: without it the script ends with status 1.
+# Only root may set up another Debian; other users need sudo. Without it the script ends with status 1.
 become_able_to_set_up() {
     ((EUID == 0)) && return 0
     if ! may_use_sudo; then
@@ -44,7 +44,7 @@ set_up_debian() {
     "${as_root[@]}" chmod +x "$root/usr/sbin/policy-rc.d"
 }
 
-# Where the checkout is in such a Debian.
+# The checkout's path in such a Debian.
 readonly checkout_inside=/srv/vantorelle
 
 # Copies the checkout, without what was built, into the Debian in the folder.

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# The locales that the tests run under, made without touching the system. Sourced, not run.
+# Compiles the locales of the tests without changing the system. Sourced, not run.
 
 # Name, language definition, character set.
 readonly locale_table="
@@ -9,7 +9,7 @@ de_DE.ISO-8859-1  de_DE ISO-8859-1
 ja_JP.EUC-JP      ja_JP EUC-JP
 "
 
-# Makes the locales that are missing in the folder. Several processes may call it at once.
+# Compiles the locales that are missing in the folder. Several processes may call it at once.
 ensure_locales() (
     local folder=$1 name definition charset
     mkdir -p "$folder"
@@ -18,7 +18,7 @@ ensure_locales() (
     while read -r name definition charset; do
         [[ -z $name || -e $folder/$name/LC_CTYPE ]] && continue
         rm -rf "${folder:?}/$name.new"
-        # A definition may name characters that a small character set lacks: localedef warns, writes, and ends with 1.
+        # For characters that the character set lacks, localedef warns and ends with 1, but writes the locale.
         localedef --no-archive -i "$definition" -f "$charset" "$folder/$name.new" >"$folder/.log" 2>&1 || true
         if [[ ! -e $folder/$name.new/LC_CTYPE ]]; then
             cat "$folder/.log" >&2

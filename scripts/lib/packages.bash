@@ -1,7 +1,7 @@
 # shellcheck shell=bash
-# What the scripts need, and how they get it. Sourced by scripts whose working folder is the checkout.
+# Lists and installs what the scripts need. Sourced by scripts whose working folder is the checkout.
 
-# One line per package: what it is needed for, and its name, which Debian 12 and Debian 13 share.
+# One line per package: its purpose and its name, which is the same in Debian 12 and Debian 13.
 readonly package_table="
 build   g++
 build   cmake
@@ -83,7 +83,7 @@ bench   libbenchmark-dev
 bench   python3
 "
 
-# One line per program: what it is needed for, and its name. The libraries are those of cmake/Packages.cmake.
+# One line per program: its purpose and its name. The libraries are those of cmake/Packages.cmake.
 readonly program_table="
 build   c++
 build   cmake
@@ -146,7 +146,7 @@ packages_for() {
     names_for "$package_table" "$@"
 }
 
-# Prints those of the packages that are not installed.
+# Prints the packages that are not installed.
 missing_packages() {
     local installed
     # dpkg-query fails for unknown names, which are then missing.
@@ -210,7 +210,7 @@ ensure_packages() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" </dev/null
 }
 
-# True when sudo needs no password, or can ask for it because somebody sits at the terminal.
+# True when sudo needs no password or can ask for it on a terminal.
 may_use_sudo() {
     command -v sudo >/dev/null || return 1
     sudo -n true 2>/dev/null && return 0

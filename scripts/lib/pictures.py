@@ -21,14 +21,14 @@ from support.waiting import settle  # noqa: E402
 
 ASSISTANT = "Vantorelle Workspace Setup"
 
-# No blinking cursor, no movement, and a font that every machine that builds the program has.
+# No blinking cursor, no animation, and a font that is on every machine that builds the program.
 SETTINGS = """[Settings]
 gtk-font-name=Liberation Sans 10
 gtk-cursor-blink=false
 gtk-enable-animations=false
 """
 
-# A folder that looks like one of the reader's own.
+# A path that could be the reader's.
 SHOWN_WORKSPACE = "/home/vera/Vantorelle Workspace"
 
 
@@ -101,7 +101,7 @@ class Album:
         display.move(0, 0)
         settle()
         left, top, width, height = self.framed_extents()
-        # Few colours make a small file; the smoothed edges of the letters do not suffer.
+        # Few colours make a small file, and are enough for the smoothed edges of letters.
         subprocess.run(
             (
                 "import",
