@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -69,6 +70,13 @@ void make_folder(const std::string &path) {
 
 void set_permissions(const std::string &path, unsigned mode) {
   if (chmod(path.c_str(), mode) != 0) {
+    give_up(path);
+  }
+}
+
+void set_modification_time(const std::string &path, std::time_t seconds) {
+  const timespec times[] = {{seconds, 0}, {seconds, 0}};
+  if (utimensat(AT_FDCWD, path.c_str(), times, 0) != 0) {
     give_up(path);
   }
 }

@@ -2,6 +2,7 @@
 // Files and folders for tests. Paths are UTF-8. Every failure ends the test program, because a test
 // without its files proves nothing.
 
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,8 @@ void make_folder(const std::string &path);
 void set_permissions(const std::string &path, unsigned mode);
 // Follows links. Includes the set-user, set-group and sticky bits.
 unsigned permissions_of(const std::string &path);
+// seconds: since 1970.
+void set_modification_time(const std::string &path, std::time_t seconds);
 // Names without "." and "..", sorted by their bytes.
 std::vector<std::string> list_folder(const std::string &path);
 // The number of open descriptors of this process.

@@ -5,9 +5,6 @@
 #include <memory>
 #include <set>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <gmock/gmock.h>
 
 #include "codeset/codeset_io.h"
@@ -76,8 +73,7 @@ protected:
     const OwnedCodeset codeset = v_codeset_io_read_from_file((elsewhere / "codeset").c_str());
     const OwnedDraft left = v_draft_open(path().c_str());
     v_draft_write(left.get(), codeset.get());
-    const timespec times[] = {{seconds, 0}, {seconds, 0}};
-    ASSERT_EQ(utimensat(AT_FDCWD, left->path.get(), times, 0), 0);
+    set_modification_time(left->path.get(), seconds);
   }
   static std::string restore_question(std::time_t seconds = 1'700'000'000) {
     char time[100];
