@@ -53,23 +53,12 @@ GuiScript &GuiScript::then(std::function<void()> act) {
 
 GuiScript &GuiScript::holds_for(unsigned milliseconds, std::string what,
                                 std::function<bool()> condition) {
-  struct Watch {
-    gint64 end = 0;
-    bool held = true;
-  };
-  const auto watch = std::make_shared<Watch>();
-  then(
-      [watch, milliseconds] { watch->end = g_get_monotonic_time() + gint64{1000} * milliseconds; });
+  const auto hold = std::make_shared<Hold>(milliseconds);
+  then([hold, milliseconds] { *hold = Hold(milliseconds); });
   return when(
-      "the end of the time in which there must be " + what,
-      [watch, condition = std::move(condition)] {
-        watch->held = watch->held && condition();
-        return !watch->held || g_get_monotonic_time() >= watch->end;
-      },
-      [watch, milliseconds, what] {
-        EXPECT_TRUE(watch->held) << "Within " << milliseconds << " ms there was not " << what
-                                 << ". Windows:" << describe_windows();
-      });
+      "the end of " + std::to_string(milliseconds) + " ms with " + what,
+      [hold, condition = std::move(condition)] { return hold->is_over(condition); },
+      [hold, what] { EXPECT_TRUE(hold->result(what)); });
 }
 
 GuiScript &GuiScript::on(const std::string &title, std::function<void()> act) {

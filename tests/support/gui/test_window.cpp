@@ -20,5 +20,6 @@ TestWindow::~TestWindow() {
 void TestWindow::show_active() {
   gtk_widget_show(widget());
   gtk_window_present(window);
-  ASSERT_TRUE(wait_until([this] { return gtk_window_has_toplevel_focus(window) != FALSE; }));
+  ASSERT_TRUE(wait_until("the keyboard in the test's window",
+                         [this] { return gtk_window_has_toplevel_focus(window) != FALSE; }));
 }

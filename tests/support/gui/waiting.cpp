@@ -74,6 +74,23 @@ std::string Wait::describe_failure(const std::string &what) const {
          ". Windows:" + describe_windows();
 }
 
+Hold::Hold(unsigned milliseconds) : end(begin + gint64{1000} * milliseconds) {}
+
+bool Hold::is_over(const std::function<bool()> &condition) {
+  latest = g_get_monotonic_time();
+  held = condition();
+  return !held || latest >= end;
+}
+
+testing::AssertionResult Hold::result(const std::string &what) const {
+  if (held) {
+    return testing::AssertionSuccess();
+  }
+  return testing::AssertionFailure()
+         << "There was not " << what << " any more after " << format_seconds(latest - begin)
+         << " of " << format_seconds(end - begin) << ". Windows:" << describe_windows();
+}
+
 void settle() {
   do {
     while (gtk_events_pending()) {
@@ -83,30 +100,25 @@ void settle() {
   } while (gtk_events_pending());
 }
 
-testing::AssertionResult wait_until(const std::function<bool()> &condition) {
+testing::AssertionResult wait_until(const std::string &what,
+                                    const std::function<bool()> &condition) {
   Wait wait;
   while (!condition()) {
     if (wait.is_too_long()) {
-      return testing::AssertionFailure() << wait.describe_failure("this condition");
+      return testing::AssertionFailure() << wait.describe_failure(what);
     }
     run_main_loop_briefly();
   }
   return testing::AssertionSuccess();
 }
 
-testing::AssertionResult holds_for(unsigned milliseconds, const std::function<bool()> &condition) {
-  const gint64 begin = g_get_monotonic_time();
-  const gint64 end = begin + gint64{1000} * milliseconds;
-  do {
-    if (!condition()) {
-      return testing::AssertionFailure()
-             << "Held for " << format_seconds(g_get_monotonic_time() - begin) << " of "
-             << format_seconds(end - begin) << ". Windows:" << describe_windows();
-    }
+testing::AssertionResult holds_for(unsigned milliseconds, const std::string &what,
+                                   const std::function<bool()> &condition) {
+  Hold hold(milliseconds);
+  while (!hold.is_over(condition)) {
     run_main_loop_briefly();
-  } while (g_get_monotonic_time() < end);
-  return condition() ? testing::AssertionSuccess()
-                     : testing::AssertionFailure() << "Held nearly to the end";
+  }
+  return hold.result(what);
 }
 
 void after(unsigned milliseconds, std::function<void()> action) {

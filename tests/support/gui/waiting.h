@@ -29,18 +29,38 @@ private:
   gint64 counted = 0; // microseconds
 };
 
+// Observes that a condition holds for a time.
+class Hold {
+public:
+  explicit Hold(unsigned milliseconds);
+  // To be called until it is true: the time is over, or the condition was false.
+  bool is_over(const std::function<bool()> &condition);
+  // what: completes "There was not ... any more".
+  testing::AssertionResult result(const std::string &what) const;
+
+private:
+  gint64 begin = g_get_monotonic_time();
+  gint64 latest = begin;
+  gint64 end;
+  bool held = true;
+};
+
 // Runs the main loop until nothing is left to do and the display server has answered all requests.
 // Does not wait for timeouts, for later frames or for the window manager: use wait_until for their
 // effect. Must not be called in a step of a script, because later steps would run inside it.
 void settle();
 
 // Runs the main loop until the condition is true; fails when it is not within ten seconds:
-// EXPECT_TRUE(wait_until([&] { return clicks > 0; })).
-testing::AssertionResult wait_until(const std::function<bool()> &condition);
+// EXPECT_TRUE(wait_until("a click", [&] { return clicks > 0; })). what: completes "Waited in vain
+// for ...".
+testing::AssertionResult wait_until(const std::string &what,
+                                    const std::function<bool()> &condition);
 
 // For things that must not happen: runs the main loop for the time, and fails when the condition is
-// false at any moment of it. The time must be longer than the unwanted effect would take.
-testing::AssertionResult holds_for(unsigned milliseconds, const std::function<bool()> &condition);
+// false at any moment of it. The time must be longer than the unwanted effect would take. what:
+// completes "There was not ... any more".
+testing::AssertionResult holds_for(unsigned milliseconds, const std::string &what,
+                                   const std::function<bool()> &condition);
 
 // Runs the action once after the time, in the main loop that is innermost then.
 void after(unsigned milliseconds, std::function<void()> action);

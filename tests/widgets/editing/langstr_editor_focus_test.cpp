@@ -139,7 +139,7 @@ TEST_F(LangstrEditorFocusTest, PassesItsOwnFocusToTheFirstField) {
   EXPECT_FALSE(gtk_widget_get_focus_on_click(widget));
   const ShownWindow host(widget);
   gtk_window_set_focus(host.window(), widget);
-  EXPECT_TRUE(wait_until([&] { return host.focus() == field(0); }));
+  EXPECT_TRUE(wait_until("the focus in the first field", [&] { return host.focus() == field(0); }));
 }
 
 TEST_F(LangstrEditorFocusTest, PassesItsFocusWhenItsWindowBecomesActiveLater) {
@@ -149,7 +149,8 @@ TEST_F(LangstrEditorFocusTest, PassesItsFocusWhenItsWindowBecomesActiveLater) {
   gtk_widget_show(widget);
   gtk_widget_show(window);
   gtk_window_set_focus(GTK_WINDOW(window), widget);
-  EXPECT_TRUE(wait_until([&] { return gtk_widget_has_focus(field(0)); }));
+  EXPECT_TRUE(wait_until("the keyboard in the first field",
+                         [&] { return gtk_widget_has_focus(field(0)); }));
   gtk_container_remove(GTK_CONTAINER(window), widget);
   gtk_widget_destroy(window);
 }

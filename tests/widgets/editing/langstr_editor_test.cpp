@@ -488,10 +488,10 @@ TEST_F(LangstrEditorTest, AnswersRealClicks) {
   const ShownWindow host(widget);
   gtk_widget_grab_focus(plus_button());
   press_key(GDK_KEY_space);
-  EXPECT_TRUE(wait_until([this] { return row_count() == 2; }));
+  EXPECT_TRUE(wait_until("a second row", [this] { return row_count() == 2; }));
   gtk_widget_grab_focus(delete_button(0));
   press_key(GDK_KEY_Return);
-  EXPECT_TRUE(wait_until([this] { return row_count() == 1; }));
+  EXPECT_TRUE(wait_until("a single row", [this] { return row_count() == 1; }));
   EXPECT_EQ(shown_language(0), british);
 }
 

@@ -16,7 +16,8 @@ ShownWindow::ShownWindow(GtkWidget *widget)
   for (GtkWidget *each : {above, widget, below, box, toplevel}) {
     gtk_widget_show(each);
   }
-  EXPECT_TRUE(wait_until([this] { return gtk_window_is_active(window()); }));
+  EXPECT_TRUE(wait_until("the keyboard in the window of the widget",
+                         [this] { return gtk_window_is_active(window()); }));
   gtk_widget_grab_focus(above);
 }
 

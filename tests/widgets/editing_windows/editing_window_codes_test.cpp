@@ -46,7 +46,8 @@ TEST_F(EditingWindow, AnAddedCodeIsInItsPlaceAndNothingIsSelected) {
 TEST_F(EditingWindow, ACancelledAdditionAddsNothing) {
   select(1);
   script.click("Add new");
-  script.on(dialog_title, [] { EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=\n"); });
+  script.on(dialog_title,
+            [] { EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=\n"); });
   script.click("Cancel");
   check([] {
     EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "10. Stain"));

@@ -261,7 +261,7 @@ TEST_F(EditingWindowDrafts, AreRemovedWhenTheWindowIsClosedOrSaved) {
     }
     EXPECT_EQ(run(), is_saved ? 1 : 0);
     // A draft that is still due would be written a second after the change.
-    EXPECT_TRUE(holds_for(1500, [this] { return drafts().empty(); }));
+    EXPECT_TRUE(holds_for(1500, "no draft", [this] { return drafts().empty(); }));
   }
 }
 

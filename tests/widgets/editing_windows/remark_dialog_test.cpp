@@ -191,7 +191,8 @@ TEST_F(RemarkDialog, ReportsOneErrorAtATime) {
   expect_refusal("Missing a code.");
   fill_in(" \u00a0 ", "Text");
   expect_refusal("Missing a code.");
-  script.on(title, [] { EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Text\n"); });
+  script.on(title,
+            [] { EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Text\n"); });
   fill_in("b", "");
   expect_refusal("That code is already taken.");
   fill_in("c", "  ");

@@ -61,8 +61,8 @@ TEST(Accessibility, EscapePressedAgainBeforeTheWindowHasClosedDoesNoHarm) {
   deliver_key(window.get(), GDK_KEY_Escape);
   deliver_key(window.get(), GDK_KEY_Escape);
   window.reset();
-  EXPECT_TRUE(wait_until([&observed] { return observed == nullptr; }));
-  EXPECT_TRUE(holds_for(50, [&observed] { return observed == nullptr; }));
+  EXPECT_TRUE(wait_until("the end of the window", [&observed] { return observed == nullptr; }));
+  EXPECT_TRUE(holds_for(50, "no window", [&observed] { return observed == nullptr; }));
 }
 
 TEST(Accessibility, EscapeCanBeRefusedByTheWindow) {
@@ -102,7 +102,7 @@ TEST(Accessibility, EscapeAnswersADialogAtOnce) {
   const std::vector<int> two_responses = {GTK_RESPONSE_DELETE_EVENT, GTK_RESPONSE_DELETE_EVENT};
   EXPECT_EQ(responses, two_responses);
   gtk_widget_destroy(GTK_WIDGET(dialog));
-  EXPECT_TRUE(holds_for(50, [&] { return responses == two_responses; }));
+  EXPECT_TRUE(holds_for(50, "no third response", [&] { return responses == two_responses; }));
 }
 
 TEST(Accessibility, NamesAndDescriptionsAreSpoken) {

@@ -57,7 +57,7 @@ TEST_F(Button, IsPressedAtOnceByActivation) {
 TEST_F(Button, AnActionReturnsBeforeTheClick) {
   EXPECT_TRUE(act());
   EXPECT_EQ(clicks, 0);
-  EXPECT_TRUE(wait_until([this] { return clicks > 0; }));
+  EXPECT_TRUE(wait_until("a click", [this] { return clicks > 0; }));
   settle();
   EXPECT_EQ(clicks, 1);
 }

@@ -62,7 +62,8 @@ private:
 };
 
 TEST_F(BusyWindow, IsWhiteInABlackFrameOfOnePixel) {
-  ASSERT_TRUE(wait_until([this] { return Picture(busy()->window).get_pixel(2, 2) == 0xffffff; }));
+  ASSERT_TRUE(wait_until("a white window",
+                         [this] { return Picture(busy()->window).get_pixel(2, 2) == 0xffffff; }));
   const Picture picture(busy()->window);
   // The content, 20 pixels on each side, and the frame.
   EXPECT_EQ(picture.width, 280 + 2 * 20 + 2);
@@ -122,9 +123,9 @@ TEST_F(BusyWindow, ShrinksToItsMessage) {
     return width;
   };
   v_window_stack_set_busy_window_message(stack.get(), std::string(90, 'm').c_str());
-  ASSERT_TRUE(wait_until([&] { return get_width() > 600; }));
+  ASSERT_TRUE(wait_until("a wide window", [&] { return get_width() > 600; }));
   v_window_stack_set_busy_window_message(stack.get(), "m");
-  EXPECT_TRUE(wait_until([&] { return get_width() == 322; }));
+  EXPECT_TRUE(wait_until("a narrow window", [&] { return get_width() == 322; }));
 }
 
 TEST_F(BusyWindow, AbortIsARequest) {
@@ -169,8 +170,9 @@ TEST_F(BusyWindow, IsNotEndedByAPopOrByTheUser) {
   v_window_stack_pop_window(stack.get());
   EXPECT_EQ(top(), node);
   gtk_window_close(busy()->window);
-  EXPECT_TRUE(holds_for(
-      100, [this] { return busy()->window != nullptr && gtk_widget_get_visible(busy_widget()); }));
+  EXPECT_TRUE(holds_for(100, "a shown busy window", [this] {
+    return busy()->window != nullptr && gtk_widget_get_visible(busy_widget());
+  }));
 }
 
 TEST_F(BusyWindow, IsDestroyedAtTheEnd) {
@@ -267,7 +269,7 @@ TEST_F(BusyWindow, CanBeClosedAfterTheStackIsDestroyed) {
   g_signal_connect(left.get(), "destroy",
                    G_CALLBACK(+[](GtkWidget *, bool *flag) { *flag = true; }), &is_destroyed);
   gtk_window_close(left.get());
-  EXPECT_TRUE(wait_until([&] { return is_destroyed; }));
+  EXPECT_TRUE(wait_until("the end of the busy window", [&] { return is_destroyed; }));
 }
 
 TEST(Events, AreHandledUntilNoneIsPending) {

@@ -189,7 +189,8 @@ std::string get_button_label(GtkDialog *dialog, int response) {
 // Presses the accept button only once: the chooser examines the file for each press.
 void accept(GtkDialog *dialog) {
   gtk_dialog_response(dialog, GTK_RESPONSE_ACCEPT);
-  EXPECT_TRUE(wait_until([&] { return gtk_widget_get_mapped(GTK_WIDGET(dialog)) == FALSE; }));
+  EXPECT_TRUE(wait_until("the end of the chooser",
+                         [&] { return gtk_widget_get_mapped(GTK_WIDGET(dialog)) == FALSE; }));
   if (gtk_widget_get_mapped(GTK_WIDGET(dialog))) {
     gtk_dialog_response(dialog, GTK_RESPONSE_CANCEL);
   }
@@ -212,26 +213,27 @@ std::vector<std::string> list_chosen(GtkFileChooser *chooser) {
 
 void enter_folder(GtkFileChooser *chooser, const std::string &path) {
   gtk_file_chooser_set_current_folder(chooser, path.c_str());
-  EXPECT_TRUE(wait_until([&] { return get_current_folder(chooser) == path; })) << path;
-  EXPECT_TRUE(wait_until(chooser_to_be_loaded()));
+  EXPECT_TRUE(
+      wait_until("a chooser in " + path, [&] { return get_current_folder(chooser) == path; }));
+  EXPECT_TRUE(wait_until("a loaded chooser", chooser_to_be_loaded()));
 }
 
 // Chooses a file or folder as a click on it would, then accepts.
 void choose(GtkDialog *dialog, const std::string &path) {
   enter_folder(as_chooser(dialog), std::filesystem::path(path).parent_path());
   gtk_file_chooser_select_filename(as_chooser(dialog), path.c_str());
-  EXPECT_TRUE(wait_until([&] { return list_chosen(as_chooser(dialog)) == std::vector{path}; }))
-      << path;
+  EXPECT_TRUE(wait_until("the choice of " + path,
+                         [&] { return list_chosen(as_chooser(dialog)) == std::vector{path}; }));
   accept(dialog);
 }
 
 // Chooses all files in the folder once it shows `count` of them, then accepts.
 void choose_all(GtkDialog *dialog, const std::string &path, std::size_t count) {
   enter_folder(as_chooser(dialog), path);
-  EXPECT_TRUE(wait_until([&] {
+  EXPECT_TRUE(wait_until("the choice of all files in " + path, [&] {
     gtk_file_chooser_select_all(as_chooser(dialog));
     return list_chosen(as_chooser(dialog)).size() == count;
-  })) << path;
+  }));
   accept(dialog);
 }
 
@@ -240,13 +242,14 @@ void save_as(GtkDialog *dialog, const std::string &folder, const char *name) {
   GtkFileChooser *chooser = as_chooser(dialog);
   enter_folder(chooser, folder);
   gtk_file_chooser_set_current_name(chooser, name);
-  EXPECT_TRUE(wait_until([&] { return list_chosen(chooser) == std::vector{folder + "/" + name}; }))
-      << name;
+  const std::string path = folder + "/" + name;
+  EXPECT_TRUE(wait_until("the choice of " + path,
+                         [&] { return list_chosen(chooser) == std::vector{path}; }));
   accept(dialog);
 }
 
 void cancel(GtkDialog *dialog) {
-  EXPECT_TRUE(wait_until(chooser_to_be_loaded()));
+  EXPECT_TRUE(wait_until("a loaded chooser", chooser_to_be_loaded()));
   gtk_dialog_response(dialog, GTK_RESPONSE_CANCEL);
 }
 
@@ -264,7 +267,8 @@ void look_at_new_dialog(FileDialogAction action, const Types &types,
 
 void expect_start_in(const std::string &folder, FileDialogAction action, const Types &types) {
   look_at_new_dialog(action, types, [&](GtkFileChooser *chooser) {
-    EXPECT_TRUE(wait_until([&] { return get_current_folder(chooser) == folder; }))
+    EXPECT_TRUE(
+        wait_until("a chooser in " + folder, [&] { return get_current_folder(chooser) == folder; }))
         << folder << " instead of " << get_current_folder(chooser);
   });
 }
@@ -272,7 +276,8 @@ void expect_start_in(const std::string &folder, FileDialogAction action, const T
 void expect_start_elsewhere(const std::string &folder, FileDialogAction action,
                             const Types &types) {
   look_at_new_dialog(action, types, [&](GtkFileChooser *chooser) {
-    EXPECT_TRUE(holds_for(200, [&] { return get_current_folder(chooser) != folder; })) << folder;
+    EXPECT_TRUE(holds_for(200, "a chooser elsewhere than in " + folder,
+                          [&] { return get_current_folder(chooser) != folder; }));
   });
 }
 

@@ -80,7 +80,7 @@ TEST(HeightCappedScroller, GrowsWithItsContent) {
   settle();
   const int before = tower.height();
   tower.add_rows(3);
-  ASSERT_TRUE(wait_until([&] { return tower.height() > before; }));
+  ASSERT_TRUE(wait_until("a higher window", [&] { return tower.height() > before; }));
   int content = 0;
   gtk_widget_get_preferred_height(GTK_WIDGET(tower.rows), &content, nullptr);
   EXPECT_GE(tower.height(), content);
@@ -135,7 +135,8 @@ TEST(HeightCappedScroller, ScrollsTheFocusedWidgetIntoView) {
   settle();
   EXPECT_EQ(gtk_adjustment_get_value(tower.place()), 0);
   gtk_widget_grab_focus(tower.last_row());
-  EXPECT_TRUE(wait_until([&] { return gtk_adjustment_get_value(tower.place()) > 1000; }));
+  EXPECT_TRUE(wait_until("the last row in view",
+                         [&] { return gtk_adjustment_get_value(tower.place()) > 1000; }));
 }
 
 TEST(HeightCappedScroller, ScrollsANewFocusedRowIntoView) {
@@ -146,7 +147,8 @@ TEST(HeightCappedScroller, ScrollsANewFocusedRowIntoView) {
   for (int row = 2; row < 60; row++) {
     tower.add_rows(1);
     gtk_widget_grab_focus(tower.last_row());
-    ASSERT_TRUE(wait_until([&] { return tower.shows_whole(tower.last_row()); })) << "row " << row;
+    ASSERT_TRUE(wait_until("row " + std::to_string(row) + " in view",
+                           [&] { return tower.shows_whole(tower.last_row()); }));
   }
 }
 
@@ -163,7 +165,7 @@ TEST(HeightCappedScroller, KeepsTheFocusedWidgetInViewWhenTheWindowShrinks) {
   settle();
   gtk_window_unmaximize(tower.window.get());
   gtk_window_resize(tower.window.get(), 200, 200);
-  ASSERT_TRUE(wait_until([&] { return tower.height() < before / 2; }));
+  ASSERT_TRUE(wait_until("a lower window", [&] { return tower.height() < before / 2; }));
   settle();
   EXPECT_TRUE(tower.shows_whole(row));
 }

@@ -139,7 +139,7 @@ TEST_F(KeyGuard, APressAfterALostReleaseIsNotLost) {
   EXPECT_EQ(other_presses, 3);
   press(window.widget(), GDK_KEY_Escape, 200);
   press(other.widget(), GDK_KEY_Escape, 200);
-  EXPECT_TRUE(wait_until([this] { return other_presses == 4; })); // still held
+  EXPECT_TRUE(wait_until("the fourth press", [this] { return other_presses == 4; })); // still held
   press(other.widget(), GDK_KEY_Escape, 660);
   EXPECT_EQ(other_presses, 4);
 }
@@ -149,7 +149,8 @@ TEST_F(KeyGuard, ADestroyedWindowGetsNoPressLater) {
   press(window.widget(), GDK_KEY_Escape);
   press(other.widget(), GDK_KEY_Escape, 200);
   other.destroy();
-  EXPECT_TRUE(holds_for(200, [this] { return other_presses == 0; }));
+  EXPECT_TRUE(
+      holds_for(200, "no press in the other window", [this] { return other_presses == 0; }));
 }
 
 class Shield : public KeyGuard {

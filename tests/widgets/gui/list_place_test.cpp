@@ -100,7 +100,8 @@ TEST_F(ListPlace, PutsTheCursorOnTheRowAndShowsItUnselected) {
     EXPECT_TRUE(v_list_place_is_placed(view));
     EXPECT_EQ(selected_row(), -1);
     EXPECT_EQ(changes, "-");
-    EXPECT_TRUE(wait_until([this, row] { return is_in_view(row); })) << row;
+    EXPECT_TRUE(wait_until("row " + std::to_string(row) + " in view",
+                           [this, row] { return is_in_view(row); }));
   }
   EXPECT_EQ(gtk_tree_selection_get_mode(selection), GTK_SELECTION_SINGLE);
 }

@@ -349,10 +349,10 @@ TEST_F(Widgets, AButtonMadeDefaultIsPressedByEnterInAnEntryThatActivatesIt) {
   gtk_widget_grab_focus(GTK_WIDGET(silent));
   press_key(window.widget(), GDK_KEY_Return);
   // The toolkit emits the click only after the button has been pressed for a moment.
-  EXPECT_TRUE(holds_for(400, [&] { return second_clicks == 0; }));
+  EXPECT_TRUE(holds_for(400, "no click on the second button", [&] { return second_clicks == 0; }));
   gtk_widget_grab_focus(GTK_WIDGET(entry));
   press_key(window.widget(), GDK_KEY_Return);
-  EXPECT_TRUE(wait_until([&] { return second_clicks == 1; }));
+  EXPECT_TRUE(wait_until("a click on the second button", [&] { return second_clicks == 1; }));
   EXPECT_EQ(first_clicks, 0);
 }
 
@@ -545,11 +545,13 @@ TEST_F(Widgets, AWindowShrinksToItsLeastSize) {
   gtk_window_set_default_size(window.get(), 500, 400);
   gtk_widget_set_size_request(GTK_WIDGET(box), 150, 120);
   window.show_active();
-  ASSERT_TRUE(wait_until([&] { return get_size(window.get()) == std::pair(500, 400); }));
+  ASSERT_TRUE(wait_until("the size of 500 x 400",
+                         [&] { return get_size(window.get()) == std::pair(500, 400); }));
   resize_count = 0;
   v_gui_resize_window_to_minimum_unless_maximized(window.get());
   EXPECT_EQ(resize_count, 1);
-  EXPECT_TRUE(wait_until([&] { return get_size(window.get()) == std::pair(150, 120); }));
+  EXPECT_TRUE(
+      wait_until("the least size", [&] { return get_size(window.get()) == std::pair(150, 120); }));
 }
 
 TEST_F(Widgets, AWindowThatFillsTheScreenOrIsNotShownYetKeepsItsSize) {
@@ -572,15 +574,18 @@ TEST_F(Widgets, AWindowThatFillsTheScreenOrIsNotShownYetKeepsItsSize) {
       return (gdk_window_get_state(gtk_widget_get_window(window.widget())) & row.state) != 0;
     };
     row.enter(window.get());
-    ASSERT_TRUE(wait_until([&] { return is_in_state() && get_size(window.get()).first > 1200; }));
+    ASSERT_TRUE(wait_until("a window that fills the screen",
+                           [&] { return is_in_state() && get_size(window.get()).first > 1200; }));
     resize_count = 0;
     v_gui_resize_window_to_minimum_unless_maximized(window.get());
     EXPECT_EQ(resize_count, 0) << row.state;
-    EXPECT_TRUE(holds_for(100, is_in_state));
+    EXPECT_TRUE(holds_for(100, "a window that fills the screen", is_in_state));
     row.leave(window.get());
-    ASSERT_TRUE(wait_until([&] { return !is_in_state(); }));
-    EXPECT_TRUE(wait_until([&] { return get_size(window.get()) == std::pair(500, 400); }))
-        << row.state;
+    ASSERT_TRUE(
+        wait_until("a window that does not fill the screen", [&] { return !is_in_state(); }));
+    EXPECT_TRUE(wait_until("the size of 500 x 400", [&] {
+      return get_size(window.get()) == std::pair(500, 400);
+    })) << row.state;
   }
 }
 

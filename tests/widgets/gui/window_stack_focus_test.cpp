@@ -59,12 +59,15 @@ TEST_F(WindowStack, TheFocusIsNotLostWhenItMovesBetweenItsWindows) {
   {
     TestWindow dialog;
     open(dialog);
-    EXPECT_TRUE(holds_for(past_focus_loss, [&] { return stack->focus_lost == 0; }));
+    EXPECT_TRUE(holds_for(past_focus_loss, "a program with the focus",
+                          [&] { return stack->focus_lost == 0; }));
     v_window_stack_pop_window(stack.get());
   }
-  ASSERT_TRUE(
-      wait_until([&] { return gtk_window_has_toplevel_focus(main_window.get()) != FALSE; }));
-  EXPECT_TRUE(holds_for(past_focus_loss, [&] { return stack->focus_lost == 0; }));
+  ASSERT_TRUE(wait_until("the keyboard in the main window", [&] {
+    return gtk_window_has_toplevel_focus(main_window.get()) != FALSE;
+  }));
+  EXPECT_TRUE(holds_for(past_focus_loss, "a program with the focus",
+                        [&] { return stack->focus_lost == 0; }));
   EXPECT_TRUE(stack->sources.empty());
   EXPECT_TRUE(reports.seconds.empty());
 }
@@ -74,20 +77,20 @@ TEST_F(WindowStack, ReportsOnceWhenTheFocusReturnsFromAnotherProgram) {
   v_window_stack_set_focus_callback(stack.get(), report, &reports);
   TestWindow main_window;
   open(main_window);
-  ASSERT_TRUE(wait_until([&] { return stack->sources.empty(); }));
+  ASSERT_TRUE(wait_until("an end of the focus changes", [&] { return stack->sources.empty(); }));
   const StoppedClock clock(noon);
   {
     TestWindow other_program;
     const gint64 begin = g_get_monotonic_time();
     other_program.show_active();
-    ASSERT_TRUE(wait_until([&] { return stack->focus_lost == 1; }));
+    ASSERT_TRUE(wait_until("the loss of the focus", [&] { return stack->focus_lost == 1; }));
     EXPECT_GE(g_get_monotonic_time() - begin, 500'000);
     settle();
     EXPECT_EQ(stack->focus_lost, 1);
     EXPECT_TRUE(reports.seconds.empty());
     time_of_day = noon + 2'200'000;
   }
-  ASSERT_TRUE(wait_until([&] { return !reports.seconds.empty(); }));
+  ASSERT_TRUE(wait_until("a report", [&] { return !reports.seconds.empty(); }));
   EXPECT_EQ(stack->focus_lost, 0);
   send_focus_event(main_window, true);
   EXPECT_EQ(reports.seconds, std::vector{2L});
@@ -135,7 +138,7 @@ TEST_F(WindowStack, LosesTheFocusWhenItHasNoEntries) {
   open(window);
   send_focus_event(window, false);
   v_window_stack_pop_window(stack.get());
-  EXPECT_TRUE(wait_until([&] { return stack->focus_lost == 1; }));
+  EXPECT_TRUE(wait_until("the loss of the focus", [&] { return stack->focus_lost == 1; }));
 }
 
 TEST_F(WindowStack, TheReturnOfTheFocusNeedsNoCallback) {
@@ -159,17 +162,19 @@ TEST_F(WindowStack, NothingFiresOnADestroyedStack) {
     TestWindow window;
     v_window_stack_push_window(another.get(), window.get());
     window.show_active();
-    ASSERT_TRUE(wait_until([&] { return another->sources.empty(); }));
+    ASSERT_TRUE(
+        wait_until("an end of the focus changes", [&] { return another->sources.empty(); }));
     send_focus_event(window, false);
     ASSERT_EQ(another->sources.size(), 1u);
     const guint first = another->sources[0];
-    ASSERT_TRUE(wait_until([&] { return !is_waiting || another->sources != std::vector{first}; }));
+    ASSERT_TRUE(wait_until("the second source",
+                           [&] { return !is_waiting || another->sources != std::vector{first}; }));
     ASSERT_FALSE(another->sources.empty());
     sources.insert(sources.end(), another->sources.begin(), another->sources.end());
     another.reset();
     EXPECT_TRUE(all_are_gone());
   }
-  EXPECT_TRUE(holds_for(past_focus_loss, all_are_gone));
+  EXPECT_TRUE(holds_for(past_focus_loss, "no source of the stack", all_are_gone));
 }
 
 } // namespace

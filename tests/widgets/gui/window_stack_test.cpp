@@ -145,7 +145,8 @@ TEST_F(WindowStack, PresentsTheTopmostRealWindow) {
   v_window_stack_push_native_window(stack.get());
   EXPECT_FALSE(gtk_widget_get_visible(second.widget()));
   v_window_stack_present(stack.get());
-  EXPECT_TRUE(wait_until([&] { return gtk_window_is_active(second.get()) != FALSE; }));
+  EXPECT_TRUE(wait_until("the keyboard in the second window",
+                         [&] { return gtk_window_is_active(second.get()) != FALSE; }));
 }
 
 // ---- Destruction in any order -------------------------------------------------------------------
