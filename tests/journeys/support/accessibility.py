@@ -10,6 +10,10 @@ from gi.repository import Atspi, GLib  # noqa: E402
 # That is no fault of the program, and must not end the journey.
 GLib.log_set_always_fatal(GLib.LogLevelFlags.LEVEL_ERROR)
 
+# By default a program that does not answer within 0.8 seconds, because it has other work or gets no
+# processor time, would count as one whose objects have vanished.
+Atspi.set_timeout(10_000, 30_000)
+
 LISTS = ("table", "tree table")
 BUTTONS = ("push button", "toggle button")
 TEXTS = ("text", "password text", "entry")

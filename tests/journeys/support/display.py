@@ -128,14 +128,22 @@ def window_id(pid, title):
 
 def window_class(window):
     """The instance and the class of an X window."""
-    answer = subprocess.run(
-        ("xprop", "-id", str(window), "WM_CLASS"),
+    return tuple(re.findall(r'"([^"]*)"', window_property(window, "WM_CLASS")))
+
+
+def is_maximized(window):
+    return "_NET_WM_STATE_MAXIMIZED_VERT" in window_property(window, "_NET_WM_STATE")
+
+
+def window_property(window, name):
+    """As xprop prints it."""
+    return subprocess.run(
+        ("xprop", "-id", str(window), name),
         capture_output=True,
         check=True,
         text=True,
         timeout=10,
-    )
-    return tuple(re.findall(r'"([^"]*)"', answer.stdout))
+    ).stdout
 
 
 def activate(window):

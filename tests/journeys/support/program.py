@@ -7,7 +7,7 @@ import signal
 import subprocess
 
 from . import accessibility, display, widgets
-from .waiting import DEFAULT_SECONDS, settle, wait_until
+from .waiting import DEFAULT_SECONDS, describe, programs, settle, wait_until
 
 EXECUTABLE = "vantorelle-remark-codesets-manager"
 START_SECONDS = 30
@@ -56,6 +56,7 @@ class Program:
                 env={name: value for name, value in variables.items() if value is not None},
                 preexec_fn=ignore_signals,
             )
+        programs.add(self)
 
     @property
     def pid(self):
@@ -69,6 +70,12 @@ class Program:
     def is_asleep(self):
         """Whether the process sleeps at this moment."""
         return self.scheduling()[0] == "S"
+
+    @property
+    def is_working(self):
+        """Whether the process needs the processor or the disk at this moment, even if the machine
+        does not let it have them."""
+        return self.is_running and self.scheduling()[0] in "RD"
 
     @property
     def processor_time(self):
@@ -107,7 +114,7 @@ class Program:
             if not value and not self.is_running:
                 raise AssertionError(
                     f"The program ended with status {self.process.returncode} before "
-                    f"{what() if callable(what) else what}.\n"
+                    f"{describe(what)}.\n"
                     f"{self.printed}"
                 )
             return value
@@ -162,8 +169,15 @@ class Program:
     def focused(self):
         """The widget that has the keyboard focus in the active window, or None."""
         window = self.active_window()
-        found = [widget for widget in window.find_all() if widget.is_focused] if window else []
-        return found[-1] if found else None
+        if window is None:
+            return None
+        window.accessible.clear_cache()
+        found = [
+            accessible
+            for accessible in accessibility.descendants(window.accessible)
+            if {"focused", "showing"} <= accessibility.states(accessible)
+        ]
+        return widgets.as_widget(self, found[-1]) if found else None
 
     # The end
 

@@ -247,12 +247,13 @@ class Widget:
             raise AssertionError(f"{self!r} refuses its action")
 
     def resting_extents(self):
-        """Its extents, as soon as two readings in a row agree."""
+        """Its extents, as soon as two readings in a row agree and the program has no work."""
         looks = [None]
 
         def at_rest():
             looks.append(self.extents if self.is_showing else None)
-            return looks[-1] is not None and looks[-1] == looks[-2] and looks[-1]
+            is_same = looks[-1] is not None and looks[-1] == looks[-2]
+            return is_same and not self.program.is_working and looks[-1]
 
         return self.program.wait(at_rest, lambda: f"{self!r} to come to rest on the screen")
 
@@ -473,7 +474,12 @@ class Window(Widget):
 
     def toggle_maximized(self):
         """As a double click on its title bar does. Returns the extents afterwards."""
+        before = display.is_maximized(self.window_id)
         self.press("alt+F10")
+        self.program.wait(
+            lambda: display.is_maximized(self.window_id) != before,
+            f"{self!r} to be {'restored' if before else 'maximized'}",
+        )
         settle(0.2)
         return self.resting_extents()
 
