@@ -339,6 +339,29 @@ TEST(MessageDialogs, AnOverlongLineWrapsAndAShortOneDoesNot) {
   }
 }
 
+GtkLabel *find_text(GtkDialog *dialog) {
+  return find_widget<GtkLabel>(GTK_WIDGET(find_message_box(dialog)), GTK_TYPE_LABEL);
+}
+
+// The adjustment that scrolls the text.
+GtkAdjustment *get_text_place(GtkDialog *dialog) {
+  return gtk_scrolled_window_get_vadjustment(
+      find_widget<GtkScrolledWindow>(GTK_WIDGET(dialog), GTK_TYPE_SCROLLED_WINDOW));
+}
+
+bool is_text_cut_off(GtkDialog *dialog) {
+  GtkAdjustment *place = get_text_place(dialog);
+  return gtk_adjustment_get_upper(place) > gtk_adjustment_get_page_size(place);
+}
+
+std::string make_lines(int count) {
+  std::string lines;
+  for (int i = 0; i < count; ++i) {
+    lines += "line\n";
+  }
+  return lines;
+}
+
 struct DefaultRow {
   const char *name;
   std::function<void(const char *)> show;
@@ -365,8 +388,9 @@ const DefaultRow defaults[] = {
     {"own", ask_own_question, GTK_RESPONSE_CANCEL},
 };
 
-void see_default(const DefaultRow &row, const std::string &text) {
-  when_dialog_shows([&row](GtkDialog *dialog) {
+void see_default(const DefaultRow &row, const std::string &text, bool is_cut_off) {
+  when_dialog_shows([&row, is_cut_off](GtkDialog *dialog) {
+    EXPECT_EQ(is_text_cut_off(dialog), is_cut_off) << row.name;
     GtkWidget *button = gtk_dialog_get_widget_for_response(dialog, row.response);
     EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), button) << row.name;
     EXPECT_EQ(gtk_window_get_default_widget(GTK_WINDOW(dialog)), button) << row.name;
@@ -377,9 +401,8 @@ void see_default(const DefaultRow &row, const std::string &text) {
 
 TEST(MessageDialogs, TheFocusIsOnTheButtonOfTheDefaultAnswer) {
   for (const DefaultRow &row : defaults) {
-    for (const std::size_t length : {10U, 30'000U}) {
-      see_default(row, std::string(length, 'x'));
-    }
+    see_default(row, "Sure?", false);
+    see_default(row, make_lines(120), true);
   }
 }
 
@@ -388,7 +411,7 @@ TEST(MessageDialogs, TheFocusIsOnTheButtonOfTheDefaultAnswerInTheAlternativeOrde
   GtkSettings *settings = gtk_settings_get_default();
   g_object_set(settings, "gtk-alternative-button-order", TRUE, nullptr);
   for (const DefaultRow &row : defaults) {
-    see_default(row, "Sure?");
+    see_default(row, "Sure?", false);
   }
   g_object_set(settings, "gtk-alternative-button-order", FALSE, nullptr);
 }
@@ -401,23 +424,14 @@ TEST(MessageDialogs, ReturnGivesTheDefaultAnswer) {
   }
 }
 
-GtkLabel *find_text(GtkDialog *dialog) {
-  return find_widget<GtkLabel>(GTK_WIDGET(find_message_box(dialog)), GTK_TYPE_LABEL);
-}
-
 // The scroll position of the text, from 0 at its start to 1 at its end.
 double get_scrolled(GtkDialog *dialog) {
-  GtkAdjustment *adjustment = gtk_scrolled_window_get_vadjustment(
-      find_widget<GtkScrolledWindow>(GTK_WIDGET(dialog), GTK_TYPE_SCROLLED_WINDOW));
+  GtkAdjustment *adjustment = get_text_place(dialog);
   return gtk_adjustment_get_value(adjustment) /
          (gtk_adjustment_get_upper(adjustment) - gtk_adjustment_get_page_size(adjustment));
 }
 
 TEST(MessageDialogs, KeysScrollALongTextFromAnyFocus) {
-  std::string lines;
-  for (int i = 0; i < 120; ++i) {
-    lines += "line\n";
-  }
   when_dialog_shows([](GtkDialog *dialog) {
     GtkWidget *button = gtk_dialog_get_widget_for_response(dialog, GTK_RESPONSE_CLOSE);
     for (GtkWidget *focus : {button, GTK_WIDGET(find_text(dialog))}) {
@@ -441,7 +455,7 @@ TEST(MessageDialogs, KeysScrollALongTextFromAnyFocus) {
     }
     gtk_dialog_response(dialog, GTK_RESPONSE_CLOSE);
   });
-  v_message_show_error(nullptr, lines.c_str());
+  v_message_show_error(nullptr, make_lines(120).c_str());
 }
 
 TEST(MessageDialogs, TheTextIsSelectedByTabAndCopied) {
