@@ -1,5 +1,7 @@
 #include "main_window_fixture.h"
 
+#include <ctime>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -255,15 +257,16 @@ TEST_F(MainWindow, ThousandFilesAreListedAtOnce) {
     const std::string number = std::to_string(1000 + i);
     write_file(managed("n" + number + ".codeset"), "text:Codeset number " + number);
   }
-  gint64 start = 0;
+  // Processor time, not wall time: the machine may have other work.
+  std::clock_t start = 0;
   check([&start] {
     EXPECT_EQ(shown_texts(top_window()).size(), 1000u);
     select_row(top_window(), "Codeset number 1999");
-    start = g_get_monotonic_time();
+    start = std::clock();
   });
   script.click("Refresh list");
   check([&start] {
-    EXPECT_LT(g_get_monotonic_time() - start, 5 * G_USEC_PER_SEC);
+    EXPECT_LT(std::clock() - start, 5 * CLOCKS_PER_SEC);
     EXPECT_EQ(shown_texts(top_window()).size(), 1000u);
     EXPECT_FALSE(has_selection(top_window()));
   });
