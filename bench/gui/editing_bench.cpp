@@ -5,26 +5,16 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <stdexcept>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "bare_copy.h"
 #include "bare_list_window.h"
-#include "base/text_encoding.h"
 #include "codeset/codeset_io.h"
-#include "gui/editing/editing_window.h"
-#include "gui/editing/langstr_editor.h"
+#include "editing_actions.h"
 #include "gui_rows.h"
 #include "idle.h"
-#include "langstr/supported_languages.h"
-#include "support/codeset_generator.h"
 #include "support/comparison.h"
 #include "support/require.h"
-#include "support/scratch_folder.h"
-#include "workspace/display_text.h"
-#include "workspace/drafts.h"
 
 namespace {
 
@@ -34,130 +24,6 @@ constexpr int many_remarks = 100'000;
 constexpr int selection_count = 15;
 constexpr int repetitions = 7;
 constexpr char many_remarks_text[] = "100,000 remarks";
-
-// ---- What both windows show ---------------------------------------------------------------------
-
-struct Vocabulary {
-  explicit Vocabulary(int remarks) : remark_count(remarks) {
-    workspace.folder_path = copy_text(folder.path_of("").c_str());
-    workspace.settings = v_settings_new(workspace.folder_path.get());
-    workspace.settings->preferred_languages = {"en-uk", "sv"};
-    const OwnedCodeset codeset = require(v_codeset_io_read_from_file(path.c_str()));
-    const VRemarkList *list = codeset->remarks.get();
-    for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-      rows.push_back(row_of(remark));
-    }
-    // Only the rows that are selected need a description.
-    for (const VRemark *remark = list->head.next; descriptions.size() <= selection_count;
-         remark = remark->next) {
-      descriptions.push_back(description_of(remark));
-    }
-  }
-
-  std::string row_of(const VRemark *remark) const {
-    const char *text =
-        v_util_get_langstr_string(workspace.settings.get(), remark->description.get());
-    const std::string latin1_text = std::string(remark->code.get()) + ". " + text;
-    return v_convert_latin1_to_utf8(latin1_text.c_str()).get();
-  }
-
-  static std::string description_of(const VRemark *remark) {
-    std::string text;
-    for (const VLangstr *translation = remark->description.get(); translation != nullptr;
-         translation = translation->next.get()) {
-      const OwnedText language =
-          v_supported_languages_format_language_string(translation->lang.get());
-      text += std::string(text.empty() ? "" : "\n\n") + language.get() + "\n\n" +
-              v_convert_latin1_to_utf8(translation->text.get()).get();
-    }
-    return text;
-  }
-
-  int remark_count;
-  ScratchFolder folder;
-  std::string path =
-      folder.put("bench.codeset", v_bench_generate_codeset(remark_count, CodeOrder::ascending));
-  VWorkspace workspace;
-  OwnedWindowStack window_stack = v_window_stack_new();
-  RunContext context = {window_stack.get(), &workspace};
-  std::vector<std::string> rows;
-  std::vector<std::string> descriptions; // in all languages, of the rows that are selected
-};
-
-// ---- Finding and using what a user sees ---------------------------------------------------------
-
-using Test = std::function<bool(GtkWidget *widget)>;
-
-GtkWidget *find(GtkWidget *root, const Test &test) {
-  if (test(root)) {
-    return root;
-  }
-  GtkWidget *found = nullptr;
-  if (GTK_IS_CONTAINER(root)) {
-    GList *children = gtk_container_get_children(GTK_CONTAINER(root));
-    for (const GList *at = children; at != nullptr && found == nullptr; at = at->next) {
-      found = find(GTK_WIDGET(at->data), test);
-    }
-    g_list_free(children);
-  }
-  return found;
-}
-
-// Searches the window that is shown and not covered by another.
-GtkWidget *find_in_top_window(const Test &test) {
-  GList *windows = gtk_window_list_toplevels();
-  GtkWidget *found = nullptr;
-  for (const GList *at = windows; at != nullptr && found == nullptr; at = at->next) {
-    GtkWidget *window = GTK_WIDGET(at->data);
-    if (gtk_widget_get_visible(window) && gtk_widget_get_sensitive(window)) {
-      found = find(window, test);
-    }
-  }
-  g_list_free(windows);
-  if (found == nullptr) {
-    throw std::runtime_error("A widget is not where it should be.");
-  }
-  return found;
-}
-
-void click(const std::string &label) {
-  GtkWidget *button = find_in_top_window([&label](GtkWidget *widget) {
-    return GTK_IS_BUTTON(widget) && label == gtk_button_get_label(GTK_BUTTON(widget));
-  });
-  gtk_button_clicked(GTK_BUTTON(button));
-}
-
-bool is_list(GtkWidget *widget) { return GTK_IS_TREE_VIEW(widget); }
-
-bool is_langstr_editor(GtkWidget *widget) { return V_IS_LANGSTR_EDITOR(widget); }
-
-GtkTreeView *find_list() { return GTK_TREE_VIEW(find_in_top_window(is_list)); }
-
-// The text must change: otherwise no row changes either.
-void change_description() {
-  GtkWidget *editor = find_in_top_window(is_langstr_editor);
-  GtkWidget *field = find(editor, [](GtkWidget *widget) -> bool { return GTK_IS_ENTRY(widget); });
-  gtk_entry_set_text(GTK_ENTRY(field), "Changed");
-}
-
-void close_editing_window() {
-  gtk_widget_destroy(gtk_widget_get_toplevel(GTK_WIDGET(find_list())));
-}
-
-// Moves the cursor, as the arrow keys do.
-void select_row(GtkTreeView *view, int row) {
-  GtkTreePath *path = gtk_tree_path_new_from_indices(row, -1);
-  gtk_tree_view_set_cursor(view, path, nullptr, FALSE);
-  gtk_tree_path_free(path);
-}
-
-// Opens the window, acts when it is idle, and returns when the window is closed.
-void edit(const Vocabulary &vocabulary, const std::function<void(double seconds)> &act) {
-  v_bench_when_idle(Stopwatch(), act);
-  run_editing_window(&vocabulary.context, vocabulary.path.c_str());
-  // Otherwise the next window would ask about the draft.
-  v_draft_remove(v_draft_open(vocabulary.path.c_str()).get());
-}
 
 // ---- Opening ------------------------------------------------------------------------------------
 
@@ -170,28 +36,14 @@ double measure_opening_list(const Vocabulary &vocabulary) {
 
 double measure_opening(const Vocabulary &vocabulary) {
   double result = 0;
-  edit(vocabulary, [&result](double seconds) {
+  v_bench_edit(vocabulary, [&result](double seconds) {
     result = seconds;
-    close_editing_window();
+    v_bench_close_editing_window();
   });
   return result;
 }
 
 // ---- One edit -----------------------------------------------------------------------------------
-
-// Opens the dialog for the middle remark and acts when it is idle. window: receives the window
-// below the dialog; may be null.
-void open_dialog(const Vocabulary &vocabulary, const std::function<void(double seconds)> &act,
-                 GtkWidget **window = nullptr) {
-  edit(vocabulary, [&](double) {
-    if (window != nullptr) {
-      *window = gtk_widget_get_toplevel(GTK_WIDGET(find_list()));
-    }
-    select_row(find_list(), vocabulary.remark_count / 2);
-    v_bench_when_idle(Stopwatch(), act);
-    click("Edit");
-  });
-}
 
 double measure_refilling_list(const Vocabulary &vocabulary) {
   BareListWindow window(vocabulary.rows);
@@ -205,14 +57,14 @@ double measure_edit(const Vocabulary &vocabulary) {
   double result = 0;
   const auto finish = [&result](double seconds) {
     result = seconds;
-    close_editing_window();
+    v_bench_close_editing_window();
   };
   const auto confirm = [&finish](double) {
-    change_description();
+    v_bench_change_description();
     v_bench_when_idle(Stopwatch(), finish);
-    click("OK");
+    v_bench_click("OK");
   };
-  open_dialog(vocabulary, confirm);
+  v_bench_open_dialog(vocabulary, confirm);
   return result;
 }
 
@@ -257,15 +109,15 @@ double measure_answer(const Vocabulary &vocabulary) {
   const auto finish = [&](double) {
     result = frame->seconds();
     frame.reset();
-    close_editing_window();
+    v_bench_close_editing_window();
   };
   const auto confirm = [&](double) {
-    change_description();
+    v_bench_change_description();
     v_bench_when_idle(Stopwatch(), finish);
     frame.emplace(window);
-    click("OK");
+    v_bench_click("OK");
   };
-  open_dialog(vocabulary, confirm, &window);
+  v_bench_open_dialog(vocabulary, confirm, &window);
   return result;
 }
 
@@ -275,13 +127,13 @@ struct BareCopies {
   explicit BareCopies(const Vocabulary &vocabulary) {
     GtkWidget *covered = nullptr;
     const auto copy = [&](double) {
-      GtkWidget *editor = find_in_top_window(is_langstr_editor);
+      GtkWidget *editor = v_bench_find_in_top_window(v_bench_is_langstr_editor);
       dialog = v_bench_copy_bare(gtk_widget_get_toplevel(editor));
       window = v_bench_copy_bare(covered);
-      v_bench_when_idle(Stopwatch(), [](double) { close_editing_window(); });
-      click("Cancel");
+      v_bench_when_idle(Stopwatch(), [](double) { v_bench_close_editing_window(); });
+      v_bench_click("Cancel");
     };
-    open_dialog(vocabulary, copy, &covered);
+    v_bench_open_dialog(vocabulary, copy, &covered);
   }
   ~BareCopies() {
     gtk_widget_destroy(dialog);
@@ -296,9 +148,9 @@ struct BareCopies {
 
 double measure_answer_of_copies(const Vocabulary &vocabulary, const BareCopies &copies) {
   GtkWidget *list_window = v_bench_copy_bare(copies.window);
-  BareListWindow window(vocabulary.rows, GTK_TREE_VIEW(find(list_window, is_list)));
+  BareListWindow window(vocabulary.rows, GTK_TREE_VIEW(v_bench_find(list_window, v_bench_is_list)));
   const int place = vocabulary.remark_count / 2;
-  select_row(window.view(), place);
+  v_bench_select_row(window.view(), place);
   v_bench_run_until_idle(Stopwatch());
   GtkWidget *dialog = v_bench_copy_bare(copies.dialog);
   gtk_window_set_transient_for(GTK_WINDOW(dialog), GTK_WINDOW(list_window));
@@ -310,7 +162,7 @@ double measure_answer_of_copies(const Vocabulary &vocabulary, const BareCopies &
   gtk_widget_destroy(dialog);
   gtk_widget_set_sensitive(list_window, TRUE);
   window.replace_row(place, vocabulary.rows[static_cast<std::size_t>(place)]);
-  select_row(window.view(), place);
+  v_bench_select_row(window.view(), place);
   v_bench_run_until_idle(Stopwatch());
   return frame.seconds();
 }
@@ -324,7 +176,7 @@ public:
 
   void begin(GtkTreeView *list) {
     view = list;
-    select_row(view, 0);
+    v_bench_select_row(view, 0);
     v_bench_when_idle(Stopwatch(), [this](double) { step(); });
   }
   double seconds_each() const { return total / selection_count; }
@@ -336,7 +188,7 @@ private:
       return;
     }
     const Stopwatch stopwatch;
-    select_row(view, ++row);
+    v_bench_select_row(view, ++row);
     v_bench_when_idle(stopwatch, [this](double seconds) {
       total += seconds;
       step();
@@ -369,8 +221,8 @@ double measure_selecting_in_list_with_descriptions(const Vocabulary &vocabulary)
 }
 
 double measure_selecting(const Vocabulary &vocabulary) {
-  Selecting selecting(close_editing_window);
-  edit(vocabulary, [&selecting](double) { selecting.begin(find_list()); });
+  Selecting selecting(v_bench_close_editing_window);
+  v_bench_edit(vocabulary, [&selecting](double) { selecting.begin(v_bench_find_list()); });
   return selecting.seconds_each();
 }
 
@@ -382,7 +234,8 @@ void add_row(const char *what, const char *baseline, std::optional<double> targe
              Measure measure_list, Measure measure_window) {
   v_bench_add_row({.what = what, .size = many_remarks_text, .baseline = baseline, .target = target},
                   repetitions, [=] {
-                    const auto vocabulary = std::make_shared<Vocabulary>(many_remarks);
+                    const auto vocabulary =
+                        std::make_shared<Vocabulary>(many_remarks, selection_count + 1);
                     return Comparison{[=] { return measure_list(*vocabulary); },
                                       [=] { return measure_window(*vocabulary); }};
                   });
@@ -395,7 +248,7 @@ void add_answer_row(int remarks, const char *size) {
                                "gets one new row",
                    .target = 1.3},
                   repetitions, [=] {
-                    const auto vocabulary = std::make_shared<Vocabulary>(remarks);
+                    const auto vocabulary = std::make_shared<Vocabulary>(remarks, 0);
                     const auto copies = std::make_shared<BareCopies>(*vocabulary);
                     return Comparison{
                         [=] { return measure_answer_of_copies(*vocabulary, *copies); },
