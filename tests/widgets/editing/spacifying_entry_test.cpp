@@ -2,24 +2,17 @@
 
 #include <string>
 
-#include <gtest/gtest.h>
-
-#include "shown_window.h"
-#include "support/editing_faults.h"
-#include "support/gui_driver.h"
+#include "spacifying_test.h"
 
 namespace {
 
-class SpacifyingEntryTest : public testing::Test {
+class SpacifyingEntryTest : public SpacifyingTest {
 protected:
-  SpacifyingEntryTest() { take_beep_count(); }
-  ~SpacifyingEntryTest() override { g_object_unref(widget); }
+  SpacifyingEntryTest() : SpacifyingTest(v_spacifying_entry_new(Compact::yes)) {}
 
   VSpacifyingEntry *entry() { return V_SPACIFYING_ENTRY(widget); }
   GtkEditable *editable() { return GTK_EDITABLE(widget); }
   std::string shown() { return gtk_entry_get_text(GTK_ENTRY(widget)); }
-
-  GtkWidget *widget = GTK_WIDGET(g_object_ref_sink(v_spacifying_entry_new(Compact::yes)));
 };
 
 OwnedText read_back(Compact compact, const char *latin1_text) {
@@ -36,32 +29,10 @@ TEST_F(SpacifyingEntryTest, IsAnEntryWithoutEmojis) {
   gboolean has_emoji_icon = TRUE;
   g_object_get(widget, "show-emoji-icon", &has_emoji_icon, nullptr);
   EXPECT_FALSE(has_emoji_icon);
-  const GtkInputHints hints = gtk_entry_get_input_hints(GTK_ENTRY(widget));
-  EXPECT_EQ(hints & (GTK_INPUT_HINT_EMOJI | GTK_INPUT_HINT_NO_EMOJI), GTK_INPUT_HINT_NO_EMOJI);
+  expect_no_emojis(gtk_entry_get_input_hints(GTK_ENTRY(widget)));
 }
 
-struct Insertion {
-  const char *text;
-  const char *shown;
-  int beeps;
-};
-
-const Insertion insertions[] = {
-    {"a\tb", "a b", 1},
-    {"a b", "a b", 0},
-    {"a  b", "a  b", 0},
-    {"\u00A0", " ", 1},
-    {"5 \u20AC net", "5  net", 1},
-    {"a\U0001F600b", "ab", 1},
-    {"\U0001F600", "", 1},
-    {"one\ntwo", "one two", 1},
-    {"one\vtwo", "one two", 1},
-    {"a\x01\x1F"
-     "b",
-     "ab", 1},
-    {"\u00E5\u00E4\u00F6 100 % <b>&amp; %s", "\u00E5\u00E4\u00F6 100 % <b>&amp; %s", 0},
-    {"", "", 0},
-};
+const std::vector<Insertion> insertions = common_insertions_and({"one\ntwo", "one two", 1});
 
 TEST_F(SpacifyingEntryTest, RepairsInsertedText) {
   for (const Insertion &insertion : insertions) {

@@ -2,18 +2,13 @@
 
 #include <string>
 
-#include <gtest/gtest.h>
-
-#include "shown_window.h"
-#include "support/editing_faults.h"
-#include "support/gui_driver.h"
+#include "spacifying_test.h"
 
 namespace {
 
-class SpacifyingTextViewTest : public testing::Test {
+class SpacifyingTextViewTest : public SpacifyingTest {
 protected:
-  SpacifyingTextViewTest() { take_beep_count(); }
-  ~SpacifyingTextViewTest() override { g_object_unref(widget); }
+  SpacifyingTextViewTest() : SpacifyingTest(v_spacifying_text_view_new()) {}
 
   VSpacifyingTextView *view() { return V_SPACIFYING_TEXT_VIEW(widget); }
   GtkTextBuffer *buffer() { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(widget)); }
@@ -30,34 +25,15 @@ protected:
     event.keyval = keyval;
     return GTK_WIDGET_GET_CLASS(widget)->key_press_event(widget, &event);
   }
-
-  GtkWidget *widget = GTK_WIDGET(g_object_ref_sink(v_spacifying_text_view_new()));
 };
 
 TEST_F(SpacifyingTextViewTest, IsATextViewWithoutEmojis) {
   EXPECT_STREQ(G_OBJECT_TYPE_NAME(widget), "VSpacifyingTextView");
   EXPECT_EQ(g_type_parent(V_TYPE_SPACIFYING_TEXT_VIEW), GTK_TYPE_TEXT_VIEW);
-  const GtkInputHints hints = gtk_text_view_get_input_hints(GTK_TEXT_VIEW(widget));
-  EXPECT_EQ(hints & (GTK_INPUT_HINT_EMOJI | GTK_INPUT_HINT_NO_EMOJI), GTK_INPUT_HINT_NO_EMOJI);
+  expect_no_emojis(gtk_text_view_get_input_hints(GTK_TEXT_VIEW(widget)));
 }
 
-struct Insertion {
-  const char *text;
-  const char *shown;
-  int beeps;
-};
-
-const Insertion insertions[] = {
-    {"a\nb", "a\nb", 0},
-    {"a\tb", "a b", 1},
-    {"a\u00A0\u2028\u20ACb", "a  b", 1},
-    {"\U0001F600", "", 1},
-    {"a\x01\x1F"
-     "b",
-     "ab", 1},
-    {"a\vb", "a b", 1},
-    {"50 % <b>&amp; \u00E5", "50 % <b>&amp; \u00E5", 0},
-};
+const std::vector<Insertion> insertions = common_insertions_and({"a\nb", "a\nb", 0});
 
 TEST_F(SpacifyingTextViewTest, RepairsInsertedText) {
   for (const Insertion &insertion : insertions) {
