@@ -184,7 +184,7 @@ class WithoutDisplay(unittest.TestCase):
     # Only root can become another user.
     if os.geteuid() == 0:
 
-        def test_another_user_of_the_machine_finds_no_way_in(self):
+        def test_another_user_of_the_machine_cannot_connect(self):
             session = self.start()
             _, port, secret = session.read_address()
             self.expect_local(session, port)
@@ -207,7 +207,7 @@ class WithoutDisplay(unittest.TestCase):
             )
             self.assertEqual(found.stdout.split(), [])
 
-    def test_where_other_users_cannot_be_kept_out_the_user_has_to_be_alone(self):
+    def test_without_namespaces_the_user_has_to_confirm_to_be_alone(self):
         path = self.path_without_namespaces()
         if os.geteuid() == 0:
             # Root acts as an ordinary user, who has to confirm that.

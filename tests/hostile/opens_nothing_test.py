@@ -143,7 +143,7 @@ class OpensNothing(unittest.TestCase):
         self.assertEqual(paths, files)
         self.assertEqual(others, [])
 
-    def test_the_watch_sees_an_opening(self):
+    def test_the_trace_shows_an_opened_file(self):
         secret = self.write("secret", codeset(NAME + REMARK))
         _, lines = self.read([secret])
         paths, _ = self.opened_since(lines, secret)

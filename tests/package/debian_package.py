@@ -93,7 +93,7 @@ def everything_in_root():
 
 
 class Package(unittest.TestCase):
-    def test_it_says_what_it_is(self):
+    def test_its_fields_describe_the_program(self):
         self.assertEqual(field("Package"), PROGRAM)
         self.assertEqual(field("Version"), "3.2.3-1")
         self.assertEqual(field("Section"), "editors")

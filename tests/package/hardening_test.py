@@ -67,11 +67,11 @@ class Hardening(unittest.TestCase):
     def test_the_stack_is_guarded(self):
         self.assertTrue(re.search(r" __stack_chk_fail\b", read("--dyn-syms")))
 
-    def test_functions_of_the_c_library_know_the_size_of_what_they_write_to(self):
+    def test_functions_of_the_c_library_are_fortified(self):
         self.assertTrue(re.search(r" __\w+_chk\b", read("--dyn-syms")))
 
     @unittest.skipUnless(platform.machine() == "x86_64", "other processors have other means")
-    def test_jumps_and_returns_lead_only_where_they_should(self):
+    def test_jumps_and_returns_are_protected(self):
         """The program as a whole says so only where the C library's own start files do, which they
         do not on Debian 12."""
         # What the build tries out first is made with flags of its own.

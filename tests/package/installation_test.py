@@ -121,7 +121,7 @@ class Desktop(unittest.TestCase):
             prefix / "share" / "metainfo" / f"{APPLICATION}.metainfo.xml",
         )
 
-    def test_the_metainfo_speaks_of_this_program(self):
+    def test_the_metainfo_describes_this_program(self):
         component = self.metainfo()
         self.assertEqual(component.findtext("id"), APPLICATION)
         self.assertEqual(component.findtext("launchable"), f"{APPLICATION}.desktop")
@@ -198,7 +198,7 @@ class MediaType(unittest.TestCase):
         self.assertEqual(self.content_type("attachment", self.codeset), MEDIA_TYPE)
         self.assertIn(f" codeset {MEDIA_TYPE}\n", (self.database / "XMLnamespaces").read_text())
 
-    def test_other_documents_are_what_they_were(self):
+    def test_other_documents_keep_their_types(self):
         other = self.codeset.replace(b"codeset>", b"catalogue>")
         self.assertEqual(self.content_type("attachment", other), "application/xml")
         self.assertEqual(self.content_type("page.html", b"<html></html>"), "text/html")
@@ -210,7 +210,7 @@ class MediaType(unittest.TestCase):
 
 
 class InstalledProgram(InstalledProgramJourney):
-    def test_it_finds_what_lies_beside_it_through_the_link(self):
+    def test_it_finds_the_files_beside_it_through_the_link(self):
         self.use(prefix / "bin", prefix / "lib" / "vantorelle")
 
 

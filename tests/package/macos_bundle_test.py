@@ -80,7 +80,7 @@ class Bundle(unittest.TestCase):
             os.access(contents() / "MacOS" / self.properties["CFBundleExecutable"], os.X_OK)
         )
 
-    def test_it_says_who_it_is(self):
+    def test_its_properties_identify_the_program(self):
         self.assertEqual(self.properties["CFBundleIdentifier"], APPLICATION)
         self.assertEqual(self.properties["CFBundleShortVersionString"], "3.2.3")
         self.assertEqual(self.properties["CFBundleVersion"], "3.2.3")
@@ -130,7 +130,7 @@ class Bundle(unittest.TestCase):
 
 
 class BundledProgram(InstalledProgramJourney):
-    def test_it_finds_what_lies_beside_it(self):
+    def test_it_finds_the_files_beside_it(self):
         self.use(contents() / "MacOS", contents() / "MacOS")
 
 

@@ -86,7 +86,7 @@ class Refusal(unittest.TestCase):
         self.assertEqual(names, list(missing))
         self.assertEqual(ended.returncode, 1)
 
-    def test_another_distribution_is_told_all_that_is_missing_in_one_list(self):
+    def test_another_distribution_gets_one_list_of_all_that_is_missing(self):
         self.use_other_distribution(without=("cmake", "broadwayd"))
         self.expect_list(
             "program broadwayd",
@@ -95,7 +95,7 @@ class Refusal(unittest.TestCase):
             "pkg-config module libzip",
         )
 
-    def test_without_pkg_config_it_is_missing_itself_and_no_module_is_found(self):
+    def test_without_pkg_config_it_and_every_module_are_missing(self):
         self.use_other_distribution(without=("pkg-config",))
         modules = (
             "cairo",
@@ -112,7 +112,7 @@ class Refusal(unittest.TestCase):
         for module in modules:
             self.assertIn(f"pkg-config module {module}\n", ended.stderr)
 
-    def test_a_checkout_that_cannot_be_written_to_gets_one_sentence(self):
+    def test_a_read_only_checkout_gets_one_sentence(self):
         self.protect_checkout()
         ended = self.run_script(NOBODY if os.geteuid() == 0 else None)
         self.assertEqual(ended.stdout, "")
@@ -123,7 +123,7 @@ class Refusal(unittest.TestCase):
         )
         self.assertEqual(ended.returncode, 1)
 
-    def test_a_build_folder_elsewhere_takes_all_that_is_written(self):
+    def test_all_output_is_in_a_build_folder_elsewhere(self):
         self.use_other_distribution()
         self.write_program(self.folder / "programs" / "pkg-config", "#!/bin/sh\nexit 0\n")
         self.write_program(self.folder / "programs" / "cmake", '#!/bin/bash\necho "cmake $*"\n')

@@ -105,7 +105,7 @@ TEST(RemarkHistory, ANewHistoryHasNothingToTakeBackOrDoAgain) {
   EXPECT_EQ(history.remarks(), (Remarks{{"1", x}}));
 }
 
-TEST(RemarkHistory, AddingCanBeTakenBackAndDoneAgain) {
+TEST(RemarkHistory, AddingCanBeUndoneAndRedone) {
   History history({{"1", x}, {"10", x}});
   const VRemarkExchange added = history.add("2", y);
   EXPECT_EQ(added.removed, nullptr);
@@ -127,7 +127,7 @@ TEST(RemarkHistory, AddingCanBeTakenBackAndDoneAgain) {
   EXPECT_FALSE(history.can_do_again());
 }
 
-TEST(RemarkHistory, EditingCanBeTakenBackAndDoneAgain) {
+TEST(RemarkHistory, EditingCanBeUndoneAndRedone) {
   History history({{"1", x}, {"2", x}, {"10", x}});
   VRemark *original = history.find("1");
   const std::optional<VRemarkExchange> edited = history.edit("1", "11", y);
@@ -141,7 +141,7 @@ TEST(RemarkHistory, EditingCanBeTakenBackAndDoneAgain) {
   EXPECT_EQ(history.remarks(), (Remarks{{"2", x}, {"10", x}, {"11", y}}));
 }
 
-TEST(RemarkHistory, DeletingCanBeTakenBackAndDoneAgain) {
+TEST(RemarkHistory, DeletingCanBeUndoneAndRedone) {
   History history({{"1", x}, {"2", y}, {"10", x}});
   VRemark *deleted = history.find("2");
   EXPECT_EQ(history.remove("2"), (VRemarkExchange{deleted, 1, nullptr, -1}));
@@ -418,7 +418,7 @@ TEST(RemarkHistory, ARandomWalkThroughTheHistoryGivesTheSameBytes) {
   }
 }
 
-TEST(RemarkHistory, NewStepsAmongThoseTakenBackAndDoneAgainGiveTheSameBytes) {
+TEST(RemarkHistory, NewStepsAmongUndoneAndRedoneOnesGiveTheSameBytes) {
   RandomEditor editor;
   std::vector<Snapshot> snapshots = {{editor.editing.remarks(), editor.bytes()}};
   std::size_t step = 0;

@@ -137,7 +137,7 @@ TEST(Image, PixelsLiveAsLongAsTheSurface) {
   EXPECT_EQ(pixel, 0xff123456);
 }
 
-TEST(Image, PixelsAreTheSurfacesAlone) {
+TEST(Image, OnlyTheSurfaceOwnsThePixels) {
   Handover handover;
   OwnedImage image = v_gfx_image_new_for_pixels(v_gfx_pixels_new(2, 2), 2, 2, true);
   ASSERT_TRUE(image) << v_error_get();
@@ -225,7 +225,7 @@ struct KeptKind {
 const KeptKind kept_kinds[] = {{"a.png", VFileType::png, "Could not load PNG.\n\n"},
                                {"a.jpg", VFileType::jpeg, "Could not load JPEG.\n\n"}};
 
-TEST(ImageReading, WhatTheSurfaceRefusesIsFreedAndReported) {
+TEST(ImageReading, DataThatTheSurfaceRefusesIsFreedAndReported) {
   const Archive archive({{"a.png", half_red_png}, {"a.jpg", grey_jpeg}});
   const struct {
     bool Handover::*fails;
@@ -292,7 +292,7 @@ struct Rejection {
   const char *message;
 };
 
-TEST(ImageReading, EveryLayerSaysWhatItWasDoing) {
+TEST(ImageReading, EveryLayerAddsItsMessage) {
   const Archive archive({{"text.txt", "No picture at all"},
                          {"empty", ""},
                          {"short.png", opaque_png.substr(0, 40)},

@@ -347,7 +347,7 @@ TEST(PngDecoding, LaysOnWhiteInLightWhereTheFileTellsItsGamma) {
   }
 }
 
-TEST(PngDecoding, TheGammaOfAFileMattersOnWhiteAlone) {
+TEST(PngDecoding, TheGammaOfAFileIsAppliedOnWhiteOnly) {
   PngPicture picture = translucent;
   for (const PngAlphaMode mode : {premultiplied, straight}) {
     picture.gamma = 0;

@@ -73,7 +73,7 @@ protected:
   const std::string own_executable = OwnedText(g_file_read_link("/proc/self/exe", nullptr)).get();
 };
 
-TEST_F(TempFiles, FilesOfProcessesThatAreGoneAreDeleted) {
+TEST_F(TempFiles, FilesOfEndedProcessesAreDeleted) {
   add("vantorelle-99999999.123.out");
   add("vantorelle-99999999.0.odt");
   add("vantorelle-0099999999.123.out");
@@ -91,7 +91,7 @@ TEST_F(TempFiles, FilesOfRunningProcessesAreKept) {
   EXPECT_THAT(clean_up(), ElementsAre(odt, out));
 }
 
-TEST_F(TempFiles, FilesOfAnIdThatAnotherProgramHasGotAreDeleted) {
+TEST_F(TempFiles, FilesOfAProcessIdThatAnotherProgramHasNowAreDeleted) {
   add(file_name(getpid(), get_size(own_executable) + 1));
   add(file_name(getpid(), get_size(own_executable) - 1, ".odt"));
   add(file_name(getpid(), 0));
@@ -129,7 +129,7 @@ TEST_F(TempFiles, FilesOfAProcessWithoutAnExecutableOnDiskAreKept) {
 }
 
 // It runs, and that is all that can be said of it.
-TEST_F(TempFiles, FilesOfAProcessWhoseExecutableHasANameThatIsNoTextAreKept) {
+TEST_F(TempFiles, FilesOfAProcessWhoseExecutableNameIsNotUtf8AreKept) {
   const TemporaryFolder programs;
   const std::string program = programs / "sl\xE5";
   write_file(program, read_file("/bin/sleep"));

@@ -235,7 +235,7 @@ protected:
 
 class StartupFailures : public FailingStartup, public testing::WithParamInterface<Failure> {};
 
-class ToldStartupFailures : public testing::TestWithParam<Failure> {};
+class ReportedStartupFailures : public testing::TestWithParam<Failure> {};
 
 } // namespace
 
@@ -249,7 +249,7 @@ TEST_P(StartupFailures, StopTheStartUp) {
   EXPECT_THAT(libraries.ended, ElementsAreArray(GetParam().ended));
 }
 
-TEST_P(ToldStartupFailures, AreShownAtTheActivation) {
+TEST_P(ReportedStartupFailures, AreShownAtTheActivation) {
   in_own_process([](const SystemFolders &system, GuiScript &script) {
     system.install_font();
     Libraries libraries;
@@ -277,7 +277,7 @@ const Failure failures[] = {
 };
 
 INSTANTIATE_TEST_SUITE_P(Startup, StartupFailures, testing::ValuesIn(failures));
-INSTANTIATE_TEST_SUITE_P(Startup, ToldStartupFailures, testing::ValuesIn(failures));
+INSTANTIATE_TEST_SUITE_P(Startup, ReportedStartupFailures, testing::ValuesIn(failures));
 
 // A start-up without a failure loads everything and keeps the faces until they are released.
 TEST_F(FailingStartup, SucceedsWithoutAFailure) {

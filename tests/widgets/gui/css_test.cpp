@@ -28,7 +28,7 @@ TEST(Css, AProviderHoldsTheSheet) {
   EXPECT_NE(std::string(text.get()).find("color: rgb(255,0,0)"), std::string::npos) << text.get();
 }
 
-TEST(Css, TheSheetStylesTheWidgetAlone) {
+TEST(Css, TheSheetStylesOnlyTheWidget) {
   const OwnedObject<GtkWidget> frame = sink(gtk_frame_new("styled"));
   GtkWidget *inside = gtk_label_new("inside");
   gtk_container_add(GTK_CONTAINER(frame.get()), inside);

@@ -129,7 +129,7 @@ TEST_F(FileDialogs, FiltersMatchPatternsAndMediaTypes) {
   }
 }
 
-TEST_F(FileDialogs, ACodesetIsRecognisedByItsExtensionAlone) {
+TEST_F(FileDialogs, ACodesetIsRecognisedOnlyByItsExtension) {
   const auto dialog = set_up(FileDialogAction::open, {VFileType::remark_codeset});
   GtkFileFilter *filter = list_filters(GTK_FILE_CHOOSER(dialog.get()))[0];
   EXPECT_TRUE(matches(filter, "paintings.codeset"));
