@@ -415,16 +415,16 @@ class Accessibility(Journey):
         window.list().expect_focus()
         display.type_text("own")
         display.press("Escape")
-        self.press_until_focus(window, "Edit")
+        window.tab_to("Edit")
         display.press("space")
         editing = program.window("Edit remark codeset - own.codeset")
         editing.field(LANGUAGES[0]).expect_focus()
         display.type_text("Mine")
-        self.press_until_focus(editing, "Remark codes")
+        editing.tab_to("Remark codes")
         display.type_text("Fl")
         editing.list("Remark codes").expect_selected(["Fl1. Flaking"])
         display.press("Escape")
-        self.press_until_focus(editing, "Edit")
+        editing.tab_to("Edit")
         display.press("space")
         dialog = program.window("Edit remark code")
         dialog.press("Tab", "End")
@@ -438,7 +438,7 @@ class Accessibility(Journey):
             dialog.field(language, index=-1).expect_focus()
         dialog.press("Return")
         dialog.expect_closed()
-        self.press_until_focus(editing, "Save codeset")
+        editing.tab_to("Save codeset")
         display.press("space")
         editing.expect_closed()
         saved = self.own_file.read_text("iso-8859-1")
@@ -497,19 +497,6 @@ class Accessibility(Journey):
         assistant.expect_closed()
         program.window(MAIN_WINDOW).close()
         program.expect_exit(0)
-
-    def press_until_focus(self, window, name):
-        """Presses Tab until the widget of that name has the focus."""
-        window.expect_active()
-        for _ in range(20):
-            focused = window.program.focused()
-            if focused is not None and focused.name == name:
-                return
-            window.press("Tab")
-            window.program.wait(
-                lambda focused=focused: window.program.focused() != focused, "Tab to move the focus"
-            )
-        self.fail(f"Tab does not lead to {name!r}")
 
     def test_escape_ends_a_search_before_it_closes_the_window(self):
         program, window = self.open_main_window()

@@ -38,23 +38,9 @@ class ComponentManager(WorkspaceJourney):
     def file_name(self, window):
         return window.field("File name of selected item")
 
-    def expect_nothing_selected(self, window):
-        window.list().expect_selected([])
-        self.file_name(window).expect_text("")
-        self.expect_sensitivity(window, Clone=False, Edit=False, Save_a_copy=False, Delete=False)
-
     def ask_to_delete(self, window, text):
         window.list().row(text).select()
         window.button("Delete").click()
-
-    def delete(self, program, window, text, answer="Yes"):
-        self.ask_to_delete(window, text)
-        self.expect_message(
-            program,
-            "Question",
-            f'Do you really want to delete "{text}" from your workspace?',
-            answer,
-        )
 
     def refresh(self, program, window, *strange):
         """Refreshes a list of "Wood" and the incompatible files, which have no order."""
@@ -66,9 +52,6 @@ class ComponentManager(WorkspaceJourney):
         self.assertEqual(window.list().texts()[-1], "Wood (Vera) 2")
         self.assertEqual(NOTICE in window.labels(), bool(strange))
         self.expect_nothing_selected(window)
-        self.expect_sensitivity(
-            window, Add_from_file=True, Add_bundled=True, Add_new=True, Refresh_list=True
-        )
 
     # What is listed
 
@@ -484,9 +467,7 @@ class ComponentManager(WorkspaceJourney):
         self.assertEqual(path.read_bytes(), metals + b"\n")
 
     def leave_editing(self, program, editing):
-        editing.button("Close").click()
-        program.dialog("Really close?").answer("Close")
-        editing.expect_closed()
+        self.close_without_saving(program, editing)
         program.window(MAIN_WINDOW)
 
     def test_double_clicking_a_row_edits_it(self):

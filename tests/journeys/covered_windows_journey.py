@@ -1,12 +1,11 @@
 """A window with another one over it: no request of the desktop closes it, no click reaches it, and
 its contents stay."""
 
-from support import MAIN_WINDOW, Journey, WorkspaceJourney, codeset, main
+from support import MAIN_WINDOW, UK, Journey, WorkspaceJourney, codeset, main
 from support import display
 from support.waiting import settle
 from support.widgets import Window
 
-UK = "English/United Kingdom [en-uk]"
 ASSISTANT = "Vantorelle Workspace Setup"
 
 WOOD = codeset("Wood", "Vera", "2", [("W1", "Split")])

@@ -10,12 +10,10 @@ import subprocess
 import time
 from xml.etree import ElementTree
 
-from support import MAIN_WINDOW, RESTORE, WorkspaceJourney, codeset, main, wait_until
+from support import MAIN_WINDOW, QUESTION, RESTORE, UK, WorkspaceJourney, codeset, main, wait_until
 from support import display
 
-UK = "English/United Kingdom [en-uk]"
 TITLE = "Edit remark codeset - wood.codeset"
-QUESTION = "Are you sure you want to close the codeset without saving?"
 REMARKS = [("W1", "Split"), ("W2", "Worm")]
 WOOD = codeset("Wood", "Vera", "2", REMARKS)
 WOOD_TEXT = "Wood (Vera) 2"

@@ -5,14 +5,11 @@ import re
 import resource
 import signal
 
-from support import MAIN_WINDOW, WorkspaceJourney, codeset, main
+from support import EN, MAIN_WINDOW, QUESTION, UK, WorkspaceJourney, codeset, main
 from support import display
 from support.waiting import settle
 
-UK = "English/United Kingdom [en-uk]"
-EN = "English [en]"
 SWEDISH = "Swedish [sv]"
-QUESTION = "Are you sure you want to close the codeset without saving?"
 TITLE = "Edit remark codeset - own.codeset"
 
 NAME = {"en-uk": "Own", "sv": "Egen"}
@@ -24,10 +21,6 @@ class Editing(WorkspaceJourney):
     def open_own(self, data=OWN, text="Own (Vera) 3", **options):
         self.own = self.put("own.codeset", data)
         return self.open_editing("own.codeset", text, **options)
-
-    def save(self, editing):
-        editing.button("Save codeset").click()
-        editing.expect_closed()
 
     def expect_refused(self, program, editing, message):
         """Saving shows the reason, and the file is unchanged."""
@@ -148,9 +141,7 @@ class Editing(WorkspaceJourney):
         )
         # There are no changes that could be lost.
         self.assertEqual(self.drafts(), [])
-        editing.button("Close").click()
-        self.expect_message(program, "Really close?", QUESTION, "Close")
-        editing.expect_closed()
+        self.close_without_saving(program, editing)
 
     def test_type_ahead_in_the_list(self):
         _, editing = self.open_own()

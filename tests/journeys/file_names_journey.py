@@ -36,9 +36,7 @@ class FileNames(WorkspaceJourney):
         """The name opens the editing window, which is closed again."""
         editing = program.window(f"Edit remark codeset - {name}")
         naming.expect_closed()
-        editing.button("Close").click()
-        program.dialog("Really close?").answer("Close")
-        editing.expect_closed()
+        self.close_without_saving(program, editing)
 
     def test_how_the_window_begins(self):
         _, window, naming = self.open_naming()

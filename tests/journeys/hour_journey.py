@@ -2,7 +2,6 @@
 them is changed. The journey counts the keys pressed besides the texts."""
 
 from support import WorkspaceJourney, codeset, display, main
-from support.waiting import settle
 
 LANGUAGES = ("en-uk", "sv", "de")
 
@@ -39,19 +38,10 @@ class Hour(WorkspaceJourney):
         super().setUp()
         self.prefer(*LANGUAGES)
 
-    def go(self, widget):
-        """Presses Tab until the widget has the focus."""
-        for _ in range(30):
-            if widget.is_focused:
-                return
-            display.press("Tab")
-            settle()
-        self.fail(f"Tab does not lead to {widget!r}")
-
     def open_new(self):
         program, window = self.open()
         window.list().expect_focus()
-        self.go(window.button("Add new"))
+        window.tab_to(window.button("Add new"))
         display.press("space")
         naming = program.window("Add new")
         naming.field().expect_focus()
@@ -100,14 +90,14 @@ class Hour(WorkspaceJourney):
         window.list().expect_focus()
         display.press("space")
         window.list().expect_selected(["Worms"])
-        self.go(window.button("Edit"))
+        window.tab_to(window.button("Edit"))
         display.press("space")
         editing = program.window("Edit remark codeset - worm.codeset")
         codes = editing.list("Remark codes")
-        self.go(codes)
+        editing.tab_to(codes)
         display.press("Down", "Home")
         codes.expect_selected(["W01. Worm damage 1"])
-        self.go(editing.button("Edit"))
+        editing.tab_to(editing.button("Edit"))
         keyboard = Keyboard(pause)
         display.press("space")
         dialog = program.window("Edit remark code")

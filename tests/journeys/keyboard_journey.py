@@ -2,13 +2,10 @@
 
 import subprocess
 
-from support import MAIN_WINDOW, Journey, WorkspaceJourney, codeset, main
+from support import EN, MAIN_WINDOW, UK, Journey, WorkspaceJourney, codeset, main
 from support import display
 from support.waiting import settle
-from support.widgets import labels_of
 
-UK = "English/United Kingdom [en-uk]"
-EN = "English [en]"
 WOOD = codeset("Wood", "Vera", "2", [("W1", "Split"), ("W2", "Worm"), ("W10", "Stain")])
 GLASS = codeset("Glass", version="1.5", remarks=[("G1", "Chip")])
 
@@ -16,43 +13,18 @@ GLASS = codeset("Glass", version="1.5", remarks=[("G1", "Chip")])
 class Keys(Journey):
     """Finding one's way with the keyboard. A widget without a name of its own goes by its label."""
 
-    def name_of(self, widget):
-        return (
-            None
-            if widget is None
-            else next(filter(None, [widget.name, *labels_of(widget.accessible, None)]), "")
-        )
-
-    def go(self, window, name, key="Tab"):
-        """Presses the key until the widget of that name has the focus. Nothing has it after the
-        button that had it became insensitive; then the key leads to the window's first or last
-        widget."""
-        program = window.program
-        window.expect_active()
-        settle()
-        for _ in range(25):
-            focused = program.focused()
-            if self.name_of(focused) == name:
-                return focused
-            window.press(key)
-            program.wait(
-                lambda focused=focused: program.focused() not in (None, focused),
-                f"{key} to move the focus",
-            )
-        raise AssertionError(f"{key} does not lead to {name!r}")
-
     def push(self, window, name):
-        self.go(window, name)
+        window.tab_to(name)
         display.press("space")
 
     def expect_order(self, window, names, key="Tab"):
         """The focus goes through these, begins with the first and comes back to it."""
         program = window.program
-        self.go(window, names[0], key)
+        window.tab_to(names[0], key)
         for name in [*names[1:], names[0]]:
             window.press(key)
             program.wait(
-                lambda name=name: self.name_of(program.focused()) == name,
+                lambda name=name: (focused := program.focused()) and focused.known_as == name,
                 lambda name=name: f"the focus on {name!r}; it is on {program.focused()!r}",
             )
 
@@ -73,7 +45,7 @@ class FirstStart(Keys, Journey):
 
         location = assistant.field("Workspace location")
         location.expect_text(str(self.home / "Vantorelle Workspace"))
-        self.go(assistant, "Workspace location")
+        assistant.tab_to("Workspace location")
         display.press("ctrl+a")
         display.type_text(str(self.home / "taken"))
         self.push(assistant, "Apply")
@@ -102,7 +74,7 @@ class FirstStart(Keys, Journey):
         self.push(assistant, "Back")
         self.push(assistant, "Next")
         self.push(assistant, "Apply")
-        self.go(assistant, "Close")
+        assistant.tab_to("Close")
         display.press("Return")
         assistant.expect_closed()
         window = program.window(MAIN_WINDOW)
@@ -114,7 +86,7 @@ class FirstStart(Keys, Journey):
     def test_cancelling_the_assistant(self):
         program, assistant = self.start()
         self.push(assistant, "Next")
-        self.go(assistant, "Cancel")
+        assistant.tab_to("Cancel")
         display.press("Return")
         program.expect_exit(0)
         self.assertEqual([path.name for path in self.home.glob("Vantorelle*")], [])
@@ -147,7 +119,7 @@ class Keyboard(Keys, WorkspaceJourney):
         ]
         rows.expect_selected([])
         self.expect_order(window, [*always, "Refresh list"])
-        self.go(window, "Remark codeset files")
+        window.tab_to("Remark codeset files")
         for key, text in (
             ("Down", "Glass 1.5"),
             ("Down", "Wood (Vera) 2"),
@@ -161,7 +133,7 @@ class Keyboard(Keys, WorkspaceJourney):
         self.expect_order(window, selected)
         self.expect_order(window, selected[::-1], "shift+Tab")
         # From button to button with the arrows.
-        self.go(window, "Clone")
+        window.tab_to("Clone")
         display.press("Down")
         window.button("Edit").expect_focus()
         display.press("Up", "Up")
@@ -176,11 +148,11 @@ class Keyboard(Keys, WorkspaceJourney):
         self.push(question, "No")
         question.expect_closed()
         rows.expect_selected([])
-        self.go(window, "Remark codeset files", "shift+Tab")
+        window.tab_to("Remark codeset files", "shift+Tab")
         self.select(window, "Wood (Vera) 2")
         self.push(window, "Delete")
         question = program.dialog("Question")
-        self.go(question, "Yes")
+        question.tab_to("Yes")
         display.press("Return")
         question.expect_closed()
         rows.expect_texts(["Glass 1.5"])
@@ -209,7 +181,7 @@ class Keyboard(Keys, WorkspaceJourney):
         program.file_chooser().enter_path(self.home / "wood.codeset")
         display.press("Return")
         window.list().expect_texts(["Wood (Vera) 2"])
-        self.go(window, "Remark codeset files", "shift+Tab")
+        window.tab_to("Remark codeset files", "shift+Tab")
         self.select(window, "Wood (Vera) 2")
         self.push(window, "Save a copy")
         chooser = program.file_chooser("Save As")
@@ -255,7 +227,7 @@ class Keyboard(Keys, WorkspaceJourney):
         display.press("Down")
         program.wait(lambda: chooser.filter == "All files", "the other filter")
         program.wait(lambda: len(chooser.list()) == 4, "the other file")
-        self.go(chooser, "Files", "shift+Tab")
+        chooser.tab_to("Files", "shift+Tab")
         self.expect_row(chooser, "End", 3)
         self.expect_row(chooser, "Up", 2)
         display.press("Return")
@@ -275,13 +247,13 @@ class Keyboard(Keys, WorkspaceJourney):
         program.wait(
             lambda: chooser.folder == "home" and len(chooser.list()) == 3, "the first folder"
         )
-        self.go(chooser, "Files")
+        chooser.tab_to("Files")
         self.expect_row(chooser, "End", 2)
         display.press("Return")
         program.wait(
             lambda: chooser.folder == "zoo" and len(chooser.list()) == 1, "the other folder"
         )
-        self.go(chooser, "Files")
+        chooser.tab_to("Files")
         self.expect_row(chooser, "Home", 0)
         # The button by its underlined letter.
         display.press("alt+o")
@@ -342,7 +314,7 @@ class Keyboard(Keys, WorkspaceJourney):
         naming = program.window("Add new")
         self.expect_order(naming, ["Enter new file name", "OK", "Cancel"])
         self.expect_order(naming, ["Cancel", "OK", "Enter new file name"], "shift+Tab")
-        self.go(naming, "Enter new file name")
+        naming.tab_to("Enter new file name")
         display.press("Home")
         display.type_text("A")
         display.press("Return")
@@ -375,7 +347,7 @@ class Keyboard(Keys, WorkspaceJourney):
         naming.field().expect_text("oak.codeset")
         display.press("Escape")
         naming.expect_closed()
-        self.go(window, "Remark codeset files", "shift+Tab")
+        window.tab_to("Remark codeset files", "shift+Tab")
         self.select(window, "Wood (Vera) 2")
         self.push(window, "Clone")
         naming = program.window("Add new")
@@ -398,19 +370,19 @@ class Keyboard(Keys, WorkspaceJourney):
         self.assertEqual(error.message, "None selected.")
         display.press("Return")
         error.expect_closed()
-        self.go(selector, "Remark codeset files")
+        selector.tab_to("Remark codeset files")
         display.type_text("ston")
         program.wait(
             lambda: [text.split()[0] for text in rows.selected_texts()] == ["Stone"],
             "the row to be found",
         )
         display.press("Escape")
-        self.go(selector, "OK")
+        selector.tab_to("OK")
         display.press("Return")
         selector.expect_closed()
         self.assertEqual(list(self.contents()), ["stone_and_sculpture.codeset"])
         # Editing what was delivered asks; Enter on the default answer goes back.
-        self.go(window, "Remark codeset files", "shift+Tab")
+        window.tab_to("Remark codeset files", "shift+Tab")
         display.press("Home")
         program.wait(lambda: window.list().selected_texts(), "the row to be selected")
         self.push(window, "Edit")
@@ -446,7 +418,7 @@ class Keyboard(Keys, WorkspaceJourney):
         self.expect_order(editing, [stops[0], *stops[:0:-1]], "shift+Tab")
 
         # A second name: out of the text with Ctrl+Tab to " + ".
-        self.go_to_field(editing, 0)
+        editing.tab_to(editing.fields()[0])
         display.press("ctrl+Tab", "ctrl+Tab")
         editing.button(" + ").expect_focus()
         display.press("space")
@@ -458,7 +430,7 @@ class Keyboard(Keys, WorkspaceJourney):
         display.press("Down")
         editing.field(EN).expect_focus()
 
-        self.go(editing, "Remark codes")
+        editing.tab_to("Remark codes")
         codes = editing.list("Remark codes")
         display.type_text("W10")
         codes.expect_selected(["W10. Stain"])
@@ -467,27 +439,27 @@ class Keyboard(Keys, WorkspaceJourney):
         self.push(editing, "Edit")
         dialog = program.window("Edit remark code")
         self.expect_order(dialog, ["Remark code", UK, "OK", "Cancel"])
-        self.go(dialog, "Remark code")
+        dialog.tab_to("Remark code")
         display.press("ctrl+a")
         display.type_text("W0\n")
         dialog.expect_closed()
         codes.expect_texts(["W0. Stain", "W1. Split", "W2. Worm"])
         codes.expect_selected([])
 
-        self.go(editing, "Remark codes", "shift+Tab")
+        editing.tab_to("Remark codes", "shift+Tab")
         display.type_text("W2")
         codes.expect_selected(["W2. Worm"])
         display.press("Escape")
         settle()
         self.push(editing, "Delete")
         codes.expect_texts(["W0. Stain", "W1. Split"])
-        self.go(editing, "Add new")
+        editing.tab_to("Add new")
         display.press("Return")
         dialog = program.window("Edit remark code")
         display.type_text("W3\tHole\n")
         dialog.expect_closed()
         codes.expect_texts(["W0. Stain", "W1. Split", "W3. Hole"])
-        self.go(editing, "Save codeset")
+        editing.tab_to("Save codeset")
         display.press("Return")
         editing.expect_closed()
         program.window(MAIN_WINDOW).list().expect_texts(["Wood (Vera) 2"])
@@ -509,7 +481,7 @@ class Keyboard(Keys, WorkspaceJourney):
         self.select(window, "Wood (Vera) 2")
         self.push(window, "Edit")
         editing = program.window("Edit remark codeset - wood.codeset")
-        self.go(editing, "Remark codes")
+        editing.tab_to("Remark codes")
         codes = editing.list("Remark codes")
         # Small letters find capitals, too. Up and Down go from find to find.
         for keys, text in (("w1", "W1. Split"), ("0", "W10. Stain")):
@@ -535,7 +507,7 @@ class Keyboard(Keys, WorkspaceJourney):
         self.select(window, "Wood")
         self.push(window, "Edit")
         editing = program.window("Edit remark codeset - wood.codeset")
-        self.go(editing, "Remark codes")
+        editing.tab_to("Remark codes")
         codes = editing.list("Remark codes")
 
         def expect_seen(index):
@@ -568,7 +540,7 @@ class Keyboard(Keys, WorkspaceJourney):
         self.put("wood.codeset", WOOD)
         program, window = self.open()
         self.select(window, "Wood (Vera) 2")
-        self.go(window, "File name of selected item")
+        window.tab_to("File name of selected item")
         display.press("ctrl+a", "ctrl+c")
         program.wait(lambda: self.copied() == "wood.codeset", "the file name on the clipboard")
         display.type_text("x")
@@ -577,10 +549,10 @@ class Keyboard(Keys, WorkspaceJourney):
         window.field("File name of selected item").expect_text("wood.codeset")
         self.push(window, "Edit")
         editing = program.window("Edit remark codeset - wood.codeset")
-        self.go(editing, "Remark codes")
+        editing.tab_to("Remark codes")
         display.press("Down")
         editing.list("Remark codes").expect_selected(["W2. Worm"])
-        self.go(editing, "Description of the selected remark code")
+        editing.tab_to("Description of the selected remark code")
         display.press("ctrl+a", "ctrl+c")
         program.wait(lambda: self.copied() == f"{UK}\n\nWorm", "the description on the clipboard")
         display.type_text("x")
@@ -601,7 +573,7 @@ class Keyboard(Keys, WorkspaceJourney):
         display.type_text("a-\n")
         error = program.dialog("Error")
         error.button("Close").expect_focus()
-        self.go(error, error.message)
+        error.tab_to(error.message)
         display.press("ctrl+c")
         program.wait(
             lambda: self.copied() == 'The character "-" is not permitted.',
@@ -649,19 +621,6 @@ class Keyboard(Keys, WorkspaceJourney):
             {"wood.codeset": WOOD.replace(b'<name lang="en-uk">Wood', b'<name lang="sv">Woods')},
         )
 
-    def go_to_field(self, window, index):
-        """Tab until the text field of that index has the focus: several have the same name."""
-        field = window.fields()[index]
-        for _ in range(25):
-            if field.is_focused:
-                return
-            focused = window.program.focused()
-            window.press("Tab")
-            window.program.wait(
-                lambda focused=focused: window.program.focused() != focused, "Tab to move the focus"
-            )
-        self.fail(f"Tab does not lead to the field {index}")
-
     def test_a_language_is_changed_and_a_translation_deleted(self):
         self.put("wood.codeset", codeset({"en-uk": "Wood", "en": "Timber"}, remarks=[("1", "One")]))
         program, window = self.open()
@@ -671,7 +630,7 @@ class Keyboard(Keys, WorkspaceJourney):
         editing.field(UK).expect_focus()
         display.press("ctrl+Tab", "ctrl+Tab", "space")
         program.wait(lambda: len(editing.combos()) == 2, "the first translation to go")
-        self.go_to_field(editing, 0)
+        editing.tab_to(editing.fields()[0])
         editing.field(EN).expect_focus()
         display.press("ctrl+Tab", "Up")
         editing.field(UK).expect_focus()
@@ -692,7 +651,7 @@ class Keyboard(Keys, WorkspaceJourney):
         self.select(window, "Wood (Vera) 2")
         self.push(window, "Delete")
         question = program.dialog("Question")
-        self.go(question, "No")
+        question.tab_to("No")
         display.press("Right")
         question.button("Yes").expect_focus()
         display.press("Left")

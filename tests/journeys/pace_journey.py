@@ -1,12 +1,10 @@
 """Keys at the pace of real hands: confirming a field and typing on, keys that are held down, and
 reading a message."""
 
-from support import MAIN_WINDOW, Journey, WorkspaceJourney, codeset, main
+from support import EN, MAIN_WINDOW, UK, Journey, WorkspaceJourney, codeset, main
 from support import display
 from support.waiting import settle
 
-UK = "English/United Kingdom [en-uk]"
-EN = "English [en]"
 PACES = (10, 30, 60, 100, 150, 260)  # milliseconds from key to key
 HOLD_SECONDS = 1.5  # the screen's keys repeat after 0.66 seconds
 OWN = codeset("Own", "Vera", "1", [("1", "One"), ("2", "Two")])
@@ -20,7 +18,7 @@ class Pace(WorkspaceJourney):
     def titles(self, program):
         return sorted(window.title for window in program.windows())
 
-    def edit(self, program, editing, row):
+    def edit_code(self, program, editing, row):
         editing.list("Remark codes").row(row).select()
         editing.button("Edit").click()
         return program.window("Edit remark code")
@@ -30,7 +28,7 @@ class Pace(WorkspaceJourney):
         shown = "1. One"
         for pace in PACES:
             with self.subTest(pace=pace):
-                dialog = self.edit(program, editing, shown)
+                dialog = self.edit_code(program, editing, shown)
                 dialog.field(UK).clear()
                 shown = f"1. txt{pace}"
                 display.press_at_pace(pace, *f"txt{pace}", "Return", "space", "Q", "7")
@@ -47,7 +45,7 @@ class Pace(WorkspaceJourney):
     def test_return_between_the_keys_of_a_fast_typist(self):
         """Each key goes down before the one before it is up."""
         program, editing = self.open_own()
-        dialog = self.edit(program, editing, "1. One")
+        dialog = self.edit_code(program, editing, "1. One")
         dialog.field(UK).clear()
         dialog.field(UK).type("txt")
         display.xdotool(
@@ -84,9 +82,7 @@ class Pace(WorkspaceJourney):
                 editing = program.window(f"Edit remark codeset - abc{pace}.codeset")
                 settle(0.5)
                 self.assertIn(editing.field(UK).text, ("My", "y", ""))
-                editing.button("Close").click()
-                program.dialog("Really close?").answer("Close")
-                editing.expect_closed()
+                self.close_without_saving(program, editing)
 
     def test_what_is_typed_over_an_error_is_dropped(self):
         program, window = self.open()
@@ -145,7 +141,7 @@ class Pace(WorkspaceJourney):
 
     def test_a_held_escape_closes_one_window(self):
         program, editing = self.open_own()
-        dialog = self.edit(program, editing, "1. One")
+        dialog = self.edit_code(program, editing, "1. One")
         display.hold("Escape", HOLD_SECONDS)
         dialog.expect_closed()
         settle(0.5)

@@ -3,11 +3,10 @@ keys press buttons."""
 
 import re
 
-from support import MAIN_WINDOW, WorkspaceJourney, codeset, main
+from support import MAIN_WINDOW, UK, WorkspaceJourney, codeset, main
 from support import display
 from support.waiting import settle
 
-UK = "English/United Kingdom [en-uk]"
 METALS = re.compile(r"^Metals \(")
 
 
@@ -53,24 +52,9 @@ class Lists(WorkspaceJourney):
             lambda: f"row {number}, not {rows.selected_indices()}",
         )
 
-    def go(self, window, widget, key="Tab"):
-        """Presses the key until the widget has the focus."""
-        window.expect_active()
-        settle()
-        for _ in range(25):
-            if widget.is_focused:
-                return
-            focused = window.program.focused()
-            display.press(key)
-            window.program.wait(
-                lambda focused=focused: window.program.focused() != focused,
-                f"{key} to move the focus",
-            )
-        self.fail(f"{key} does not lead to {widget!r}")
-
     def push(self, window, name):
         """Presses the button by keys alone."""
-        self.go(window, window.button(name))
+        window.tab_to(window.button(name))
         display.press("space")
 
     def close_editing(self, program, name):
@@ -460,7 +444,7 @@ class Codes(Lists):
         settle()
         codes.expect_selected([])
         self.expect_row_in_view(codes, "W59b. New")
-        self.go(editing, codes, "shift+Tab")
+        editing.tab_to(codes, "shift+Tab")
         display.press("Down")
         codes.expect_selected([self.text(60)])
         # The last one; Space selects what has the cursor.

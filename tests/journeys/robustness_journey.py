@@ -8,12 +8,10 @@ import shutil
 import signal
 import socket
 
-from support import MAIN_WINDOW, RESTORE, Journey, WorkspaceJourney, codeset, main
+from support import MAIN_WINDOW, RESTORE, UK, Journey, WorkspaceJourney, codeset, main
 
-UK = "English/United Kingdom [en-uk]"
 ASSISTANT = "Vantorelle Workspace Setup"
 NOTICE = "Some incompatible files found. They are marked with red in the list:"
-QUESTION = "Are you sure you want to close the codeset without saving?"
 RED = (65535, 0, 0)
 NO_FOLDER = "The workspace fonts folder does not exist and could not be created."
 NO_CODES = "There must be at least one remark code in the codeset."
@@ -57,10 +55,6 @@ class Robustness(WorkspaceJourney):
             window.list().row(row).select()
         window.button(button).click()
 
-    def edit(self, program, window, row, name):
-        self.push(window, "Edit", row)
-        return program.window(f"Edit remark codeset - {name}")
-
     def name_new(self, program, window, button, name, row=None):
         """The window that asks for a name, filled in."""
         self.push(window, button, row)
@@ -75,35 +69,6 @@ class Robustness(WorkspaceJourney):
     def save_copy(self, program, window, row, path):
         self.push(window, "Save a copy", row)
         program.file_chooser("Save As").accept(path)
-
-    def save(self, editing):
-        editing.activate()
-        editing.button("Save codeset").click()
-        editing.expect_closed()
-
-    def delete(self, program, window, text, answer="Yes"):
-        self.push(window, "Delete", text)
-        self.expect_message(
-            program,
-            "Question",
-            f'Do you really want to delete "{text}" from your workspace?',
-            answer,
-        )
-
-    def expect_nothing_selected(self, window):
-        window.list().expect_selected([])
-        window.field("File name of selected item").expect_text("")
-        self.expect_sensitivity(
-            window,
-            Clone=False,
-            Edit=False,
-            Save_a_copy=False,
-            Delete=False,
-            Add_from_file=True,
-            Add_bundled=True,
-            Add_new=True,
-            Refresh_list=True,
-        )
 
     def outside(self, name, data):
         """A file outside the workspace."""
@@ -183,9 +148,7 @@ class Robustness(WorkspaceJourney):
         editing = program.window("Edit remark codeset - wood.codeset")
         self.assertEqual([field.text for field in editing.fields()], [""] * 4)
         editing.list("Remark codes").expect_texts([])
-        editing.button("Close").click()
-        self.expect_message(program, "Really close?", QUESTION, "Close")
-        editing.expect_closed()
+        self.close_without_saving(program, editing)
         self.assertEqual(self.contents(), {})
 
     def test_what_the_other_program_has_replaced(self):
@@ -208,7 +171,7 @@ class Robustness(WorkspaceJourney):
         editing = self.edit(program, window, WOOD_TEXT, "wood.codeset")
         self.assertEqual([field.text for field in editing.fields()][:3], ["Glass", "", "1.5"])
         editing.list("Remark codes").expect_texts(["G1. Chip"])
-        leave_unsaved(self, program, editing)
+        self.close_without_saving(program, editing)
         window.list().expect_texts([GLASS_TEXT])
         self.assertEqual(self.contents(), {"wood.codeset": GLASS})
 
@@ -407,7 +370,7 @@ class Robustness(WorkspaceJourney):
                 self.expect_message(program, "Error", "The codeset must have a name.", answer)
                 editing.expect_active()
                 editing.field(UK).expect_text("")
-                leave_unsaved(self, program, editing)
+                self.close_without_saving(program, editing)
         self.assertEqual(self.contents(), {"wood.codeset": WOOD})
         self.end(program, window)
 
@@ -473,7 +436,7 @@ class Robustness(WorkspaceJourney):
             "Close",
         )
         editing.expect_active()
-        leave_unsaved(self, program, editing)
+        self.close_without_saving(program, editing)
         window.list().expect_texts([])
         self.add_file(program, window, source)
         self.expect_message(
@@ -703,12 +666,6 @@ class Robustness(WorkspaceJourney):
         naming.press("Return")
         self.expect_message(program, "Error", "That file name is already taken.", "Close")
         naming.leave("alt+F4")
-
-
-def leave_unsaved(journey, program, editing):
-    editing.button("Close").click()
-    journey.expect_message(program, "Really close?", QUESTION, "Close")
-    editing.expect_closed()
 
 
 class Beginnings(Journey):

@@ -4,13 +4,21 @@ languages. Once with the usual text and once with larger text."""
 import itertools
 import re
 
-from support import MAIN_WINDOW, RESTORE, Journey, Widget, WorkspaceJourney, codeset, display, main
+from support import (
+    MAIN_WINDOW,
+    RESTORE,
+    UK,
+    Journey,
+    Widget,
+    WorkspaceJourney,
+    codeset,
+    display,
+    main,
+)
 from support import accessibility
 from support.waiting import settle
 
-UK = "English/United Kingdom [en-uk]"
 ASSISTANT = "Vantorelle Workspace Setup"
-QUESTION = "Are you sure you want to close the codeset without saving?"
 TITLE_BAR = 30
 PARTS = (
     *accessibility.BUTTONS,
@@ -182,11 +190,6 @@ class Fitting(Journey):
 
 
 class SmallScreen(Fitting, WorkspaceJourney):
-    def edit(self, program, window, row, name):
-        window.list().row(row).select()
-        window.button("Edit").click()
-        return program.window(f"Edit remark codeset - {name}")
-
     def leave(self, program, editing):
         editing.button("Close").click()
         question = program.dialog("Really close?")
@@ -258,12 +261,7 @@ class SmallScreen(Fitting, WorkspaceJourney):
         """Presses Shift+Tab until the text field of that label has the focus, wherever it is
         scrolled to."""
         field = window.find_all(accessibility.TEXTS, labelled=label, showing=False)[index]
-        for _ in range(15):
-            window.press("shift+Tab")
-            settle()
-            if field.is_focused:
-                return field
-        return self.fail(f"Shift+Tab does not lead to {field!r}")
+        return window.tab_to(field, "shift+Tab")
 
     def test_the_main_window(self):
         self.put("long.codeset", LONG_NAMED)

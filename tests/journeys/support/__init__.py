@@ -5,17 +5,20 @@ from .journey import Journey, main
 from .program import Program
 from .waiting import JourneyTimeout, wait_until
 from .widgets import Dialog, FileChooser, Row, Widget, Window
-from .workspace import MAIN_WINDOW, RESTORE, WorkspaceJourney, codeset
+from .workspace import EN, MAIN_WINDOW, QUESTION, RESTORE, UK, WorkspaceJourney, codeset
 
 __all__ = [
     "Dialog",
+    "EN",
     "FileChooser",
     "Journey",
     "JourneyTimeout",
     "MAIN_WINDOW",
     "Program",
+    "QUESTION",
     "RESTORE",
     "Row",
+    "UK",
     "Widget",
     "Window",
     "WorkspaceJourney",

@@ -138,11 +138,7 @@ def is_maximized(window):
 def window_property(window, name):
     """As xprop prints it."""
     return subprocess.run(
-        ("xprop", "-id", str(window), name),
-        capture_output=True,
-        check=True,
-        text=True,
-        timeout=10,
+        ("xprop", "-id", str(window), name), capture_output=True, check=True, text=True, timeout=10
     ).stdout
 
 

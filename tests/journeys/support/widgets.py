@@ -67,6 +67,11 @@ class Widget:
         return accessibility.description(self.accessible)
 
     @property
+    def known_as(self):
+        """The text by which a user knows it: its name, or else its label."""
+        return next(filter(None, [self.name, *labels_of(self.accessible, None)]), "")
+
+    @property
     def key(self):
         """The key of its first action in the accessibility tree; None when there is none."""
         binding = self.accessible.get_action_iface().get_key_binding(0)
@@ -487,6 +492,25 @@ class Window(Widget):
         """Presses keys wherever the focus is in this window."""
         self.expect_active()
         display.press(*keys)
+
+    def tab_to(self, wanted, key="Tab"):
+        """Presses the key until the focus is on the widget, or on one that is known as this text,
+        and returns that. Nothing has the focus after the button that had it became insensitive;
+        then the key leads to the window's first or last widget."""
+        self.expect_active()
+        settle()
+        for _ in range(30):
+            focused = self.program.focused()
+            if isinstance(wanted, Widget) and wanted.is_focused:
+                return wanted
+            if focused is not None and focused.known_as == wanted:
+                return focused
+            self.press(key)
+            self.program.wait(
+                lambda focused=focused: self.program.focused() not in (None, focused),
+                f"{key} to move the focus",
+            )
+        raise AssertionError(f"{key} does not lead to {wanted!r}")
 
     def close(self):
         """Asks the window manager to close it, as its title bar's button does."""

@@ -9,6 +9,9 @@ from .journey import Journey
 QUOTES = {'"': "&quot;", "'": "&apos;"}
 
 MAIN_WINDOW = "Vantorelle Remark Codesets Manager 3.2.3"
+UK = "English/United Kingdom [en-uk]"
+EN = "English [en]"
+QUESTION = "Are you sure you want to close the codeset without saving?"
 # The question when unsaved changes were left behind.
 RESTORE = re.compile(r"^Unsaved changes to this codeset were found, from .+\. Restore them\?$")
 SUB_FOLDERS = ("codesets", "layouts", "documents", "templates")
@@ -91,9 +94,50 @@ class WorkspaceJourney(Journey):
         """The program, and the editing window of the file `name`, which the list shows as
         `text`."""
         program, window = self.open(**options)
+        return program, self.edit(program, window, text, name)
+
+    def edit(self, program, window, text, name):
+        """The editing window of the file `name`, which the list shows as `text`."""
+        window.activate()
         window.list().row(text).select()
         window.button("Edit").click()
-        return program, program.window(f"Edit remark codeset - {name}")
+        return program.window(f"Edit remark codeset - {name}")
+
+    def save(self, editing):
+        editing.activate()
+        editing.button("Save codeset").click()
+        editing.expect_closed()
+
+    def close_without_saving(self, program, editing):
+        editing.button("Close").click()
+        self.expect_message(program, "Really close?", QUESTION, "Close")
+        editing.expect_closed()
+
+    def delete(self, program, window, text, answer="Yes"):
+        window.activate()
+        window.list().row(text).select()
+        window.button("Delete").click()
+        self.expect_message(
+            program,
+            "Question",
+            f'Do you really want to delete "{text}" from your workspace?',
+            answer,
+        )
+
+    def expect_nothing_selected(self, window):
+        window.list().expect_selected([])
+        window.field("File name of selected item").expect_text("")
+        self.expect_sensitivity(
+            window,
+            Clone=False,
+            Edit=False,
+            Save_a_copy=False,
+            Delete=False,
+            Add_from_file=True,
+            Add_bundled=True,
+            Add_new=True,
+            Refresh_list=True,
+        )
 
     def expect_message(self, program, title, message, answer):
         """Expects a dialog with exactly this message (or one that matches the pattern), and answers
