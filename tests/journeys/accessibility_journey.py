@@ -475,7 +475,7 @@ class Accessibility(Journey):
         window.close()
         program.expect_exit(0)
 
-    def test_the_assistant_is_led_through_by_assistive_technologies(self):
+    def test_assistive_technologies_can_use_the_assistant(self):
         """The message of Apply can be read while it is shown."""
         program = self.start()
         assistant = program.window(ASSISTANT)

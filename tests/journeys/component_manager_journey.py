@@ -265,7 +265,7 @@ class ComponentManager(WorkspaceJourney):
         self.assertEqual(own.read_bytes(), GLASS)
         self.assertEqual(source.read_bytes(), GLASS)
 
-    def test_adding_over_and_from_what_has_no_text(self):
+    def test_adding_over_and_from_a_file_without_a_text(self):
         own = self.put("odd.codeset", b"old")
         source = self.folder / "odd.codeset"
         source.write_bytes(b"new <b>")
@@ -572,7 +572,7 @@ class ComponentManager(WorkspaceJourney):
         self.expect_nothing_selected(window)
         self.assertEqual(self.contents(), {"glass.codeset": GLASS})
 
-    def test_delete_what_is_gone_and_what_cannot_be_deleted(self):
+    def test_deleting_a_missing_file_and_one_that_cannot_be_deleted(self):
         path = self.put("wood.codeset", WOOD)
         program, window = self.open()
         question = 'Do you really want to delete "Wood (Vera) 2" from your workspace?'

@@ -182,7 +182,7 @@ class Drafts(WorkspaceJourney):
 
     # Answers
 
-    def test_unwanted_changes_are_gone_for_good(self):
+    def test_declined_changes_are_not_offered_again(self):
         program, editing = self.open_wood()
         self.change(editing)
         program.kill()
@@ -193,7 +193,7 @@ class Drafts(WorkspaceJourney):
         program, editing = self.open_wood()
         editing.field(UK).expect_text("Wood")
 
-    def test_what_was_restored_survives_another_end(self):
+    def test_restored_changes_survive_another_kill(self):
         program, editing = self.open_wood()
         self.change(editing)
         for answer in ("Yes", "Escape"):
@@ -246,7 +246,7 @@ class Drafts(WorkspaceJourney):
         self.assertEqual(permissions(draft), 0o600)
         self.assertTrue(draft.name.endswith(".wood.codeset"))
 
-    def test_without_a_place_everything_else_works(self):
+    def test_everything_else_works_without_a_folder_for_drafts(self):
         self.state.parent.mkdir()
         self.state.write_text("a file")
         program, editing = self.open_wood()

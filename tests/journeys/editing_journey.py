@@ -93,7 +93,7 @@ class Editing(WorkspaceJourney):
         ):
             self.assertTrue(editing.frame(title).is_showing)
 
-    def test_a_row_that_goes_gives_its_room_back(self):
+    def test_a_deleted_row_gives_its_room_back(self):
         program, editing = self.open_own()
         program.wait(
             lambda: editing.extents[2:] == display.screen_size(), "the window to fill the screen"
@@ -232,7 +232,7 @@ class Editing(WorkspaceJourney):
             ),
         )
 
-    def test_what_the_remark_dialog_refuses(self):
+    def test_refusals_of_the_remark_dialog(self):
         program, editing = self.open_own()
         dialog = self.dialog(program, editing, "Add new")
         code = dialog.field("Remark code")

@@ -38,7 +38,7 @@ class FileNames(WorkspaceJourney):
         naming.expect_closed()
         self.close_without_saving(program, editing)
 
-    def test_how_the_window_begins(self):
+    def test_the_window_when_it_opens(self):
         _, window, naming = self.open_naming()
         self.assertEqual(
             naming.labels(),

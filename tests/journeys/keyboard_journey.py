@@ -536,7 +536,7 @@ class Keyboard(Keys, WorkspaceJourney):
         display.type_text("W77")
         expect_seen(76)
 
-    def test_copying_what_cannot_be_edited(self):
+    def test_copying_a_file_that_cannot_be_edited(self):
         self.put("wood.codeset", WOOD)
         program, window = self.open()
         self.select(window, "Wood (Vera) 2")

@@ -23,7 +23,7 @@ class Pace(WorkspaceJourney):
         editing.button("Edit").click()
         return program.window("Edit remark code")
 
-    def test_what_is_typed_after_return_is_not_in_the_confirmed_code(self):
+    def test_keys_after_return_are_not_in_the_confirmed_code(self):
         program, editing = self.open_own()
         shown = "1. One"
         for pace in PACES:
@@ -71,7 +71,7 @@ class Pace(WorkspaceJourney):
         dialog.expect_closed()
         editing.list("Remark codes").expect_texts(["1. txt", "2. Two"])
 
-    def test_what_is_typed_after_return_goes_to_the_window_of_the_new_file(self):
+    def test_keys_after_return_go_to_the_window_of_the_new_file(self):
         program, window = self.open()
         for pace in PACES:
             with self.subTest(pace=pace):
@@ -84,7 +84,7 @@ class Pace(WorkspaceJourney):
                 self.assertIn(editing.field(UK).text, ("My", "y", ""))
                 self.close_without_saving(program, editing)
 
-    def test_what_is_typed_over_an_error_is_dropped(self):
+    def test_keys_typed_over_an_error_are_dropped(self):
         program, window = self.open()
         for pace in PACES:
             with self.subTest(pace=pace):
@@ -213,7 +213,7 @@ class FirstStart(Journey):
         self.assertTrue((place / "codesets").is_dir())
         program.window(MAIN_WINDOW)
 
-    def test_what_is_typed_after_return_is_not_in_the_location(self):
+    def test_keys_after_return_are_not_in_the_location(self):
         for pace in PACES:
             with self.subTest(pace=pace):
                 home = self.folder / f"home {pace}"

@@ -143,7 +143,7 @@ class MainWindowPlaces(Lists):
         # The last row was deleted.
         self.expect_place(window, rows, name_of(58), name_of(58))
 
-    def test_new_files_are_the_place(self):
+    def test_the_place_is_that_of_the_new_file(self):
         self.put_many()
         source = self.folder / "case_45_b.codeset"
         source.write_bytes(codeset("Case 45 b", remarks=[("1", "One")]))
@@ -214,7 +214,7 @@ class MainWindowPlaces(Lists):
         # Two rows above the place are gone, and the one that was it.
         self.expect_place(window, rows, name_of(45), name_of(46))
 
-    def test_the_file_that_a_new_notice_speaks_of_is_in_view(self):
+    def test_the_file_behind_a_new_notice_is_in_view(self):
         self.put_many()
         _, window = self.open()
         rows = window.list()
@@ -240,7 +240,7 @@ class MainWindowPlaces(Lists):
         rows.program.wait(lambda: len(rows) == 61, "the list to be refreshed")
         self.expect_row_in_view(rows, "strange.codeset")
 
-    def test_the_focus_that_comes_back_selects_nothing(self):
+    def test_a_returning_focus_selects_nothing(self):
         self.put_many(20)
         program, window = self.open()
         rows = window.list()

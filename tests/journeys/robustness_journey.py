@@ -107,7 +107,7 @@ class Robustness(WorkspaceJourney):
         window.activate()
         self.end(program, window)
 
-    def test_what_the_other_program_has_deleted(self):
+    def test_files_that_the_other_program_has_deleted(self):
         self.put("wood.codeset", WOOD)
         taken = self.outside("taken.codeset", b"taken")
         program, window = self.open()
@@ -151,7 +151,7 @@ class Robustness(WorkspaceJourney):
         self.close_without_saving(program, editing)
         self.assertEqual(self.contents(), {})
 
-    def test_what_the_other_program_has_replaced(self):
+    def test_files_that_the_other_program_has_replaced(self):
         path = self.put("wood.codeset", WOOD)
         source = self.outside("wood.codeset", GLASS)
         program, window = self.open()
@@ -201,7 +201,7 @@ class Robustness(WorkspaceJourney):
         window.list().expect_texts(["Wood (Vera) 3"])
         self.assertEqual(self.contents(), both)
 
-    def test_what_is_being_edited_is_deleted_by_the_other_program(self):
+    def test_the_other_program_deletes_the_edited_file(self):
         self.put("wood.codeset", WOOD)
         program, window = self.open()
         other, other_window = self.open()
@@ -306,7 +306,7 @@ class Robustness(WorkspaceJourney):
 
     # Ways out
 
-    def test_ways_out_of_what_is_chosen_from(self):
+    def test_ways_out_of_the_choosers(self):
         self.put("wood.codeset", WOOD)
         program, window = self.open()
         before = tree(self.workspace)
@@ -478,7 +478,7 @@ class Robustness(WorkspaceJourney):
         self.assertEqual((self.home / "moved" / "codesets" / "wood.codeset").read_bytes(), WOOD)
         self.end(program, window)
 
-    def test_adding_over_a_folder_and_from_what_vanishes(self):
+    def test_adding_over_a_folder_and_from_a_vanishing_file(self):
         wood = self.put("glass.codeset", WOOD)
         (self.codesets / "folder.codeset").mkdir()
         glass = self.outside("glass.codeset", GLASS)

@@ -85,7 +85,7 @@ class Session(Journey):
         self.assertEqual(self.sub_folders(taken / "new"), SUB_FOLDERS)
         self.assertEqual(self.saved_path(), str(taken / "new"))
 
-    def test_blanks_and_delimiters_around_the_place_do_not_count(self):
+    def test_blanks_and_delimiters_around_the_location_are_ignored(self):
         program = self.start_program()
         assistant = program.window(ASSISTANT)
         workspace = self.home / "my  place"
@@ -163,7 +163,7 @@ class Session(Journey):
 
     # Settings
 
-    def test_malformed_settings_are_warned_of_once(self):
+    def test_malformed_settings_cause_one_warning(self):
         self.default_workspace.mkdir()
         (self.default_workspace / "settings.xml").write_text("<settings")
         program = self.start_program()

@@ -21,7 +21,7 @@ class Startup(Journey):
     def make_workspace(self):
         (self.home / "Vantorelle Workspace").mkdir()
 
-    def test_a_missing_font_is_told_of_and_nothing_else_opens(self):
+    def test_a_missing_font_is_reported_and_nothing_else_opens(self):
         self.make_workspace()
         stage = self.copy_stage()
         (stage / "fonts" / "LiberationSans-Bold.ttf").unlink()
@@ -33,7 +33,7 @@ class Startup(Journey):
         program.expect_exit(0)
         self.assertEqual(list((self.home / "Vantorelle Workspace").iterdir()), [])
 
-    def test_a_file_that_is_no_font_is_told_of(self):
+    def test_a_file_that_is_no_font_is_reported(self):
         stage = self.copy_stage()
         (stage / "fonts" / "LiberationSans-Bold.ttf").write_text("no font")
         program = self.start_program(stage=stage)
@@ -99,7 +99,7 @@ class Startup(Journey):
         program.expect_exit(0)
         self.assertEqual(program.printed, "")
 
-    def test_the_theme_is_not_the_users_to_choose(self):
+    def test_the_theme_of_the_user_is_ignored(self):
         self.make_workspace()
         pictures = [
             self.picture_under(theme) for theme in (None, "HighContrastInverse", "Adwaita:dark")
@@ -157,7 +157,7 @@ class Startup(Journey):
         window.close()
         program.expect_exit(0)
 
-    def test_a_program_that_was_killed_leaves_nothing_in_the_way(self):
+    def test_a_killed_program_does_not_block_the_next_one(self):
         self.make_workspace()
         program = self.start_program()
         program.window(MAIN_WINDOW)

@@ -85,7 +85,7 @@ class Typing(WorkspaceJourney):
                 window.button("Edit").click()
                 editing = program.window(TITLE)
 
-    def test_what_was_saved_comes_back(self):
+    def test_saved_texts_are_read_back_unchanged(self):
         text = "Ünïted &amp; <b> ÿ " + EVERY_LATIN1_CHARACTER
         self.put("own.codeset", codeset(text, text, text, [("1", text)]))
         program, editing = self.open_editing("own.codeset", f"{text} ({text}) {text}")
@@ -135,7 +135,7 @@ class Typing(WorkspaceJourney):
             codeset("Own", "Vera", "1", [("«½»", "à é"), ("é ü", "Fällt"), ("1", "One")]),
         )
 
-    def test_what_cannot_be_kept_is_nothing(self):
+    def test_unsupported_characters_alone_count_as_no_text(self):
         program, editing = self.open_own()
         editing.button("Add new").click()
         dialog = program.window("Edit remark code")
@@ -215,7 +215,7 @@ class Typing(WorkspaceJourney):
         )
         program.window(MAIN_WINDOW).list().expect_texts(["«1» Zoë's naïve façade, 5 (ærø þór) ½"])
 
-    def test_a_paste_replaces_what_is_marked(self):
+    def test_a_paste_replaces_the_selection(self):
         _, editing = self.open_own()
         name = editing.field(UK)
         name.enter("one two three")
@@ -342,7 +342,7 @@ class Typing(WorkspaceJourney):
         name.expect_text("colour rough")
         self.expect_marks(name)
 
-    def test_a_word_that_is_let_pass_passes_in_its_field_alone(self):
+    def test_an_ignored_word_is_ignored_in_its_field_only(self):
         self.put("own.codeset", codeset("crackk", "crackk", remarks=[("1", "One")]))
         _, editing = self.open_editing("own.codeset", "crackk (crackk)")
         name, author = editing.fields()[:2]
