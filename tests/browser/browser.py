@@ -44,7 +44,7 @@ WINDOWS = """
 
 @dataclass
 class Window:
-    """Where a window of the program lies on the page, its shadow included, in pixels."""
+    """The place of a window of the program on the page, its shadow included, in pixels."""
 
     number: int
     left: int

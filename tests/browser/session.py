@@ -55,7 +55,7 @@ class Session:
         )
 
     def read_address(self):
-        """The address that the user is told, and its port and secret."""
+        """The address that is printed for the user, and its port and secret."""
         line = self.process.stdout.readline()
         told = re.fullmatch(
             r"Open (http://127\.0\.0\.1:(\d+)/([\w-]{43,})/) in a web browser\.\n", line, re.ASCII

@@ -17,7 +17,7 @@ from support import codeset, main, wait_until
 from support.journey import artifacts_folder
 from visitor import WEBSOCKET, ask, head
 
-# How far buttons lie from the corners of their windows, in pixels, the shadow of a window that is
+# Distances of buttons from the corners of their windows, in pixels, the shadow of a window that is
 # not maximized included.
 ASSISTANT_BUTTON = (72, 53)  # from right and bottom: Next, Apply or Close
 ADD_NEW_CODESET = (93, 168)  # from right and top

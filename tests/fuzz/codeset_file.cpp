@@ -43,7 +43,7 @@ void require_proper(const OwnedCodeset &codeset) {
   require(!v_remark_list_is_empty(codeset->remarks.get()), "a codeset has remarks");
   require_proper(remarks_of(codeset->remarks));
   require(!codeset->outdated && codeset->prev == nullptr && codeset->next == nullptr,
-          "a codeset that was read stands alone");
+          "a codeset that was read depends on no other");
 }
 
 // Codes are written unescaped, so one with XML markup does not read back.
@@ -76,10 +76,10 @@ bool is_merged_when_read(const OwnedCodeset &codeset) {
 }
 
 void require_equal(const OwnedCodeset &a, const OwnedCodeset &b) {
-  require(translations_of(a->name) == translations_of(b->name), "the name comes back");
-  require(translations_of(a->author) == translations_of(b->author), "the author comes back");
-  require(g_strcmp0(a->version.get(), b->version.get()) == 0, "the version comes back");
-  require(remarks_of(a->remarks) == remarks_of(b->remarks), "the remarks come back");
+  require(translations_of(a->name) == translations_of(b->name), "the name is read back");
+  require(translations_of(a->author) == translations_of(b->author), "the author is read back");
+  require(g_strcmp0(a->version.get(), b->version.get()) == 0, "the version is read back");
+  require(remarks_of(a->remarks) == remarks_of(b->remarks), "the remarks are read back");
 }
 
 // The codeset as it reads back, null when it does not.

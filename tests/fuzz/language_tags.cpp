@@ -39,7 +39,7 @@ void check_display_string(const std::string &text) {
   const OwnedText tag = v_supported_languages_get_tag_from_language_string(text.c_str());
   require((tag != nullptr) == is_known, "tags of the table are read back, others are not");
   if (tag) {
-    require(tag.get() == expected, "the tag is what stands in the brackets");
+    require(tag.get() == expected, "the tag is the text in the brackets");
   } else {
     require_message();
   }

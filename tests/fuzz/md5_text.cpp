@@ -40,7 +40,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
   require(v_util_verify_md5sum(digest, text.c_str()) == (text == digits),
           "no other text than the digest's own is right");
   const bool is_illegal = pairs < digest.size() && !has_pair_of_digits(text, pairs * 2);
-  require(has_old_message() == !is_illegal, "only what is no digit is told of");
+  require(has_old_message() == !is_illegal, "only characters that are no digits are reported");
   if (is_illegal) {
     require_message();
   }

@@ -17,7 +17,7 @@ void check_latin1(const std::string &text) {
   require(g_utf8_validate(utf8_text.c_str(), -1, nullptr), "what is made from ISO-8859-1 is UTF-8");
   require(utf8_text.size() == text.size() + high_count, "a high byte becomes two, others stay one");
   const OwnedText back = v_convert_utf8_to_latin1(utf8_text.c_str());
-  require(back != nullptr && back.get() == text, "ISO-8859-1 comes back from UTF-8");
+  require(back != nullptr && back.get() == text, "ISO-8859-1 survives UTF-8");
 }
 
 // The expected conversion of valid UTF-8; false when there is none.
@@ -57,7 +57,7 @@ void check_ascii(const std::string &text) {
   for (const auto assert_ascii : {v_ascii_assert_in_utf8, v_ascii_assert_in_latin1}) {
     set_old_message();
     const char *result = assert_ascii(text.c_str());
-    require(result == (is_ascii ? text.c_str() : nullptr), "ASCII text comes back itself");
+    require(result == (is_ascii ? text.c_str() : nullptr), "ASCII text is returned itself");
     if (!is_ascii) {
       require_message();
     }

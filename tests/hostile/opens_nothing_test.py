@@ -91,7 +91,7 @@ class OpensNothing(unittest.TestCase):
         ]
 
     def read(self, files):
-        """What the reader printed, and the lines of what it opened or called."""
+        """The output of the reader, and the traced lines of its calls."""
         log = self.path("strace")
         # Looking for leaks is itself done by tracing, which nobody can do twice.
         environment = dict(os.environ, ASAN_OPTIONS="detect_leaks=0")

@@ -25,7 +25,7 @@ CONTROLS = (
 )
 NAMED = (*CONTROLS, "combo box", "menu item", "alert", "dialog", "frame", "icon")
 
-# Tab goes from text to text in the language editor; what stands beside a text is reached with
+# Tab goes from text to text in the language editor; the widgets beside a text are reached with
 # Ctrl+Tab.
 SIGNS = (" + ", " - ")
 

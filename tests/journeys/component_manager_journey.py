@@ -53,7 +53,7 @@ class ComponentManager(WorkspaceJourney):
         self.assertEqual(NOTICE in window.labels(), bool(strange))
         self.expect_nothing_selected(window)
 
-    # What is listed
+    # The list
 
     def test_the_list_at_the_start(self):
         self.put("wood.codeset", WOOD)

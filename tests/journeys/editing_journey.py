@@ -47,7 +47,7 @@ class Editing(WorkspaceJourney):
     def display_of(self, editing):
         return editing.field("Description of the selected remark code")
 
-    # What is shown
+    # The window
 
     def test_the_window_at_the_start(self):
         _, editing = self.open_own()

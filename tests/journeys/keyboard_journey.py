@@ -11,14 +11,14 @@ GLASS = codeset("Glass", version="1.5", remarks=[("G1", "Chip")])
 
 
 class Keys(Journey):
-    """Finding one's way with the keyboard. A widget without a name of its own goes by its label."""
+    """Moves the focus by keys. A widget without a name of its own is known by its label."""
 
     def push(self, window, name):
         window.tab_to(name)
         display.press("space")
 
     def expect_order(self, window, names, key="Tab"):
-        """The focus goes through these, begins with the first and comes back to it."""
+        """The key moves the focus from the first of these to the last, and back to the first."""
         program = window.program
         window.tab_to(names[0], key)
         for name in [*names[1:], names[0]]:
@@ -139,7 +139,7 @@ class Keyboard(Keys, WorkspaceJourney):
         display.press("Up", "Up")
         window.button("Add new").expect_focus()
 
-        # What a button was pressed for leads back to the button.
+        # After its action the focus is on the button again.
         self.push(window, "Delete")
         question = program.dialog("Question")
         self.assertEqual(
@@ -341,7 +341,7 @@ class Keyboard(Keys, WorkspaceJourney):
         self.select(window, "Wood (Vera) 2")
         self.push(window, "Clone")
         naming = program.window("Add new")
-        # The cursor stands before the extension, which is kept.
+        # The cursor is before the extension, which is kept.
         naming.field().expect_focus()
         display.type_text("oak")
         naming.field().expect_text("oak.codeset")
@@ -381,7 +381,7 @@ class Keyboard(Keys, WorkspaceJourney):
         display.press("Return")
         selector.expect_closed()
         self.assertEqual(list(self.contents()), ["stone_and_sculpture.codeset"])
-        # Editing what was delivered asks; Enter on the default answer goes back.
+        # Editing a delivered file asks; Enter on the default answer goes back.
         window.tab_to("Remark codeset files", "shift+Tab")
         display.press("Home")
         program.wait(lambda: window.list().selected_texts(), "the row to be selected")

@@ -35,7 +35,7 @@ class Lists(WorkspaceJourney):
         rows.program.wait(is_in_view, f"{text!r} to be in view")
 
     def expect_place(self, window, rows, text, following):
-        """Nothing is selected, the row is in view and Down goes on from it."""
+        """Nothing is selected, the row is in view and Down selects the next one."""
         window.expect_active()
         settle()
         rows.expect_selected([])
@@ -348,7 +348,7 @@ class Keys(Lists):
         settle()
         self.assertEqual(program.windows(), [window])
         self.assertEqual(len(self.contents()), 20)
-        # Opened by a held Return, the list of delivered codesets adds none by itself.
+        # Opened by a held Return, the list of delivered codesets adds none on its own.
         self.push(window, "Add bundled")
         selector = program.window("Select one to add")
         selector.press("Escape")

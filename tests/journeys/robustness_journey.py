@@ -1,5 +1,5 @@
-"""What happens around the program while it runs: a second program on the same workspace, a sudden
-end, files and folders that come, go and change. And every way out of every dialog."""
+"""Disturbances of the running program: a second program on the same workspace, a sudden end,
+files and folders that appear, vanish and change. And every way out of every dialog."""
 
 import os
 import re
@@ -27,7 +27,7 @@ GLASS = codeset("Glass", version="1.5", remarks=[("G1", "Chip")])
 WOOD_TEXT = "Wood (Vera) 2"
 GLASS_TEXT = "Glass 1.5"
 
-# What put_hostile_entries() makes. The memory alone is a regular file.
+# The entries that put_hostile_entries() makes. Only the memory is a regular file.
 MEMORY = "memory.codeset"
 HOSTILE_ENTRIES = [
     MEMORY,
@@ -87,7 +87,7 @@ class Robustness(WorkspaceJourney):
         window.list().row(WOOD_TEXT).select()
         self.delete(other, other_window, WOOD_TEXT)
         other_window.list().expect_texts([GLASS_TEXT])
-        # The first program goes on as if nothing had happened.
+        # The first program continues normally.
         window.activate()
         window.list().expect_selected([WOOD_TEXT])
         window.field("File name of selected item").expect_text("wood.codeset")
@@ -412,7 +412,7 @@ class Robustness(WorkspaceJourney):
             "Escape",
         )
         moved.rename(self.workspace)
-        # What could not be saved is still there, and so is the rest.
+        # The unsaved changes are still there, and so is the rest.
         self.save(editing)
         window.list().expect_texts(["Mine", WOOD_TEXT])
         self.assertEqual(
@@ -694,7 +694,7 @@ class Beginnings(Journey):
                     self.assertFalse(self.workspace.exists())
 
     def test_ways_out_of_the_last_page(self):
-        # The workspace is made by then, however the window goes.
+        # The workspace is made by then, in whichever way the window is closed.
         for way_out in ANSWERS:
             with self.subTest(way_out=way_out):
                 program, assistant = self.start_assistant(2)

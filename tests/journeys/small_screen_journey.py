@@ -94,7 +94,7 @@ def overlap(first, second):
 
 
 class Fitting(Journey):
-    """What is expected of every window."""
+    """Expectations for every window."""
 
     scale = 1
     environment = {}
@@ -132,7 +132,7 @@ class Fitting(Journey):
         self.expect_fitting_inside(window)
 
     def expect_fitting_inside(self, window):
-        """What is in the window is inside it, and nothing covers anything."""
+        """All widgets of the window are inside it, and none covers another."""
         window.accessible.clear_cache()
         extents = window.resting_extents()
         parts = list(self.parts(window))
@@ -150,13 +150,13 @@ class Fitting(Journey):
                 )
 
     def parts(self, widget, is_scrolled=False):
-        """Whatever is operated or read in the window: whether it can be scrolled, the widget, and
+        """Each widget that a user operates or reads: whether it can be scrolled, the widget, and
         its place."""
         for child in (
             Widget(widget.program, child) for child in accessibility.children(widget.accessible)
         ):
             place = child.extents
-            # A viewport does not tell where it is, but what scrolls it does.
+            # A viewport has no place in the tree, but its scroll pane has one.
             scrolls = child.role == "scroll pane" and "viewport" in map(
                 accessibility.role, accessibility.children(child.accessible)
             )
@@ -170,7 +170,7 @@ class Fitting(Journey):
                 yield from self.parts(child, is_scrolled or child.role == "viewport")
 
     def scroller(self, window):
-        """What scrolls the fields of the window: the first and outermost that there is."""
+        """The scroll pane of the window's fields: the first and outermost one."""
         return window.find("scroll pane")
 
     def expect_shrinking(self, window):
@@ -388,7 +388,7 @@ class SmallScreen(Fitting, WorkspaceJourney):
         editing = self.edit(program, window, "Name en-uk (Vera) 2", "many.codeset")
         self.expect_fitting(editing)
         self.assertEqual(editing.resting_extents(), (0, 0, *display.screen_size()))
-        # What the keys lead to scrolls into view.
+        # A widget that gets the focus scrolls into view.
         version = self.go_back_to(editing, "Version")
         viewport = self.scroller(editing).extents
         self.expect_inside(version, version.resting_extents(), viewport)

@@ -1,4 +1,4 @@
-"""What happens around the tool's windows: a start that fails, two programs at once, and what a
+"""Before and after the tool's windows: a start that fails, two programs at once, and what a
 start ignores and cleans up."""
 
 import os

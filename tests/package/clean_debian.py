@@ -31,7 +31,7 @@ class CleanDebian:
         subprocess.run(("mount", "--bind", tempfile.gettempdir(), temporary), check=True)
 
     def read(self, *command):
-        """What the command prints there, which must succeed."""
+        """The output of the command there, which must succeed."""
         answer = subprocess.run(
             ("chroot", self.root, *command),
             stdin=subprocess.DEVNULL,

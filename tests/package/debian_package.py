@@ -148,8 +148,8 @@ class InstalledPackage(InstalledProgramJourney):
         self.assertNotIn("vantorelle", (root / TYPES_INDEX).read_text())
 
     def check_desktop(self):
-        """The desktop's index of types has the codeset, although no script of the package told
-        it."""
+        """The desktop's index of types has the codeset, although no script of the package
+        updated it."""
         self.assertIn(
             ":application/x-vantorelle-codeset:*.codeset\n", (root / TYPES_INDEX).read_text()
         )

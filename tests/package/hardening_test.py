@@ -74,7 +74,7 @@ class Hardening(unittest.TestCase):
     def test_jumps_and_returns_are_protected(self):
         """The program as a whole says so only where the C library's own start files do, which they
         do not on Debian 12."""
-        # What the build tries out first is made with flags of its own.
+        # The trial objects of the build have flags of their own.
         objects = [path for path in BUILD.rglob("*.o") if "_CMakeLTOTest-CXX" not in path.parts]
         self.assertGreater(len(objects), 50)
         for path in objects:

@@ -10,9 +10,9 @@ import unittest
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 NOBODY = 65534
-# What the scripts themselves are made of.
+# Programs that the scripts themselves call.
 BASIC_PROGRAMS = ("bash", "cat", "dirname", "env", "grep", "mkdir", "realpath", "sed", "sort", "tr")
-# What the program is built and run with. pkg-config knows every module but two.
+# Programs that build and run the program. pkg-config knows every module but two.
 TOOLS = (
     "broadwayd",
     "c++",

@@ -26,7 +26,7 @@ DEFAULT_SEED = 1
 MEASURED_EVERY = 500
 TOLERATED_GROWTH = 1.05
 
-# Upon SIGUSR2 this makes the program give back what it has freed. It lies beside the stage in the
+# Upon SIGUSR2 this makes the program give back what it has freed. It is beside the stage in the
 # build folder.
 HEAP_TRIMMING = pathlib.Path("tests") / "soak" / "heap_trimming.so"
 
@@ -146,7 +146,7 @@ class Soak(WorkspaceJourney):
 def heap_trimming():
     library = delivered_stage().resolve().parent / HEAP_TRIMMING
     if not library.exists():
-        raise AssertionError(f"The stage does not lie in a build folder: there is no {library}")
+        raise AssertionError(f"The stage is not in a build folder: there is no {library}")
     return library
 
 

@@ -9,7 +9,7 @@ from support import MAIN_WINDOW, Dialog, FileChooser, JourneyTimeout, accessibil
 from support.waiting import settle, wait_until
 from support.widgets import as_widget
 
-# What kind of action a button of the main window is, and how often it is pressed. The list must
+# The kind of action of each button of the main window, and how often it is pressed. The list must
 # neither run empty nor grow without end: what adds to it is pressed more often the emptier it is.
 MAIN_BUTTONS = {
     "Add from file": ("add", 2),
@@ -24,7 +24,7 @@ MAIN_BUTTONS = {
 ADDING = ("add", "clone")
 KEPT_CODESETS = 50
 
-# Of the other windows. Each translation has a " - ", each text a " + ".
+# The same for the other windows. Each translation has a " - ", each text a " + ".
 BUTTONS = {
     "Save codeset": ("save", 14),
     "Close": ("close", 8),
@@ -151,7 +151,7 @@ class User:
             )
 
     def return_to_main_window(self):
-        """Gives up whatever is being done."""
+        """Leaves all windows over the main window."""
         for _ in range(20):
             window = self.resting_window()
             if window.title == MAIN_WINDOW:
@@ -162,7 +162,7 @@ class User:
                 display.press("Escape")
         raise AssertionError(f"There is no way back from {window!r} to the main window")
 
-    # What is offered
+    # The offered actions
 
     def offers(self, window):
         if isinstance(window, FileChooser):
@@ -181,7 +181,7 @@ class User:
         ]
 
     def widgets(self, window):
-        """What can be operated in the window."""
+        """The widgets of the window that a user can operate."""
         window.accessible.clear_cache()
         for accessible in accessibility.descendants(window.accessible, CLOSED):
             if accessibility.role(accessible) in CLOSED and {

@@ -27,7 +27,7 @@ COMPLAINTS = re.compile(
 
 class Program:
     """Started at once. `home` is the user's home folder, `stage` the folder with the executable and
-    what lies beside it, `output` the file that takes what is printed, `environment` what is set
+    the files beside it, `output` the file that takes what is printed, `environment` what is set
     (or, with None, unset) beyond the caller's. Signals that the program's parent ignored stay
     ignored in it."""
 

@@ -270,7 +270,7 @@ class Widget:
         return self
 
     def type(self, text):
-        """Types by keys where the cursor stands."""
+        """Types by keys at the cursor."""
         self.focus()
         display.type_text(text)
 

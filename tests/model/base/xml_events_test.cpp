@@ -12,7 +12,7 @@
 #include "xml_fixture.h"
 
 #ifdef __SANITIZE_ADDRESS__
-// Of the checker's own allocator; the compiler comes without the header that declares it.
+// A function of the checker's allocator. The compiler has no header that declares it.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
@@ -215,7 +215,7 @@ TEST_F(XmlEvents, TextsHaveTheLimitOfTheTreeParser) {
   }
 }
 
-// Of the allocator, in bytes.
+// Bytes that the allocator has given out.
 std::size_t memory_in_use() {
 #ifdef __SANITIZE_ADDRESS__
   return __sanitizer_get_current_allocated_bytes();

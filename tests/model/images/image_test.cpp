@@ -15,8 +15,8 @@
 #include "handover.h"
 #include "images/image_reading.h"
 
-// The sanitizers end the process for a block that no system can give, unless they are told to
-// answer as the system does.
+// The sanitizers end the process for a block that no system can give, unless this option
+// makes them answer as the system does.
 extern "C" const char *__asan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace {

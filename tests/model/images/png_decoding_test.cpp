@@ -147,7 +147,7 @@ const Conversion conversions[] = {
      premultiplied,
      {0x00000000, 0xff010204},
      false},
-    // The transparent colour is told from its neighbour before the samples lose their low byte.
+    // The transparent colour is compared before the samples lose their low byte.
     {"rgb_16_transparent_colour",
      {.width = 2,
       .depth = 16,
@@ -434,7 +434,7 @@ TEST(PngDecoding, FilesCutShortFail) {
   }
 }
 
-// Whatever is damaged, decoding ends with a picture or with a message.
+// Decoding of any damaged file ends with a picture or with a message.
 TEST(PngDecoding, DamagedFilesDoNoHarm) {
   for (const PngPicture &picture : {noisy, interlaced(noisy)}) {
     const std::string file = encode_png(picture);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char *name = "Vantorelle Workspace Tool";
 
-// Makes the folder with all that it lies in, and returns its path.
+// Makes the folder with all folders above it, and returns its path.
 std::string make_folders(const TemporaryFolder &root, const std::string &path) {
   for (std::size_t end = path.find('/'); end != std::string::npos; end = path.find('/', end + 1)) {
     if (!path_exists(root / path.substr(0, end))) {
@@ -79,7 +79,7 @@ TEST(BundledProgramPath, ShortFolders) {
   EXPECT_EQ(find("", ".app"), "Vantorelle Workspace Tool.app");
 }
 
-// What cannot be asked for is not known to be missing: here a folder whose name is too long.
+// A path that cannot be examined, here for its length, does not count as missing.
 TEST(BundledProgramPath, UnknownIsNotMissing) {
   const TemporaryFolder root;
   make_folders(root, "Outer.app/Contents/MacOS");
@@ -107,7 +107,7 @@ public:
   const std::string path;
 };
 
-// What the started program has written, "" when it has not done so in good time.
+// The report of the started program; "" when it takes too long.
 std::string await_report(const std::string &report) {
   for (int tenth_seconds = 0; tenth_seconds < 100; tenth_seconds++) {
     if (path_exists(report)) {

@@ -26,7 +26,7 @@ long get_size(const std::string &path) {
   return stat(path.c_str(), &status) == 0 ? static_cast<long>(status.st_size) : -1;
 }
 
-// A process that waits until the object goes.
+// A process that waits until the object is destroyed.
 class Process {
 public:
   explicit Process(const std::string &executable) : id(fork()) {
@@ -181,8 +181,8 @@ TEST_F(TempFiles, LinksAreDeletedThemselves) {
   EXPECT_EQ(read_file(elsewhere / "kept"), "kept");
 }
 
-// Whatever the order in which the system lists them.
-TEST_F(TempFiles, NamesThatAreNoTextDoNotStandInTheWay) {
+// The system may list the names in any order.
+TEST_F(TempFiles, NamesThatAreNotUtf8DoNotStopTheCleanUp) {
   for (int i = 0; i < 20; i++) {
     add(file_name(absent_process_id, i));
     if (i % 10 == 5) {

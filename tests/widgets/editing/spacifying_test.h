@@ -1,5 +1,5 @@
 #pragma once
-// What the tests of the spacifying one-line field and text view share.
+// Fixture and table for the tests of the spacifying one-line field and text view.
 
 #include <vector>
 

@@ -61,7 +61,7 @@ protected:
   void check(std::function<void()> act) { script.on(title(), std::move(act)); }
   void expect_codes(const std::vector<std::string> &rows);
   void select(int row);
-  // Of the question whether to close without saving.
+  // Steps for the question whether to close without saving.
   void answer_question(const char *label);
   void dismiss_question();
   void close_without_saving();
