@@ -28,3 +28,10 @@ build_preset() {
     configure_preset "$1"
     cmake --build "$build_folder/$1"
 }
+
+# Writes the checkout, without what was built, to standard output as a tar archive. The arguments are
+# options for tar.
+archive_checkout() {
+    tar --create --exclude=./.git --exclude=./build --exclude="./$(realpath --relative-to=. "$build_folder")" \
+        --exclude=__pycache__ "$@" .
+}

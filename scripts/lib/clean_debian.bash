@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Installs a minimal Debian in a folder. Sourced after packages.bash.
+# Installs a minimal Debian in a folder. Sourced after packages.bash and build.bash.
 
 as_root=()
 
@@ -51,8 +51,7 @@ readonly checkout_inside=/srv/vantorelle
 copy_checkout() {
     local root=$1
     "${as_root[@]}" mkdir -p "$root$checkout_inside"
-    tar --create --exclude=./build --exclude=./.git . |
-        "${as_root[@]}" tar --extract --no-same-owner --directory "$root$checkout_inside"
+    archive_checkout | "${as_root[@]}" tar --extract --no-same-owner --directory "$root$checkout_inside"
 }
 
 # Runs a command of the checkout's copy in the Debian in the folder, with an environment of its own.

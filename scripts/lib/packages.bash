@@ -6,8 +6,7 @@ readonly package_table="
 build   g++
 build   cmake
 build   ninja-build
-build   pkg-config
-build   zip
+build   pkgconf
 build   librsvg2-bin
 build   fonts-liberation
 build   libgtk-3-dev
@@ -72,6 +71,8 @@ fuzz    clang
 fuzz    libclang-rt-dev
 fuzz    libgtest-dev
 fuzz    libgmock-dev
+package build-essential
+package debhelper
 package dpkg-dev
 package file
 package lintian
@@ -124,9 +125,8 @@ check   shellcheck
 coverage gcovr
 coverage python3
 fuzz    clang++
-package cpack
-package dpkg-buildflags
-package dpkg-shlibdeps
+package dh
+package dpkg-buildpackage
 package lintian
 package debootstrap
 bench   python3
