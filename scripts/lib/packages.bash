@@ -52,6 +52,7 @@ test    imagemagick
 test    valgrind
 test    appstream
 test    desktop-file-utils
+test    flatpak-builder
 test    icnsutils
 test    mandoc
 test    shared-mime-info
@@ -112,6 +113,7 @@ test    convert
 test    valgrind
 test    appstreamcli
 test    desktop-file-validate
+test    flatpak-builder
 test    png2icns
 test    mandoc
 test    update-mime-database
