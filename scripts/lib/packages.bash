@@ -81,6 +81,11 @@ package debootstrap
 test    hunspell
 test    hunspell-es
 test    hunspell-nl
+mutate  ccache
+mutate  lld
+mutate  python3-clang
+test    python3-clang
+check   python3-clang
 bench   libbenchmark-dev
 bench   python3
 "
@@ -127,6 +132,8 @@ check   shellcheck
 coverage gcovr
 coverage python3
 fuzz    clang++
+mutate  ccache
+mutate  ld.lld
 package dh
 package dpkg-buildpackage
 package lintian

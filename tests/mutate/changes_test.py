@@ -1,0 +1,162 @@
+#!/usr/bin/python3
+"""The changes that are found in a small source."""
+
+import pathlib
+import tempfile
+import unittest
+
+import changes
+import mutate
+
+SOURCE = """
+#include "other.h"
+#define LIMIT 7
+enum class Fruit { apple, pear, plum };
+int first(int number);
+void second(const char *text, const char *other);
+bool decide(int count, Fruit fruit) {
+  if (count < 3) {
+    first(0x10);
+    second("%d apples", "no");
+  }
+  return fruit == Fruit::pear;
+}
+int measure(double share) {
+  while (share > 0.5) {
+    first(0777);
+    return first(LIMIT);
+  }
+  return share == 0.0 && true ? 'a' : '\\0';
+}
+"""
+
+
+class Changes(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        with tempfile.TemporaryDirectory(prefix="changes.") as folder:
+            path = pathlib.Path(folder) / "source.cpp"
+            path.write_text(SOURCE)
+            (pathlib.Path(folder) / "other.h").write_text(
+                "inline bool other(int a) { return a < 1; }"
+            )
+            cls.places = changes.changes_in(path, "area/source.cpp", ["-std=c++20"])
+
+    def found(self, kind):
+        return [
+            (change.removed, change.added)
+            for place in self.places
+            for change in place
+            if change.kind == kind
+        ]
+
+    def expect(self, kind, *lines):
+        self.assertEqual(self.found(kind), [((removed,), (added,)) for removed, added in lines])
+
+    def test_a_comparison_is_replaced_by_its_neighbours(self):
+        self.expect(
+            "comparison",
+            ("if (count < 3) {", "if (count <= 3) {"),
+            ("if (count < 3) {", "if (count >= 3) {"),
+            ("return fruit == Fruit::pear;", "return fruit != Fruit::pear;"),
+            ("while (share > 0.5) {", "while (share >= 0.5) {"),
+            ("while (share > 0.5) {", "while (share <= 0.5) {"),
+            (
+                "return share == 0.0 && true ? 'a' : '\\0';",
+                "return share != 0.0 && true ? 'a' : '\\0';",
+            ),
+        )
+
+    def test_a_condition_is_negated_and_connected_otherwise(self):
+        line = "return share == 0.0 && true ? 'a' : '\\0';"
+        self.expect(
+            "condition",
+            ("if (count < 3) {", "if (!(count < 3)) {"),
+            ("while (share > 0.5) {", "while (!(share > 0.5)) {"),
+            (line, "return !(share == 0.0 && true) ? 'a' : '\\0';"),
+            (line, "return share == 0.0 || true ? 'a' : '\\0';"),
+        )
+
+    def test_a_constant_becomes_the_next_one(self):
+        line = "return share == 0.0 && true ? 'a' : '\\0';"
+        self.expect(
+            "constant",
+            ("if (count < 3) {", "if (count < 4) {"),
+            ("if (count < 3) {", "if (count < 2) {"),
+            ("first(0x10);", "first(0x11);"),
+            ("first(0x10);", "first(0xf);"),
+            ("while (share > 0.5) {", "while (share > 0.0f) {"),
+            ("first(0777);", "first(01000);"),
+            ("first(0777);", "first(0776);"),
+            (line, "return share == 1.0f && true ? 'a' : '\\0';"),
+            (line, "return share == 0.0 && false ? 'a' : '\\0';"),
+            (line, "return share == 0.0 && true ? 'b' : '\\0';"),
+            (line, "return share == 0.0 && true ? 'a' : '\\1';"),
+        )
+
+    def test_a_letter_of_a_text_is_replaced_but_no_conversion(self):
+        line = 'second("%d apples", "no");'
+        self.expect(
+            "text", (line, 'second("%d xpples", "no");'), (line, 'second("%d apples", "xo");')
+        )
+
+    def test_an_enumerator_becomes_the_one_before_or_after_it(self):
+        line = "return fruit == Fruit::pear;"
+        self.expect(
+            "enum", (line, "return fruit == Fruit::apple;"), (line, "return fruit == Fruit::plum;")
+        )
+
+    def test_a_result_is_another(self):
+        self.expect(
+            "result",
+            ("return fruit == Fruit::pear;", "return !(fruit == Fruit::pear);"),
+            ("return first(LIMIT);", "return (first(LIMIT)) + 1;"),
+            (
+                "return share == 0.0 && true ? 'a' : '\\0';",
+                "return (share == 0.0 && true ? 'a' : '\\0') + 1;",
+            ),
+        )
+
+    def test_a_call_is_left_out_or_made_later(self):
+        calls = ("first(0x10);", 'second("%d apples", "no");')
+        self.expect("call", (calls[0], ";"), (calls[1], ";"), ("first(0777);", ";"))
+        self.assertEqual(self.found("order"), [(calls, calls[::-1])])
+
+    def test_arguments_of_one_type_are_swapped(self):
+        self.expect("argument", ('second("%d apples", "no");', 'second("no", "%d apples");'))
+
+    def test_a_change_names_its_file_and_function(self):
+        names = {(change.file, change.function) for place in self.places for change in place}
+        self.assertEqual(names, {("area/source.cpp", "decide"), ("area/source.cpp", "measure")})
+
+    def test_a_change_applies_to_its_bytes_alone(self):
+        change = self.places[0][0]
+        changed = change.applied_to(SOURCE.encode()).decode()
+        self.assertEqual(changed, SOURCE.replace("count < 3", "!(count < 3)"))
+
+
+class Equivalents(unittest.TestCase):
+    def test_a_change_is_found_again_by_what_is_printed_of_it(self):
+        change = changes.Change(
+            file="area/source.cpp",
+            function="decide",
+            kind="order",
+            start=0,
+            end=0,
+            text="",
+            line=9,
+            removed=("first();", "second();"),
+            added=("second();", "first();"),
+        )
+        listed = mutate.read_equivalents(
+            f"# Rules\n\n{change.diff()}\n Neither sees\n the other.\n"
+        )
+        self.assertEqual(listed, {change.identity(): "Neither sees the other."})
+
+    def test_without_a_reason_it_is_refused(self):
+        with self.assertRaisesRegex(ValueError, "no reason"):
+            mutate.read_equivalents("area/source.cpp decide\n-first();\n+;\n")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
