@@ -381,6 +381,25 @@ TEST(FsUtils, DiscardingRemovesLinksAndKeepsPipes) {
   EXPECT_EQ(list_folder(folder.path()), std::vector<std::string>{"pipe"});
 }
 
+TEST(FsUtils, AReplacedFileKeepsItsPermissions) {
+  const TemporaryFolder folder;
+  const std::string path = folder / "file";
+  write_file(path, "old");
+  for (const unsigned mode : {0600U, 0444U, 0640U, 0666U, 0777U}) {
+    set_permissions(path, mode);
+    const mode_t mask = umask(0);
+    EXPECT_TRUE(v_fs_utils_replace_file(path.c_str(), "new")) << v_error_get();
+    umask(mask);
+    EXPECT_EQ(permissions_of(path), mode);
+  }
+}
+
+TEST(FsUtils, AFileWhoseNameIsNotUtf8IsNotReplaced) {
+  v_error_clear();
+  EXPECT_FALSE(v_fs_utils_replace_file("\xff", "new"));
+  EXPECT_THAT(v_error_get(), testing::HasSubstr("Could not use filename."));
+}
+
 TEST(FsUtils, ACreatedFileHasItsPermissionsBeforeAnythingIsWritten) {
   const TemporaryFolder folder;
   write_file(folder / "old", "");
@@ -397,6 +416,16 @@ TEST(FsUtils, ACreatedFileHasItsPermissionsBeforeAnythingIsWritten) {
     EXPECT_EQ(std::fputs("text", file.get()), 1);
   }
   EXPECT_EQ(read_file(folder / std::to_string(0600U)), "text");
+}
+
+TEST(FsUtils, CreatingAFileWithPermissionsKeepsTheNumberOfAnEarlierError) {
+  const TemporaryFolder folder;
+  write_file(folder / "old", "");
+  EXPECT_FALSE(v_fs_utils_delete_file_if_exists((folder / "old/below").c_str()));
+  const VFilePermissions permissions = v_fs_utils_get_permissions((folder / "old").c_str());
+  errno = EBADF;
+  EXPECT_TRUE(v_fs_utils_create_file((folder / "new").c_str(), permissions));
+  EXPECT_EQ(v_fs_utils_get_last_error_number(), ENOTDIR);
 }
 
 TEST(FsUtils, OnlyRegularFilesHaveKnownPermissions) {

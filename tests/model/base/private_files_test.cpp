@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "base/error.h"
 #include "support/child_process.h"
@@ -29,6 +30,14 @@ TEST_F(PrivateFiles, AreCreatedForTheirOwnerOnlyAndKeepTheirContent) {
   write_file(path, "content");
   EXPECT_NE(v_private_files_create(path.c_str()), nullptr);
   EXPECT_EQ(read_file(path), "content");
+}
+
+TEST_F(PrivateFiles, CanBeCreatedByAProgramWithoutStandardInput) {
+  EXPECT_EQ(in_child_process([&] {
+              close(STDIN_FILENO);
+              return v_private_files_create(path.c_str()) ? "created" : "no";
+            }),
+            "created");
 }
 
 TEST_F(PrivateFiles, CanBeHeldOnlyOnceAtATime) {

@@ -1,9 +1,12 @@
 #include "base/whitespace.h"
 
+#include <cstring>
 #include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace {
 
@@ -74,6 +77,8 @@ const Row common[] = {
     {"     ", "", "", ""},
     {" \t\n\f\r ", "", "", ""},
     {"\ta  \nb ", "a  \nb", "a   b", "a b"},
+    {" a", "a", "a", "a"},
+    {"a ", "a", "a", "a"},
     {"a b", "a b", "a b", "a b"},
     {"a  b", "a  b", "a  b", "a b"},
     {"a\t\tb", "a  b", "a  b", "a b"},
@@ -94,6 +99,22 @@ TEST(Whitespace, FollowsTheCommonRules) {
     expect_in_latin1(row);
     expect_in_utf8(row);
   }
+}
+
+TEST(Whitespace, NothingBehindATextIsRead) {
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  void *const pages =
+      mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(pages, MAP_FAILED);
+  char *const end = static_cast<char *>(pages) + page;
+  ASSERT_EQ(mprotect(end, page, PROT_NONE), 0);
+  for (const Normalisation &normalisation : latin1) {
+    EXPECT_STREQ(normalisation.within_original(std::strcpy(end - 4, "a b")), "a b");
+  }
+  for (const Normalisation &normalisation : utf8) {
+    EXPECT_STREQ(normalisation.within_original(std::strcpy(end - 4, "a b")), "a b");
+  }
+  EXPECT_EQ(munmap(pages, 2 * page), 0);
 }
 
 TEST(Whitespace, StrippingKeepsInnerWhitespace) {

@@ -215,6 +215,30 @@ TEST_F(XmlEvents, TextsHaveTheLimitOfTheTreeParser) {
   }
 }
 
+// A tree alone reports that an identifier is there twice.
+TEST_F(XmlEvents, OnlyFilesUpTo16MiBAreReportedByATree) {
+  constexpr std::size_t limit = 16 * 1024 * 1024;
+  const XmlRootReader reader = {
+      .child_names = {},
+      .grandchild_names = {},
+      .begin = [](const char *) {},
+      .read_child = [](const XmlElement &) {},
+  };
+  const std::string comment = "<!--" + std::string(1024 * 1024, 'x') + "-->";
+  const std::string end = "<b xml:id='i'/><b xml:id='i'/></x>";
+  for (const std::size_t size : {limit, limit + 1}) {
+    std::string bytes = "<a>";
+    while (bytes.size() + comment.size() + end.size() < size) {
+      bytes += comment;
+    }
+    bytes.append(size - bytes.size() - end.size(), ' ');
+    write_file(path, bytes + end);
+    EXPECT_FALSE(v_xml_read_root_children(path.c_str(), reader));
+    const std::string report = v_error_get();
+    EXPECT_EQ(report.find("already defined") != std::string::npos, size == limit) << report;
+  }
+}
+
 // Bytes that the allocator has given out.
 std::size_t memory_in_use() {
 #ifdef __SANITIZE_ADDRESS__
