@@ -216,6 +216,7 @@ TEST_F(Settings, EveryElementIsRead) {
       {printout("<identifier setting='Inventory ID'/>"), {{"identifier", "2"}}},
       {printout("<identifier setting='Inventory ID or Object ID'/>"), {{"identifier", "3"}}},
       {printout("<identifier setting='None'/><identifier setting='none'/>"), {{"identifier", "0"}}},
+      {printout("<identifier setting='None'/><identifier setting='Object ID'/>"), {}},
       {printout("<layout filename='l.layout'/>"), {{"layout", "l.layout"}}},
       {printout("<layout filename=''/>"), {{"layout", ""}}},
       {printout("<paper name='A4' orientation='Landscape'/>"), {{"landscape", "1"}}},
