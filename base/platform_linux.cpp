@@ -15,7 +15,8 @@ bool read_exe_link(OwnedText &path, const char *link) {
 
 OwnedText v_platform_get_exe_path() {
   OwnedText path;
-  if (!read_exe_link(path, "/proc/self/exe") || !path) {
+  read_exe_link(path, "/proc/self/exe");
+  if (!path) {
     v_error_set("Error getting exe path from system.");
   }
   return path;

@@ -142,9 +142,9 @@ void upgrade_component_if_needed(const char *layouts_folder, const char *file_na
 void v_delivered_components_upgrade_layouts(const char *workspace_folder,
                                             const char *layouts_folder) {
   upgrade_standard_layout(workspace_folder, layouts_folder);
-  for (int version = 0; version < 2; version++) {
-    for (const EarlierLayout &layout : earlier_layouts) {
-      upgrade_component_if_needed(layouts_folder, layout.file_name, layout.digests[version]);
+  for (const EarlierLayout &layout : earlier_layouts) {
+    for (const char *digest : layout.digests) {
+      upgrade_component_if_needed(layouts_folder, layout.file_name, digest);
     }
   }
 }
