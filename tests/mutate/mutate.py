@@ -65,6 +65,8 @@ MEMORY_BYTES = 6 << 30
 # How long a test case may take: the factor is that of the time that it took with nothing broken.
 SLOWNESS = 5
 PATIENCE_SECONDS = 10
+# How many cases may fail by chance before that is none.
+CHANCES = 4
 CASE = re.compile(r"\[ +(RUN|OK|FAILED) +\] ([\w/]+\.[\w/]+)(?:.*\((\d+) ms\))?")
 
 
@@ -143,6 +145,18 @@ class Copy:
             errors="replace",
         )
         return "" if built.returncode == 0 else built.stdout + built.stderr
+
+    def failing_case(self, suite, gtest_filter, times):
+        """The first case that fails, or an empty text. One that then passes by itself failed by
+        chance, unless others do so, too."""
+        separator = ":" if "-" in gtest_filter else "-"
+        for _ in range(CHANCES):
+            case = self.run(suite, gtest_filter, times)
+            if not case or self.run(suite, case, times):
+                break
+            gtest_filter += separator + case
+            separator = ":"
+        return case
 
     def run(self, suite, gtest_filter, times):
         """Runs the cases of the filter until one fails, and adds the seconds that each took to
@@ -292,7 +306,7 @@ class Trial:
             for suite, gtest_filter in self.steps():
                 if self.copy.build(suite):
                     return None
-                if case := self.failing_case(suite, gtest_filter):
+                if case := self.copy.failing_case(suite, gtest_filter, dict(self.times)):
                     return case
             return ""
         finally:
@@ -312,22 +326,12 @@ class Trial:
                 if other.startswith(f"{suite}."):
                     yield other, gtest_filter if suite in named else "*"
 
-    def failing_case(self, suite, gtest_filter):
-        """A case counts when it fails once more by itself: others failed by chance."""
-        separator = ":" if "-" in gtest_filter else "-"
-        while case := self.copy.run(suite, gtest_filter, dict(self.times)):
-            if self.copy.run(suite, case, dict(self.times)):
-                return case
-            gtest_filter += separator + case
-            separator = ":"
-        return ""
-
 
 def measure(copy, suites):
     """Returns the seconds of each case with nothing broken."""
     times = {}
     for suite in suites:
-        if case := copy.run(suite, "*", times):
+        if case := copy.failing_case(suite, "*", times):
             sys.exit(f"{suite}: {case} fails although nothing is broken")
     return times
 
