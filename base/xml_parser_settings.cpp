@@ -50,7 +50,6 @@ XmlParserSettings::XmlParserSettings()
     : substitute_entities(xmlSubstituteEntitiesDefault(1)),
       load_external_dtd(std::exchange(xmlLoadExtDtdDefaultValue, 1)),
       external_entity_loader(xmlGetExternalEntityLoader()) {
-  report.reset();
   xmlResetLastError();
   xmlSetGenericErrorFunc(nullptr, collect_report);
   xmlSetExternalEntityLoader(refuse_external_entity);

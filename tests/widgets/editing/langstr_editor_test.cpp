@@ -251,6 +251,15 @@ TEST_F(LangstrEditorTest, IsNotWidenedByALongTag) {
   EXPECT_LT(width, usual + 400);
 }
 
+TEST_F(LangstrEditorTest, AChoiceWithALongTagHasRoomForEveryLanguage) {
+  make({{"sv", "a"}, {std::string(500, 'x').c_str(), "b"}});
+  int usual = 0;
+  int width = 0;
+  gtk_widget_get_preferred_width(GTK_WIDGET(combo(0)), &usual, nullptr);
+  gtk_widget_get_preferred_width(GTK_WIDGET(combo(1)), &width, nullptr);
+  EXPECT_GE(width, usual);
+}
+
 // ---- Reading ------------------------------------------------------------------------------------
 
 TEST_F(LangstrEditorTest, ReturnsTheRowsThatHaveAText) {
