@@ -28,9 +28,7 @@ PAGE_WIDTH = "return document.documentElement.getBoundingClientRect().right"
 
 class PrintedCodeset(unittest.TestCase):
     def setUp(self):
-        self.scratch = pathlib.Path(
-            self.enterContext(tempfile.TemporaryDirectory(prefix="print."))
-        )
+        self.scratch = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="print.")))
         self.browser = Browser(self.scratch / "browser")
         self.addCleanup(self.browser.end)
         self.texts = [
