@@ -54,7 +54,8 @@ def installed_files():
         f"share/doc/{PROGRAM}/LICENSE",
     }
     documents = [SOURCE / "docs" / name for name in ("user-guide.md", "codeset-format.md")]
-    documents += (SOURCE / "docs" / "pictures").iterdir()
+    for folder in ("pictures", "print"):
+        documents += (SOURCE / "docs" / folder).iterdir()
     files |= {f"share/doc/{PROGRAM}/{path.relative_to(SOURCE / 'docs')}" for path in documents}
     if (SOURCE / "CHANGELOG.md").exists():
         files.add(f"share/doc/{PROGRAM}/changelog")
