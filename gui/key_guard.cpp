@@ -138,7 +138,7 @@ void doubt(GdkEvent *event) {
 }
 
 // A second press of the same key means that the key is held; any other key, or the release, means
-// that it was pressed anew. True when the event was put back into the queue: it follows the
+// that it was pressed again. True when the event was put back into the queue: it follows the
 // doubtful press, whose handlers may run a main loop.
 bool settle_doubt(GdkEvent *event) {
   if (!doubtful_press.event) {

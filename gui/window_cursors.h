@@ -6,8 +6,8 @@
 
 // The "wait" cursor on every window.
 void v_window_cursors_show_wait(VWindowStack *stack);
-// The standard cursor on every window below the top entry, whose own window keeps the one it has.
+// Sets the standard cursor on every window below the top entry. The top entry's own window keeps
+// its cursor.
 void v_window_cursors_show_standard_below_top(VWindowStack *stack);
-// The standard cursor on every window below the top entry, whose own window loses the one that the
-// stack has set.
+// The same, and removes the cursor that the stack has set on the top entry's own window.
 void v_window_cursors_clear_top(VWindowStack *stack);
