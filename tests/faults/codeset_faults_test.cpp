@@ -64,7 +64,7 @@ TEST(CodesetFaults, Read) {
          .run = read_codeset,
          .promises =
              {
-                 // Only asks whether the file could keep the program waiting.
+                 // This call only checks whether opening the file could block.
                  {{Call::stat}, file_name, 0, Result::succeeds, "", done},
                  {opening, file_name, 0, Result::fails,
                   "Error loading codeset file.\n\nCannot open file.\n\n{error}", untouched},
@@ -80,7 +80,7 @@ protected:
   const OwnedCodeset codeset = make_codeset();
   const std::function<std::optional<std::string>()> write = [this]() -> std::optional<std::string> {
     const bool is_written = v_codeset_io_write_to_file(codeset.get(), on_ground(file_name).c_str());
-    // In memory it stays what it was, so that the user can try again.
+    // The codeset in memory is unchanged, so that the user can try again.
     return is_written ? std::optional(text_of(*codeset)) : std::nullopt;
   };
   const std::vector<Promise> promises = {
@@ -91,7 +91,7 @@ protected:
        "Cannot access file.\n\nCannot unlink file.\n\n{error}",
        untouched},
       {{Call::stat}, file_name, 0, Result::succeeds, "", done},
-      // The old file is gone by then: saving is not atomic, on purpose.
+      // The old file is already deleted: saving is not atomic, on purpose.
       {opening, file_name, 0, Result::fails, "Cannot create file.\n\nCannot open file.\n\n{error}",
        without(file_name)},
       {writing, file_name, 0, Result::fails, "File I/O error when writing to file.",

@@ -35,7 +35,7 @@ const char *take_for(const char *digest) {
 
 } // namespace
 
-// Stands before GLib's.
+// Replaces GLib's function.
 extern "C" void g_checksum_get_digest(GChecksum *checksum, guint8 *digest, gsize *length) {
   const char *text = take_for(g_checksum_get_string(checksum));
   for (gsize i = 0; i < *length; i++) {
@@ -91,8 +91,8 @@ TEST_F(ComponentFaults, Upgrade) {
                                            on_ground("workspace/layouts").c_str());
     return "";
   };
-  // No failure is one of the upgrade: the workspace stays usable with what it has. A file that the
-  // user has changed is never touched, and none is left half written.
+  // A failing call never makes the upgrade fail: the workspace stays usable with the files that it
+  // has. A file that the user has changed is never touched, and none is left half written.
   const auto whole_or_gone = [](const Trial &trial) {
     for (const auto &[name, content] : trial.after) {
       const auto before = trial.before.find(name);

@@ -18,14 +18,14 @@ inline std::vector<Promise> install_promises(const std::string &kind, const Outc
                                      Call::close};
   const std::vector<Call> closing = {Call::fclose, Call::close};
   return {
-      // A source that cannot be asked about is opened all the same.
+      // A source whose status cannot be read is opened anyway.
       {{Call::stat}, source, 0, Result::succeeds, "", done},
       {{Call::opendir}, source, 0, Result::fails, "Cannot open folder.\n\n{error}", at_first},
       {{Call::stat}, target, 0, Result::fails, "Cannot get file status.\n\n{error}", at_first},
       {{Call::mkdir}, target, 0, Result::fails, "Cannot create folder.\n\n{error}", at_first},
       {{Call::readdir}, source, 0, Result::fails, "Cannot read folder contents.\n\n{error}", later},
       {{Call::closedir}, source, 0, Result::succeeds, "", done},
-      // The second time, opening asks whether the file could keep the program waiting.
+      // The second call is made when the file is opened, and only checks whether that could block.
       {{Call::stat}, source + "/*", 2, Result::succeeds, "", done},
       {{Call::stat}, target + "/*", 2, Result::succeeds, "", done},
       {{Call::stat}, source + "/*", 0, Result::fails, "Cannot get file status.\n\n{error}", later},

@@ -23,7 +23,7 @@ const Call calls[] = {Call::open,   Call::fopen,  Call::read,    Call::fread,   
                       Call::fwrite, Call::fflush, Call::close,   Call::fclose,  Call::unlink,
                       Call::mkdir,  Call::stat,   Call::opendir, Call::readdir, Call::closedir};
 
-// Takes more than is written at once.
+// Larger than a single write.
 OwnedCodeset codeset_of_version(const char *version) {
   OwnedCodeset codeset = v_codeset_new();
   codeset->name = langstr_of({{"sv", "Namn"}});
@@ -35,7 +35,7 @@ OwnedCodeset codeset_of_version(const char *version) {
   return codeset;
 }
 
-// "" for what is missing or not whole.
+// "" for a codeset that is missing or incomplete.
 std::string version_of(const OwnedCodeset &codeset) {
   return codeset && remarks_of(codeset->remarks).size() == 400 ? codeset->version.get() : "";
 }

@@ -12,7 +12,7 @@ namespace {
 constexpr const char *source = "elsewhere/a.codeset";
 constexpr const char *target = "workspace/codesets/a.codeset";
 
-// More than the C library and the streams take at once.
+// Longer than the buffers of the C library and of the streams.
 const std::string long_text = [] {
   std::string text;
   for (int i = 0; i < 3000; i++) {
@@ -28,10 +28,10 @@ const std::vector<Call> writing = {Call::fwrite, Call::write, Call::fflush, Call
 const std::vector<Call> closing = {Call::fclose, Call::close};
 
 const std::vector<Promise> copy_promises = {
-    // Only asks whether the file could keep the program waiting.
+    // This call only checks whether opening the file could block.
     {{Call::stat}, "*", 0, Result::succeeds, "", done},
     {opening, source, 0, Result::fails, "Opening input file failed.", with_empty(target)},
-    // Nothing was read yet, as from a file that cannot be opened.
+    // Nothing has been read yet, so the failure is that of a file that cannot be opened.
     {reading, source, 1, Result::fails, "File read error.", with_empty(target)},
     {reading, source, 0, Result::fails, "File read error.", without(target)},
     {closing, source, 0, Result::succeeds, "", done},

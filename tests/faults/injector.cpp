@@ -43,7 +43,7 @@ struct Watch {
   std::map<DIR *, std::string> listings;
 };
 
-// Null outside, and before the program's own variables are made.
+// Null before start and after stop, and until static variables are initialised.
 Watch *watch = nullptr;
 long library_blocks = 0;
 
@@ -80,7 +80,7 @@ bool must_fail(Call call, const std::string &path) {
   return true;
 }
 
-// For a failing call to return with.
+// Sets errno to the fault's error and returns the result.
 template <typename Result>
 Result fail_with_errno(Result result) {
   errno = watch->fault.error_number;
@@ -89,7 +89,7 @@ Result fail_with_errno(Result result) {
 
 bool is_first_failure() { return watch->count == watch->fault.nth; }
 
-// The function that ours replaces.
+// The function that the one of this file replaces.
 template <typename Function>
 Function *next(const char *name) {
   return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
@@ -164,7 +164,7 @@ char *duplicate(const char *text) {
   return strdup(text);
 }
 
-// Before libxml2 has anything of its own.
+// Set before libxml2 allocates anything.
 [[maybe_unused]] const int allocator_is_set =
     xmlGcMemSetup(release, allocate, allocate, reallocate, duplicate);
 
@@ -193,7 +193,7 @@ long injector::count_library_blocks() {
   return library_blocks;
 }
 
-// The calls themselves. Each asks for the one behind it once.
+// The replacements of the calls. Each looks up the original once.
 extern "C" {
 
 int open(const char *path, int flags, ...) {
@@ -219,7 +219,7 @@ int openat(int folder, const char *path, int flags, ...) {
   va_start(arguments, flags);
   const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
-  // Nobody here opens below a folder's descriptor.
+  // The program never opens a file relative to a folder's descriptor.
   return watched(path) ? open(path, flags, mode) : real(folder, path, flags, mode);
 }
 

@@ -1,16 +1,16 @@
 #pragma once
 // Makes the Nth call of the C library fail, and the Nth allocation that a library reports instead
-// of aborting. The test program defines the calls itself, so that those made inside the libraries
-// come here too. Only what happens below one folder is counted and failed, and only between start
-// and stop: the test itself, its framework and the loader are never disturbed.
+// of aborting. The test program defines the calls itself, so calls made inside the libraries are
+// included. Only calls for entries of one folder are counted and failed, and only between start and
+// stop: the test itself, its framework and the loader are never disturbed.
 
 #include <optional>
 #include <string>
 #include <vector>
 
-// fopen, and fdopen as well, counts as a call of its own and as the open that it makes; in the same
-// way there are read and write under the buffered calls, and close under fclose. allocate is
-// libxml2's allocator and GLib's g_try_malloc, compile is g_regex_new.
+// fopen and fdopen count as calls of their own and also as the open that they make. In the same way
+// the buffered calls include read and write, and fclose includes close. allocate is libxml2's
+// allocator and GLib's g_try_malloc, compile is g_regex_new.
 enum class Call {
   open,
   fopen,
@@ -41,13 +41,13 @@ struct Fault {
   std::vector<Call> calls;
   int nth = 1; // of the calls together, from 1
   int error_number = 0;
-  bool from_then_on = false; // as on a disk that is gone; otherwise one call fails
+  bool from_then_on = false; // as on a removed disk; otherwise one call fails
 };
 
 // The first call that was made to fail.
 struct Hit {
   Call call;
-  std::string path;   // below the watched folder; "" for what has no path
+  std::string path;   // below the watched folder; "" for a call without a path
   int occurrence = 1; // which call of its kind on this path it was
 };
 
@@ -58,7 +58,7 @@ struct Report {
 
 namespace injector {
 
-// Counts what happens below the folder (an absolute path) and lets the fault strike.
+// Counts the calls for entries of the folder (an absolute path) and makes those of the fault fail.
 void start(const std::string &folder, const Fault &fault);
 Report stop();
 // Blocks of memory that libxml2 holds, apart from its record of the last error.

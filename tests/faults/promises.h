@@ -14,10 +14,11 @@
 // "home" in it, the configuration folder "home/.config", the state folder "home/.local/state", the
 // installation "install".
 std::string ground_folder();
-// The full path of an entry of the folder.
+// The full path of an entry of that folder.
 std::string on_ground(const std::string &name);
 
-// How the folder looked before and after one call had failed, and how it looks when none does.
+// Contents of the folder before and after a run in which a call failed, and after a run without a
+// failure.
 struct Trial {
   const Contents &before;
   const Contents &after;
@@ -32,16 +33,16 @@ using Outcome = std::function<std::string(const Trial &)>;
 std::string untouched(const Trial &trial);
 // As if nothing had failed.
 std::string done(const Trial &trial);
-// As before, but what the failing call was about is not there.
+// As before, but the file or folder of the failing call is missing.
 std::string without_what_failed(const Trial &trial);
-// As if nothing had failed, but what the failing call was about is as before.
+// As if nothing had failed, but the file or folder of the failing call is as before.
 std::string done_but_for_what_failed(const Trial &trial);
 // Every file and folder as before or as if nothing had failed, as far as the operation had come.
 std::string partly_done(const Trial &trial);
-// As before, but the one is not there, or is an empty file.
+// As before, but the named file is missing (without) or empty (with_empty).
 Outcome without(const std::string &name);
 Outcome with_empty(const std::string &name);
-// As before, and the one may have been made.
+// As before, but the named entry may have been created.
 Outcome untouched_but_for(const std::string &name);
 
 enum class Result { fails, succeeds };
@@ -60,7 +61,7 @@ struct Operation {
   Contents ground;
   // Returns the operation's result as text, none when it failed.
   std::function<std::optional<std::string>()> run;
-  // The first that fits counts. A failing call that none fits is a fault of its own.
+  // The first matching promise applies. A failing call without a matching promise fails the test.
   std::vector<Promise> promises;
   // The start of every message about exhausted memory; "*" stands for any text.
   std::string message_without_memory = "?*";
@@ -68,8 +69,8 @@ struct Operation {
   bool tells_causes = true;
 };
 
-// Lets each call fail in turn until the operation runs through without a fault, and checks after
+// Makes each call fail in turn until the operation runs through without a fault, and checks after
 // each: the result, the message, the files on disk, and that nothing is left open or allocated.
-// Besides the single faults, all calls of the file system fail from the Nth on, as on a disk that
-// is gone. Allocations fail one at a time: when every allocation fails, libxml2 itself crashes.
+// Besides single faults, all calls of the file system from the Nth on fail, as on a disk that was
+// removed. Allocations fail one at a time: when every allocation fails, libxml2 itself crashes.
 void sweep(const Operation &operation);

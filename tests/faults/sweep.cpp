@@ -110,14 +110,14 @@ std::string differences(const Trial &trial, const Contents &expected) {
       [](const auto &before, const auto &after, const auto &) { return before == after; });
 }
 
-// An operation that removes a file and then writes it again may have done only the first.
+// An operation that removes a file and then writes a new one may have only removed it.
 bool is_before_or_after_or_between(const std::optional<std::string> &before,
                                    const std::optional<std::string> &after,
                                    const std::optional<std::string> &undisturbed) {
   return after == before || after == undisturbed || (!after && before != undisturbed);
 }
 
-// On a disk that is gone, half a file cannot be removed.
+// When all later calls fail, a file that is half written cannot be removed.
 bool is_never_foreign(const std::optional<std::string> &before,
                       const std::optional<std::string> &after,
                       const std::optional<std::string> &undisturbed) {
@@ -200,7 +200,7 @@ private:
     return finished;
   }
 
-  // Ends with the run that no fault has struck, or at the first one that is not as promised.
+  // Ends after the first run without a failing call, or after the first broken promise.
   void fail_in_turn(const std::vector<Call> &calls, const SystemError &error, bool from_then_on,
                     const Check &check) {
     bool is_struck = true;
@@ -225,8 +225,8 @@ private:
     check_leaks(name_of(calls[0]), error);
   }
 
-  // A file that is to be renamed is written beside the one that it replaces, under its name with a
-  // period and six characters. On a disk that is gone it cannot be removed. The part that is not
+  // A file to be renamed is written beside the one that it replaces, under its name with a period
+  // and six characters. When all later calls fail it cannot be removed. The part that is not
   // written yet is zeros.
   void forget_files_beside(Contents &after) const {
     for (const auto &[name, content] : undisturbed.after) {
@@ -275,8 +275,8 @@ private:
     return nullptr;
   }
 
-  // For what may fail in too many places to say beforehand which of them count: a success is a
-  // whole one, a failure says so.
+  // For operations with too many failing calls to list a promise for each: a success has the full
+  // result, and a failure has a message.
   void check_whatever_came_out(const Run &finished, const std::string &message,
                                const Fits &fits) const {
     if (finished.result) {

@@ -27,7 +27,7 @@ constexpr const char *named = "workspace/codesets/named.codeset";
 constexpr const char *same = "workspace/codesets/same.codeset";
 constexpr const char *delivered = "install/codesets/same.codeset";
 
-// More than a buffer takes at once.
+// Longer than one buffer.
 const std::string long_text(20'000, 'm');
 
 const Contents ground = {
@@ -42,8 +42,8 @@ OwnedText text_callback(const char *path, void *) {
 
 int edit_callback(const char *, void *) { return 1; }
 
-// A user who wants one thing done in the main window, answers what is asked, and gives up where
-// something is refused.
+// A user who performs one action in the main window, answers its questions, and cancels what is
+// refused.
 class User {
 public:
   User(const char *row_text, const char *button_label) : row(row_text), button(button_label) {}
@@ -65,8 +65,8 @@ public:
   }
 
 private:
-  // A look when there is nothing else to do. Each has a source of its own: what one does may wait
-  // in another window, at which the user looks again.
+  // Schedules a look at the top window for when the program is idle. Each look has a source of its
+  // own: an action may wait for another window, at which the user must look as well.
   void schedule() {
     source = g_timeout_add_full(
         G_PRIORITY_LOW, 1,
@@ -216,7 +216,7 @@ TEST_P(WindowFaults, LeaveNoFileHalfWrittenAndReportEachFailure) {
       const std::string content = is_there ? changed->second : "";
       if (after != done) {
         EXPECT_THAT(user.told, testing::Not(IsEmpty()));
-        // As it was before, or gone; a source that fails at its first read leaves an empty file.
+        // As before, or deleted; a source that fails at its first read leaves an empty file.
         const auto kept = before.find(action.changed);
         EXPECT_TRUE(content.empty() || (kept != before.end() && content == kept->second))
             << content.size() << " bytes";

@@ -37,7 +37,7 @@ std::vector<Promise> operator+(std::vector<Promise> first, const std::vector<Pro
 // A failed save leaves the old pointer file, and perhaps the folder for it.
 const std::vector<Promise> pointer_save_promises = {
     {{Call::stat}, pointer_folder, 0, Result::fails, no_config_folder, untouched},
-    // A parent that cannot be asked about is taken to be there.
+    // A parent whose status cannot be read counts as existing.
     {{Call::stat}, config, 0, Result::succeeds, "", done},
     {{Call::mkdir}, pointer_folder, 0, Result::fails, no_config_folder, untouched},
     {{Call::stat, Call::lstat}, pointer_file, 0, Result::succeeds, "", done},
@@ -142,7 +142,7 @@ protected:
 };
 
 TEST_F(WorkspaceFaults, Open) {
-  // A pointer file that cannot be read is as good as none, and there is no default folder here.
+  // A pointer file that cannot be read counts as missing, and there is no default folder here.
   std::vector<Promise> promises = xml_read_promises(pointer_file);
   promises = promises + std::vector<Promise>{
                             {{Call::stat},
@@ -186,7 +186,7 @@ TEST_F(WorkspaceFaults, Open) {
          .promises = promises});
 }
 
-// A failure takes everything back but the folder for the pointer file.
+// A failure undoes everything except the folder for the pointer file.
 std::vector<Promise> creation_promises(const std::vector<std::string> &kinds) {
   std::vector<Promise> promises = {
       {{Call::stat},
