@@ -55,9 +55,9 @@ bool is_markup(const OwnedCodeset &codeset) {
   });
 }
 
-// An untagged text that is also there under a tag. One element after the other makes such a string:
-// the second untagged text takes the place of the first. Written and read, tagged and untagged
-// become one translation.
+// An untagged text and a tagged one are equal. The file can be read into such a string, because a
+// second untagged text replaces the first one; but when it is written and read back, the two become
+// one translation.
 bool is_merged_when_read(const Translations &translations) {
   const auto text_of_tag = [&](const auto &tagged) {
     return std::any_of(translations.begin(), translations.end(), [&](const auto &untagged) {

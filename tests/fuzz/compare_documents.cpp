@@ -61,9 +61,9 @@ struct Run {
   unsigned jobs;
 };
 
-// In memory that a job shares with its parent.
+// Is in memory that the job shares with its parent.
 struct Job {
-  std::atomic<std::uint64_t> number; // of the document that it is at
+  std::atomic<std::uint64_t> number; // of the document that it compares
   pid_t process;
 };
 

@@ -23,9 +23,10 @@ bool has_old_message();
 // After a failure: there is a new message, and it can be shown.
 void require_message();
 
-// The bytes before the first zero byte: every such text is one of ISO-8859-1, few are of UTF-8.
+// The bytes before the first zero byte. Every such text is valid ISO-8859-1, few are valid UTF-8.
 std::string text_of(const std::uint8_t *data, std::size_t size);
-// The parts of the text between the separators; at most so many, the last with all that is left.
+// The parts of the text between the separators, at most maximum_count; the last one has the whole
+// rest.
 std::vector<std::string> split(const std::string &text, char separator, std::size_t maximum_count);
 bool contains_any_of(const std::string &text, const char *characters);
 // Whether the text can be read back once it is normalised: ends are not white, and single spaces

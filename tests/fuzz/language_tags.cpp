@@ -19,7 +19,7 @@ bool is_ascii(const std::string &text) {
   return true;
 }
 
-// By comparing with every row.
+// Compares the tag with that of every row.
 int row_of(const std::string &tag) {
   int row = v_supported_languages_get_count() - 1;
   while (row >= 0 && tag != v_supported_languages_get_tag(row)) {

@@ -7,8 +7,8 @@
 
 namespace {
 
-// Where text and hexadecimal digest part, from 0 to the length of the shorter, counted in pairs of
-// digits, since a byte is looked at whole.
+// The number of pairs of digits at the beginning in which the text equals the hexadecimal digest.
+// Counted in pairs because the program compares whole bytes.
 std::size_t equal_pairs(const std::string &text, const std::string &digits) {
   std::size_t pair = 0;
   while (pair * 2 < digits.size() && text.substr(pair * 2, 2) == digits.substr(pair * 2, 2)) {

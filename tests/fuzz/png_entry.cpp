@@ -11,7 +11,7 @@ namespace {
 // A few bytes can promise a picture that takes all memory and minutes; that is no fault.
 constexpr std::uint64_t maximum_pixel_count = 1 << 18;
 
-// Width and height of the header, 0 for what has none.
+// The number of pixels that the header states, 0 for data without a header.
 std::uint64_t promised_pixel_count(const std::uint8_t *data, std::size_t size) {
   const auto word = [data](std::size_t position) {
     std::uint64_t value = 0;

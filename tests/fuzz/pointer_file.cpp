@@ -14,7 +14,7 @@ namespace {
 class ConfigurationFolder {
 public:
   ConfigurationFolder() {
-    // Asked for once in the life of the process.
+    // GLib reads the variable once per process.
     setenv("XDG_CONFIG_HOME", folder.path(), 1);
     make_folder(folder / "vantorelle");
   }

@@ -51,7 +51,7 @@ std::vector<Character> latin1_characters(const std::string &text) {
   return characters;
 }
 
-// Bytes that are not UTF-8 are characters for themselves.
+// A byte that is not part of valid UTF-8 counts as one character.
 std::vector<Character> utf8_characters(const std::string &text) {
   std::vector<Character> characters;
   for (const char *at = text.c_str(); *at != '\0';) {

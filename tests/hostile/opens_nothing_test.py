@@ -93,7 +93,7 @@ class OpensNothing(unittest.TestCase):
     def read(self, files):
         """The output of the reader, and the traced lines of its calls."""
         log = self.path("strace")
-        # Looking for leaks is itself done by tracing, which nobody can do twice.
+        # The leak checker traces the process too, and a process can be traced only once.
         environment = dict(os.environ, ASAN_OPTIONS="detect_leaks=0")
         result = subprocess.run(
             [

@@ -11,7 +11,7 @@ class Choices {
 public:
   Choices(const std::uint8_t *bytes, std::size_t length) : next(bytes), end(bytes + length) {}
 
-  // Below the count, which is at most 65536.
+  // A number below the count, which is at most 65536.
   unsigned below(unsigned count) {
     unsigned number = byte();
     if (count > 256) {

@@ -127,8 +127,8 @@ bool has_markup_in_codes(const CodesetContents &contents) {
   });
 }
 
-// One element after the other can make a string that is not the same when it is read back: an
-// untagged text that takes the place of another may be one that is there under a tag.
+// A string that is collected element by element may differ when it is read back: a second untagged
+// text that replaces the first may equal a tagged one.
 CodesetContents collected_again(CodesetContents contents) {
   contents.name = second_collect(contents.name);
   contents.author = second_collect(contents.author);

@@ -5,7 +5,7 @@
 
 #include "fuzz/oracle/documents.h"
 
-// Has both read the document, and ends the program with a report of the document and of both sides
-// when they differ: in verdict, message or contents, and for codesets in the bytes that are written
-// and in what is read back from them.
+// Reads the document with both readers, and ends the program with a report of the document and of
+// both results when they differ: in verdict, message or contents, and for codesets in the bytes
+// that are written and in the codeset that is read back from them.
 void compare_readers(DocumentKind kind, const std::string &document);

@@ -94,7 +94,7 @@ const char *const words[] = {
     "&apos;", "&#65;",    "&#xE5;",  "&#38;",        "&#60;",     "  x  ",       "a \n b",
     "\u00A0", "x\u0085y", "&#xA0;z", "a&#xD;&#x9;b", "N",         "text",        "&amp;amp;",
     "-->",    "?>",       "é",       "e f g",        "sv",        "long\r\none", "a&#10;&#10;b"};
-// And others, which no codeset may hold.
+// Texts with characters that no codeset may hold.
 const char *const strange_words[] = {"\u20AC", "x\u20ACy", "\U0001F600", "&#x20AC;", "&#128512;",
                                      "\u2003", "\u0100",   "a\u0301",    "\uFEFF",   "&#x2028;"};
 // Words that no document may contain.
@@ -208,7 +208,7 @@ public:
   }
 
 private:
-  // Something that may make the document one that is refused.
+  // True when the generator is to insert a construct for which readers may refuse the document.
   bool fault() { return fault_rate != 0 && choices.one_in(fault_rate); }
 
   // ------------------------------------------------ encodings
@@ -322,7 +322,7 @@ private:
     static const unsigned lengths[] = {100'000, 40'000, 300'000, 9'999'990, 1'000'000, 11'000'000};
     unsigned length = choices.of(kilobytes);
     if (long_texts == LongTexts::megabytes) {
-      // Few are longer than the first: they take seconds.
+      // Lengths after the first two are rare, because such documents take seconds.
       length = lengths[choices.one_in(64) ? choices.below(6) : choices.below(2)];
     }
     static const char *const fillings[] = {"a", " ", "b ", "å", "\n", "&#97;", "]", "-"};
@@ -549,7 +549,7 @@ private:
 
   // ------------------------------------------------ elements
 
-  // Between elements, where text counts for nothing either.
+  // Content between elements, where readers ignore text.
   std::string between() {
     std::string result;
     for (unsigned pieces = 1 + choices.below(3); pieces > 0; --pieces) {

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-// A fuzzing engine is drawn to what takes long, so that its texts have to be short.
+// Fuzzing engines favour slow inputs, so they need short texts.
 enum class LongTexts { kilobytes, megabytes };
 
 enum class DocumentKind { codeset, settings, pointer };

@@ -146,7 +146,7 @@ xmlParserInput *refuse_external_entity(const char *, const char *, xmlParserCtxt
   return nullptr;
 }
 
-// The settings of the library that a parse takes place under.
+// The library's settings during a parse.
 class ParserSettings {
 public:
   explicit ParserSettings(std::string &collected)

@@ -36,12 +36,12 @@ struct SettingsReading {
   bool is_read;
   SettingsFields fields;
   std::string message;
-  // Some element of a settings file could not be used. Which of several messages is the last one
-  // is left to the reader then.
+  // Some element of a settings file could not be used. Then readers may differ in which of several
+  // messages is the last one.
   bool is_partly_read;
 };
 
-// Reads over the given fields, which have the names that fields_of_settings uses.
+// Overwrites the given fields, named as in fields_of_settings, with those of the file.
 SettingsReading second_read_settings(const std::string &path, SettingsFields fields,
                                      const std::string &held_message);
 // A list of texts as one field.
