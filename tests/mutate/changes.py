@@ -29,7 +29,8 @@ BASES = (("0x", 16, "x"), ("0b", 2, "b"), ("0", 8, "o"), ("", 10, "d"))
 FLOAT = re.compile(r"([0-9]+\.[0-9]*)([fF]?)")
 CHARACTER = re.compile(r"'([^\\'])'|'\\0'")
 TEXT = re.compile(r'(?:u8)?"(.*)"', re.DOTALL)
-# What a letter of a text may belong to; only a letter of its own is replaced.
+# Escape sequences and format conversions, whose letters must stay. The group is a letter outside of
+# them, which may be replaced.
 TEXT_PARTS = re.compile(r"%[^a-zA-Z%]*(?:hh|h|ll|l|z|j|t)?[a-zA-Z%]|\\x[0-9a-fA-F]+|\\.|([a-zA-Z])")
 DIRECTIVE = re.compile(r"^[ \t]*#(?:.*\\\n)*.*$", re.MULTILINE)
 
@@ -61,7 +62,7 @@ class Change:
     added: tuple
 
     def identity(self):
-        """The same after lines were moved."""
+        """Is the same for the same change after lines were moved."""
         return self.file, self.function, self.removed, self.added
 
     def diff(self):

@@ -30,8 +30,8 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 FOLDER = pathlib.Path(os.environ.get("VANTORELLE_BUILD", ROOT / "build")).resolve() / "mutate"
 EQUIVALENTS = ROOT / "tests" / "mutate" / "equivalents"
 
-# The tests of CTest that may notice a change in the folder. The same tests in other locales run for
-# what these do not notice.
+# The tests of CTest that may notice a change in the folder. Changes that they do not notice are
+# also tested in the other locales.
 SUITES = {
     "base": ("model.base", "model.base_fake", "model.base_macos", "faults"),
     "suite": ("model.suite", "faults"),
@@ -56,16 +56,16 @@ CONFIGURATION = (
     "-DCMAKE_BUILD_TYPE=",
     "-DVANTORELLE_WERROR=ON",
     "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld",
-    # The file of the last change is compiled once more as it was.
+    # Restoring a source file after its change costs no second compilation.
     "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache",
 )
 
-# A broken rule may ask for memory without end.
+# A changed program may allocate memory without end.
 MEMORY_BYTES = 6 << 30
-# How long a test case may take: the factor is that of the time that it took with nothing broken.
+# The longest time for a test case: PATIENCE_SECONDS, and SLOWNESS times its time without a change.
 SLOWNESS = 5
 PATIENCE_SECONDS = 10
-# How many cases may fail by chance before that is none.
+# After this many cases that each fail once and pass when run alone, the failure counts.
 CHANCES = 4
 CASE = re.compile(r"\[ +(RUN|OK|FAILED) +\] ([\w/]+\.[\w/]+)(?:.*\((\d+) ms\))?")
 
@@ -147,8 +147,8 @@ class Copy:
         return "" if built.returncode == 0 else built.stdout + built.stderr
 
     def failing_case(self, suite, gtest_filter, times):
-        """The first case that fails, or an empty text. One that then passes by itself failed by
-        chance, unless others do so, too."""
+        """The first case that fails, or an empty text. A case that passes when it runs again alone
+        failed by chance, unless others do so, too."""
         separator = ":" if "-" in gtest_filter else "-"
         for _ in range(CHANCES):
             case = self.run(suite, gtest_filter, times)
@@ -163,7 +163,7 @@ class Copy:
         `times` if it passed. Returns the case that failed, or an empty text."""
         test = self.tests[suite]
         values = {each["name"]: each["value"] for each in test["properties"]}
-        # Of what is only removed or given a default in the environment, everything was above.
+        # self.environment already has what the tests only unset or give a default.
         own = dict(each.split("=", 1) for each in values.get("ENVIRONMENT", ()))
         with tempfile.TemporaryDirectory(prefix="mutate.", ignore_cleanup_errors=True) as scratch:
             # Some tests act as another user.
@@ -313,7 +313,7 @@ class Trial:
             path.write_bytes(original)
 
     def steps(self):
-        """What most likely notices the change is first."""
+        """Yields the tests that most likely notice the change first."""
         suites = SUITES[str(pathlib.Path(self.change.file).parent)]
         named, gtest_filter = matching_cases(self.change.file)
         for suite in suites:

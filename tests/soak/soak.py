@@ -1,4 +1,4 @@
-"""Lets a random user loose on the program and sees whether it bears it:
+"""Performs random actions in the program and checks its health:
 
     tests/support/headless /usr/bin/python3 tests/soak/soak.py [ACTIONS [SEED]]
 
@@ -22,7 +22,8 @@ from user import KEPT_CODESETS, User  # noqa: E402
 DEFAULT_ACTIONS = 2000
 DEFAULT_SEED = 1
 
-# By then every window was open more than once, and what is loaded once is loaded.
+# By the first measurement every window has been opened more than once, and everything that is
+# loaded only once is loaded.
 MEASURED_EVERY = 500
 TOLERATED_GROWTH = 1.05
 
@@ -39,7 +40,7 @@ NAME_IN_EVERY_LANGUAGE = {
 
 IDLE_SECONDS = 0.5
 
-# For half a minute the accessibility bus keeps what anyone looked at, closed windows included.
+# The accessibility bus keeps inspected objects for half a minute, those of closed windows included.
 UNOBSERVED_SECONDS = 40
 
 

@@ -1,5 +1,4 @@
-"""A user who does whatever comes to mind: picks one action after the other among those that the
-active window offers."""
+"""A user who acts at random: chooses each action among those that the active window offers."""
 
 import collections
 import random
@@ -113,10 +112,10 @@ class User:
         try:
             offer.act()
         except subprocess.CalledProcessError:
-            # A window that closes while the X tools look for another makes them give up.
+            # The X tools fail when a window closes while they look for another.
             self.done["given up"] += 1
         except JourneyTimeout:
-            # What an earlier action began may close the window under the user's hand.
+            # The effect of an earlier action may close the window during this one.
             if window.is_open:
                 raise
         self.done[offer.kind] += 1
