@@ -31,8 +31,8 @@ SHARED_MEMORY = "/dev/shm/bdw-*"  # the toolkit's names
 
 
 class Session:
-    """Started at once, in the home and with nothing else of the caller's desktop. Temporary files
-    lie in `scratch`."""
+    """The script, which is started at once with a fresh home and nothing else of the caller's
+    desktop. Temporary files are in `scratch`."""
 
     def __init__(self, home, scratch, **environment):
         kept = {name: os.environ[name] for name in ("PATH", "LSAN_OPTIONS") if name in os.environ}
@@ -72,8 +72,8 @@ class Session:
         }
 
     def listening(self):
-        """Where any of the processes listens: (address, port) by socket, all of which have
-        different names."""
+        """The sockets on which any of the processes listens: (address, port) by the socket's name,
+        which is unique."""
         names = {link for pid in self.processes() for link in open_files(pid)}
         return {name: place for name, place in listening_sockets().items() if name in names}
 
@@ -88,11 +88,11 @@ class Session:
         }
 
     def find(self, name):
-        """The process of the name."""
+        """The process with that name."""
         return next(pid for pid, other in self.processes().items() if other == name)
 
     def send(self, name, number):
-        """As `kill` does, to that process alone."""
+        """Sends a signal to that process alone, as `kill` does."""
         os.kill(self.find(name), number)
 
     def stop(self, name):
@@ -105,8 +105,8 @@ class Session:
         )
 
     def expect_end(self, status, printed=""):
-        """The exit status, nobody left, and nothing more printed than what the regular expression
-        matches."""
+        """Expects the exit status, that no process is left, and that no more was printed than the
+        regular expression matches."""
         output, _ = self.process.communicate(timeout=20)
         if self.process.returncode != status or not re.fullmatch(printed, output):
             raise AssertionError(

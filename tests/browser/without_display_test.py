@@ -96,7 +96,7 @@ class WithoutDisplay(unittest.TestCase):
         ]
         runtime = self.folder / "runtime"
         runtime.mkdir(mode=0o700)
-        # At the same moment, so that they want the same port.
+        # Started at the same moment, so that all try the same port.
         sessions = [self.start(XDG_RUNTIME_DIR=str(runtime)) for _ in ends]
         places = [session.read_address()[1:] for session in sessions]
         for values in zip(*places):
@@ -190,7 +190,8 @@ class WithoutDisplay(unittest.TestCase):
             self.expect_local(session, port)
             sockets = [path for path in self.scratch.rglob("*") if path.is_socket()]
             self.assertEqual(len(sockets), 1)
-            # Only the session's own folder may be what keeps others out.
+            # The folders around it are open to others, so that only the session's own folder keeps
+            # them out.
             for folder in (self.folder, self.scratch):
                 folder.chmod(0o755)
             other_user = (pathlib.Path(__file__).parent / "other_user.py").read_text()
@@ -231,8 +232,8 @@ class WithoutDisplay(unittest.TestCase):
         self.assertEqual(alone.process.stdout.readline(), NOT_ENCLOSED)
         _, port, _ = alone.read_address()
         self.expect_local(alone, port)
-        # The machine's own memory is used here, of which the toolkit leaves some behind. A program
-        # at rest takes no more.
+        # Here the program uses the machine's own shared memory, and the toolkit leaves some of it
+        # behind. A stopped program takes no more.
         alone.stop(PROGRAM)
         memory = alone.shared_memory()
         alone.send(PROGRAM, signal.SIGKILL)
@@ -242,8 +243,8 @@ class WithoutDisplay(unittest.TestCase):
         self.assertEqual(list(self.scratch.iterdir()), [])
 
     def path_without_namespaces(self):
-        """A search path on which the command that makes them fails, as where the system forbids
-        them."""
+        """A search path on which `unshare` fails, as it does where the system forbids
+        namespaces."""
         programs = self.folder / "programs"
         programs.mkdir()
         for folder in (self.folder, programs):
@@ -288,8 +289,8 @@ class WithoutDisplay(unittest.TestCase):
         self.browser.click(editing.left + SAVE_CODESET[0], editing.bottom - SAVE_CODESET[1])
 
     def expect_window(self, number=None, above=0):
-        """The topmost window, waited for until it is drawn: that of the number, or one that was
-        made later than another."""
+        """Waits until the topmost window is drawn and is the one with the number, or one made later
+        than the window `above`."""
 
         def find():
             window = next(iter(self.browser.windows()[-1:]), None)
@@ -306,7 +307,7 @@ class WithoutDisplay(unittest.TestCase):
         return window
 
     def expect_change(self, window):
-        """The same window, waited for until it shows another text than before."""
+        """Waits until the window shows another text than before."""
 
         def find():
             now = self.browser.windows()[-1]
@@ -336,7 +337,7 @@ class WithoutDisplay(unittest.TestCase):
         return set(sockets)
 
     def expect_nothing_left(self, session, status, sockets, printed=""):
-        # By the sockets: the port may be another session's by now.
+        # Compares sockets, not ports: the port may belong to another session by now.
         session.expect_end(status, printed)
         # A process that is killed shows no command line any more before the system has closed its
         # sockets.

@@ -278,7 +278,7 @@ class Accessibility(Journey):
         _, window = self.open_main_window()
         self.assertEqual(window.list().name, "Remark codeset files")
         self.check(window)
-        # There is nothing to be cancelled here.
+        # There is nothing to cancel here.
         window.press("Escape")
         settle()
         self.assertTrue(window.is_open)

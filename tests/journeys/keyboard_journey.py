@@ -273,7 +273,7 @@ class Keyboard(Keys, WorkspaceJourney):
         window.expect_active()
 
     def expect_row(self, chooser, key, index):
-        """After the key the row of that index is selected."""
+        """Presses the key and expects the row with that index to be selected."""
         rows = chooser.list()
         display.press(key)
         chooser.program.wait(
@@ -401,7 +401,8 @@ class Keyboard(Keys, WorkspaceJourney):
         self.push(window, "Edit")
         editing = program.window("Edit remark codeset - wood.codeset")
         editing.field(UK).expect_focus()
-        # Coming to the list selects its first row, so there is something to edit and to delete.
+        # The list selects its first row when it gets the focus, so there is something to edit and
+        # to delete.
         stops = [
             UK,
             UK,
@@ -579,7 +580,7 @@ class Keyboard(Keys, WorkspaceJourney):
             lambda: self.copied() == 'The character "-" is not permitted.',
             "the message on the clipboard",
         )
-        # Return is the button's, wherever the focus is.
+        # Return presses the button, wherever the focus is.
         display.press("Return")
         error.expect_closed()
         naming.field().expect_focus()

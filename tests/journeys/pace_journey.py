@@ -97,7 +97,7 @@ class Pace(WorkspaceJourney):
                 error = program.dialog("Error")
                 settle(0.6)
                 self.assertTrue(error.is_open)
-                # Read, and answered.
+                # After the pause the message takes keys.
                 display.press("Return")
                 error.expect_closed()
                 naming.field().expect_focus()

@@ -211,7 +211,7 @@ class MainWindowPlaces(Lists):
             (self.codesets / f"case_{number:02}.codeset").unlink()
         window.button("Refresh list").act()
         program.wait(lambda: len(rows) == 57, "the list to be refreshed")
-        # Two rows above the place are gone, and the one that was it.
+        # Two rows above the selected one are gone, and the selected one too.
         self.expect_place(window, rows, name_of(45), name_of(46))
 
     def test_the_file_behind_a_new_notice_is_in_view(self):
@@ -370,7 +370,7 @@ class Keys(Lists):
                 self.expect_message(program, "Error", "None selected.", "Close")
                 selector.expect_active()
                 selector.list().expect_focus()
-                # Not at the beginning of the row.
+                # The text is not at the beginning of the row.
                 display.type_text("work")
                 codesets = selector.list()
                 program.wait(codesets.selected_texts, "the row to be found")
@@ -428,7 +428,7 @@ class Codes(Lists):
             display.press("Return")
             dialog.expect_closed()
             self.expect_place(editing, codes, self.text(number), self.text(number + 1))
-        # By the button, and to another place in the list.
+        # This time with the button, and with a code that moves the row to another place.
         self.push(editing, "Edit")
         dialog = program.window("Edit remark code")
         dialog.field("Remark code").expect_focus()

@@ -27,7 +27,7 @@ GLASS = codeset("Glass", version="1.5", remarks=[("G1", "Chip")])
 WOOD_TEXT = "Wood (Vera) 2"
 GLASS_TEXT = "Glass 1.5"
 
-# The entries that put_hostile_entries() makes. Only the memory is a regular file.
+# The entries that put_hostile_entries() makes. Only the target of MEMORY is a regular file.
 MEMORY = "memory.codeset"
 HOSTILE_ENTRIES = [
     MEMORY,
@@ -190,7 +190,7 @@ class Robustness(WorkspaceJourney):
             self.contents(),
             {"wood.codeset": codeset("Timber", "Vera", "2", [("W1", "Split"), ("W2", "Worm")])},
         )
-        # Whoever saves last wins, with all that was in that window and nothing of the other.
+        # The last save wins: the file has everything from that window and nothing from the other.
         self.save(other_editing)
         both = {"wood.codeset": codeset("Wood", "Vera", "3", [("W1", "Split"), ("W2", "Worm")])}
         self.assertEqual(self.contents(), both)
@@ -312,7 +312,7 @@ class Robustness(WorkspaceJourney):
         before = tree(self.workspace)
         for way_out in WAYS_OUT:
             with self.subTest(way_out=way_out):
-                # Cancelled, these two leave even the selection as it is.
+                # When cancelled, these two windows do not even change the selection.
                 self.push(window, "Add from file", WOOD_TEXT)
                 program.file_chooser("Select a file to add").leave(way_out)
                 window.expect_active()
@@ -386,7 +386,7 @@ class Robustness(WorkspaceJourney):
         self.expect_message(program, "Error", "An error occured when copying the file.", "Close")
         window.list().expect_texts([])
         self.expect_nothing_selected(window)
-        # One folder is made, not the one around it as well.
+        # The program creates this folder, but not its parent.
         self.add_file(program, window, source)
         self.expect_message(program, "Error", NO_FOLDER, "Escape")
         self.push(window, "Add bundled")
@@ -446,7 +446,7 @@ class Robustness(WorkspaceJourney):
             "Error 20: Not a directory",
             "Close",
         )
-        # A name that cannot be asked about counts as taken.
+        # A name whose status cannot be read counts as taken.
         naming = self.name_new(program, window, "Add new", "mine.codeset")
         naming.press("Return")
         self.expect_message(program, "Error", "That file name is already taken.", "Close")
@@ -564,10 +564,10 @@ class Robustness(WorkspaceJourney):
     # Entries that cannot be read
 
     def put_hostile_entries(self, folder):
-        """Codesets by name that never end, never answer, lead nowhere or refuse to be read, by the
-        superuser too."""
+        """Entries with names of codesets: endless, blocking, dangling, circular and unreadable
+        ones. They are the same for the superuser."""
         os.mkfifo(folder / "pipe.codeset")
-        # Made where its path is short enough for a socket's address.
+        # Bound at a path that is short enough for a socket's address.
         with socket.socket(socket.AF_UNIX) as endpoint:
             endpoint.bind(str(self.folder / "socket"))
         (self.folder / "socket").rename(folder / "socket.codeset")
@@ -580,7 +580,7 @@ class Robustness(WorkspaceJourney):
             (folder / f"{name}.codeset").symlink_to(target)
 
     def expect_rows(self, window, texts):
-        """In any order, which is the locale's."""
+        """Expects the rows in any order, because it depends on the locale."""
         window.program.wait(
             lambda: sorted(window.list().texts()) == sorted(texts),
             lambda: f"the rows {texts!r}; they are {window.list().texts()!r}",
@@ -669,7 +669,7 @@ class Robustness(WorkspaceJourney):
 
 
 class Beginnings(Journey):
-    """Ways out of what comes before the main window."""
+    """Every way out of the windows that come before the main window."""
 
     def setUp(self):
         super().setUp()
@@ -694,7 +694,7 @@ class Beginnings(Journey):
                     self.assertFalse(self.workspace.exists())
 
     def test_ways_out_of_the_last_page(self):
-        # The workspace is made by then, in whichever way the window is closed.
+        # The workspace already exists, however the window is closed.
         for way_out in ANSWERS:
             with self.subTest(way_out=way_out):
                 program, assistant = self.start_assistant(2)

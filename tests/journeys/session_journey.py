@@ -132,7 +132,7 @@ class Session(Journey):
         self.assertFalse(self.pointer_file.exists())
 
     def test_a_pointer_file_to_a_vanished_folder_brings_the_assistant(self):
-        # The default place does not stand in for the one that is gone.
+        # The program does not use the default folder in place of the missing one.
         self.default_workspace.mkdir()
         self.write_pointer_file(f'<vantorelle><workspace path="{self.home}/gone/"/></vantorelle>')
         program = self.start_program()

@@ -127,7 +127,7 @@ class Fitting(Journey):
         )
 
     def expect_fitting(self, window):
-        """The window is on the screen, and so is all that is in it."""
+        """The window and everything in it are on the screen."""
         self.expect_inside(window, window.resting_extents(), (0, 0, *display.screen_size()))
         self.expect_fitting_inside(window)
 

@@ -136,7 +136,7 @@ def is_maximized(window):
 
 
 def window_property(window, name):
-    """As xprop prints it."""
+    """The value of a window's property, as xprop prints it."""
     return subprocess.run(
         ("xprop", "-id", str(window), name), capture_output=True, check=True, text=True, timeout=10
     ).stdout
