@@ -15,7 +15,7 @@ program = None
 
 
 def build_release():
-    """As scripts/run builds it, in another folder than that of the checkout."""
+    """Builds as scripts/run does, but in a folder outside the checkout."""
     subprocess.run(
         ("bash", "-euc", "source scripts/lib/build.bash; build_preset release"),
         cwd=SOURCE,

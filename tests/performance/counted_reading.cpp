@@ -17,7 +17,7 @@ extern "C" {
   return OwnedXmlDoc(xmlReadFile(path, nullptr, 0)) != nullptr;
 }
 
-// The codeset is left to the end of the process: freeing it is no part of reading.
+// The codeset is not freed before the process ends: freeing is not part of reading.
 [[gnu::noinline]] bool read_as_codeset(const char *path) {
   return v_codeset_io_read_from_file(path).release() != nullptr;
 }

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """instruction_count_test.py COUNTED_READING: reading 10,000 remarks must not take more instructions
-than it did when it was last worked on.
+than after the last intended change.
 
 Counts differ from one processor and one C library to the next: the library picks its copying and
 searching functions by what the processor can do. So the count is taken relative to that of the
-parser library alone, which reads the same file in the same run and is moved by the same choices.
+parser library alone, which reads the same file in the same run and depends on the same choices.
 """
 
 import os
@@ -13,8 +13,8 @@ import subprocess
 import sys
 import tempfile
 
-# Instructions of reading a codeset over those of parsing and freeing its document. To be replaced
-# after a change that was meant, by the ratio that this test prints.
+# Instructions of reading a codeset, divided by those of parsing and freeing its document. After an
+# intended change, replace it with the ratio that this test prints.
 RECORDED_RATIO = 0.812
 MARGIN = 0.05
 

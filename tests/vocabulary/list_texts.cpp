@@ -1,4 +1,4 @@
-// Reads codeset files with the program's own reader and prints every text of theirs as a line
+// Reads codeset files with the program's own reader and prints each of their texts as a line
 // "<language>\t<text>" in UTF-8. Ends with status 1 when a file cannot be read, is not what the
 // program would write, or misses a text in one of the languages that all delivered codesets have:
 //

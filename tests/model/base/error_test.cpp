@@ -143,7 +143,7 @@ TEST_F(Error, AKeeperPutsMessageAndFlagBack) {
   }
 }
 
-TEST_F(Error, NoMessageIsKeptAsNone) {
+TEST_F(Error, TheKeeperRestoresAStateWithoutAMessage) {
   {
     const VErrorKeeper keeper;
     v_error_set("The clean-up failed.");

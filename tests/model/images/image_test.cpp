@@ -84,7 +84,7 @@ TEST(Pixels, DimensionsHaveALimit) {
   EXPECT_TRUE(v_gfx_pixels_new(1, 0x1000000));
 }
 
-TEST(Pixels, NoPixelsAreRefusedWithoutAMessage) {
+TEST(Pixels, AnEmptySizeIsRefusedWithoutAMessage) {
   for (const auto &[width, height] : {std::pair{0, 5}, std::pair{5, 0}, std::pair{0, 0}}) {
     v_error_set("An old message.");
     EXPECT_FALSE(v_gfx_pixels_new(width, height));

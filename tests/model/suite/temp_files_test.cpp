@@ -163,8 +163,8 @@ TEST_F(TempFiles, TheFingerprintOfALargeExecutableHasNoTopBit) {
   expect_kept(small_size + next_bit, small_size + next_bit, small_size);
 }
 
-// Something of that name that is no file cannot be deleted; the rest still is.
-TEST_F(TempFiles, AFailedDeleteIsPassedOver) {
+// A folder with the name of such a file cannot be deleted.
+TEST_F(TempFiles, DeletesTheOtherFilesAfterAFailure) {
   make_folder(folder / file_name(absent_process_id, 1));
   make_folder(folder / file_name(absent_process_id, 1) + "/inside");
   add(file_name(absent_process_id, 0));

@@ -219,7 +219,7 @@ TEST_F(BusyWindow, IsHiddenWhileANativeDialogIsAbove) {
   EXPECT_TRUE(gtk_widget_get_visible(busy_window));
 }
 
-TEST_F(BusyWindow, OfAnInnerTaskReplacesThatOfTheOuterOne) {
+TEST_F(BusyWindow, AnInnerTaskReplacesTheWindowOfTheOuterOne) {
   GtkWidget *outer = busy_widget();
   v_window_stack_busy_begin(stack.get(), ShowBusyWindow::no);
   EXPECT_TRUE(gtk_widget_get_visible(outer));

@@ -22,7 +22,7 @@ TEST(OwnedObjects, ShareAddsAReferenceAndDropsIt) {
   EXPECT_EQ(count_references(owned.get()), 1u);
 }
 
-TEST(OwnedObjects, SinkMakesTheFloatingReferenceTheOwners) {
+TEST(OwnedObjects, SinkTakesOverAFloatingReference) {
   GtkWidget *label = gtk_label_new("");
   ASSERT_TRUE(g_object_is_floating(label));
   const OwnedObject<GtkWidget> owned = sink(label);
