@@ -37,7 +37,7 @@ JpegColours colours_of(JpegKind kind) {
   std::abort();
 }
 
-// A scan of the means of all blocks, and none for the rest.
+// Only the scan of the means of all blocks.
 jpeg_scan_info create_first_scan(int component_count) {
   jpeg_scan_info scan = {};
   scan.comps_in_scan = component_count;

@@ -1,6 +1,6 @@
 #pragma once
-// Encoded pictures and archives of a test's own. Samples go into the file as they are given, so
-// that what is decoded can be foretold from them.
+// Makes encoded pictures and archives for tests. Samples are written to the file unchanged, so the
+// decoded pixels can be computed from them.
 
 #include <memory>
 #include <string>
@@ -21,18 +21,19 @@ struct PngPicture {
   std::vector<png_byte> palette_alpha = {};   // palette pictures: tRNS
   std::vector<png_color_16> transparent = {}; // others: tRNS, at most one colour
   bool interlaced = false;
-  // The exponent with which light became samples; 0: the file has no gAMA chunk.
+  // The exponent that converted light to samples; 0: the file has no gAMA chunk.
   double gamma = 0;
 };
 
 std::string encode_png(const PngPicture &picture);
 // The same file with width and height (big-endian words of the header) replaced and its checksum
-// made to fit.
+// corrected.
 std::string with_png_size(std::string file, unsigned width, unsigned height);
 
 enum class JpegKind { rgb, grey, cmyk };
-// Two write as little as the format allows: baseline_optimised two bits for a block that is like
-// the one before, progressive_first_scan, which leaves all but the mean of a block out, one bit.
+// Two codings write as little as the format allows. For a block that equals the one before,
+// baseline_optimised writes two bits, and progressive_first_scan, which has only the mean of each
+// block, writes one bit.
 enum class JpegCoding {
   baseline,
   baseline_optimised,
@@ -40,7 +41,7 @@ enum class JpegCoding {
   progressive_first_scan,
   arithmetic,
 };
-// Best quality, no subsampling; comment_length bytes stand in comments before the picture.
+// Best quality, no subsampling; comment_length bytes of comments precede the picture.
 std::string encode_jpeg(JpegKind kind, int width, int height, const std::string &samples,
                         JpegCoding coding = JpegCoding::baseline, int comment_length = 0);
 // The same file with width and height in the header of its frame replaced.
@@ -53,7 +54,7 @@ struct CloseArchive {
 class Archive {
 public:
   explicit Archive(const std::vector<std::pair<std::string, std::string>> &entries);
-  // The archive of the bytes as they are.
+  // An archive with exactly these bytes.
   explicit Archive(std::string archive_bytes);
   zip_t *get() const { return archive.get(); }
   const std::string &bytes() const { return content; }

@@ -6,7 +6,7 @@ namespace {
 
 Handover *current = nullptr;
 
-// Whether the surface is to refuse the block.
+// True when the surface must refuse the block.
 bool hand_over(const void *block, bool Handover::*fails) {
   if (current == nullptr) {
     return false;

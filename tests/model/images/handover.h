@@ -1,6 +1,6 @@
 #pragma once
-// Makes the graphics library refuse what a surface is to own, and watches when that is freed. The
-// linker leads the program's calls here.
+// Makes the graphics library refuse the ownership of a surface's data, and observes when the data
+// is freed. The linker option --wrap redirects the program's calls to these functions.
 
 #include <vector>
 

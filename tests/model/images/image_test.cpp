@@ -15,8 +15,8 @@
 #include "handover.h"
 #include "images/image_reading.h"
 
-// The sanitizers end the process for a block that no system can give, unless this option
-// makes them answer as the system does.
+// Sanitizers end the process when a block of impossible size is requested. With this option the
+// allocation fails, as it does without sanitizers.
 extern "C" const char *__asan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace {
@@ -25,7 +25,7 @@ bool svg_library_is_missing = false;
 
 } // namespace
 
-// The linker leads the program's calls here.
+// The linker option --wrap redirects the program's calls to these functions.
 GModule *real_module_open(const char *name, GModuleFlags flags) __asm__("__real_g_module_open");
 GModule *wrapped_module_open(const char *name, GModuleFlags flags) __asm__("__wrap_g_module_open");
 
@@ -116,7 +116,7 @@ TEST(Image, TransparencyChoosesTheSurfaceFormat) {
     EXPECT_EQ(cairo_image_surface_get_width(surface), 3);
     EXPECT_EQ(cairo_image_surface_get_height(surface), 2);
     EXPECT_EQ(cairo_image_surface_get_stride(surface), 12);
-    // Not a copy.
+    // The surface uses the pixels themselves, not a copy.
     EXPECT_EQ(cairo_image_surface_get_data(surface), reinterpret_cast<const unsigned char *>(data));
     cairo_surface_t *drawn = nullptr;
     ASSERT_EQ(cairo_pattern_get_surface(image->pattern.get(), &drawn), CAIRO_STATUS_SUCCESS);
@@ -124,7 +124,7 @@ TEST(Image, TransparencyChoosesTheSurfaceFormat) {
   }
 }
 
-// Somebody who still draws with the surface keeps its pixels alive.
+// A reference to the surface keeps the pixels alive.
 TEST(Image, PixelsLiveAsLongAsTheSurface) {
   OwnedPixels pixels = v_gfx_pixels_new(1, 1);
   *pixels = 0xff123456;
@@ -357,8 +357,8 @@ TEST(ImageReading, SvgFailures) {
   }
 }
 
-// In a process of its own: a library that was loaded stays so.
-TEST(ImageReading, AMissingSvgLibraryIsReportedAndLookedForAgain) {
+// Runs in a process of its own, because a loaded library is never unloaded.
+TEST(ImageReading, AMissingSvgLibraryIsReportedAndSearchedForAgain) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto read = [] {
     const Archive archive({{"a.svg", create_svg("width=\"24\" height=\"16\"")}});

@@ -96,7 +96,7 @@ TEST(JpegDecoding, GreyPicturesBecomeColours) {
   EXPECT_THAT(decoded.pixels, ElementsAreArray(create_flat_pixels()));
 }
 
-// A failure says so once, prints nothing, leaves the process alive and gives nothing out.
+// Expects one message, no output and no picture. The process must survive.
 void expect_failure(const std::string &file, const char *message) {
   ::testing::internal::CaptureStderr();
   ::testing::internal::CaptureStdout();
@@ -129,8 +129,8 @@ TEST(JpegDecoding, StreamsThatCannotBeReadKeepTheirMessage) {
   EXPECT_EQ(not_a_file.message, "Failed decompressing JPEG image.\n\nFile read error.");
 }
 
-// Data that is passed over may be longer than what is read at once.
-TEST(JpegDecoding, PassesOverLongComments) {
+// Skipped data may be longer than one read.
+TEST(JpegDecoding, SkipsLongComments) {
   const TemporaryFolder folder;
   for (const int comment_length : {4000, 4096, 8192, 70000}) {
     write_file(folder / "a.jpg", encode_jpeg(JpegKind::rgb, 24, 8, create_flat_rows(3),
@@ -142,7 +142,7 @@ TEST(JpegDecoding, PassesOverLongComments) {
   }
 }
 
-// There is a whole picture or none: what is missing is never made up.
+// The result is the whole picture or none: missing data is never replaced.
 TEST(JpegDecoding, FilesCutShortFail) {
   for (const JpegCoding coding : {JpegCoding::baseline, JpegCoding::progressive}) {
     const std::string file = encode_jpeg(JpegKind::rgb, 24, 8, create_flat_rows(3), coding, 100);
@@ -167,7 +167,7 @@ constexpr JpegCoding all_codings[] = {JpegCoding::baseline, JpegCoding::baseline
                                       JpegCoding::progressive, JpegCoding::progressive_first_scan,
                                       JpegCoding::arithmetic};
 
-// The library would make such pictures up: 600 bytes and gigabytes of grey.
+// The library would fill such pictures with grey: gigabytes from 600 bytes.
 TEST(JpegDecoding, PicturesThatTheDataCannotHoldFail) {
   for (const JpegCoding coding : all_codings) {
     const std::string file = encode_jpeg(JpegKind::rgb, 24, 8, create_flat_rows(3), coding);
@@ -179,7 +179,7 @@ TEST(JpegDecoding, PicturesThatTheDataCannotHoldFail) {
   }
 }
 
-// With two bits for each block of a plain file there may be a picture; with fewer there is none.
+// A baseline file needs at least two bits for each block.
 TEST(JpegDecoding, TwoBitsForEachBlockAreNeeded) {
   const std::string file = encode_jpeg(JpegKind::grey, 8, 8, std::string(64, '\x80'));
   const int rows_of_blocks = static_cast<int>(file.size());
@@ -190,7 +190,7 @@ TEST(JpegDecoding, TwoBitsForEachBlockAreNeeded) {
               HasSubstr(refusal));
 }
 
-// A plain picture takes the least data that there can be.
+// A picture of one colour takes the least data.
 TEST(JpegDecoding, LargePlainPicturesAreDecoded) {
   constexpr int side = 2048;
   for (const JpegKind kind : {JpegKind::grey, JpegKind::rgb}) {

@@ -294,7 +294,7 @@ INSTANTIATE_TEST_SUITE_P(Table, PngConversion, ::testing::ValuesIn(conversions),
                            return test.param.name;
                          });
 
-// Against the quotient itself, for every colour and alpha that there is.
+// Compares with the exact quotient, for every colour and alpha.
 TEST(PngDecoding, PremultipliesToTheNearestValue) {
   PngPicture picture = {.width = 256, .height = 256, .colour_type = PNG_COLOR_TYPE_RGB_ALPHA};
   for (int alpha = 0; alpha < 256; alpha++) {
@@ -316,9 +316,9 @@ TEST(PngDecoding, PremultipliesToTheNearestValue) {
   }
 }
 
-// With a gAMA chunk the samples stand for light, which is what is mixed with that of the white;
-// what is opaque stays as it is.
-TEST(PngDecoding, LaysOnWhiteInLightWhereTheFileTellsItsGamma) {
+// With a gAMA chunk the samples are converted to linear light and blended with white there. Opaque
+// samples are unchanged.
+TEST(PngDecoding, BlendsWithWhiteInLinearLightWhenTheFileHasAGamma) {
   const auto expected = [](double colour, double alpha, double gamma) {
     const double light = alpha / 255 * std::pow(colour / 255, 1 / gamma) + 1 - alpha / 255;
     return 255 * std::pow(light, gamma);
@@ -406,7 +406,7 @@ PngPicture interlaced(PngPicture picture) {
   return picture;
 }
 
-// A failure says so once, prints nothing and gives nothing out.
+// Expects one message, no output and no picture.
 void expect_failure(const std::string &file, const char *message) {
   ::testing::internal::CaptureStderr();
   ::testing::internal::CaptureStdout();
@@ -421,7 +421,7 @@ void expect_failure(const std::string &file, const char *message) {
 
 TEST(PngDecoding, FilesCutShortFail) {
   constexpr std::size_t signature_length = 8;
-  constexpr std::size_t end_chunk_length = 12; // not looked at: the picture is whole by then
+  constexpr std::size_t end_chunk_length = 12; // not read: the picture is complete before it
   for (const PngPicture &picture : {noisy, interlaced(noisy)}) {
     const std::string file = encode_png(picture);
     for (std::size_t length = 0; length < file.size() - end_chunk_length; length++) {
@@ -527,7 +527,7 @@ TEST(PngDecoding, OtherDataIsNotPng) {
   expect_failure("", "The input data is not a PNG image.");
   expect_failure("GIF89a and then some more", "The input data is not a PNG image.");
   expect_failure(file.substr(1), "The input data is not a PNG image.");
-  // A transfer that has taken the carriage return.
+  // As after a transfer in text mode, which drops the carriage return.
   std::string text_mode = file;
   text_mode.erase(4, 1);
   expect_failure(text_mode, "The input data is not a PNG image.");
@@ -585,7 +585,7 @@ TEST(PngDecoding, StreamsThatBreakOffFail) {
   picture.width = picture.height = 64;
   picture.samples = noise(64 * 64 * 4);
   std::string archive_bytes = Archive({{"a.png", encode_png(picture)}}).bytes();
-  // The first half of the entry's data stays, then the compression falls apart.
+  // The first half of the entry's data is unchanged, the second cannot be decompressed.
   for (std::size_t position = archive_bytes.size() / 2; position < archive_bytes.size() / 2 + 2000;
        position++) {
     archive_bytes[position] = '\xff';

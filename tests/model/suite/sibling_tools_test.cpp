@@ -54,7 +54,7 @@ TEST(BundledProgramPath, InTheProgramFolderOfTheOuterBundle) {
   for (const auto &[ending, file_name] : endings) {
     const TemporaryFolder root;
     const std::string install_folder = make_folders(root, nested);
-    // Whether or not it is there.
+    // The path does not depend on whether the program exists.
     EXPECT_EQ(find(install_folder, ending), root / ("Outer.app/Contents/MacOS/" + file_name));
     make_folder(root / ("Outer.app/Contents/MacOS/" + file_name));
     EXPECT_EQ(find(install_folder, ending), root / ("Outer.app/Contents/MacOS/" + file_name));
@@ -94,7 +94,7 @@ class Sibling {
 public:
   Sibling(const std::string &file_name, const std::string &report)
       : path(std::string(v_platform_get_install_folder_path().get()) + "/" + file_name) {
-    // Under its name only when it is whole: it may be started from the first moment on.
+    // Renamed when complete, because it may be started as soon as it has its name.
     write_file(path + ".new", "#!/bin/sh\nprintf '[%s]' \"$0\" \"$@\" >'" + report + ".new'\n" +
                                   "mv '" + report + ".new' '" + report + "'\n");
     set_permissions(path + ".new", 0700);
@@ -138,7 +138,7 @@ TEST(LaunchBundledProgram, AProgramThatCannotBeStartedIsAFailure) {
   EXPECT_TRUE(std::string(v_error_get()).starts_with("GError ")) << v_error_get();
 }
 
-// On a system of bundles.
+// As on a system whose programs are bundles.
 TEST(LaunchBundledProgram, BundlesAreOpenedByTheirQuotedPath) {
   const OwnedText quoted = v_platform_escape_string_for_command_line("/A b/It's %s.app");
   EXPECT_STREQ(v_platform_format_bundle_command_line(quoted.get(), "").get(),

@@ -34,7 +34,7 @@ public:
       execl(executable.c_str(), "sleep", "1000", nullptr);
       _exit(1);
     }
-    // The child is this program until it has become the other.
+    // Until exec has run, the child still has the executable of this program.
     const OwnedText link(g_strdup_printf("/proc/%d/exe", id));
     for (;;) {
       const OwnedText path(g_file_read_link(link.get(), nullptr));
@@ -117,7 +117,7 @@ TEST_F(TempFiles, OtherNamesAreNeverTouched) {
   EXPECT_THAT(clean_up(), ::testing::UnorderedElementsAreArray(names));
 }
 
-// The executable of a running process may be gone or replaced: nothing is known then.
+// The executable of a running process may have been deleted or replaced.
 TEST_F(TempFiles, FilesOfAProcessWithoutAnExecutableOnDiskAreKept) {
   const TemporaryFolder programs;
   write_file(programs / "sleep", read_file("/bin/sleep"));
@@ -128,7 +128,7 @@ TEST_F(TempFiles, FilesOfAProcessWithoutAnExecutableOnDiskAreKept) {
   EXPECT_THAT(clean_up(), ElementsAre(file_name(process.id, 1)));
 }
 
-// It runs, and that is all that can be said of it.
+// The process runs, and its program cannot be identified.
 TEST_F(TempFiles, FilesOfAProcessWhoseExecutableNameIsNotUtf8AreKept) {
   const TemporaryFolder programs;
   const std::string program = programs / "sl\xE5";
