@@ -1,20 +1,11 @@
 #pragma once
-// Places the program's own text widgets, with the conventions of gui/widgets.h: what is created is
-// shown, "pack" puts it at the start of a box, "add" into a container.
+// Packs the widgets for texts in several languages at the start of a box, and includes the helpers
+// for the spacifying fields.
 
 #include "gui/editing/langstr_display.h"
 #include "gui/editing/langstr_editor.h"
-#include "gui/editing/spacifying_entry.h"
-#include "gui/editing/spacifying_text_view.h"
+#include "gui/editing/spacifying_widgets.h"
 
-// latin1_text: null leaves the field empty.
-VSpacifyingEntry *v_gui_create_spacifying_entry(Compact compact, const char *latin1_text,
-                                                ActivatesDefault activates_default);
-VSpacifyingEntry *v_gui_pack_spacifying_entry(GtkBox *box, Expand expand, Compact compact,
-                                              const char *latin1_text,
-                                              ActivatesDefault activates_default);
-// Wraps at words, and inside words that are too long.
-VSpacifyingTextView *v_gui_add_spacifying_text_view(GtkContainer *container);
 // Arguments as for v_langstr_editor_new; packed without expanding.
 VLangstrEditor *v_gui_pack_langstr_editor(GtkBox *box, VWindowStack *window_stack,
                                           const VSettings *settings, LangstrEditorMode mode,

@@ -5,7 +5,7 @@
 
 #include "base/error.h"
 #include "gui/accessibility.h"
-#include "gui/editing/editing_widgets.h"
+#include "gui/editing/spacifying_widgets.h"
 #include "gui/editing/spell_checker_cache.h"
 #include "gui/lists.h"
 #include "gui/screen_area.h"
