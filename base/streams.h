@@ -3,7 +3,6 @@
 // copies built on them. Failing operations return false and leave a message.
 
 #include <cstddef>
-#include <cstdint>
 
 #include "base/owned.h"
 

@@ -2,7 +2,6 @@
 // tests/support/headless.
 
 #include <cstdio>
-#include <string>
 
 #include <benchmark/benchmark.h>
 #include <gtk/gtk.h>

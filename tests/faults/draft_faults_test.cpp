@@ -1,7 +1,6 @@
 // When any system call fails while a codeset is saved through its draft, the old file, the new one
 // or the draft is whole, and the save fails only where it would fail without drafts.
 
-#include <cerrno>
 #include <filesystem>
 #include <string>
 

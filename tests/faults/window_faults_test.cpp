@@ -1,7 +1,6 @@
 // The main window's buttons while system calls fail: no file is left half written, no other file is
 // touched, and the user sees a message when the action was not done.
 
-#include <cerrno>
 #include <cstring>
 #include <functional>
 #include <string>

@@ -2,7 +2,6 @@
 // Decisions taken from a string of bytes, so that the same bytes always lead to the same document.
 // When they are used up every further decision is 0, for which generators choose the plain way.
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -1,7 +1,6 @@
 #include "base/file_types.h"
 
 #include <climits>
-#include <string>
 
 #include <gtest/gtest.h>
 

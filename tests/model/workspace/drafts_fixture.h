@@ -1,7 +1,6 @@
 #pragma once
 // Drafts of a codeset file, with home and state folders of their own.
 
-#include <filesystem>
 #include <string>
 #include <vector>
 

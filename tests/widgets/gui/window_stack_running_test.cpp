@@ -1,6 +1,5 @@
 #include "window_stack_fixture.h"
 
-#include <functional>
 #include <string>
 #include <vector>
 
