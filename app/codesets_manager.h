@@ -4,6 +4,9 @@
 
 #include "gui/editing/editing_window.h"
 
+// The name of the desktop entry, and the class of the windows, so that desktops connect the two.
+inline constexpr char v_codesets_manager_id[] = "org.vantorelle.VantorelleRemarkCodesetsManager";
+
 // The tool, from session start to session end; the arguments are not used.
 void run(int argc, char **argv);
 void run_main_window(RunContext *context);

@@ -4,7 +4,7 @@
 // Defined here and not in the tool's static library: only the frame calls it, and the linker
 // searches the tool's library before the frame's.
 void v_init_application_configuration(ApplicationConfiguration *configuration) {
-  configuration->application_id = "org.vantorelle.VantorelleRemarkCodesetsManager";
+  configuration->application_id = v_codesets_manager_id;
   configuration->run = run;
 }
 

@@ -46,6 +46,14 @@ protected:
 
 } // namespace
 
+TEST(CodesetsManagerId, IsTheNameOfTheDesktopEntry) {
+  EXPECT_TRUE(g_application_id_is_valid(v_codesets_manager_id));
+  EXPECT_TRUE(g_file_test((std::string(VANTORELLE_TEST_SOURCE_FOLDER "/../../../data/desktop/") +
+                           v_codesets_manager_id + ".desktop")
+                              .c_str(),
+                          G_FILE_TEST_IS_REGULAR));
+}
+
 // ---- Summaries ----------------------------------------------------------------------------------
 
 TEST_F(CodesetsManager, SummaryIsInThePreferredLanguage) {
