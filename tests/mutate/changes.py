@@ -42,6 +42,8 @@ FUNCTIONS = (
     CursorKind.CONSTRUCTOR,
     CursorKind.DESTRUCTOR,
 )
+OTHER_DECLARATIONS = (CursorKind.STRUCT_DECL, CursorKind.CLASS_DECL, CursorKind.VAR_DECL)
+SCOPES = (CursorKind.TRANSLATION_UNIT, CursorKind.NAMESPACE)
 INTEGERS = (TypeKind.INT, TypeKind.UINT, TypeKind.LONG, TypeKind.ULONG, TypeKind.SHORT)
 NOTHING = ("nullptr", "{}")
 
@@ -52,7 +54,7 @@ class Change:
     around them: `removed` as they are, `added` as they become."""
 
     file: str
-    function: str
+    declaration: str  # the function, variable or type that it is in
     kind: str
     start: int
     end: int
@@ -63,10 +65,10 @@ class Change:
 
     def identity(self):
         """Is the same for the same change after lines were moved."""
-        return self.file, self.function, self.removed, self.added
+        return self.file, self.declaration, self.removed, self.added
 
     def diff(self):
-        lines = [f"{self.file} {self.function}"]
+        lines = [f"{self.file} {self.declaration}"]
         lines += [f"-{line}" for line in self.removed]
         lines += [f"+{line}" for line in self.added]
         return "\n".join(lines)
@@ -113,10 +115,10 @@ class Source:
     def __init__(self, file, contents, unit):
         self.file = file
         self.contents = contents
-        self.functions = []
+        self.declarations = []
         self.places = {}
         self.visit(unit.cursor, unit.spelling, None)
-        self.functions.sort()
+        self.declarations.sort()
         self.add_tokens(unit)
 
     @property
@@ -139,7 +141,7 @@ class Source:
         after = self.contents[first:start] + text.encode() + self.contents[end:last]
         return Change(
             file=self.file,
-            function=self.function_at(start),
+            declaration=self.declaration_at(start),
             kind=kind,
             start=start,
             end=end,
@@ -149,11 +151,11 @@ class Source:
             added=stripped_lines(after),
         )
 
-    def function_at(self, offset):
-        at = bisect.bisect(self.functions, (offset, len(self.contents), "")) - 1
-        if at >= 0 and offset < self.functions[at][1]:
-            return self.functions[at][2]
-        return "-"
+    def declaration_at(self, offset):
+        """The innermost one."""
+        at = bisect.bisect(self.declarations, (offset, len(self.contents), ""))
+        around = (name for _, end, name in reversed(self.declarations[:at]) if offset < end)
+        return next(around, "-")
 
     # ---- Tokens ---------------------------------------------------------------------------------
 
@@ -181,12 +183,14 @@ class Source:
             if cursor.kind == CursorKind.TRANSLATION_UNIT and str(child.location.file) != main:
                 continue
             inner = result
-            if child.kind in FUNCTIONS and child.is_definition():
-                extent = child.extent
-                self.functions.append((extent.start.offset, extent.end.offset, child.spelling))
+            is_function = child.kind in FUNCTIONS and child.is_definition()
+            if is_function:
                 inner = child.result_type
             elif child.kind == CursorKind.LAMBDA_EXPR:
                 inner = None
+            if is_function or (cursor.kind in SCOPES and child.kind in OTHER_DECLARATIONS):
+                extent = child.extent
+                self.declarations.append((extent.start.offset, extent.end.offset, child.spelling))
             self.add_of(child, inner)
             self.visit(child, main, inner)
 

@@ -21,6 +21,11 @@ bool decide(int count, Fruit fruit) {
   }
   return fruit == Fruit::pear;
 }
+struct Basket {
+  bool is_full() { return !is_empty; }
+  bool is_empty = true;
+};
+constexpr bool deepest = false;
 int measure(double share) {
   while (share > 0.5) {
     first(0777);
@@ -85,6 +90,8 @@ class Changes(unittest.TestCase):
             ("if (count < 3) {", "if (count < 2) {"),
             ("first(0x10);", "first(0x11);"),
             ("first(0x10);", "first(0xf);"),
+            ("bool is_empty = true;", "bool is_empty = false;"),
+            ("constexpr bool deepest = false;", "constexpr bool deepest = true;"),
             ("while (share > 0.5) {", "while (share > 0.0f) {"),
             ("first(0777);", "first(01000);"),
             ("first(0777);", "first(0776);"),
@@ -110,6 +117,7 @@ class Changes(unittest.TestCase):
         self.expect(
             "result",
             ("return fruit == Fruit::pear;", "return !(fruit == Fruit::pear);"),
+            ("bool is_full() { return !is_empty; }", "bool is_full() { return !(!is_empty); }"),
             ("return first(LIMIT);", "return (first(LIMIT)) + 1;"),
             (
                 "return share == 0.0 && true ? 'a' : '\\0';",
@@ -125,9 +133,12 @@ class Changes(unittest.TestCase):
     def test_arguments_of_one_type_are_swapped(self):
         self.expect("argument", ('second("%d apples", "no");', 'second("no", "%d apples");'))
 
-    def test_a_change_names_its_file_and_function(self):
-        names = {(change.file, change.function) for place in self.places for change in place}
-        self.assertEqual(names, {("area/source.cpp", "decide"), ("area/source.cpp", "measure")})
+    def test_a_change_names_its_file_and_what_it_is_in(self):
+        self.assertEqual(
+            {change.file for place in self.places for change in place}, {"area/source.cpp"}
+        )
+        names = {change.declaration for place in self.places for change in place}
+        self.assertEqual(names, {"decide", "measure", "Basket", "is_full", "deepest"})
 
     def test_a_change_applies_to_its_bytes_alone(self):
         change = self.places[0][0]
@@ -139,7 +150,7 @@ class Equivalents(unittest.TestCase):
     def test_a_change_is_found_again_by_what_is_printed_of_it(self):
         change = changes.Change(
             file="area/source.cpp",
-            function="decide",
+            declaration="decide",
             kind="order",
             start=0,
             end=0,

@@ -269,20 +269,20 @@ def read_equivalents(text):
         lines = [line for line in block.splitlines() if not line.startswith("#")]
         if not lines:
             continue
-        file, function = lines[0].split()
+        file, declaration = lines[0].split()
         removed = tuple(line[1:] for line in lines if line.startswith("-"))
         added = tuple(line[1:] for line in lines if line.startswith("+"))
         reason = " ".join(line.strip() for line in lines if line.startswith(" "))
         if not reason:
             raise ValueError(f"An equivalent change has no reason:\n{block}")
-        found[file, function, removed, added] = reason
+        found[file, declaration, removed, added] = reason
     return found
 
 
 def matching_cases(file):
     """The suites that have tests of the source file's name, and a filter for those tests."""
     suites, fixtures = set(), set()
-    for path in (ROOT / "tests").glob(f"*/*/{pathlib.Path(file).stem}_test.cpp"):
+    for path in (ROOT / "tests").glob(f"*/*/{pathlib.Path(file).stem}*_test.cpp"):
         suites.add(f"{path.parts[-3]}.{path.parts[-2]}")
         fixtures.update(re.findall(r"^TEST(?:_F|_P)?\((\w+),", path.read_text(), re.MULTILINE))
     return suites, ":".join(f"{name}.*:*/{name}.*" for name in sorted(fixtures))

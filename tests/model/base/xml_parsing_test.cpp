@@ -214,6 +214,19 @@ TEST_F(XmlParsing, FolderIsReported) {
   EXPECT_THAT(v_error_get(), StartsWith(could_not_parse));
 }
 
+// The other end of the connection is closed before it has read everything, which is an error here
+// after the text.
+TEST_F(XmlParsing, ATextWithoutAReadableEndDoesNotSpoilTheNextParse) {
+  int ends[2];
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+  EXPECT_EQ(write(ends[1], "<a/>", 4), 4);
+  EXPECT_EQ(write(ends[0], "x", 1), 1);
+  close(ends[1]);
+  EXPECT_EQ(v_xml_parse_descriptor(ends[0]), nullptr);
+  close(ends[0]);
+  EXPECT_NE(parse("<a/>"), nullptr) << v_error_get();
+}
+
 TEST_F(XmlParsing, PathsAreUtf8AndLiteral) {
   for (const char *name : {"\xC3\xA5.xml", "100 %s.xml", "<&>.xml"}) {
     write_file(folder / name, "<a/>");

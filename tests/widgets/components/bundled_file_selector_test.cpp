@@ -38,7 +38,10 @@ TEST_F(BundledFileSelector, ListsTheDeliveredFilesSorted) {
                                                 ShownRow{"wood <b>& 100%s"}));
     EXPECT_FALSE(has_selection(window));
     EXPECT_THAT(button_labels(GTK_WIDGET(window)), ElementsAre("OK", "Cancel"));
-    EXPECT_FALSE(gtk_tree_view_get_headers_visible(list_of(window)));
+    GtkTreeView *list = list_of(window);
+    EXPECT_FALSE(gtk_tree_view_get_headers_visible(list));
+    EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(GTK_WIDGET(list))),
+                 "Remark codeset files");
   });
   script.click("Cancel");
   EXPECT_EQ(run(), "none");

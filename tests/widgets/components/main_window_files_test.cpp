@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include "support/gui/keys.h"
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -94,6 +96,18 @@ TEST_F(MainWindow, EditsAnOwnFileAtOnceAndRefreshes) {
   });
   run_until_closed();
   EXPECT_THAT(edited, ElementsAre(managed("own.codeset"), managed("changed.codeset")));
+}
+
+TEST_F(MainWindow, KeysInTheListEditAndDelete) {
+  make_own({"A"});
+  select("A");
+  check([] { press_key(GDK_KEY_Return); });
+  select("A");
+  check([] { press_key(GDK_KEY_Delete); });
+  answer_question(deletion_question("A"), "Yes");
+  check([this] { EXPECT_FALSE(path_exists(managed("a.codeset"))); });
+  run_until_closed();
+  EXPECT_THAT(edited, ElementsAre(managed("a.codeset")));
 }
 
 TEST_F(MainWindow, AsksBeforeEditingADeliveredFile) {

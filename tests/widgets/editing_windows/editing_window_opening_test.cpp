@@ -92,8 +92,11 @@ TEST_F(EditingWindow, HasTheListBesideTheDescription) {
     expect_scrolls_downwards(reinterpret_cast<GtkScrolledWindow *>(gtk_widget_get_ancestor(
                                  GTK_WIDGET(codes()), GTK_TYPE_SCROLLED_WINDOW)),
                              200, 150);
-    expect_scrolls_downwards(find_widget<GtkScrolledWindow>(window(), V_TYPE_LANGSTR_DISPLAY), 300,
-                             150);
+    auto *description = find_widget<GtkScrolledWindow>(window(), V_TYPE_LANGSTR_DISPLAY);
+    expect_scrolls_downwards(description, 300, 150);
+    EXPECT_STREQ(
+        atk_object_get_name(gtk_widget_get_accessible(gtk_bin_get_child(GTK_BIN(description)))),
+        "Description of the selected remark code");
     EXPECT_FALSE(gtk_tree_view_get_headers_visible(codes()));
     EXPECT_EQ(gtk_tree_view_get_n_columns(codes()), 1U);
     EXPECT_STREQ(gtk_tree_view_column_get_title(gtk_tree_view_get_column(codes(), 0)), "Remark");
