@@ -78,11 +78,11 @@ OwnedText v_latin1_input_convert(const char *utf8_text, InputLines lines) {
   return v_convert_utf8_to_latin1(fixed.get());
 }
 
-bool v_latin1_input_repair_insertion(void *instance, const char *utf8_text, gssize length,
+void v_latin1_input_repair_insertion(void *instance, const char *utf8_text, gssize length,
                                      InputLines lines,
                                      const std::function<void(const char *repaired)> &insert) {
   if (!v_latin1_input_text_needs_fixing(utf8_text, length, lines)) {
-    return false;
+    return;
   }
   const OwnedText fixed = v_latin1_input_fix_text(utf8_text, length, lines);
   if (fixed && *fixed != '\0') {
@@ -91,5 +91,4 @@ bool v_latin1_input_repair_insertion(void *instance, const char *utf8_text, gssi
   }
   g_signal_stop_emission_by_name(instance, "insert-text");
   gdk_beep();
-  return true;
 }

@@ -21,8 +21,8 @@ OwnedText v_latin1_input_fix_text(const char *utf8_text, gssize length, InputLin
 OwnedText v_latin1_input_convert(const char *utf8_text, InputLines lines);
 
 // For a handler of the instance's "insert-text" signal. A text that needs fixing is not inserted;
-// insert is called with its repaired form (unless that is empty), and the user hears a beep. True
-// in that case; any other text is left to the toolkit.
-bool v_latin1_input_repair_insertion(void *instance, const char *utf8_text, gssize length,
+// insert is called with its repaired form (unless that is empty), and the user hears a beep. Any
+// other text is left to the toolkit.
+void v_latin1_input_repair_insertion(void *instance, const char *utf8_text, gssize length,
                                      InputLines lines,
                                      const std::function<void(const char *repaired)> &insert);

@@ -504,6 +504,19 @@ TEST_F(LangstrEditorTest, AnswersRealClicks) {
   EXPECT_EQ(shown_language(0), british);
 }
 
+TEST_F(LangstrEditorTest, CtrlReturnAddsARowWhereverTheFocusIs) {
+  make({{"sv", "a"}}, multi_line_mode);
+  const ShownWindow host(widget);
+  std::size_t rows = 1;
+  for (GtkWidget *focused : {field(0), delete_button(0), plus_button()}) {
+    gtk_widget_grab_focus(focused);
+    press_key(GDK_KEY_Return, GDK_CONTROL_MASK);
+    rows++;
+    EXPECT_TRUE(wait_until("the added row", [&] { return row_count() == rows; })) << rows;
+  }
+  EXPECT_EQ(result(), "sv=a\n");
+}
+
 TEST_F(LangstrEditorTest, IsDestroyedWithAllItsRows) {
   for (const auto mode : {LangstrEditorMode::single_line, multi_line_mode}) {
     make({{"sv", "a"}, {"en-uk", "b"}, {"fr-fr", "c"}, {"", "d"}}, mode);

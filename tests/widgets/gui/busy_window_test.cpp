@@ -265,6 +265,7 @@ TEST_F(BusyWindow, CanBeClosedAfterTheStackIsDestroyed) {
   GtkButton *abort_button = busy()->abort_button;
   stack.reset();
   gtk_button_clicked(abort_button);
+  EXPECT_TRUE(gtk_widget_get_sensitive(GTK_WIDGET(abort_button)));
   bool is_destroyed = false;
   g_signal_connect(left.get(), "destroy",
                    G_CALLBACK(+[](GtkWidget *, bool *flag) { *flag = true; }), &is_destroyed);

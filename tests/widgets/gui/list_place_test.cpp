@@ -116,6 +116,15 @@ TEST_F(ListPlace, ARowBeyondTheLastMeansTheLast) {
   EXPECT_FALSE(v_list_place_is_placed(view));
 }
 
+TEST_F(ListPlace, MayBeTheOnlyRowAndIsNoneWithoutRows) {
+  gtk_list_store_clear(store.get());
+  v_list_place_set(view, 0);
+  EXPECT_FALSE(v_list_place_is_placed(view));
+  gtk_list_store_insert_with_values(store.get(), nullptr, -1, 0, "Row", -1);
+  v_list_place_set(view, 0);
+  EXPECT_TRUE(v_list_place_is_placed(view));
+}
+
 TEST_F(ListPlace, ArrowKeysContinueFromTheCursor) {
   const struct {
     guint key;

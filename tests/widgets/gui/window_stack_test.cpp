@@ -230,6 +230,20 @@ TEST_F(WindowStack, PushingSetsTheCursorOfAllButTheTop) {
   EXPECT_EQ(notes[2], "set ");
 }
 
+TEST_F(WindowStack, APushedWindowKeepsItsOwnCursor) {
+  TestWindow window;
+  TestWindow above;
+  for (const TestWindow *pushed : {&window, &above}) {
+    gtk_widget_realize(pushed->widget());
+    const OwnedObject<GdkCursor> own =
+        take(gdk_cursor_new_from_name(gtk_widget_get_display(pushed->widget()), "wait"));
+    gdk_window_set_cursor(gtk_widget_get_window(pushed->widget()), own.get());
+    v_window_stack_push_window(stack.get(), pushed->get());
+  }
+  EXPECT_EQ(name_cursor(window), "default");
+  EXPECT_EQ(name_cursor(above), "wait");
+}
+
 TEST_F(WindowStack, PoppingClearsTheCursorOfTheTop) {
   TestWindow windows[3];
   std::string notes[3];
