@@ -1,6 +1,5 @@
 #include "base/private_files.h"
 
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>

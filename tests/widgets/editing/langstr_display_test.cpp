@@ -41,6 +41,14 @@ protected:
   GtkWidget *widget = GTK_WIDGET(g_object_ref_sink(v_langstr_display_new(300, 150)));
 };
 
+TEST_F(LangstrDisplayTest, TheTextHasTheSameMarginOnAllSides) {
+  const int margin = gtk_text_view_get_left_margin(view());
+  EXPECT_GT(margin, 0);
+  EXPECT_EQ(gtk_text_view_get_right_margin(view()), margin);
+  EXPECT_EQ(gtk_text_view_get_top_margin(view()), margin);
+  EXPECT_EQ(gtk_text_view_get_bottom_margin(view()), margin);
+}
+
 TEST_F(LangstrDisplayTest, IsAScrolledReadOnlyText) {
   EXPECT_STREQ(G_OBJECT_TYPE_NAME(widget), "VLangstrDisplay");
   EXPECT_EQ(g_type_parent(V_TYPE_LANGSTR_DISPLAY), GTK_TYPE_SCROLLED_WINDOW);
