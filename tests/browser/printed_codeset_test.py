@@ -4,7 +4,7 @@ import base64
 import pathlib
 import tempfile
 import unittest
-import xml.etree.ElementTree as ElementTree
+from xml.etree import ElementTree
 
 from browser import Browser
 

@@ -1,4 +1,4 @@
-"""The Flatpak's manifest, as flatpak-builder itself reads it, against what an installation holds."""
+"""The Flatpak's manifest, as flatpak-builder reads it, against what an installation holds."""
 
 import json
 import os

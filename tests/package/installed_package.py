@@ -1,4 +1,4 @@
-"""The program of the Debian package that is installed on this machine, as debian/tests starts it."""
+"""The program of the Debian package installed on this machine, as debian/tests starts it."""
 
 import os
 import pathlib
