@@ -338,9 +338,9 @@ TEST_F(EditingWindowDrafts, AreRestoredByDefault) {
   leave_draft(newer);
   script.when_active("Question", [] {
     auto *icon = find_widget<GtkImage>(GTK_WIDGET(top_window()), GTK_TYPE_IMAGE);
-    const char *name = nullptr;
-    gtk_image_get_icon_name(icon, &name, nullptr);
-    EXPECT_STREQ(name, "dialog-question");
+    const char *icon_name = nullptr;
+    gtk_image_get_icon_name(icon, &icon_name, nullptr);
+    EXPECT_STREQ(icon_name, "dialog-question");
   });
   script.dismiss("Question", restore_question());
   expect_codes({"7. Fold"});
