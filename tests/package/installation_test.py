@@ -114,8 +114,8 @@ class Desktop(unittest.TestCase):
         self.assertEqual(self.entry()["StartupWMClass"], APPLICATION)
 
     def test_the_metainfo_is_valid(self):
-        """Only the program's address is missing: it has none yet. Validators before AppStream 1.0 do
-        not ask for it."""
+        """Only the program's address is missing: it has none yet. Validators before AppStream 1.0
+        do not ask for it."""
         metainfo = prefix / "share" / "metainfo" / f"{APPLICATION}.metainfo.xml"
         printed = subprocess.run(
             ("appstreamcli", "validate", "--no-net", "--no-color", metainfo),
