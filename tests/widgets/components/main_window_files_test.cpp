@@ -4,7 +4,9 @@
 
 #include <gmock/gmock.h>
 
+#include "gui/list_place.h"
 #include "support/gui/keys.h"
+#include "support/gui/widget_search.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -237,6 +239,55 @@ TEST_F(MainWindow, ShowsThePathWhenAFileCannotBeDeleted) {
   answer_question(deletion_question("A"), "Yes");
   script.answer("Error", "Couldn't delete the file.\n\n" + managed("a.codeset"), "Close");
   expect_texts({});
+  run_until_closed();
+}
+
+// ---- Refreshing ---------------------------------------------------------------------------------
+
+namespace {
+
+GtkTreeView *list_of_window() {
+  return find_widget<GtkTreeView>(GTK_WIDGET(top_window()), GTK_TYPE_TREE_VIEW);
+}
+
+std::string text_at_top() {
+  GtkTreePath *first = nullptr;
+  if (!gtk_tree_view_get_visible_range(list_of_window(), &first, nullptr)) {
+    return "";
+  }
+  const int row = gtk_tree_path_get_indices(first)[0];
+  gtk_tree_path_free(first);
+  return shown_texts(top_window())[static_cast<std::size_t>(row)];
+}
+
+// In the list's order; the window has no room for all.
+std::vector<std::string> many_texts() {
+  std::vector<std::string> texts;
+  for (int i = 100; i < 200; ++i) {
+    texts.push_back("B" + std::to_string(i));
+  }
+  return texts;
+}
+
+} // namespace
+
+TEST_F(MainWindow, AListAtItsTopShowsANewFirstRow) {
+  make_own(many_texts());
+  check([this] { write_file(managed("a.codeset"), "text:A"); });
+  script.click("Refresh list");
+  check([] { EXPECT_EQ(text_at_top(), "A"); });
+  run_until_closed();
+}
+
+TEST_F(MainWindow, AListElsewhereStaysWhereItIs) {
+  make_own(many_texts());
+  check([] { v_list_place_show(list_of_window(), 60); });
+  std::string before;
+  script.when(
+      "row 60 is shown", [] { return text_at_top() > many_texts()[40]; },
+      [&before] { before = text_at_top(); });
+  script.click("Refresh list");
+  check([&before] { EXPECT_EQ(text_at_top(), before); });
   run_until_closed();
 }
 
