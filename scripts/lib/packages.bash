@@ -94,6 +94,7 @@ bench   python3
 readonly program_table="
 build   c++
 build   cmake
+build   fc-match
 build   ninja
 build   pkg-config
 build   rsvg-convert
@@ -170,8 +171,13 @@ required_modules() {
         tr ' ' '\n' | sed 's/>=/ >= /'
 }
 
-# Prints the programs for the purposes and the modules that are missing. Without pkg-config every
-# module is missing.
+# True when fontconfig finds the font that the build makes a part of the program.
+has_view_font() {
+    [[ $(fc-match --format='%{file}' "Liberation Sans:bold" 2>/dev/null) == */LiberationSans-Bold.ttf ]]
+}
+
+# Prints the programs for the purposes, the modules and the font that are missing. Without pkg-config
+# every module is missing, without fc-match the font.
 missing_tools() {
     local tool module
     while read -r tool; do
@@ -180,6 +186,7 @@ missing_tools() {
     while read -r module; do
         pkg-config --exists "$module" 2>/dev/null || echo "pkg-config module $module"
     done < <(required_modules)
+    has_view_font || echo "font LiberationSans-Bold.ttf"
 }
 
 # For a distribution without Debian packages: ends the script with status 1 and one list when

@@ -55,7 +55,15 @@ class Refusal(unittest.TestCase):
             self.write_program(programs / name, "#!/bin/sh\nexit 0\n")
         if "pkg-config" not in without:
             self.write_program(programs / "pkg-config", PKG_CONFIG)
+        if "fc-match" not in without:
+            self.find_font("LiberationSans-Bold.ttf")
         self.path = str(programs)
+
+    def find_font(self, name):
+        """fontconfig has an answer for every font, perhaps with another."""
+        self.write_program(
+            self.folder / "programs" / "fc-match", f"#!/bin/bash\nprintf %s /fonts/{name}\n"
+        )
 
     @staticmethod
     def write_program(path, text):
@@ -94,6 +102,17 @@ class Refusal(unittest.TestCase):
             "pkg-config module libxml-2.0 >= 2.9.14",
             "pkg-config module libzip",
         )
+
+    def test_the_font_is_missing_where_fontconfig_finds_another(self):
+        self.use_other_distribution()
+        self.write_program(self.folder / "programs" / "pkg-config", "#!/bin/sh\nexit 0\n")
+        self.find_font("DejaVuSans-Bold.ttf")
+        self.expect_list("font LiberationSans-Bold.ttf")
+
+    def test_without_fontconfig_it_and_the_font_are_missing(self):
+        self.use_other_distribution(without=("fc-match",))
+        self.write_program(self.folder / "programs" / "pkg-config", "#!/bin/sh\nexit 0\n")
+        self.expect_list("program fc-match", "font LiberationSans-Bold.ttf")
 
     def test_without_pkg_config_it_and_every_module_are_missing(self):
         self.use_other_distribution(without=("pkg-config",))
