@@ -91,6 +91,14 @@ TEST_F(BusyWindow, CentresItsContentInsideItsMargins) {
   EXPECT_EQ(gtk_container_get_border_width(GTK_CONTAINER(busy_widget())), 1U);
 }
 
+TEST_F(BusyWindow, HasTheWaitCursorItselfToo) {
+  GdkWindow *own = gtk_widget_get_window(busy_widget());
+  EXPECT_EQ(name_cursor(window), "wait");
+  ASSERT_NE(own, nullptr);
+  EXPECT_EQ(gdk_window_get_cursor(own),
+            gdk_window_get_cursor(gtk_widget_get_window(window.widget())));
+}
+
 TEST_F(BusyWindow, SaysPleaseWaitInBoldUntilTheMessageIsSet) {
   struct Row {
     const char *message;
