@@ -116,14 +116,19 @@ def read_clipboard():
 def window_id(pid, title):
     """The X window of that title that the process shows."""
     pattern = "^" + re.sub(r"([][\\^$.*+?(){}|])", r"\\\1", title) + "$"
-    answer = subprocess.run(
-        ("xdotool", "search", "--all", "--onlyvisible", "--pid", str(pid), "--name", pattern),
-        capture_output=True,
-        check=True,
-        text=True,
-        timeout=10,
-    )
-    return answer.stdout.split()[-1]
+
+    # A window that is destroyed during the search can end it early.
+    def find():
+        answer = subprocess.run(
+            ("xdotool", "search", "--all", "--onlyvisible", "--pid", str(pid), "--name", pattern),
+            capture_output=True,
+            check=False,
+            text=True,
+            timeout=10,
+        )
+        return answer.stdout.split()
+
+    return wait_until(find, f"an X window {title!r}")[-1]
 
 
 def window_class(window):
