@@ -326,7 +326,6 @@ void v_langstr_editor_row_update_sensitivity(const LangstrEditorRow *row, std::s
 
 GtkButton *v_langstr_editor_row_create_button(const char *sign, const char *description) {
   GtkButton *button = v_gui_create_button(sign);
-  g_object_set(gtk_bin_get_child(GTK_BIN(button)), "xpad", 0, "ypad", 0, nullptr);
   v_gui_set_accessible_description(GTK_WIDGET(button), description);
   return button;
 }
