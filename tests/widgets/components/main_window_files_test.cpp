@@ -271,6 +271,16 @@ std::vector<std::string> many_texts() {
 
 } // namespace
 
+TEST_F(MainWindow, AKeyRefreshesTheList) {
+  make_own({"A"});
+  check([this] {
+    write_file(managed("b.codeset"), "text:B");
+    press_key(GDK_KEY_F5);
+  });
+  expect_texts({"A", "B"});
+  run_until_closed();
+}
+
 TEST_F(MainWindow, AListAtItsTopShowsANewFirstRow) {
   make_own(many_texts());
   check([this] { write_file(managed("a.codeset"), "text:A"); });

@@ -369,6 +369,24 @@ TEST_F(Widgets, AButtonMadeDefaultIsPressedByEnterInAnEntryThatActivatesIt) {
   EXPECT_EQ(first_clicks, 0);
 }
 
+TEST_F(Widgets, OkAndCancelAreAtBothEndsOfTheirRow) {
+  GtkBox *row = v_gui_pack_hbox(box, Expand::no, Spacing::standard);
+  int count = 0;
+  GtkButton *ok = v_gui_pack_ok_and_cancel(
+      row, window.get(), G_CALLBACK(+[](GtkButton *, int *clicks) { ++*clicks; }), &count);
+  window.show_active();
+  GtkButton *cancel = find_button(window.widget(), "Cancel");
+  ASSERT_NE(cancel, nullptr);
+  EXPECT_EQ(gtk_window_get_default_widget(window.get()), GTK_WIDGET(ok));
+  expect_packed(row, ok, false);
+  expect_packed(row, parent_of(cancel), true);
+  expect_alignment(parent_of(cancel), 1.0f, 0.0f, 0.0f, 0.0f);
+  gtk_button_clicked(ok);
+  EXPECT_EQ(count, 1);
+  gtk_button_clicked(cancel);
+  EXPECT_TRUE(window.is_destroyed());
+}
+
 TEST_F(Widgets, AnAlignmentHoldsAnyWidget) {
   GtkWidget *child = gtk_label_new("inside");
   const OwnedObject<GtkAlignment> alignment =
