@@ -13,7 +13,6 @@ void request_close(GtkWidget *window) {
   }
   const Owned<GdkEvent, gdk_event_free> event(gdk_event_new(GDK_DELETE));
   event->any.window = share(gtk_widget_get_window(window)).release();
-  event->any.send_event = TRUE;
   if (!gtk_widget_event(window, event.get())) {
     gtk_widget_destroy(window);
   }
