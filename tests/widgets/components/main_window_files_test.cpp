@@ -34,6 +34,14 @@ TEST_F(MainWindow, AddNewEditsAFileThatDoesNotExistYet) {
   EXPECT_THAT(edited, ElementsAre(managed("made.codeset")));
 }
 
+TEST_F(MainWindow, AKeyAddsAFile) {
+  make_folders();
+  check([] { press_key(GDK_KEY_n, GDK_CONTROL_MASK); });
+  enter_name("made.codeset");
+  run_until_closed();
+  EXPECT_THAT(edited, ElementsAre(managed("made.codeset")));
+}
+
 TEST_F(MainWindow, CancelledAddNewRefreshes) {
   make_folders();
   check([this] { write_file(managed("a.codeset"), "text:A"); });

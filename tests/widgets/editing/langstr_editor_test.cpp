@@ -276,6 +276,11 @@ TEST_F(LangstrEditorTest, ReturnsTheRowsThatHaveAText) {
   EXPECT_EQ(result(), "sv=\xE5 b\nde-de=c\n");
 }
 
+TEST_F(LangstrEditorTest, ALanguageMayBeBesideItsDialect) {
+  make({{"en-uk", "a"}, {"en", "b"}});
+  EXPECT_EQ(result(), "en-uk=a\nen=b\n");
+}
+
 TEST_F(LangstrEditorTest, RefusesTwoTextsInOneLanguage) {
   make({{"sv", "a"}, {"en-uk", "b"}});
   gtk_combo_box_set_active(combo(0), 1);

@@ -320,6 +320,10 @@ Size measure(const std::string &text) {
   return size;
 }
 
+GtkLabel *find_text(GtkDialog *dialog) {
+  return find_widget<GtkLabel>(GTK_WIDGET(find_message_box(dialog)), GTK_TYPE_LABEL);
+}
+
 TEST(MessageDialogs, AnOverlongLineWrapsAndAShortOneDoesNot) {
   const int line = measure("One line").height;
   // The longest line of the program's own messages.
@@ -337,10 +341,11 @@ TEST(MessageDialogs, AnOverlongLineWrapsAndAShortOneDoesNot) {
     EXPECT_GT(size.height, line);
     EXPECT_LT(size.height, 400);
   }
-}
-
-GtkLabel *find_text(GtkDialog *dialog) {
-  return find_widget<GtkLabel>(GTK_WIDGET(find_message_box(dialog)), GTK_TYPE_LABEL);
+  when_dialog_shows([](GtkDialog *dialog) {
+    EXPECT_EQ(gtk_label_get_max_width_chars(find_text(dialog)), 120);
+    gtk_dialog_response(dialog, GTK_RESPONSE_CLOSE);
+  });
+  v_message_show_error(nullptr, words.c_str());
 }
 
 // The adjustment that scrolls the text.

@@ -312,6 +312,7 @@ TEST_F(Widgets, AYieldingBoxNeedsTheHeightOfItsRowsUpToThreeTenthsOfTheScreen) {
 
 TEST_F(Widgets, AListHasRoomForTheRowsThatTheScreenAllows) {
   GtkScrolledWindow *scroller = v_gui_pack_list_scrolled_window(box, 100, 50);
+  expect_packed(box, scroller, true);
   GtkTreeView *list = v_gui_add_tree_view(GTK_CONTAINER(scroller), HeadersVisible::no,
                                           FixedHeight::no, SelectionMode::single);
   GtkCellRenderer *cell = gtk_cell_renderer_text_new();
