@@ -131,6 +131,17 @@ TEST_F(EditingWindow, ButtonsAreInTheirOrder) {
   run_until_closed();
 }
 
+TEST_F(EditingWindow, ACodeThatIsTooWideEndsInAnEllipsis) {
+  check([] {
+    GtkTreeViewColumn *column = gtk_tree_view_get_column(codes(), 0);
+    const Owned<GList, g_list_free> cells(gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column)));
+    PangoEllipsizeMode ellipsis = PANGO_ELLIPSIZE_NONE;
+    g_object_get(cells->data, "ellipsize", &ellipsis, nullptr);
+    EXPECT_EQ(ellipsis, PANGO_ELLIPSIZE_END);
+  });
+  run_until_closed();
+}
+
 // ---- Opening ------------------------------------------------------------------------------------
 
 TEST_F(EditingWindow, AMissingFileIsANewCodeset) {
