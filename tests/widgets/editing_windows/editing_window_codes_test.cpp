@@ -106,6 +106,12 @@ TEST_F(EditingWindow, DeletesCodes) {
   EXPECT_EQ(read_file(path()), paper_file);
 }
 
+TEST_F(EditingWindow, TheCursorIsOnTheRowThatReplacesADeletedOne) {
+  delete_code(0);
+  check([] { EXPECT_EQ(cursor_row(), 0); });
+  run_until_closed();
+}
+
 TEST_F(EditingWindow, ADeletedCodeCanBeUsedAgainAndIsNotSaved) {
   delete_code(1);
   expect_codes({"1. Tear", "10. Stain"});
