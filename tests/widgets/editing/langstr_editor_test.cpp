@@ -1,5 +1,6 @@
 #include "gui/editing/langstr_editor.h"
 
+#include <array>
 #include <utility>
 
 #include <gmock/gmock.h>
@@ -578,6 +579,14 @@ TEST_F(LangstrEditorTest, LaysOutOneLinePerRow) {
   expect_cell(plus_button(), 3, 4, 3, 4, shrink, shrink);
 }
 
+// The alignments and the scales of a widget that aligns another: across and down.
+std::array<float, 4> place_in(GtkWidget *alignment) {
+  std::array<float, 4> place = {};
+  g_object_get(alignment, "xalign", &place[0], "yalign", &place[1], "xscale", &place[2], "yscale",
+               &place[3], nullptr);
+  return place;
+}
+
 TEST_F(LangstrEditorTest, LaysOutTwoTableRowsPerRowInMultiLineMode) {
   make({{"sv", "a"}, {"en-uk", "b"}}, multi_line_mode);
   EXPECT_EQ(table_rows(), 4u);
@@ -588,10 +597,7 @@ TEST_F(LangstrEditorTest, LaysOutTwoTableRowsPerRowInMultiLineMode) {
     expect_cell(combo(row), 1, 4, top, top + 1, shrink, shrink);
     GtkWidget *alignment = child_at(1, top + 1);
     expect_cell(alignment, 1, 2, top + 1, top + 2, shrink_and_fill, shrink);
-    float place[4] = {};
-    g_object_get(alignment, "xalign", &place[0], "yalign", &place[1], "xscale", &place[2], "yscale",
-                 &place[3], nullptr);
-    EXPECT_THAT(place, ElementsAre(0.0f, 1.0f, 0.0f, 0.0f));
+    EXPECT_THAT(place_in(alignment), ElementsAre(0.0f, 1.0f, 0.0f, 0.0f));
     int width = 0;
     int height = 0;
     gtk_widget_get_size_request(scroller, &width, &height);
@@ -606,6 +612,7 @@ TEST_F(LangstrEditorTest, LaysOutTwoTableRowsPerRowInMultiLineMode) {
   }
   expect_cell(child_at(3, 3), 3, 4, 3, 4, shrink_and_fill, shrink);
   EXPECT_EQ(gtk_widget_get_parent(plus_button()), child_at(3, 3));
+  EXPECT_THAT(place_in(child_at(3, 3)), ElementsAre(1.0f, 1.0f, 0.0f, 0.0f));
 }
 
 TEST_F(LangstrEditorTest, LetsEnterActivateTheDefaultOnlyWhenAsked) {

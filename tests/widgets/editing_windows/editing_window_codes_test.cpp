@@ -238,6 +238,19 @@ TEST_F(EditingWindow, MovesThroughTheCodesInsideTheRemarkDialog) {
   run_until_closed();
 }
 
+TEST_F(EditingWindow, MovesThroughTheCodesWithTheKeypadToo) {
+  edit_code(1);
+  script.on(dialog_title, [] { press_key(GDK_KEY_KP_Down, GDK_CONTROL_MASK); });
+  script.on(dialog_title, [] {
+    EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Stain\n");
+    press_key(GDK_KEY_KP_Up, GDK_CONTROL_MASK);
+  });
+  script.on(dialog_title,
+            [] { EXPECT_EQ(shown_rows(window()), "English/United Kingdom [en-uk]=Loss\n"); });
+  script.click("Cancel");
+  run_until_closed();
+}
+
 TEST_F(EditingWindow, MovingOnKeepsTheDialogWhenTheRemarkIsRefused) {
   edit_code(0);
   script.on(dialog_title, [] {
