@@ -171,7 +171,9 @@ class FileNames(WorkspaceJourney):
                 window.list().row("Wood (Vera) 2").select()
                 window.button(button).click()
                 naming = program.window("Add new")
-                naming.field().type("abc")
+                # A click into the field would put the cursor at its end.
+                naming.field().expect_focus()
+                display.type_text("abc")
                 naming.field().expect_text("abc.codeset")
                 naming.leave(way_out)
                 window.expect_active()
