@@ -88,6 +88,19 @@ void size_allocate(GtkWidget *widget, GtkAllocation *allocation) {
   }
 }
 
+// "move-focus-out", which the toolkit binds to Ctrl+Tab. In a web browser it sometimes takes Tab
+// for that, because its keymap there leaves a mask of modifiers unset (seen with GTK 3.24.49). Tab
+// moves the focus to the next widget.
+void move_focus_out(GtkScrolledWindow *scroller, GtkDirectionType direction) {
+  GdkModifierType state = {};
+  if (gtk_get_current_event_state(&state) && (state & GDK_CONTROL_MASK) == 0) {
+    gtk_widget_child_focus(gtk_widget_get_toplevel(GTK_WIDGET(scroller)), direction);
+  } else {
+    GTK_SCROLLED_WINDOW_CLASS(v_height_capped_scroller_parent_class)
+        ->move_focus_out(scroller, direction);
+  }
+}
+
 } // namespace
 
 static void v_height_capped_scroller_class_init(VHeightCappedScrollerClass *scroller_class) {
@@ -95,6 +108,7 @@ static void v_height_capped_scroller_class_init(VHeightCappedScrollerClass *scro
   GTK_WIDGET_CLASS(scroller_class)->get_preferred_height = get_preferred_height;
   GTK_WIDGET_CLASS(scroller_class)->get_preferred_height_for_width = get_preferred_height_for_width;
   GTK_WIDGET_CLASS(scroller_class)->size_allocate = size_allocate;
+  GTK_SCROLLED_WINDOW_CLASS(scroller_class)->move_focus_out = move_focus_out;
 }
 
 static void v_height_capped_scroller_init(VHeightCappedScroller *scroller) {

@@ -206,3 +206,30 @@ TEST(HeightCappedScroller, IsNoHigherThanItsContentForAnyLeastHeight) {
 }
 
 } // namespace
+
+// The toolkit's mistake in a web browser, made here with every Tab.
+gboolean take_tab_for_ctrl_tab(GtkWidget *widget, GdkEventKey *event, void *) {
+  if (event->keyval != GDK_KEY_Tab) {
+    return GDK_EVENT_PROPAGATE;
+  }
+  g_signal_emit_by_name(gtk_widget_get_ancestor(widget, GTK_TYPE_SCROLLED_WINDOW), "move-focus-out",
+                        GTK_DIR_TAB_FORWARD);
+  return GDK_EVENT_STOP;
+}
+
+TEST(HeightCappedScroller, OnlyCtrlTabMovesTheFocusOut) {
+  Tower tower;
+  tower.add_rows(2);
+  gtk_widget_show(GTK_WIDGET(tower.window.get()));
+  settle();
+  for (const int modifiers : {0, static_cast<int>(GDK_CONTROL_MASK)}) {
+    GtkWidget *row = tower.row(0);
+    const gulong handler =
+        g_signal_connect(row, "key-press-event", G_CALLBACK(take_tab_for_ctrl_tab), nullptr);
+    gtk_widget_grab_focus(row);
+    press_key(GTK_WIDGET(tower.window.get()), GDK_KEY_Tab, modifiers);
+    EXPECT_EQ(gtk_window_get_focus(tower.window.get()),
+              modifiers == 0 ? tower.row(1) : GTK_WIDGET(tower.button));
+    g_signal_handler_disconnect(row, handler);
+  }
+}
