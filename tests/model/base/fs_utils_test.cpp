@@ -394,6 +394,14 @@ TEST(FsUtils, AReplacedFileKeepsItsPermissions) {
   }
 }
 
+TEST(FsUtils, AFileThatReplacesNoneHasTheUsualPermissions) {
+  const TemporaryFolder folder;
+  const mode_t mask = umask(0);
+  EXPECT_TRUE(v_fs_utils_replace_file((folder / "file").c_str(), "new")) << v_error_get();
+  umask(mask);
+  EXPECT_EQ(permissions_of(folder / "file"), 0666U);
+}
+
 TEST(FsUtils, AFileWhoseNameIsNotUtf8IsNotReplaced) {
   v_error_clear();
   EXPECT_FALSE(v_fs_utils_replace_file("\xff", "new"));
@@ -459,6 +467,15 @@ TEST(FsUtils, DiscardingAMissingFileIsNoFailure) {
   write_file(folder / "file", "");
   EXPECT_FALSE(v_fs_utils_delete_folder_if_exists((folder / "file").c_str()));
   v_fs_utils_discard_file((folder / "none").c_str());
+  EXPECT_EQ(v_fs_utils_get_last_error_number(), ENOTDIR);
+}
+
+TEST(FsUtils, DiscardingAFileIsNoFailureWhateverFailedBefore) {
+  const TemporaryFolder folder;
+  write_file(folder / "file", "");
+  EXPECT_FALSE(v_fs_utils_delete_folder_if_exists((folder / "file").c_str()));
+  errno = EBADF;
+  v_fs_utils_discard_file((folder / "file").c_str());
   EXPECT_EQ(v_fs_utils_get_last_error_number(), ENOTDIR);
 }
 

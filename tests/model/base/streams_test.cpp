@@ -525,6 +525,18 @@ TEST(FileOutput, CallersFileStaysOpenAndInPlace) {
   EXPECT_EQ(read_file(folder / "file"), "abcdef");
 }
 
+TEST(FileOutput, ReportsAnEarlierFailureOfTheCaller) {
+  const TemporaryFolder folder;
+  write_file(folder / "file", "old");
+  const OwnedFile file(std::fopen((folder / "file").c_str(), "rb"));
+  ASSERT_TRUE(file);
+  EXPECT_EQ(std::fputc('x', file.get()), EOF);
+  ASSERT_EQ(std::fflush(file.get()), 0);
+  const OwnedOutputStream stream = v_output_stream_new_for_file(file.get());
+  EXPECT_FALSE(v_output_stream_finish(stream.get()));
+  EXPECT_STREQ(v_error_get(), "File write error.");
+}
+
 TEST(FileOutput, ReportsAFullDeviceOfTheCaller) {
   const OwnedFile file(std::fopen("/dev/full", "wb"));
   ASSERT_TRUE(file);
