@@ -245,11 +245,14 @@ bool v_codeset_io_write_to_file_with_permissions(const VCodeset *codeset, const 
   return true;
 }
 
+bool v_codeset_io_can_code_be_read_back(const char *code) {
+  return std::strpbrk(code, "&<") == nullptr && std::strstr(code, "]]>") == nullptr;
+}
+
 bool v_codeset_io_can_be_read_back(const VCodeset *codeset) {
   const VRemarkList *list = codeset->remarks.get();
   for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-    const char *code = remark->code.get();
-    if (std::strpbrk(code, "&<") != nullptr || std::strstr(code, "]]>") != nullptr) {
+    if (!v_codeset_io_can_code_be_read_back(remark->code.get())) {
       return false;
     }
   }

@@ -27,8 +27,10 @@ bool v_codeset_io_write_to_file(const VCodeset *codeset, const char *path);
 // there is no old file then to take them from.
 bool v_codeset_io_write_to_file_with_permissions(const VCodeset *codeset, const char *path,
                                                  const VFilePermissions &permissions);
-// False when a code has "&", "<" or "]]>": codes are written unescaped, so the file that these two
-// functions write would be rejected or have another code.
+// False when the code has "&", "<" or "]]>": codes are written unescaped, so the file that these
+// two functions write would be rejected or have another code.
+bool v_codeset_io_can_code_be_read_back(const char *code);
+// True when that is true for all codes.
 bool v_codeset_io_can_be_read_back(const VCodeset *codeset);
 
 // Writes a codeset to an open file, and flushes it, in a form that can always be read again as long

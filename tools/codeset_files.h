@@ -1,0 +1,33 @@
+#pragma once
+// Reads and writes the files that the user names: a path in the file system's encoding, or "-" for
+// standard input and standard output. Failing functions leave a message (base/error.h).
+
+#include <string>
+#include <string_view>
+
+#include "codeset/codeset.h"
+
+enum class Overwriting { refused, allowed };
+
+// Reads a codeset as the window does. Null with the message of v_codeset_io_read_from_file, or with
+// "Cannot read standard input." before the reason. Standard input and named pipes are copied to a
+// temporary file first.
+OwnedCodeset v_tools_read_codeset(const char *file);
+
+// Reads all bytes. False with "Cannot open file." before the reason, or "File read error.".
+bool v_tools_read_text(const char *file, std::string &text);
+
+// Writes the bytes; null is standard output as well. A file is written beside its place and put
+// there when it is whole and on the disk, so that the path has the old file or the new one, never a
+// part of one. A link to a file is followed, and the file keeps its permissions. False with "The
+// file exists already; --force replaces it." unless that is allowed, "Not a regular file.", or
+// the system's reason.
+bool v_tools_write_text(const char *file, std::string_view text, Overwriting overwriting);
+
+// Writes a codeset file in the program's own form. It is read back before it is put in its place:
+// false with "The written file does not read back as it should." when that gives another codeset,
+// else with the messages of v_tools_write_text, of writing and of reading.
+bool v_tools_write_codeset(const VCodeset *codeset, const char *file, Overwriting overwriting);
+
+// True when all texts and their order are the same.
+bool v_tools_codesets_are_equal(const VCodeset *a, const VCodeset *b);

@@ -1,0 +1,13 @@
+#pragma once
+// The commands of the program vantorelle-codeset. Each parses its own arguments, of which the first
+// is its name, writes its results to standard output and its messages to standard error, and
+// returns the exit status of the program. Arguments are in the file system's encoding.
+
+// Exit statuses.
+inline constexpr int v_tools_good = 0;
+inline constexpr int v_tools_failed = 2; // an error was reported; also wrong arguments
+
+// Runs the command that the arguments of main name, or shows help or the version.
+int v_tools_run(int argc, char **argv);
+
+int v_tools_list(int argc, char **argv);

@@ -1,0 +1,74 @@
+#include <string>
+
+#include "base/text_encoding.h"
+#include "tools/codeset_files.h"
+#include "tools/commands.h"
+#include "tools/options.h"
+#include "tools/report.h"
+#include "workspace/display_text.h"
+
+namespace {
+
+bool has_language(const VCodeset *codeset, const char *language) {
+  const VRemarkList *list = codeset->remarks.get();
+  for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+    if (v_langstr_get_string(remark->description.get(), language, true) != nullptr) {
+      return true;
+    }
+  }
+  return false;
+}
+
+OwnedUtf8String write_list(const VCodeset *codeset, const VSettings *settings) {
+  OwnedUtf8String lines = v_utf8_string_new(nullptr);
+  const VRemarkList *list = codeset->remarks.get();
+  for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+    v_utf8_string_append_latin1(lines.get(), remark->code.get());
+    v_utf8_string_append_byte(lines.get(), '\t');
+    v_utf8_string_append_latin1(lines.get(),
+                                v_util_get_langstr_string(settings, remark->description.get()));
+    v_utf8_string_append_byte(lines.get(), '\n');
+  }
+  return lines;
+}
+
+} // namespace
+
+int v_tools_list(int argc, char **argv) {
+  CommandOptions options(
+      "FILE",
+      "Prints one line for each code, in the order of the codes: the code, a tab and the\n"
+      "description.",
+      "A description is shown in the wanted language, else in your own, else in English, else\n"
+      "in the first one that it has. \"en\" is also any kind of English.");
+  OwnedText language;
+  options.add_text("language", 'l', "Show descriptions in this language", "TAG", language);
+  switch (options.parse(argc, argv, 1, 1)) {
+  case CommandOptions::Parsed::finished:
+    return v_tools_good;
+  case CommandOptions::Parsed::failed:
+    return v_tools_failed;
+  case CommandOptions::Parsed::run:
+    break;
+  }
+  const char *file = options.files[0].c_str();
+  const OwnedCodeset codeset = v_tools_read_codeset(file);
+  if (!codeset) {
+    v_report_last_error(file);
+    return v_tools_failed;
+  }
+  const OwnedSettings settings = v_settings_new("");
+  if (language) {
+    settings->preferred_languages.insert(settings->preferred_languages.begin(), language.get());
+    if (!has_language(codeset.get(), language.get())) {
+      const OwnedText message(g_strdup_printf("No description in %s.", language.get()));
+      v_report_warning(file, message.get());
+    }
+  }
+  const OwnedUtf8String lines = write_list(codeset.get(), settings.get());
+  if (!v_tools_write_text(nullptr, {lines->str, lines->len}, Overwriting::refused)) {
+    v_report_last_error("standard output");
+    return v_tools_failed;
+  }
+  return v_tools_good;
+}

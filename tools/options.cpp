@@ -1,0 +1,111 @@
+#include "tools/options.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "tools/codeset_files.h"
+#include "tools/report.h"
+
+CommandOptions::CommandOptions(const char *arguments, const char *summary, const char *description)
+    : context(g_option_context_new(nullptr)),
+      group(g_option_group_new("command", "", "", this, nullptr)) {
+  g_option_context_set_summary(context.get(), summary);
+  g_option_context_set_description(context.get(), description);
+  // The parser's own help ends the program and depends on the locale.
+  g_option_context_set_help_enabled(context.get(), FALSE);
+  g_option_context_set_main_group(context.get(), group);
+  add_switch("help", 'h', "Show this help", is_help_wanted);
+  const GOptionEntry entries[] = {{G_OPTION_REMAINING, '\0', G_OPTION_FLAG_FILENAME,
+                                   G_OPTION_ARG_CALLBACK, reinterpret_cast<void *>(take_file),
+                                   nullptr, arguments},
+                                  {}};
+  g_option_group_add_entries(group, entries);
+}
+
+void CommandOptions::add(GOptionEntry entry, bool is_text,
+                         std::function<void(const char *value)> take) {
+  entry.flags |= G_OPTION_FLAG_FILENAME;
+  entry.arg = G_OPTION_ARG_CALLBACK;
+  entry.arg_data = reinterpret_cast<void *>(take_value);
+  const GOptionEntry entries[] = {entry, {}};
+  g_option_group_add_entries(group, entries);
+  options.push_back({std::string("--") + entry.long_name, std::string("-") + entry.short_name,
+                     is_text, std::move(take)});
+}
+
+void CommandOptions::add_switch(const char *name, char letter, const char *help, bool &is_given) {
+  add({name, letter, G_OPTION_FLAG_NO_ARG, {}, nullptr, help, nullptr}, false,
+      [&is_given](const char *) { is_given = true; });
+}
+
+void CommandOptions::add_text(const char *name, char letter, const char *help,
+                              const char *placeholder, OwnedText &value) {
+  add({name, letter, 0, {}, nullptr, help, placeholder}, true,
+      [&value](const char *given) { value = copy_text(given); });
+}
+
+void CommandOptions::add_texts(const char *name, char letter, const char *help,
+                               const char *placeholder, std::vector<std::string> &values) {
+  add({name, letter, 0, {}, nullptr, help, placeholder}, true,
+      [&values](const char *given) { values.emplace_back(given); });
+}
+
+void CommandOptions::add_file(const char *name, char letter, const char *help,
+                              const char *placeholder, OwnedText &path) {
+  add({name, letter, 0, {}, nullptr, help, placeholder}, false,
+      [&path](const char *given) { path = copy_text(given); });
+}
+
+gboolean CommandOptions::take_value(const char *name, const char *value, void *command_options,
+                                    GError **error) {
+  auto *self = static_cast<CommandOptions *>(command_options);
+  const auto option =
+      std::find_if(self->options.begin(), self->options.end(),
+                   [name](const Option &o) { return o.long_name == name || o.short_name == name; });
+  if (option->is_text && !g_utf8_validate(value, -1, nullptr)) {
+    g_set_error(error, G_OPTION_ERROR, G_OPTION_ERROR_BAD_VALUE, "The value of %s is not UTF-8",
+                name);
+    return FALSE;
+  }
+  option->take(value);
+  return TRUE;
+}
+
+gboolean CommandOptions::take_file(const char *, const char *value, void *command_options,
+                                   GError **) {
+  static_cast<CommandOptions *>(command_options)->files.emplace_back(value);
+  return TRUE;
+}
+
+CommandOptions::Parsed CommandOptions::parse(int argc, char **argv, std::size_t least_files,
+                                             std::size_t most_files) {
+  const std::string command = argv[0];
+  g_set_prgname(("vantorelle-codeset " + command).c_str());
+  const auto fail = [&command](const char *message) {
+    v_report_error(command.c_str(),
+                   (message + ("; see \"vantorelle-codeset " + command) + " --help\"").c_str());
+    return Parsed::failed;
+  };
+  OwnedError error;
+  if (!g_option_context_parse(context.get(), &argc, &argv, receive(error))) {
+    return fail(error->message);
+  }
+  if (is_help_wanted) {
+    const OwnedText help(g_option_context_get_help(context.get(), TRUE, nullptr));
+    if (!v_tools_write_text(nullptr, help.get(), Overwriting::refused)) {
+      v_report_last_error(nullptr);
+      return Parsed::failed;
+    }
+    return Parsed::finished;
+  }
+  if (files.size() < least_files) {
+    return fail(files.empty() ? "No file is named" : "A file is missing");
+  }
+  if (files.size() > most_files) {
+    return fail("Too many files are named");
+  }
+  if (std::count(files.begin(), files.end(), "-") > 1) {
+    return fail("Standard input can be read only once");
+  }
+  return Parsed::run;
+}

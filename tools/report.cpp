@@ -1,0 +1,102 @@
+#include "tools/report.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+#include <unistd.h>
+
+#include "base/error.h"
+
+namespace {
+
+constexpr const char *bold = "\033[1m";
+constexpr const char *red = "\033[31m";
+constexpr const char *magenta = "\033[35m";
+constexpr const char *plain = "\033[0m";
+constexpr const char *erased_line = "\r\033[K";
+
+bool is_terminal() { return isatty(STDERR_FILENO) != 0; }
+
+bool is_coloured() {
+  const char *no_color = std::getenv("NO_COLOR");
+  return is_terminal() && (no_color == nullptr || *no_color == '\0');
+}
+
+// Valid UTF-8 without control characters, which could make a terminal do anything. Blank lines
+// become spaces; the lines after a line feed are indented.
+std::string make_printable(const char *text) {
+  const OwnedText valid(g_utf8_make_valid(text, -1));
+  std::string printable;
+  for (const char *c = valid.get(); *c != '\0'; c = g_utf8_next_char(c)) {
+    if (c[0] == '\n' && c[1] == '\n') {
+      printable += ' ';
+      c++;
+    } else if (*c == '\n') {
+      printable += "\n  ";
+    } else if (g_unichar_iscntrl(g_utf8_get_char(c))) {
+      printable += '?';
+    } else {
+      printable.append(c, static_cast<std::size_t>(g_utf8_next_char(c) - c));
+    }
+  }
+  return printable;
+}
+
+std::string show_file(const char *file) {
+  return std::string(file) == "-" ? "standard input" : make_printable(file);
+}
+
+void report(const char *file, const char *kind, const char *kind_colour, const char *message) {
+  const bool coloured = is_coloured();
+  std::string text = coloured ? bold : "";
+  text += "vantorelle-codeset: ";
+  if (file != nullptr) {
+    text += show_file(file) + ": ";
+  }
+  text += coloured ? std::string(plain) + kind_colour + kind + plain : kind;
+  text += make_printable(message) + '\n';
+  std::fputs(text.c_str(), stderr);
+}
+
+} // namespace
+
+void v_report_error(const char *file, const char *message) { report(file, "", red, message); }
+
+void v_report_last_error(const char *file) { v_report_error(file, v_error_get()); }
+
+void v_report_warning(const char *file, const char *message) {
+  report(file, "warning: ", magenta, message);
+}
+
+ProgressReport::ProgressReport(const char *file, const char *work)
+    : text(show_file(file) + ": " + work) {
+  if (is_terminal()) {
+    thread = std::thread(&ProgressReport::show_until_finished, this);
+  }
+}
+
+ProgressReport::~ProgressReport() {
+  if (thread.joinable()) {
+    {
+      const std::lock_guard lock(mutex);
+      is_finished = true;
+    }
+    finishing.notify_one();
+    thread.join();
+  }
+}
+
+void ProgressReport::show_until_finished() {
+  std::unique_lock lock(mutex);
+  int seconds = 0;
+  while (!finishing.wait_for(lock, std::chrono::seconds(1), [this] { return is_finished; })) {
+    seconds++;
+    std::fprintf(stderr, "%s%s, %d s", erased_line, text.c_str(), seconds);
+    std::fflush(stderr);
+  }
+  if (seconds > 0) {
+    std::fputs(erased_line, stderr);
+    std::fflush(stderr);
+  }
+}
