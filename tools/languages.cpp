@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "base/owned.h"
+#include "tools/report.h"
+
 namespace {
 
 void collect(std::vector<std::string> &languages, const VLangstr *langstr) {
@@ -10,6 +13,16 @@ void collect(std::vector<std::string> &languages, const VLangstr *langstr) {
       languages.emplace_back(langstr->lang.get());
     }
   }
+}
+
+bool has_language(const VCodeset *codeset, const char *language) {
+  const VRemarkList *list = codeset->remarks.get();
+  for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+    if (v_langstr_get_string(remark->description.get(), language, true) != nullptr) {
+      return true;
+    }
+  }
+  return false;
 }
 
 } // namespace
@@ -37,4 +50,20 @@ std::string v_tools_format_languages(const std::vector<std::string> &languages) 
     text += language.empty() ? "undefined" : language;
   }
   return text;
+}
+
+OwnedSettings v_tools_prefer_language(const char *language) {
+  OwnedSettings settings = v_settings_new("");
+  if (language != nullptr) {
+    settings->preferred_languages.insert(settings->preferred_languages.begin(), language);
+  }
+  return settings;
+}
+
+void v_tools_warn_of_missing_language(const char *file, const VCodeset *codeset,
+                                      const char *language) {
+  if (!has_language(codeset, language)) {
+    const OwnedText message(g_strdup_printf("No description in %s.", language));
+    v_report_warning(file, message.get());
+  }
 }

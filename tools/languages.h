@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "codeset/codeset.h"
+#include "workspace/settings.h"
 
 // The tags of all translations of the descriptions, each once, in order of first appearance; "" for
 // a text of unknown language. with_header: the tags of the name and the author come first.
@@ -12,3 +13,12 @@ std::vector<std::string> v_tools_collect_languages(const VCodeset *codeset, bool
 
 // The tags separated by ", ", where "" is "undefined"; "no language" when there is none.
 std::string v_tools_format_languages(const std::vector<std::string> &languages);
+
+// The settings of a user who wants texts in the language (tag; null for none) and, where there is
+// none, in the languages that the window prefers.
+OwnedSettings v_tools_prefer_language(const char *language);
+
+// Reports a warning about the file when no description is in the language or in one of its
+// dialects.
+void v_tools_warn_of_missing_language(const char *file, const VCodeset *codeset,
+                                      const char *language);

@@ -1,23 +1,12 @@
-#include <string>
-
 #include "base/text_encoding.h"
 #include "tools/codeset_files.h"
 #include "tools/commands.h"
+#include "tools/languages.h"
 #include "tools/options.h"
 #include "tools/report.h"
 #include "workspace/display_text.h"
 
 namespace {
-
-bool has_language(const VCodeset *codeset, const char *language) {
-  const VRemarkList *list = codeset->remarks.get();
-  for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-    if (v_langstr_get_string(remark->description.get(), language, true) != nullptr) {
-      return true;
-    }
-  }
-  return false;
-}
 
 OwnedUtf8String write_list(const VCodeset *codeset, const VSettings *settings) {
   OwnedUtf8String lines = v_utf8_string_new(nullptr);
@@ -57,14 +46,10 @@ int v_tools_list(int argc, char **argv) {
     v_report_last_error(file);
     return v_tools_failed;
   }
-  const OwnedSettings settings = v_settings_new("");
   if (language) {
-    settings->preferred_languages.insert(settings->preferred_languages.begin(), language.get());
-    if (!has_language(codeset.get(), language.get())) {
-      const OwnedText message(g_strdup_printf("No description in %s.", language.get()));
-      v_report_warning(file, message.get());
-    }
+    v_tools_warn_of_missing_language(file, codeset.get(), language.get());
   }
+  const OwnedSettings settings = v_tools_prefer_language(language.get());
   const OwnedUtf8String lines = write_list(codeset.get(), settings.get());
   if (!v_tools_write_text(nullptr, {lines->str, lines->len}, Overwriting::refused)) {
     v_report_last_error("standard output");
