@@ -135,6 +135,14 @@ bool v_tools_write_text(const char *file, std::string_view text, Overwriting ove
   return placed.prepare(file, overwriting) && write_new_file(placed, text) && placed.put();
 }
 
+bool v_tools_print(std::string_view text) {
+  const bool is_written = write_all(stdout, text);
+  if (!is_written) {
+    v_report_last_error("standard output");
+  }
+  return is_written;
+}
+
 bool v_tools_write_codeset(const VCodeset *codeset, const char *file, Overwriting overwriting) {
   const ProgressReport progress(file == nullptr ? "standard output" : file, "writing");
   PlacedFile placed;

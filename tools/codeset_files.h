@@ -14,7 +14,8 @@ enum class Overwriting { refused, allowed };
 // temporary file first.
 OwnedCodeset v_tools_read_codeset(const char *file);
 
-// Reads all bytes. False with "Cannot open file." before the reason, or "File read error.".
+// Reads all bytes. False with "Cannot open file." before the reason, or "File I/O error
+// when reading file.".
 bool v_tools_read_text(const char *file, std::string &text);
 
 // Writes the bytes; null is standard output as well. A file is written beside its place and put
@@ -23,6 +24,9 @@ bool v_tools_read_text(const char *file, std::string &text);
 // file exists already; --force replaces it." unless that is allowed, "Not a regular file.", or
 // the system's reason.
 bool v_tools_write_text(const char *file, std::string_view text, Overwriting overwriting);
+
+// Writes the bytes to standard output and reports a failure itself (tools/report.h).
+bool v_tools_print(std::string_view text);
 
 // Writes a codeset file in the program's own form. It is read back before it is put in its place:
 // false with "The written file does not read back as it should." when that gives another codeset,

@@ -44,13 +44,7 @@ std::string write_help() {
                 "Exit status: 0, or 2 after an error.\n";
 }
 
-int print(const std::string &text) {
-  if (!v_tools_write_text(nullptr, text, Overwriting::refused)) {
-    v_report_last_error("standard output");
-    return v_tools_failed;
-  }
-  return v_tools_good;
-}
+int print(const std::string &text) { return v_tools_print(text) ? v_tools_good : v_tools_failed; }
 
 bool is_one_of(const char *text, const char *a, const char *b) {
   return std::strcmp(text, a) == 0 || std::strcmp(text, b) == 0;

@@ -1,19 +1,29 @@
 #include "tools/languages.h"
 
-#include <algorithm>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
 
 #include "base/owned.h"
 #include "tools/report.h"
 
 namespace {
 
-void collect(std::vector<std::string> &languages, const VLangstr *langstr) {
-  for (; langstr != nullptr; langstr = langstr->next.get()) {
-    if (std::find(languages.begin(), languages.end(), langstr->lang.get()) == languages.end()) {
-      languages.emplace_back(langstr->lang.get());
+class Collection {
+public:
+  void add(const VLangstr *langstr) {
+    for (; langstr != nullptr; langstr = langstr->next.get()) {
+      if (known.insert(langstr->lang.get()).second) {
+        languages.emplace_back(langstr->lang.get());
+      }
     }
   }
-}
+
+  std::vector<std::string> languages;
+
+private:
+  std::unordered_set<std::string_view> known; // borrowed from the codeset
+};
 
 bool has_language(const VCodeset *codeset, const char *language) {
   const VRemarkList *list = codeset->remarks.get();
@@ -28,16 +38,16 @@ bool has_language(const VCodeset *codeset, const char *language) {
 } // namespace
 
 std::vector<std::string> v_tools_collect_languages(const VCodeset *codeset, bool with_header) {
-  std::vector<std::string> languages;
+  Collection collection;
   if (with_header) {
-    collect(languages, codeset->name.get());
-    collect(languages, codeset->author.get());
+    collection.add(codeset->name.get());
+    collection.add(codeset->author.get());
   }
   const VRemarkList *list = codeset->remarks.get();
   for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-    collect(languages, remark->description.get());
+    collection.add(remark->description.get());
   }
-  return languages;
+  return std::move(collection.languages);
 }
 
 std::string v_tools_format_languages(const std::vector<std::string> &languages) {

@@ -32,13 +32,8 @@ int v_tools_list(int argc, char **argv) {
       "in the first one that it has. \"en\" is also any kind of English.");
   OwnedText language;
   options.add_text("language", 'l', "Show descriptions in this language", "TAG", language);
-  switch (options.parse(argc, argv, 1, 1)) {
-  case CommandOptions::Parsed::finished:
-    return v_tools_good;
-  case CommandOptions::Parsed::failed:
-    return v_tools_failed;
-  case CommandOptions::Parsed::run:
-    break;
+  if (const std::optional<int> status = options.parse(argc, argv, 1, 1)) {
+    return *status;
   }
   const char *file = options.files[0].c_str();
   const OwnedCodeset codeset = v_tools_read_codeset(file);
@@ -51,9 +46,5 @@ int v_tools_list(int argc, char **argv) {
   }
   const OwnedSettings settings = v_tools_prefer_language(language.get());
   const OwnedUtf8String lines = write_list(codeset.get(), settings.get());
-  if (!v_tools_write_text(nullptr, {lines->str, lines->len}, Overwriting::refused)) {
-    v_report_last_error("standard output");
-    return v_tools_failed;
-  }
-  return v_tools_good;
+  return v_tools_print({lines->str, lines->len}) ? v_tools_good : v_tools_failed;
 }

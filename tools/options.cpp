@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "tools/codeset_files.h"
+#include "tools/commands.h"
 #include "tools/report.h"
 
 CommandOptions::CommandOptions(const char *arguments, const char *summary, const char *description)
@@ -77,14 +78,14 @@ gboolean CommandOptions::take_file(const char *, const char *value, void *comman
   return TRUE;
 }
 
-CommandOptions::Parsed CommandOptions::parse(int argc, char **argv, std::size_t least_files,
-                                             std::size_t most_files) {
+std::optional<int> CommandOptions::parse(int argc, char **argv, std::size_t least_files,
+                                         std::size_t most_files) {
   const std::string command = argv[0];
   g_set_prgname(("vantorelle-codeset " + command).c_str());
   const auto fail = [&command](const char *message) {
     v_report_error(command.c_str(),
                    (message + ("; see \"vantorelle-codeset " + command) + " --help\"").c_str());
-    return Parsed::failed;
+    return v_tools_failed;
   };
   OwnedError error;
   if (!g_option_context_parse(context.get(), &argc, &argv, receive(error))) {
@@ -92,11 +93,7 @@ CommandOptions::Parsed CommandOptions::parse(int argc, char **argv, std::size_t 
   }
   if (is_help_wanted) {
     const OwnedText help(g_option_context_get_help(context.get(), TRUE, nullptr));
-    if (!v_tools_write_text(nullptr, help.get(), Overwriting::refused)) {
-      v_report_last_error(nullptr);
-      return Parsed::failed;
-    }
-    return Parsed::finished;
+    return v_tools_print(help.get()) ? v_tools_good : v_tools_failed;
   }
   if (files.size() < least_files) {
     return fail(files.empty() ? "No file is named" : "A file is missing");
@@ -107,5 +104,5 @@ CommandOptions::Parsed CommandOptions::parse(int argc, char **argv, std::size_t 
   if (std::count(files.begin(), files.end(), "-") > 1) {
     return fail("Standard input can be read only once");
   }
-  return Parsed::run;
+  return std::nullopt;
 }

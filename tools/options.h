@@ -3,6 +3,7 @@
 // bytes, so that they do not depend on the locale.
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,9 +14,6 @@ using OwnedOptionContext = Owned<GOptionContext, free_option_context>;
 
 class CommandOptions {
 public:
-  // How to continue after parsing.
-  enum class Parsed { run, finished, failed };
-
   // arguments: as in "check [OPTION...] FILE...". summary and description: shown by --help before
   // and after the options. All static texts.
   CommandOptions(const char *arguments, const char *summary, const char *description);
@@ -35,11 +33,12 @@ public:
   void add_file(const char *name, char letter, const char *help, const char *placeholder,
                 OwnedText &path);
 
-  // Parses the arguments. finished: help was shown. failed: a message was reported, which begins
-  // with the command's name, also when there are fewer files than least_files or more than
-  // most_files. The files (paths in the file system's encoding, or "-") are in files.
-  Parsed parse(int argc, char **argv, std::size_t least_files, std::size_t most_files);
+  // Parses the arguments. Returns nothing when the command can run, else the exit status with which
+  // it ends: help was shown, or a message was reported, which begins with the command's name. That
+  // is also the case when there are fewer files than least_files or more than most_files.
+  std::optional<int> parse(int argc, char **argv, std::size_t least_files, std::size_t most_files);
 
+  // The arguments: paths in the file system's encoding, or "-".
   std::vector<std::string> files;
 
 private:

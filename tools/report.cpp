@@ -43,16 +43,12 @@ std::string make_printable(const char *text) {
   return printable;
 }
 
-std::string show_file(const char *file) {
-  return std::string(file) == "-" ? "standard input" : make_printable(file);
-}
-
 void report(const char *file, const char *kind, const char *kind_colour, const char *message) {
   const bool coloured = is_coloured();
   std::string text = coloured ? bold : "";
   text += "vantorelle-codeset: ";
   if (file != nullptr) {
-    text += show_file(file) + ": ";
+    text += v_report_show_file(file) + ": ";
   }
   text += coloured ? std::string(plain) + kind_colour + kind + plain : kind;
   text += make_printable(message) + '\n';
@@ -60,6 +56,10 @@ void report(const char *file, const char *kind, const char *kind_colour, const c
 }
 
 } // namespace
+
+std::string v_report_show_file(const char *file) {
+  return std::string(file) == "-" ? "standard input" : make_printable(file);
+}
 
 void v_report_error(const char *file, const char *message) { report(file, "", red, message); }
 
@@ -70,7 +70,7 @@ void v_report_warning(const char *file, const char *message) {
 }
 
 ProgressReport::ProgressReport(const char *file, const char *work)
-    : text(show_file(file) + ": " + work) {
+    : text(v_report_show_file(file) + ": " + work) {
   if (is_terminal()) {
     thread = std::thread(&ProgressReport::show_until_finished, this);
   }

@@ -11,6 +11,9 @@
 #include <string>
 #include <thread>
 
+// The file as it is shown: UTF-8 without control characters. file is not null.
+std::string v_report_show_file(const char *file);
+
 // "vantorelle-codeset: FILE: message".
 void v_report_error(const char *file, const char *message);
 // The same with the message of base/error.h.
