@@ -16,6 +16,8 @@ struct Command {
 };
 
 constexpr Command commands[] = {
+    {"check", "Tell whether the program accepts codesets, and what looks wrong", v_tools_check},
+    {"diff", "Compare two codesets", v_tools_diff},
     {"list", "Print the codes with their descriptions", v_tools_list},
 };
 
@@ -41,7 +43,7 @@ std::string write_help() {
                 "  -h, --help     Show this help; after a command, that of the command\n"
                 "  --version      Show the version\n\n"
                 "A file named \"-\" is standard input or standard output.\n"
-                "Exit status: 0, or 2 after an error.\n";
+                "Exit status: 0; 1 for what check --strict and diff notice; 2 after an error.\n";
 }
 
 int print(const std::string &text) { return v_tools_print(text) ? v_tools_good : v_tools_failed; }

@@ -5,9 +5,12 @@
 
 // Exit statuses.
 inline constexpr int v_tools_good = 0;
-inline constexpr int v_tools_failed = 2; // an error was reported; also wrong arguments
+inline constexpr int v_tools_noticed = 1; // check --strict: warnings; diff: differences
+inline constexpr int v_tools_failed = 2;  // an error was reported; also wrong arguments
 
 // Runs the command that the arguments of main name, or shows help or the version.
 int v_tools_run(int argc, char **argv);
 
+int v_tools_check(int argc, char **argv);
+int v_tools_diff(int argc, char **argv);
 int v_tools_list(int argc, char **argv);
