@@ -10,21 +10,11 @@
 
 namespace {
 
-int count_codes(const VCodeset *codeset) {
-  int count = 0;
-  const VRemarkList *list = codeset->remarks.get();
-  for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-    count++;
-  }
-  return count;
-}
-
 // "FILE: 51 codes, en-uk, sv"
-std::string summarise(const char *file, const VCodeset *codeset) {
-  const int count = count_codes(codeset);
-  return v_report_show_file(file) + ": " + std::to_string(count) +
-         (count == 1 ? " code, " : " codes, ") +
-         v_tools_format_languages(v_tools_collect_languages(codeset, false)) + '\n';
+std::string summarise(const char *file, const Findings &findings) {
+  return v_report_show_file(file) + ": " + std::to_string(findings.codes) +
+         (findings.codes == 1 ? " code, " : " codes, ") +
+         v_tools_format_languages(findings.languages) + '\n';
 }
 
 int check_file(const char *file) {
@@ -33,14 +23,14 @@ int check_file(const char *file) {
     v_report_last_error(file);
     return v_tools_failed;
   }
-  if (!v_tools_print(summarise(file, codeset.get()))) {
+  const Findings findings = v_findings_collect(codeset.get());
+  if (!v_tools_print(summarise(file, findings))) {
     return v_tools_failed;
   }
-  const std::vector<std::string> findings = v_findings_collect(codeset.get());
-  for (const std::string &finding : findings) {
-    v_report_warning(file, finding.c_str());
+  for (const std::string &message : findings.messages) {
+    v_report_warning(file, message.c_str());
   }
-  return findings.empty() ? v_tools_good : v_tools_noticed;
+  return findings.messages.empty() ? v_tools_good : v_tools_noticed;
 }
 
 } // namespace

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <deque>
 #include <map>
+#include <set>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -14,46 +16,62 @@
 
 namespace {
 
-using Remarks = std::vector<const VRemark *>; // in remark code order
-
-// The texts of all remarks in one language.
-struct Language {
-  struct Text {
-    std::size_t hash;
-    std::size_t remark; // its index
-    const char *text;   // ISO-8859-1, the remark's
-  };
-  std::string tag;
-  std::vector<Text> texts; // in the order of the remarks
-};
-
 constexpr std::size_t most_codes_named = 5;
 
-Remarks collect_remarks(const VCodeset *codeset) {
-  Remarks remarks;
-  const VRemarkList *list = codeset->remarks.get();
-  for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
-    remarks.push_back(remark);
-  }
-  return remarks;
-}
+// A description in one language.
+struct Text {
+  std::size_t hash;
+  std::size_t remark; // its index in remark code order
+  const char *text;   // ISO-8859-1, the remark's
+};
 
-std::vector<Language> collect_texts(const VCodeset *codeset, const Remarks &remarks) {
-  std::vector<Language> languages;
-  for (std::string &tag : v_tools_collect_languages(codeset, false)) {
-    languages.push_back({std::move(tag), {}});
-  }
-  std::unordered_map<std::string_view, Language *> language_of;
-  for (Language &language : languages) {
-    language_of[language.tag] = &language;
-  }
-  for (std::size_t i = 0; i < remarks.size(); i++) {
-    for (const VLangstr *t = remarks[i]->description.get(); t != nullptr; t = t->next.get()) {
-      const std::size_t hash = std::hash<std::string_view>()(t->text.get());
-      language_of[t->lang.get()]->texts.push_back({hash, i, t->text.get()});
+struct Language {
+  std::string tag;
+  std::vector<Text> texts; // in remark code order
+};
+
+// What is compared, gathered in one pass: the remarks are scattered over the memory, and each pass
+// takes a good part of the time of reading the file.
+class Contents {
+public:
+  explicit Contents(const VCodeset *codeset) {
+    const VRemarkList *list = codeset->remarks.get();
+    for (const VRemark *remark = list->head.next; remark != &list->tail; remark = remark->next) {
+      add(remark);
     }
   }
-  return languages;
+
+  std::vector<const VRemark *> remarks;
+  std::deque<Language> languages; // in order of first appearance
+
+private:
+  void add(const VRemark *remark);
+  Language &find_language(const char *tag, std::size_t likely_index);
+
+  std::unordered_map<std::string_view, Language *> language_of; // borrowed from languages
+};
+
+void Contents::add(const VRemark *remark) {
+  std::size_t place = 0;
+  for (const VLangstr *t = remark->description.get(); t != nullptr; t = t->next.get()) {
+    const std::size_t hash = std::hash<std::string_view>()(t->text.get());
+    find_language(t->lang.get(), place).texts.push_back({hash, remarks.size(), t->text.get()});
+    place++;
+  }
+  remarks.push_back(remark);
+}
+
+// In most codesets all descriptions have the same languages in the same order.
+Language &Contents::find_language(const char *tag, std::size_t likely_index) {
+  if (likely_index < languages.size() && languages[likely_index].tag == tag) {
+    return languages[likely_index];
+  }
+  if (const auto found = language_of.find(tag); found != language_of.end()) {
+    return *found->second;
+  }
+  languages.push_back({tag, {}});
+  language_of[languages.back().tag] = &languages.back();
+  return languages.back();
 }
 
 std::string convert(const char *latin1_text) {
@@ -63,17 +81,17 @@ std::string convert(const char *latin1_text) {
 std::string quote(const char *latin1_text) { return "\"" + convert(latin1_text) + "\""; }
 
 // The codes of the remarks with these indices: "Ab1, Ab2", only the first few of many.
-std::string name_codes(const Remarks &remarks, const std::vector<std::size_t> &indices) {
+std::string name_codes(const Contents &contents, const std::vector<std::size_t> &indices) {
   std::string codes;
   for (std::size_t i = 0; i < std::min(indices.size(), most_codes_named); i++) {
     codes += i == 0 ? "" : ", ";
-    codes += convert(remarks[indices[i]]->code.get());
+    codes += convert(contents.remarks[indices[i]]->code.get());
   }
   return indices.size() > most_codes_named ? codes + ", ..." : codes;
 }
 
-void find_codes_not_read_back(const Remarks &remarks, std::vector<std::string> &findings) {
-  for (const VRemark *remark : remarks) {
+void find_codes_not_read_back(const Contents &contents, std::vector<std::string> &findings) {
+  for (const VRemark *remark : contents.remarks) {
     if (!v_codeset_io_can_code_be_read_back(remark->code.get())) {
       findings.push_back("The code " + quote(remark->code.get()) +
                          " could not be read back after saving: it has \"&\", \"<\" or \"]]>\".");
@@ -81,12 +99,23 @@ void find_codes_not_read_back(const Remarks &remarks, std::vector<std::string> &
   }
 }
 
-// A text without a language is no mistake: the window can write such texts.
-void find_unknown_languages(const VCodeset *codeset, std::vector<std::string> &findings) {
-  for (const std::string &tag : v_tools_collect_languages(codeset, true)) {
-    if (!tag.empty() && v_supported_languages_get_index_for_tag(tag.c_str()) < 0) {
-      findings.push_back("The language \"" + tag + "\" is not one of the program's.");
+// A text of unknown language is no mistake: the window can write such texts.
+void find_unknown_languages(const VCodeset *codeset, const Contents &contents,
+                            std::vector<std::string> &findings) {
+  std::set<std::string_view> unknown;
+  const auto find = [&](const char *tag) {
+    if (*tag != '\0' && v_supported_languages_get_index_for_tag(tag) < 0 &&
+        unknown.insert(tag).second) {
+      findings.push_back(std::string("The language \"") + tag + "\" is not one of the program's.");
     }
+  };
+  for (const VLangstr *langstr : {codeset->name.get(), codeset->author.get()}) {
+    for (const VLangstr *t = langstr; t != nullptr; t = t->next.get()) {
+      find(t->lang.get());
+    }
+  }
+  for (const Language &language : contents.languages) {
+    find(language.tag.c_str());
   }
 }
 
@@ -103,18 +132,18 @@ std::vector<std::size_t> remarks_without(const Language &language, std::size_t c
   return missing;
 }
 
-void find_missing_translations(const Remarks &remarks, const std::vector<Language> &languages,
-                               std::vector<std::string> &findings) {
-  for (const Language &language : languages) {
+void find_missing_translations(const Contents &contents, std::vector<std::string> &findings) {
+  const std::size_t all = contents.remarks.size();
+  for (const Language &language : contents.languages) {
     const std::size_t count = language.texts.size();
-    if (language.tag.empty() || count == remarks.size() || count * 2 <= remarks.size()) {
+    if (language.tag.empty() || count == all || count * 2 <= all) {
       continue;
     }
-    const std::vector<std::size_t> missing = remarks_without(language, remarks.size());
+    const std::vector<std::size_t> missing = remarks_without(language, all);
     const bool is_one = missing.size() == 1;
-    findings.push_back(std::to_string(missing.size()) + " of " + std::to_string(remarks.size()) +
-                       " codes " + (is_one ? "has" : "have") + " no description in " +
-                       language.tag + ": " + name_codes(remarks, missing));
+    findings.push_back(std::to_string(missing.size()) + " of " + std::to_string(all) + " codes " +
+                       (is_one ? "has" : "have") + " no description in " + language.tag + ": " +
+                       name_codes(contents, missing));
   }
 }
 
@@ -125,55 +154,63 @@ struct Duplicate {
 };
 using Duplicates = std::map<std::vector<std::size_t>, Duplicate>;
 
-// Sorts the texts so that equal ones are neighbours, each group in the order of the remarks.
-void sort_by_text(std::vector<Language::Text> &texts) {
-  std::sort(texts.begin(), texts.end(), [](const Language::Text &a, const Language::Text &b) {
-    if (a.hash != b.hash) {
-      return a.hash < b.hash;
-    }
-    const int order = std::strcmp(a.text, b.text);
-    return order != 0 ? order < 0 : a.remark < b.remark;
+using Texts = std::vector<Text>;
+
+// Adds the codes from first on that have the text of the first one, and moves them to the front.
+// Returns the first of the others.
+Texts::iterator add_duplicate(const std::string &tag, Texts::iterator first, Texts::iterator end,
+                              Duplicates &duplicates) {
+  const auto others = std::stable_partition(first, end, [text = first->text](const Text &t) {
+    return t.text == text || std::strcmp(t.text, text) == 0;
   });
+  if (others - first > 1) {
+    std::vector<std::size_t> indices;
+    std::for_each(first, others, [&](const Text &t) { indices.push_back(t.remark); });
+    const auto added = duplicates.insert({std::move(indices), {{}, first->text}}).first;
+    added->second.languages.push_back(tag);
+  }
+  return others;
 }
 
 void collect_duplicates(Language &language, Duplicates &duplicates) {
-  sort_by_text(language.texts);
-  for (auto first = language.texts.cbegin(); first != language.texts.cend();) {
-    const auto end = std::find_if(first, language.texts.cend(), [first](const Language::Text &t) {
-      return t.hash != first->hash || std::strcmp(t.text, first->text) != 0;
-    });
-    if (end - first > 1) {
-      std::vector<std::size_t> indices;
-      std::for_each(first, end, [&](const Language::Text &t) { indices.push_back(t.remark); });
-      const auto added = duplicates.insert({std::move(indices), {{}, first->text}}).first;
-      added->second.languages.push_back(language.tag);
+  Texts &texts = language.texts;
+  std::sort(texts.begin(), texts.end(), [](const Text &a, const Text &b) {
+    return a.hash != b.hash ? a.hash < b.hash : a.remark < b.remark;
+  });
+  for (auto first = texts.begin(); first != texts.end();) {
+    const auto end = std::find_if(first, texts.end(),
+                                  [hash = first->hash](const Text &t) { return t.hash != hash; });
+    // Different texts can have the same hash.
+    while (first != end) {
+      first = add_duplicate(language.tag, first, end, duplicates);
     }
-    first = end;
   }
 }
 
-void find_same_descriptions(const Remarks &remarks, std::vector<Language> &languages,
-                            std::vector<std::string> &findings) {
+void find_same_descriptions(Contents &contents, std::vector<std::string> &findings) {
   Duplicates duplicates;
-  for (Language &language : languages) {
+  for (Language &language : contents.languages) {
     collect_duplicates(language, duplicates);
   }
   for (const auto &[indices, duplicate] : duplicates) {
     findings.push_back(std::to_string(indices.size()) + " codes have the same description in " +
                        v_tools_format_languages(duplicate.languages) + ": " +
-                       name_codes(remarks, indices) + " (" + quote(duplicate.text) + ")");
+                       name_codes(contents, indices) + " (" + quote(duplicate.text) + ")");
   }
 }
 
 } // namespace
 
-std::vector<std::string> v_findings_collect(const VCodeset *codeset) {
-  std::vector<std::string> findings;
-  const Remarks remarks = collect_remarks(codeset);
-  std::vector<Language> languages = collect_texts(codeset, remarks);
-  find_codes_not_read_back(remarks, findings);
-  find_unknown_languages(codeset, findings);
-  find_missing_translations(remarks, languages, findings);
-  find_same_descriptions(remarks, languages, findings);
+Findings v_findings_collect(const VCodeset *codeset) {
+  Contents contents(codeset);
+  Findings findings;
+  findings.codes = contents.remarks.size();
+  for (const Language &language : contents.languages) {
+    findings.languages.push_back(language.tag);
+  }
+  find_codes_not_read_back(contents, findings.messages);
+  find_unknown_languages(codeset, contents, findings.messages);
+  find_missing_translations(contents, findings.messages);
+  find_same_descriptions(contents, findings.messages);
   return findings;
 }

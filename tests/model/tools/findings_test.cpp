@@ -14,7 +14,17 @@ std::vector<std::string> findings_of(const Remarks &remarks, const Translations 
   const OwnedCodeset codeset = v_codeset_new();
   codeset->name = langstr_of(name);
   codeset->remarks = list_of(remarks);
-  return v_findings_collect(codeset.get());
+  return v_findings_collect(codeset.get()).messages;
+}
+
+TEST(Findings, CountTheCodesAndNameTheLanguages) {
+  const OwnedCodeset codeset = v_codeset_new();
+  codeset->remarks = list_of({{"1", {{"sv", "a"}, {"", "b"}}},
+                              {"2", {{"", "c"}, {"sv", "d"}}},
+                              {"3", {{"sv", "e"}, {"de", "f"}, {"", "g"}}}});
+  const Findings findings = v_findings_collect(codeset.get());
+  EXPECT_EQ(findings.codes, 3u);
+  EXPECT_THAT(findings.languages, ElementsAre("sv", "", "de"));
 }
 
 TEST(Findings, AreNoneInACodesetWithoutMistakes) {
