@@ -18,7 +18,7 @@ import tempfile
 import unittest
 
 from clean_debian import CleanDebian
-from layout import PROGRAM, InstalledProgramJourney, installed_files, main
+from layout import COMMAND, PROGRAM, InstalledProgramJourney, installed_files, main
 
 DICTIONARIES = {
     f"hunspell-{language}" for language in ("en-gb", "en-us", "sv", "de-de", "fr", "es", "nl")
@@ -52,10 +52,12 @@ def packaged_files():
     files = installed_files() - {f"lib/vantorelle/fonts/{name}" for name in ("copyright", "GPL-2")}
     files -= {
         f"share/man/man1/{PROGRAM}.1",
+        f"share/man/man1/{COMMAND}.1",
         f"share/doc/{PROGRAM}/LICENSE",
         f"share/doc/{PROGRAM}/changelog",
     }
-    files |= {f"share/man/man1/{PROGRAM}.1.gz", f"share/lintian/overrides/{PROGRAM}"}
+    files |= {f"share/man/man1/{name}.1.gz" for name in (PROGRAM, COMMAND)}
+    files |= {f"share/lintian/overrides/{PROGRAM}"}
     files |= {f"share/doc/{PROGRAM}/{name}" for name in ("copyright", "changelog.Debian.gz")}
     if f"share/doc/{PROGRAM}/changelog" in installed_files():
         files.add(f"share/doc/{PROGRAM}/changelog.gz")

@@ -15,6 +15,7 @@ from xml.etree import ElementTree
 
 from layout import (
     APPLICATION,
+    COMMAND,
     ICON_SIZES,
     MEDIA_TYPE_ICON,
     PROGRAM,
@@ -65,12 +66,11 @@ class Files(unittest.TestCase):
     def test_every_file_is_there_and_no_other(self):
         self.assertEqual(files_below(prefix), installed_files())
 
-    def test_all_may_read_and_only_the_program_may_be_run(self):
+    def test_all_may_read_and_only_the_programs_may_be_run(self):
         for name in files_below(prefix):
             mode = (prefix / name).stat().st_mode
-            self.assertEqual(
-                stat.S_IMODE(mode), 0o755 if pathlib.Path(name).name == PROGRAM else 0o644, name
-            )
+            is_program = name in (f"bin/{PROGRAM}", f"lib/vantorelle/{PROGRAM}", f"bin/{COMMAND}")
+            self.assertEqual(stat.S_IMODE(mode), 0o755 if is_program else 0o644, name)
 
     def test_the_link_is_relative(self):
         self.assertEqual(os.readlink(prefix / "bin" / PROGRAM), f"../lib/vantorelle/{PROGRAM}")
@@ -145,10 +145,11 @@ class Desktop(unittest.TestCase):
         self.assertEqual(component.findall("url") + component.findall("screenshots"), [])
         self.assertEqual(component.find("developer").get("id"), "org.vantorelle")
 
-    def test_the_manual_page_is_clean(self):
-        page = prefix / "share" / "man" / "man1" / f"{PROGRAM}.1"
-        self.assertEqual(run("mandoc", "-Tlint", page), "")
-        self.assertIn(".TH VANTORELLE", page.read_text())
+    def test_the_manual_pages_are_clean(self):
+        for name in (PROGRAM, COMMAND):
+            page = prefix / "share" / "man" / "man1" / f"{name}.1"
+            self.assertEqual(run("mandoc", "-Tlint", page), "")
+            self.assertIn(".TH VANTORELLE", page.read_text())
 
     def test_every_icon_has_the_size_of_its_folder(self):
         for context, icon in (("apps", APPLICATION), ("mimetypes", MEDIA_TYPE_ICON)):
@@ -215,6 +216,13 @@ class MediaType(unittest.TestCase):
         self.assertEqual(
             self.ask("standard::icon", "mine.codeset", self.codeset).split(", ")[0], MEDIA_TYPE_ICON
         )
+
+
+class InstalledCommand(unittest.TestCase):
+    def test_it_reads_the_delivered_codesets(self):
+        codesets = sorted((prefix / "lib" / "vantorelle" / "codesets").iterdir())
+        printed = run(prefix / "bin" / COMMAND, "check", "--strict", *codesets)
+        self.assertEqual(len(printed.splitlines()), len(codesets))
 
 
 class InstalledProgram(InstalledProgramJourney):

@@ -13,6 +13,7 @@ from support.journey import delivered_stage  # noqa: E402
 
 __all__ = [
     "APPLICATION",
+    "COMMAND",
     "ICON_SIZES",
     "MEDIA_TYPE_ICON",
     "PROGRAM",
@@ -25,6 +26,7 @@ __all__ = [
 ]
 
 PROGRAM = "vantorelle-remark-codesets-manager"
+COMMAND = "vantorelle-codeset"
 APPLICATION = "org.vantorelle.VantorelleRemarkCodesetsManager"
 MEDIA_TYPE_ICON = "application-x-vantorelle-codeset"
 ICON_SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
@@ -41,7 +43,7 @@ def delivered():
 
 def installed_files():
     """Every file and link that an installation has below its prefix."""
-    files = {f"bin/{PROGRAM}", f"lib/vantorelle/{PROGRAM}"}
+    files = {f"bin/{PROGRAM}", f"lib/vantorelle/{PROGRAM}", f"bin/{COMMAND}"}
     files |= {f"lib/vantorelle/{name}" for name in delivered()}
     files |= {
         f"lib/vantorelle/fonts/{name}" for name in ("LiberationSans-Bold.ttf", "copyright", "GPL-2")
@@ -51,6 +53,8 @@ def installed_files():
         f"share/metainfo/{APPLICATION}.metainfo.xml",
         "share/mime/packages/vantorelle-codeset.xml",
         f"share/man/man1/{PROGRAM}.1",
+        f"share/man/man1/{COMMAND}.1",
+        f"share/bash-completion/completions/{COMMAND}",
         f"share/doc/{PROGRAM}/LICENSE",
     }
     documents = [SOURCE / "docs" / name for name in ("user-guide.md", "codeset-format.md")]
