@@ -78,6 +78,7 @@ package dpkg-dev
 package file
 package lintian
 package debootstrap
+test    raptor2-utils
 test    hunspell
 test    hunspell-es
 test    hunspell-nl
@@ -124,6 +125,7 @@ test    png2icns
 test    mandoc
 test    update-mime-database
 test    strace
+test    rapper
 test    chromedriver
 test    hunspell
 check   clang-tidy
