@@ -84,7 +84,10 @@ bool PlacedFile::claim_place() {
 }
 
 bool PlacedFile::put() {
-  v_private_files_sync(new_path.get());
+  if (!v_private_files_sync(new_path.get())) {
+    v_error_set_file_io_writing();
+    return false;
+  }
   if (!may_replace && !claim_place()) {
     return false;
   }

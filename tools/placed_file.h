@@ -26,8 +26,9 @@ public:
   const char *path() const { return new_path.get(); }
   const VFilePermissions &permissions() const { return old_permissions; }
 
-  // Puts the file in its place. False with "Cannot create file." before the reason, or, when a file
-  // has appeared there meanwhile, the message about that.
+  // Puts the file in its place once it is on the disk. False with "File I/O error when writing to
+  // file.", with "Cannot create file." before the reason, or, when a file has appeared there since,
+  // with the message about that.
   bool put();
 
 private:

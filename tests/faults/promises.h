@@ -67,6 +67,8 @@ struct Operation {
   std::string message_without_memory = "?*";
   // False for operations that only return false and set no message.
   bool tells_causes = true;
+  // Pattern of the entries that may be left when they cannot be removed. "*" stands for any text.
+  std::string scratch = "";
 };
 
 // Makes each call fail in turn until the operation runs through without a fault, and checks after

@@ -234,6 +234,8 @@ private:
         return matches(name + ".??????", entry.first) && content.starts_with(entry.second.c_str());
       });
     }
+    std::erase_if(after,
+                  [&](const auto &entry) { return matches(operation.scratch, entry.first); });
   }
 
   void check_success(const Run &finished, const Outcome &outcome) const {
