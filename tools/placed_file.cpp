@@ -1,9 +1,11 @@
 #include "placed_file.h"
 
+#include <atomic>
 #include <cerrno>
 
 #include <fcntl.h>
 #include <glib/gstdio.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include "base/error.h"
@@ -12,6 +14,34 @@
 namespace {
 
 constexpr const char *exists_already = "The file exists already; --force replaces it.";
+
+// What a signal that ends the program must remove, in the file system's encoding; null for nothing.
+std::atomic<const char *> unfinished_file;
+std::atomic<const char *> unfinished_folder;
+static_assert(std::atomic<const char *>::is_always_lock_free); // so that a handler may read it
+
+// The signal is raised again when the handler returns, and then ends the program.
+void remove_unfinished(int signal_number) {
+  if (const char *file = unfinished_file) {
+    unlink(file);
+  }
+  if (const char *folder = unfinished_folder) {
+    rmdir(folder);
+  }
+  raise(signal_number);
+}
+
+// A signal that is ignored, as by nohup, stays ignored.
+void handle_ending_signals() {
+  for (const int signal_number : {SIGHUP, SIGINT, SIGTERM}) {
+    struct sigaction action = {};
+    if (sigaction(signal_number, nullptr, &action) == 0 && action.sa_handler == SIG_DFL) {
+      action.sa_handler = remove_unfinished;
+      action.sa_flags = static_cast<int>(SA_RESETHAND);
+      sigaction(signal_number, &action, nullptr);
+    }
+  }
+}
 
 bool fail_with_errno() {
   v_error_set_from_errno();
@@ -25,6 +55,8 @@ PlacedFile::~PlacedFile() {
   if (new_path) {
     v_fs_utils_discard_file(new_path.get());
     g_rmdir(folder.get());
+    unfinished_file = nullptr;
+    unfinished_folder = nullptr;
   }
 }
 
@@ -33,12 +65,16 @@ bool PlacedFile::create_folder(const char *parent, const char *name) {
   if (g_mkdtemp(folder.get()) == nullptr) {
     return fail_with_errno();
   }
-  const OwnedText path(g_build_filename(folder.get(), name, nullptr));
-  new_path = v_fs_utils_convert_osfsenc_to_utf8(path.get());
+  new_name.reset(g_build_filename(folder.get(), name, nullptr));
+  new_path = v_fs_utils_convert_osfsenc_to_utf8(new_name.get());
   if (!new_path) {
     g_rmdir(folder.get());
+    return false;
   }
-  return new_path != nullptr;
+  handle_ending_signals();
+  unfinished_file = new_name.get();
+  unfinished_folder = folder.get();
+  return true;
 }
 
 bool PlacedFile::prepare(const char *place, Overwriting overwriting) {
@@ -91,8 +127,7 @@ bool PlacedFile::put() {
   if (!may_replace && !claim_place()) {
     return false;
   }
-  const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(new_path.get());
-  if (g_rename(name.get(), target.get()) != 0) {
+  if (g_rename(new_name.get(), target.get()) != 0) {
     fail_with_errno();
     if (!may_replace) {
       g_unlink(target.get()); // the empty file of claim_place

@@ -1,11 +1,12 @@
 #pragma once
 // A file that is written in a folder of its own beside its place and put there when it is whole, so
-// that its place has the old file or the new one, never a part of one. Failing functions leave a
-// message (base/error.h).
+// that its place has the old file or the new one, never a part of one. Nothing is left of the new
+// one when a signal ends the program. Failing functions leave a message (base/error.h).
 
 #include "base/fs_utils.h"
 #include "tools/codeset_files.h"
 
+// One at a time, because a signal finds one only.
 class PlacedFile {
 public:
   PlacedFile() = default;
@@ -37,7 +38,8 @@ private:
 
   OwnedText target;   // file system's encoding
   OwnedText folder;   // of the new file, file system's encoding
-  OwnedText new_path; // UTF-8
+  OwnedText new_name; // of the new file, file system's encoding
+  OwnedText new_path; // the same in UTF-8
   VFilePermissions old_permissions;
   bool may_replace = false;
 };

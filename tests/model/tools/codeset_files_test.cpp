@@ -1,6 +1,8 @@
 #include "tools/codeset_files.h"
 
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
@@ -8,6 +10,7 @@
 
 #include "base/error.h"
 #include "codeset/codeset_io.h"
+#include "placed_file.h"
 #include "support/child_process.h"
 #include "support/files.h"
 #include "support/values/remarks.h"
@@ -152,6 +155,35 @@ TEST_F(CodesetFiles, LeaveTheOldFileWhenTheDiskIsFull) {
               StartsWith("File I/O error when writing to file."));
   EXPECT_EQ(read_file(path), "old");
   EXPECT_THAT(list_folder(folder.path()), ElementsAre("a.codeset"));
+}
+
+// The number of the signal that ends a process which receives this one while it writes a file.
+int signal_that_ends_writing(const std::string &path, int signal_number) {
+  const pid_t writer = fork();
+  if (writer == 0) {
+    PlacedFile placed;
+    if (placed.prepare(path.c_str(), Overwriting::refused)) {
+      write_file(placed.path(), "unfinished");
+      raise(signal_number);
+    }
+    _exit(1);
+  }
+  int status = 0;
+  waitpid(writer, &status, 0);
+  return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+}
+
+TEST_F(CodesetFiles, LeaveNothingWhenASignalEndsTheProgram) {
+  for (const int signal_number : {SIGHUP, SIGINT, SIGTERM}) {
+    EXPECT_EQ(signal_that_ends_writing(path, signal_number), signal_number);
+    EXPECT_THAT(list_folder(folder.path()), IsEmpty());
+  }
+}
+
+TEST_F(CodesetFiles, AreWrittenInSpiteOfASignalThatIsIgnored) {
+  const auto old_handler = signal(SIGHUP, SIG_IGN);
+  EXPECT_EQ(signal_that_ends_writing(path, SIGHUP), 0);
+  signal(SIGHUP, old_handler);
 }
 
 TEST_F(CodesetFiles, WriteACodesetAsTheWindowDoes) {
