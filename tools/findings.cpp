@@ -166,7 +166,7 @@ Texts::iterator add_duplicate(const std::string &tag, Texts::iterator first, Tex
   if (others - first > 1) {
     std::vector<std::size_t> indices;
     std::for_each(first, others, [&](const Text &t) { indices.push_back(t.remark); });
-    const auto added = duplicates.insert({std::move(indices), {{}, first->text}}).first;
+    const auto added = duplicates.try_emplace(std::move(indices), Duplicate{{}, first->text}).first;
     added->second.languages.push_back(tag);
   }
   return others;

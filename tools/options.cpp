@@ -8,8 +8,8 @@
 #include "tools/report.h"
 
 CommandOptions::CommandOptions(const char *arguments, const char *summary, const char *description)
-    : context(g_option_context_new(nullptr)),
-      group(g_option_group_new("command", "", "", this, nullptr)) {
+    : context(g_option_context_new(nullptr)) {
+  GOptionGroup *group = g_option_group_new("command", "", "", this, nullptr);
   g_option_context_set_summary(context.get(), summary);
   g_option_context_set_description(context.get(), description);
   // The parser's own help ends the program and depends on the locale.
@@ -29,7 +29,7 @@ void CommandOptions::add(GOptionEntry entry, bool is_text,
   entry.arg = G_OPTION_ARG_CALLBACK;
   entry.arg_data = reinterpret_cast<void *>(take_value);
   const GOptionEntry entries[] = {entry, {}};
-  g_option_group_add_entries(group, entries);
+  g_option_group_add_entries(g_option_context_get_main_group(context.get()), entries);
   options.push_back({std::string("--") + entry.long_name, std::string("-") + entry.short_name,
                      is_text, std::move(take)});
 }

@@ -20,8 +20,8 @@ public:
   CommandOptions(const CommandOptions &) = delete;
   CommandOptions &operator=(const CommandOptions &) = delete;
 
-  // Adds an option without value; letter is '\0' for none. The variables of these functions must
-  // live until parse has returned.
+  // Adds an option without value; letter is '\0' for none. The texts of these functions are static
+  // too, and their variables must live until parse has returned.
   void add_switch(const char *name, char letter, const char *help, bool &is_given);
   // Adds an option whose value is a text (UTF-8). Given twice, the last one counts.
   void add_text(const char *name, char letter, const char *help, const char *placeholder,
@@ -54,7 +54,6 @@ private:
   void add(GOptionEntry entry, bool is_text, std::function<void(const char *value)> take);
 
   OwnedOptionContext context;
-  GOptionGroup *group; // the context's
   std::vector<Option> options;
   bool is_help_wanted = false;
 };
