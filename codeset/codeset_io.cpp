@@ -268,3 +268,13 @@ bool v_codeset_io_write_readably(std::FILE *file, const VCodeset *codeset,
   const VLangstr *name = codeset->name ? codeset->name.get() : substitute.get();
   return write_codeset(file, codeset, name, Codes::escaped);
 }
+
+std::string v_codeset_io_make_substitute_name(const char *file_name) {
+  std::string name;
+  for (const char *at = file_name; *at != '\0'; at = g_utf8_next_char(at)) {
+    const gunichar character = g_utf8_get_char(at);
+    const bool fits = g_unichar_isprint(character) && character < 0x100;
+    name += fits ? static_cast<char>(character) : '?';
+  }
+  return name;
+}

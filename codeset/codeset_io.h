@@ -4,6 +4,7 @@
 // codes are written unescaped.
 
 #include <cstdio>
+#include <string>
 
 #include "base/fs_utils.h"
 #include "codeset/codeset.h"
@@ -39,3 +40,6 @@ bool v_codeset_io_can_be_read_back(const VCodeset *codeset);
 // file.".
 bool v_codeset_io_write_readably(std::FILE *file, const VCodeset *codeset,
                                  const char *substitute_name);
+// A name for a codeset without one (ISO-8859-1): the file name (UTF-8) with "?" for characters
+// outside ISO-8859-1 and for those that a codeset cannot hold.
+std::string v_codeset_io_make_substitute_name(const char *file_name);

@@ -59,19 +59,6 @@ OwnedText make_path(const char *folder, const char *codeset_path) {
   return v_fs_utils_create_path_in_folder(folder, name.get());
 }
 
-// The file's name in ISO-8859-1, with "?" for characters outside it and for those that a codeset
-// cannot hold.
-std::string find_substitute_name(const char *codeset_path) {
-  std::string name;
-  const char *entry = v_fs_utils_find_entry_name_in_path(codeset_path);
-  for (const char *at = entry; *at != '\0'; at = g_utf8_next_char(at)) {
-    const gunichar character = g_utf8_get_char(at);
-    const bool fits = g_unichar_isprint(character) && character < 0x100;
-    name += fits ? static_cast<char>(character) : '?';
-  }
-  return name;
-}
-
 bool make_folder_if_missing(const char *folder) {
   VFileInfo info;
   return v_fs_utils_get_info(folder, info) &&
@@ -99,7 +86,8 @@ bool write_draft(VDraft *draft, const VCodeset *codeset) {
   if (!held) {
     return false;
   }
-  const std::string name = find_substitute_name(draft->codeset_path.get());
+  const std::string name = v_codeset_io_make_substitute_name(
+      v_fs_utils_find_entry_name_in_path(draft->codeset_path.get()));
   if (!write_content(new_path.get(), codeset, name.c_str()) ||
       !v_private_files_rename(new_path.get(), path.get())) {
     v_fs_utils_discard_file(new_path.get());
