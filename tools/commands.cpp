@@ -18,6 +18,7 @@ struct Command {
 constexpr Command commands[] = {
     {"check", "Tell whether the program accepts codesets, and what looks wrong", v_tools_check},
     {"diff", "Compare two codesets", v_tools_diff},
+    {"import", "Make a codeset of a table", v_tools_import},
     {"list", "Print the codes with their descriptions", v_tools_list},
 };
 

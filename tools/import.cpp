@@ -1,0 +1,214 @@
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "base/error.h"
+#include "base/file_types.h"
+#include "base/fs_utils.h"
+#include "base/text_buffer.h"
+#include "base/whitespace.h"
+#include "codeset/codeset_io.h"
+#include "codeset_texts.h"
+#include "langstr/supported_languages.h"
+#include "tools/codeset_files.h"
+#include "tools/commands.h"
+#include "tools/csv_reading.h"
+#include "tools/languages.h"
+#include "tools/options.h"
+#include "tools/report.h"
+
+namespace {
+
+// The values of the options.
+struct Import {
+  OwnedText format;
+  OwnedText output;
+  std::vector<std::string> names;
+  std::vector<std::string> authors;
+  OwnedText version;
+  bool may_replace = false;
+};
+
+// Texts that replace those of the table.
+struct Header {
+  OwnedLangstr name;
+  OwnedLangstr author;
+  OwnedText version;
+};
+
+bool is_standard_stream(const char *file) { return std::strcmp(file, "-") == 0; }
+
+// ---- The options --------------------------------------------------------------------------------
+
+const char *codeset_extension() {
+  return v_file_type_get_default_file_name_extension_with_period(VFileType::remark_codeset);
+}
+
+// The message for options that do not fit; null when they do.
+const char *find_misuse(const Import &wanted) {
+  if (g_strcmp0(wanted.format.get(), "csv") != 0) {
+    return "The format must be given: --from csv.";
+  }
+  if (!wanted.output) {
+    return "The codeset to write must be named: --output OUT.codeset.";
+  }
+  const bool is_found =
+      is_standard_stream(wanted.output.get()) ||
+      v_utf8_has_suffix_case_insensitive_ascii(wanted.output.get(), codeset_extension());
+  return is_found ? nullptr : "The name of a codeset must end in .codeset; others are not found.";
+}
+
+bool fail_at_option(const char *option) {
+  const std::string reason = v_error_get();
+  v_error_set_utf8_printf("%s: %s", option, reason.c_str());
+  return false;
+}
+
+// Makes the text of an option's value, which must not be empty.
+bool read_text(OwnedText &text, const char *option, std::string_view value) {
+  text = v_tools_make_text(value);
+  if (text && *text == '\0') {
+    v_error_set("the text is empty.");
+    text.reset();
+  }
+  return text || fail_at_option(option);
+}
+
+// The tag in front of a value like "sv=Metaller"; "" for a value without one.
+std::string_view find_tag(std::string_view value) {
+  const std::size_t length = value.find('=');
+  const std::string_view tag = length == std::string_view::npos ? "" : value.substr(0, length);
+  const bool is_tag = std::all_of(tag.begin(), tag.end(),
+                                  [](char byte) { return g_ascii_isalnum(byte) || byte == '-'; });
+  return is_tag ? tag : "";
+}
+
+bool read_translations(OwnedLangstr &langstr, const char *option,
+                       const std::vector<std::string> &values) {
+  for (const std::string &value : values) {
+    const std::string tag(find_tag(value));
+    const bool has_tag = !tag.empty() || value.starts_with('=');
+    OwnedText text;
+    if (!read_text(text, option, std::string_view(value).substr(has_tag ? tag.size() + 1 : 0))) {
+      return false;
+    }
+    v_langstr_set_owned_translation(langstr, copy_text(tag.c_str()), std::move(text));
+  }
+  return true;
+}
+
+bool read_header(Header &header, const Import &wanted) {
+  return read_translations(header.name, "--name", wanted.names) &&
+         read_translations(header.author, "--author", wanted.authors) &&
+         (!wanted.version || read_text(header.version, "--codeset-version", wanted.version.get()));
+}
+
+// ---- The codeset --------------------------------------------------------------------------------
+
+// The name of the file without its ending, in ISO-8859-1; "" when it has none.
+OwnedText name_of_file(const char *file) {
+  const OwnedText path =
+      is_standard_stream(file) ? nullptr : v_fs_utils_convert_osfsenc_to_utf8(file);
+  std::string name = path ? v_fs_utils_find_entry_name_in_path(path.get()) : "";
+  if (const std::size_t ending = name.rfind('.'); ending != std::string::npos) {
+    name.erase(ending);
+  }
+  return v_strip_surrounding_and_spacify_compactly_in_new_for_latin1(
+      v_codeset_io_make_substitute_name(name.c_str()).c_str());
+}
+
+// Untagged, because nobody knows the language of a file's name.
+OwnedLangstr make_name(const char *output, const char *file) {
+  OwnedText name = name_of_file(output);
+  if (*name == '\0') {
+    name = name_of_file(file);
+  }
+  OwnedLangstr langstr;
+  v_langstr_set_translation(langstr, "", *name == '\0' ? "codeset" : name.get());
+  return langstr;
+}
+
+void set_header(VCodeset *codeset, Header header, const Import &wanted, const char *file) {
+  if (header.name) {
+    codeset->name = std::move(header.name);
+  }
+  if (!codeset->name) {
+    codeset->name = make_name(wanted.output.get(), file);
+  }
+  if (header.author) {
+    codeset->author = std::move(header.author);
+  }
+  if (header.version) {
+    codeset->version = std::move(header.version);
+  }
+}
+
+void warn_of_unknown_languages(const VCodeset *codeset, const char *file) {
+  for (const std::string &tag : v_tools_collect_languages(codeset, true)) {
+    if (!tag.empty() && v_supported_languages_get_index_for_tag(tag.c_str()) < 0) {
+      const OwnedText message(g_strdup_printf(
+          "The program has no language \"%s\", and shows texts in it as of an unknown one.",
+          tag.c_str()));
+      v_report_warning(file, message.get());
+    }
+  }
+}
+
+int fail_with_last_error(const char *file) {
+  v_report_last_error(file);
+  return v_tools_failed;
+}
+
+int run_import(const Import &wanted, const char *file) {
+  if (const char *misuse = find_misuse(wanted)) {
+    v_report_error("import", misuse);
+    return v_tools_failed;
+  }
+  Header header;
+  if (!read_header(header, wanted)) {
+    return fail_with_last_error("import");
+  }
+  std::string document;
+  if (!v_tools_read_text(file, document)) {
+    return fail_with_last_error(file);
+  }
+  const OwnedCodeset codeset = v_csv_read_codeset(document);
+  if (!codeset) {
+    return fail_with_last_error(file);
+  }
+  set_header(codeset.get(), std::move(header), wanted, file);
+  warn_of_unknown_languages(codeset.get(), file);
+  if (!v_tools_write_codeset(codeset.get(), wanted.output.get(),
+                             wanted.may_replace ? Overwriting::allowed : Overwriting::refused)) {
+    return fail_with_last_error(wanted.output.get());
+  }
+  return v_tools_good;
+}
+
+} // namespace
+
+int v_tools_import(int argc, char **argv) {
+  CommandOptions options(
+      "FILE",
+      "Makes a codeset of a table that a spreadsheet has saved as csv in UTF-8. The first line\n"
+      "has the names of the columns: \"code\", and for each language its tag, such as sv or en-uk.",
+      "Lines above that one, which begin with \"name\", \"author\" or \"version\", belong to the\n"
+      "codeset. The options replace them. A codeset without a name is named like its file.");
+  Import wanted;
+  options.add_text("from", '\0', "Read this form: csv", "FORMAT", wanted.format);
+  options.add_file("output", 'o', "Write this codeset", "OUT.codeset", wanted.output);
+  options.add_switch("force", '\0', "Replace a file that exists", wanted.may_replace);
+  options.add_texts("name", '\0', "Name of the codeset; one for each language", "[TAG=]TEXT",
+                    wanted.names);
+  options.add_texts("author", '\0', "Author of the codeset; one for each language", "[TAG=]TEXT",
+                    wanted.authors);
+  options.add_text("codeset-version", '\0', "Version of the codeset", "TEXT", wanted.version);
+  if (const std::optional<int> status = options.parse(argc, argv, 1, 1)) {
+    return *status;
+  }
+  return run_import(wanted, options.files[0].c_str());
+}
