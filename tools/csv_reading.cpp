@@ -231,7 +231,7 @@ private:
   bool set_labelled_text(Label label, Place place, OwnedLangstr text);
   bool read_remarks();
   bool read_remark(const CsvRecord &record);
-  bool accept_code(const VRemark *remark, const Place &place);
+  void set_code_twice_error() const;
   bool read_code(OwnedText &code, const CsvRecord &record) const;
   bool read_translations(VLangstrCollection &translations, const CsvRecord &record);
   bool read_translation(VLangstrCollection &translations, const CsvField &field,
@@ -248,8 +248,8 @@ private:
   std::optional<std::size_t> lines_of_labels[std::size(labels)];
   OwnedCodeset codeset = v_codeset_new();
   VRemarkCollection remarks;
-  // Line of each code, which the remark owns.
-  std::unordered_map<std::string_view, std::size_t> lines_of_codes;
+  // Code and line of each remark, in the order of the lines. The remarks own the codes.
+  std::vector<std::pair<const char *, std::size_t>> lines_of_codes;
 };
 
 OwnedCodeset TableReader::read() {
@@ -261,10 +261,15 @@ OwnedCodeset TableReader::read() {
       return nullptr;
     }
   }
-  if (!read_remarks()) {
+  const bool are_readable = read_remarks();
+  // Sorting finds out about equal codes by the way. They are above the line that cannot be read.
+  if (!v_remark_list_sort_collection(remarks)) {
+    set_code_twice_error();
     return nullptr;
   }
-  v_remark_list_sort_collection(remarks);
+  if (!are_readable) {
+    return nullptr;
+  }
   codeset->remarks = std::move(remarks.list);
   return std::move(codeset);
 }
@@ -311,9 +316,8 @@ bool TableReader::read_line_above(const CsvRecord &record) {
   }
   std::optional<std::size_t> &line = lines_of_labels[static_cast<std::size_t>(*label)];
   if (line) {
-    return fail_at(place, "line " + std::to_string(*line) +
-                              " is labelled the same. Keep one of "
-                              "the two.");
+    return fail_at(place,
+                   "line " + std::to_string(*line) + " is labelled the same. Keep one of the two.");
   }
   line = place.line;
   VLangstrCollection texts;
@@ -366,24 +370,28 @@ bool TableReader::read_remark(const CsvRecord &record) {
     return fail_at(place, "the code " + quote(remark->code.get()) +
                               " has no text in any language. Write one, or delete the line.");
   }
-  if (!accept_code(remark.get(), place)) {
-    return false;
+  if (!v_codeset_io_can_code_be_read_back(remark->code.get())) {
+    return fail_at(place, "the code " + quote(remark->code.get()) +
+                              " has \"&\", \"<\" or \"]]>\", and a file with such a code cannot be "
+                              "read. Change the code.");
   }
+  lines_of_codes.emplace_back(remark->code.get(), place.line);
   v_remark_list_collect_remark(remarks, std::move(remark));
   return true;
 }
 
-bool TableReader::accept_code(const VRemark *remark, const Place &place) {
-  const char *code = remark->code.get();
-  if (!v_codeset_io_can_code_be_read_back(code)) {
-    return fail_at(place, "the code " + quote(code) +
-                              " has \"&\", \"<\" or \"]]>\", and a file with "
-                              "such a code cannot be read. Change the code.");
+// Names the first code that a line above has already.
+void TableReader::set_code_twice_error() const {
+  std::unordered_map<std::string_view, std::size_t> lines;
+  for (const auto &[code, line] : lines_of_codes) {
+    const auto [same, is_new] = lines.emplace(code, line);
+    if (!is_new) {
+      fail_at({line, code_column, code_name}, "the code " + quote(code) + " is in line " +
+                                                  std::to_string(same->second) +
+                                                  " already. Change one of the two codes.");
+      return;
+    }
   }
-  const auto [same, is_new] = lines_of_codes.emplace(code, place.line);
-  return is_new ||
-         fail_at(place, "the code " + quote(code) + " is in line " + std::to_string(same->second) +
-                            " already. Change one of the two codes.");
 }
 
 // "" when the line has no code.

@@ -214,6 +214,8 @@ INSTANTIATE_TEST_SUITE_P(
                 "Line 2, column 2 (sv): this text is not UTF-8"},
         Refused{"CodeTwice", "code,sv\n7,a\n\n07,b\n 7 ,c\n",
                 "Line 5, column 1 (code): the code \"7\" is in line 2 already."},
+        Refused{"CodeTwiceAboveAnotherFault", "code,sv\n7,a\n7,b\n8,c\n8,d\n9\n",
+                "Line 3, column 1 (code): the code \"7\" is in line 2 already."},
         Refused{"CodeWithAmpersand", "code,sv\nA&B,a\n",
                 "Line 2, column 1 (code): the code \"A&B\" has \"&\""},
         Refused{"CodeWithLessThan", "code,sv\nA<B,a\n",
