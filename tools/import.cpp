@@ -150,9 +150,8 @@ void set_header(VCodeset *codeset, Header header, const Import &wanted, const ch
 void warn_of_unknown_languages(const VCodeset *codeset, const char *file) {
   for (const std::string &tag : v_tools_collect_languages(codeset, true)) {
     if (!tag.empty() && v_supported_languages_get_index_for_tag(tag.c_str()) < 0) {
-      const OwnedText message(g_strdup_printf(
-          "The program has no language \"%s\", and shows texts in it as of an unknown one.",
-          tag.c_str()));
+      const OwnedText message(
+          g_strdup_printf("The language \"%s\" is not one of the program's.", tag.c_str()));
       v_report_warning(file, message.get());
     }
   }

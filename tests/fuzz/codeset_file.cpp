@@ -2,49 +2,14 @@
 // it is written.
 
 #include <algorithm>
-#include <set>
 
-#include "base/text_encoding.h"
 #include "codeset/codeset_io.h"
 #include "fuzz/fuzzing.h"
+#include "fuzz/proper_codeset.h"
 #include "support/files.h"
 #include "support/values/remarks.h"
 
 namespace {
-
-void require_proper(const Translations &translations) {
-  std::set<std::string> tags;
-  for (const auto &[lang, text] : translations) {
-    require(tags.insert(lang).second, "no two translations have the same tag");
-    require(v_ascii_test(lang.c_str()) && is_compact_latin1(lang), "tags are normalised ASCII");
-    require(!text.empty() && is_compact_latin1(text), "texts are normalised and not empty");
-  }
-}
-
-void require_proper(const Remarks &remarks) {
-  const std::string *before = nullptr;
-  for (const auto &[code, description] : remarks) {
-    require(!code.empty() && is_compact_latin1(code), "codes are normalised and not empty");
-    require(before == nullptr || v_remark_compare_codes(before->c_str(), code.c_str()) < 0,
-            "codes are in order, each once");
-    require(!description.empty(), "a remark has a description");
-    require_proper(description);
-    before = &code;
-  }
-}
-
-void require_proper(const OwnedCodeset &codeset) {
-  require(codeset->name != nullptr, "a codeset has a name");
-  require_proper(translations_of(codeset->name));
-  require_proper(translations_of(codeset->author));
-  const char *version = codeset->version.get();
-  require(version == nullptr || (*version != '\0' && is_compact_latin1(version)),
-          "the version is normalised and not empty");
-  require(!v_remark_list_is_empty(codeset->remarks.get()), "a codeset has remarks");
-  require_proper(remarks_of(codeset->remarks));
-  require(!codeset->outdated && codeset->prev == nullptr && codeset->next == nullptr,
-          "a codeset that was read depends on no other");
-}
 
 // Codes are written unescaped, so one with XML markup does not read back.
 bool is_markup(const OwnedCodeset &codeset) {
@@ -98,7 +63,7 @@ void require_written_reads_back(const OwnedCodeset &codeset) {
     return;
   }
   require(reread != nullptr, "what is written can be read");
-  require_proper(reread);
+  require_proper_codeset(reread.get());
   const bool is_exact = !is_merged_when_read(codeset);
   if (is_exact) {
     require_equal(codeset, reread);
@@ -121,7 +86,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     require_message();
     return 0;
   }
-  require_proper(codeset);
+  require_proper_codeset(codeset.get());
   require_written_reads_back(codeset);
   return 0;
 }
