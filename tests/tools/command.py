@@ -22,8 +22,12 @@ class Result:
     def __init__(self, process):
         self.status = process.returncode
         self.output_bytes = process.stdout
-        self.output = process.stdout.decode("utf-8")
         self.errors = process.stderr.decode("utf-8")
+
+    @property
+    def output(self):
+        """All but codesets are printed in UTF-8."""
+        return self.output_bytes.decode("utf-8")
 
 
 def environment(**variables):
