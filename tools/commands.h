@@ -13,5 +13,6 @@ int v_tools_run(int argc, char **argv);
 
 int v_tools_check(int argc, char **argv);
 int v_tools_diff(int argc, char **argv);
+int v_tools_export(int argc, char **argv);
 int v_tools_import(int argc, char **argv);
 int v_tools_list(int argc, char **argv);

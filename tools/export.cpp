@@ -1,0 +1,166 @@
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/error.h"
+#include "base/fs_utils.h"
+#include "tools/codeset_files.h"
+#include "tools/commands.h"
+#include "tools/languages.h"
+#include "tools/options.h"
+#include "tools/report.h"
+#include "tools/sheet.h"
+#include "tools/skos.h"
+
+namespace {
+
+struct Export {
+  OwnedText format;
+  OwnedText output; // null for standard output
+  OwnedText base;
+  SkosAddresses addresses; // of the base or the file; for a vocabulary only
+  OwnedText language;
+  bool has_header = false;
+  bool may_replace = false;
+};
+
+bool put(const Export &wanted, std::string_view text) {
+  return v_tools_write_text(wanted.output.get(), text,
+                            wanted.may_replace ? Overwriting::allowed : Overwriting::refused);
+}
+
+bool put(const Export &wanted, const OwnedUtf8String &text) {
+  return put(wanted, {text->str, text->len});
+}
+
+bool write_skos(const Export &wanted, const char *, const VCodeset *codeset) {
+  return put(wanted, v_skos_write_codeset(codeset, wanted.addresses));
+}
+
+bool write_html(const Export &wanted, const char *file, const VCodeset *codeset) {
+  if (!wanted.language) {
+    return put(wanted, v_sheet_write_codeset(codeset, nullptr));
+  }
+  v_tools_warn_of_missing_language(file, codeset, wanted.language.get());
+  const OwnedSettings settings = v_tools_prefer_language(wanted.language.get());
+  return put(wanted, v_sheet_write_codeset(codeset, settings.get()));
+}
+
+struct Format {
+  const char *name;
+  bool (*write)(const Export &wanted, const char *file, const VCodeset *codeset);
+};
+
+constexpr Format formats[] = {
+    {"skos", write_skos},
+    {"html", write_html},
+};
+
+const Format *find_format(const char *name) {
+  for (const Format &format : formats) {
+    if (g_strcmp0(format.name, name) == 0) {
+      return &format;
+    }
+  }
+  return nullptr;
+}
+
+// The message for options that do not fit together; null when they do.
+const char *find_misuse(const Export &wanted) {
+  if (find_format(wanted.format.get()) == nullptr) {
+    return "The format must be given: --to csv, --to skos or --to html.";
+  }
+  const std::string_view format = wanted.format.get();
+  if (wanted.has_header && format != "csv") {
+    return "--with-header is for --to csv.";
+  }
+  if (wanted.base && format != "skos") {
+    return "--base is for --to skos.";
+  }
+  return wanted.language && format != "html" ? "--language is for --to html." : nullptr;
+}
+
+// False with a message for a base that is no absolute address.
+bool find_addresses(Export &wanted, const char *file) {
+  if (wanted.base) {
+    return v_skos_set_base(wanted.addresses, wanted.base.get());
+  }
+  const bool has_name = std::strcmp(file, "-") != 0;
+  const OwnedText path = v_fs_utils_convert_osfsenc_to_utf8(has_name ? file : "codeset");
+  if (!path) {
+    return false;
+  }
+  const OwnedText name(g_path_get_basename(path.get()));
+  wanted.addresses = v_skos_name_addresses(name.get());
+  return true;
+}
+
+// Whether the output would replace the codeset that is read.
+bool replaces_source(const Export &wanted, const char *file) {
+  if (!wanted.output || std::strcmp(wanted.output.get(), "-") == 0) {
+    return false;
+  }
+  const VErrorKeeper keeper;
+  const OwnedText source = v_fs_utils_convert_osfsenc_to_utf8(file);
+  const OwnedText output = v_fs_utils_convert_osfsenc_to_utf8(wanted.output.get());
+  if (!source || !output) {
+    return false;
+  }
+  const OwnedText resolved_source = v_fs_utils_resolve_links(source.get());
+  const OwnedText resolved_output = v_fs_utils_resolve_links(output.get());
+  return resolved_source && g_strcmp0(resolved_source.get(), resolved_output.get()) == 0;
+}
+
+int fail_with_last_error(const char *file) {
+  v_report_last_error(file);
+  return v_tools_failed;
+}
+
+int run_export(Export &wanted, const char *file) {
+  if (const char *misuse = find_misuse(wanted)) {
+    v_report_error("export", misuse);
+    return v_tools_failed;
+  }
+  if (!find_addresses(wanted, file)) {
+    return fail_with_last_error("export");
+  }
+  if (replaces_source(wanted, file)) {
+    v_report_error(wanted.output.get(), "This is the codeset itself; it is not replaced.");
+    return v_tools_failed;
+  }
+  const OwnedCodeset codeset = v_tools_read_codeset(file);
+  if (!codeset) {
+    return fail_with_last_error(file);
+  }
+  if (!find_format(wanted.format.get())->write(wanted, file, codeset.get())) {
+    return fail_with_last_error(wanted.output ? wanted.output.get() : "standard output");
+  }
+  return v_tools_good;
+}
+
+} // namespace
+
+int v_tools_export(int argc, char **argv) {
+  CommandOptions options(
+      "FILE",
+      "Writes a codeset in another form, all of it in UTF-8:\n"
+      "  csv   a table for spreadsheets: a column for the codes, one for each language\n"
+      "  skos  a vocabulary in SKOS, written in Turtle\n"
+      "  html  a sheet for the wall, to be printed on A4 by a web browser",
+      "Without --base, the addresses of a vocabulary are made of the name of the file:\n"
+      "urn:x-codeset:NAME:CODE. Without --language, a sheet is in all languages.");
+  Export wanted;
+  options.add_text("to", '\0', "Write this form: csv, skos or html", "FORMAT", wanted.format);
+  options.add_file("output", 'o', "Write this file instead of standard output", "OUT",
+                   wanted.output);
+  options.add_switch("force", '\0', "Replace a file that exists", wanted.may_replace);
+  options.add_switch("with-header", '\0', "csv: begin with name, author and version",
+                     wanted.has_header);
+  options.add_text("base", '\0', "skos: the address of the vocabulary", "URI", wanted.base);
+  options.add_text("language", 'l', "html: a sheet in this language", "TAG", wanted.language);
+  if (const std::optional<int> status = options.parse(argc, argv, 1, 1)) {
+    return *status;
+  }
+  return run_export(wanted, options.files[0].c_str());
+}

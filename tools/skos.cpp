@@ -1,0 +1,262 @@
+#include "tools/skos.h"
+
+#include <cstring>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include <glib.h>
+
+#include "base/error.h"
+#include "base/text_encoding.h"
+#include "bcp47.h"
+
+namespace {
+
+constexpr std::string_view prefixes = "@prefix skos: <http://www.w3.org/2004/02/skos/core#> .\n"
+                                      "@prefix dc: <http://purl.org/dc/elements/1.1/> .\n"
+                                      "@prefix dcterms: <http://purl.org/dc/terms/> .\n"
+                                      "@prefix owl: <http://www.w3.org/2002/07/owl#> .\n";
+
+// --- Addresses
+
+bool is_unreserved(char byte) {
+  return g_ascii_isalnum(byte) != 0 || (byte != '\0' && std::strchr("-._~", byte) != nullptr);
+}
+
+// Characters that no IRI of a Turtle document may have.
+bool is_forbidden(char byte) {
+  return static_cast<unsigned char>(byte) <= ' ' || std::strchr("<>\"{}|^`\\", byte) != nullptr;
+}
+
+void append_percent_encoded_byte(std::string &iri, char byte) {
+  constexpr const char *digits = "0123456789ABCDEF";
+  const auto value = static_cast<unsigned char>(byte);
+  iri += '%';
+  iri += digits[value >> 4];
+  iri += digits[value & 0xF];
+}
+
+void append_percent_encoded(std::string &iri, std::string_view utf8_text) {
+  // As a last segment these two mean a folder, and a reader of the file may resolve them.
+  const bool is_dot_segment = utf8_text == "." || utf8_text == "..";
+  for (const char byte : utf8_text) {
+    if (is_unreserved(byte) && !is_dot_segment) {
+      iri += byte;
+    } else {
+      append_percent_encoded_byte(iri, byte);
+    }
+  }
+}
+
+// --- Labels
+
+// A language of the vocabulary.
+struct Language {
+  std::string suffix;                  // what follows a literal: "@en-GB", "" for none
+  const VLangstr *labelled = nullptr;  // the last string that got a preferred label
+  const VLangstr *preferred = nullptr; // that label
+};
+
+// The languages of all texts that have been written. Each tag is converted only once.
+class Languages {
+public:
+  Language &find(const char *tag) {
+    const auto [entry, is_new] = by_tag.try_emplace(tag, nullptr);
+    if (is_new) {
+      const std::string bcp47 = v_bcp47_from_tag(tag);
+      Language &language = by_bcp47[bcp47];
+      language.suffix = bcp47.empty() ? "" : "@" + bcp47;
+      entry->second = &language;
+    }
+    return *entry->second;
+  }
+
+private:
+  std::unordered_map<std::string_view, Language *> by_tag; // the tags are the codeset's
+  std::unordered_map<std::string, Language> by_bcp47;
+};
+
+// --- Turtle
+
+std::string escape(char byte) {
+  switch (byte) {
+  case '"':
+    return "\\\"";
+  case '\\':
+    return "\\\\";
+  case '\n':
+    return "\\n";
+  case '\r':
+    return "\\r";
+  case '\t':
+    return "\\t";
+  default:
+    return {byte};
+  }
+}
+
+// Turtle is written by hand: the serialiser of the raptor library keeps all triples in a tree
+// before it writes the first one, which takes many times as long as reading the codeset.
+
+class TurtleWriter {
+public:
+  explicit TurtleWriter(const SkosAddresses &vocabulary) : addresses(vocabulary) {}
+
+  OwnedUtf8String write(const VCodeset *codeset) {
+    append(prefixes);
+    append_scheme(codeset);
+    for (const VRemark *r = codeset->remarks->head.next; r != &codeset->remarks->tail;
+         r = r->next) {
+      append_concept(r);
+    }
+    return std::move(turtle);
+  }
+
+private:
+  void append(std::string_view utf8_text) {
+    g_string_append_len(turtle.get(), utf8_text.data(), static_cast<gssize>(utf8_text.size()));
+  }
+
+  void append_iri(std::string_view absolute_iri) {
+    append("<");
+    append(absolute_iri);
+    append(">");
+  }
+
+  void append_concept_iri(const char *latin1_code) {
+    g_string_truncate(code.get(), 0);
+    v_utf8_string_append_latin1(code.get(), latin1_code);
+    iri = addresses.concept_prefix;
+    append_percent_encoded(iri, {code->str, code->len});
+    append_iri(iri);
+  }
+
+  void append_literal(const char *latin1_text) {
+    constexpr const char *escaped_bytes = "\"\\\n\r\t";
+    append("\"");
+    if (std::strpbrk(latin1_text, escaped_bytes) == nullptr) {
+      v_utf8_string_append_latin1(turtle.get(), latin1_text);
+    } else {
+      append_escaped(latin1_text);
+    }
+    append("\"");
+  }
+
+  void append_escaped(const char *latin1_text) {
+    std::string escaped;
+    for (const char *byte = latin1_text; *byte != '\0'; byte++) {
+      escaped += escape(*byte);
+    }
+    v_utf8_string_append_latin1(turtle.get(), escaped.c_str());
+  }
+
+  void append_predicate(std::string_view name) {
+    append(" ;\n    ");
+    append(name);
+    append(" ");
+  }
+
+  void append_property(std::string_view name, const char *latin1_text, std::string_view suffix) {
+    append_predicate(name);
+    append_literal(latin1_text);
+    append(suffix);
+  }
+
+  // One property for each translation, whatever their languages.
+  void append_texts(std::string_view name, const VLangstr *langstr) {
+    for (; langstr != nullptr; langstr = langstr->next.get()) {
+      append_property(name, langstr->text.get(), languages.find(langstr->lang.get()).suffix);
+    }
+  }
+
+  // A resource has at most one preferred label in a language, and no text is both its preferred and
+  // its alternative label.
+  void append_labels(const VLangstr *langstr) {
+    for (const VLangstr *label = langstr; label != nullptr; label = label->next.get()) {
+      Language &language = languages.find(label->lang.get());
+      if (language.labelled != langstr) {
+        language.labelled = langstr;
+        language.preferred = label;
+        append_property("skos:prefLabel", label->text.get(), language.suffix);
+      } else if (std::strcmp(language.preferred->text.get(), label->text.get()) != 0) {
+        append_property("skos:altLabel", label->text.get(), language.suffix);
+      }
+    }
+  }
+
+  void append_scheme(const VCodeset *codeset) {
+    append("\n");
+    append_iri(addresses.scheme);
+    append(" a skos:ConceptScheme");
+    append_labels(codeset->name.get());
+    append_texts("dcterms:title", codeset->name.get());
+    // Not dcterms:creator, whose values are persons with addresses.
+    append_texts("dc:creator", codeset->author.get());
+    if (codeset->version) {
+      append_property("owl:versionInfo", codeset->version.get(), "");
+    }
+    for (const VRemark *r = codeset->remarks->head.next; r != &codeset->remarks->tail;
+         r = r->next) {
+      append_predicate("skos:hasTopConcept");
+      append_concept_iri(r->code.get());
+    }
+    append(" .\n");
+  }
+
+  void append_concept(const VRemark *remark) {
+    append("\n");
+    append_concept_iri(remark->code.get());
+    append(" a skos:Concept");
+    append_property("skos:notation", remark->code.get(), "");
+    append_labels(remark->description.get());
+    append_predicate("skos:inScheme");
+    append_iri(addresses.scheme);
+    append_predicate("skos:topConceptOf");
+    append_iri(addresses.scheme);
+    append(" .\n");
+  }
+
+  const SkosAddresses &addresses;
+  Languages languages;
+  OwnedUtf8String turtle = v_utf8_string_new("");
+  // Kept for their memory.
+  OwnedUtf8String code = v_utf8_string_new("");
+  std::string iri;
+};
+
+} // namespace
+
+bool v_skos_set_base(SkosAddresses &addresses, const char *base) {
+  const std::string_view address = base;
+  bool is_absolute = g_uri_is_valid(base, G_URI_FLAGS_NONE, nullptr) != FALSE;
+  for (const char byte : address) {
+    is_absolute = is_absolute && !is_forbidden(byte);
+  }
+  if (!is_absolute) {
+    v_error_set_utf8_printf("Not an absolute address: %s", base);
+    return false;
+  }
+  addresses.scheme = address;
+  addresses.concept_prefix = address;
+  if (address.back() != '/' && address.back() != '#') {
+    addresses.concept_prefix += '/';
+  }
+  return true;
+}
+
+SkosAddresses v_skos_name_addresses(const char *file_name) {
+  std::string_view name = file_name;
+  if (const std::size_t period = name.rfind('.'); period != std::string_view::npos && period > 0) {
+    name = name.substr(0, period);
+  }
+  SkosAddresses addresses;
+  addresses.scheme = "urn:x-codeset:";
+  append_percent_encoded(addresses.scheme, name.empty() ? "codeset" : name);
+  addresses.concept_prefix = addresses.scheme + ":";
+  return addresses;
+}
+
+OwnedUtf8String v_skos_write_codeset(const VCodeset *codeset, const SkosAddresses &addresses) {
+  return TurtleWriter(addresses).write(codeset);
+}
