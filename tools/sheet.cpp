@@ -270,11 +270,7 @@ private:
     append(">\n<dt>");
     append_text(remark->code.get());
     append("</dt>\n");
-    if (remark->description) {
-      append_translations("dd", remark->description.get());
-    } else {
-      append("<dd></dd>\n");
-    }
+    append_translations("dd", remark->description.get());
     append("</div>\n");
     if (latin1_html.size() > converted_at_once) {
       convert_written();

@@ -36,7 +36,7 @@ class Command(CommandTest):
 
     def test_shows_the_help_of_each_command(self):
         commands = self.commands()
-        self.assertGreaterEqual(set(commands), {"check", "diff", "list"})
+        self.assertGreaterEqual(set(commands), {"check", "diff", "export", "list"})
         for command in commands:
             result = self.run_program(command, "--help")
             self.assertEqual((result.status, result.errors), (GOOD, ""), command)
