@@ -18,8 +18,7 @@ struct Command {
 constexpr Command commands[] = {
     {"check", "Tell whether the program accepts codesets, and what looks wrong", v_tools_check},
     {"diff", "Compare two codesets", v_tools_diff},
-    {"export", "Write a codeset as a spreadsheet, a vocabulary or a sheet for the wall",
-     v_tools_export},
+    {"export", "Write a codeset as a table, a vocabulary or a sheet for the wall", v_tools_export},
     {"import", "Make a codeset of a table", v_tools_import},
     {"list", "Print the codes with their descriptions", v_tools_list},
 };

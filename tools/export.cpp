@@ -7,6 +7,7 @@
 #include "base/fs_utils.h"
 #include "tools/codeset_files.h"
 #include "tools/commands.h"
+#include "tools/csv_writing.h"
 #include "tools/languages.h"
 #include "tools/options.h"
 #include "tools/report.h"
@@ -25,13 +26,13 @@ struct Export {
   bool may_replace = false;
 };
 
-bool put(const Export &wanted, std::string_view text) {
-  return v_tools_write_text(wanted.output.get(), text,
+bool put(const Export &wanted, const OwnedUtf8String &text) {
+  return v_tools_write_text(wanted.output.get(), {text->str, text->len},
                             wanted.may_replace ? Overwriting::allowed : Overwriting::refused);
 }
 
-bool put(const Export &wanted, const OwnedUtf8String &text) {
-  return put(wanted, {text->str, text->len});
+bool write_csv(const Export &wanted, const char *, const VCodeset *codeset) {
+  return put(wanted, v_csv_write_codeset(codeset, wanted.has_header));
 }
 
 bool write_skos(const Export &wanted, const char *, const VCodeset *codeset) {
@@ -53,6 +54,7 @@ struct Format {
 };
 
 constexpr Format formats[] = {
+    {"csv", write_csv},
     {"skos", write_skos},
     {"html", write_html},
 };

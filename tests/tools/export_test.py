@@ -1,8 +1,10 @@
 #!/usr/bin/python3
-"""vantorelle-codeset export: vocabularies, which rapper reads back, and sheets for the wall."""
+"""vantorelle-codeset export: tables, sheets, and vocabularies that rapper reads back."""
 
 import collections
+import csv
 import html.parser
+import io
 import random
 import re
 import subprocess
@@ -70,6 +72,43 @@ def read_codeset(path):
 
 def language_of(tag):
     return {"en-uk": "en-GB"}.get(tag, tag) or None
+
+
+class Table(CommandTest):
+    def export(self, path, *options):
+        result = self.run_program("export", "--to", "csv", path, *options)
+        self.assertEqual((result.status, result.errors), (GOOD, ""))
+        return result.output
+
+    def rows_of(self, path, *options):
+        """The table as Python reads it."""
+        return list(csv.reader(io.StringIO(self.export(path, *options), newline=""), strict=True))
+
+    def test_has_all_of_the_delivered_codesets(self):
+        for path in DELIVERED:
+            _, _, _, remarks = read_codeset(path)
+            tags = [tag for tag, _ in remarks[0][1]]
+            expected = [["code", *tags]]
+            for code, description in remarks:
+                expected.append([code, *[dict(description).get(tag, "") for tag in tags]])
+            with self.subTest(path.name):
+                self.assertEqual(self.rows_of(path), expected)
+
+    def test_begins_with_the_header_when_it_is_wanted(self):
+        rows = self.rows_of(EASEL, "--with-header")
+        name, author, version, _ = read_codeset(EASEL)
+        self.assertEqual(rows[0], ["name", *[text for _, text in name]])
+        self.assertEqual(rows[1], ["author", *[text for _, text in author]])
+        self.assertEqual(rows[2][:2], ["version", version])
+        self.assertEqual(rows[3:], self.rows_of(EASEL))
+
+    def test_becomes_the_same_codeset_again(self):
+        for path in DELIVERED:
+            with self.subTest(path.name):
+                table = self.write("table.csv", self.export(path, "--with-header").encode())
+                command = ("import", "--from", "csv", table, "-o", "again.codeset", "--force")
+                self.expect(self.run_program(*command), GOOD)
+                self.expect(self.run_program("diff", path, "again.codeset"), GOOD)
 
 
 class Vocabulary(CommandTest):
@@ -296,7 +335,7 @@ class Export(CommandTest):
         self.write("a.codeset", codeset_xml(REMARKS))
 
     def test_writes_a_file(self):
-        for form in ("skos", "html"):
+        for form in ("csv", "skos", "html"):
             printed = self.run_program("export", "--to", form, "a.codeset").output_bytes
             self.expect(self.run_program("export", "--to", form, "a.codeset", "-o", form), GOOD)
             self.assertEqual((self.folder / form).read_bytes(), printed)
@@ -337,6 +376,8 @@ class Export(CommandTest):
             ("--to", "CSV"): which,
             ("--to", "html", "--base", "urn:a:b"): "--base is for --to skos.",
             ("--to", "skos", "--language", "sv"): "--language is for --to html.",
+            ("--to", "csv", "--base", "urn:a:b"): "--base is for --to skos.",
+            ("--to", "csv", "--language", "sv"): "--language is for --to html.",
             ("--to", "html", "--with-header"): "--with-header is for --to csv.",
         }.items():
             with self.subTest(options):
