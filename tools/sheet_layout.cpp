@@ -18,8 +18,8 @@ constexpr double mm_of_point = 25.4 / 72;
 
 // Estimates: what a character takes in a text of one line and in one that is broken, in which each
 // line ends before a word that is too long for it.
-constexpr double character_width = 0.5;          // em
-constexpr double wrapped_character_width = 0.54; // em
+constexpr double character_width = 0.46;         // em
+constexpr double wrapped_character_width = 0.51; // em
 constexpr double code_character_width = 0.6;     // em, bold
 constexpr double tag_character_width = 0.4;      // em, small
 constexpr double code_gap = 0.5;                 // em
