@@ -57,7 +57,9 @@ def installed_files():
         f"share/bash-completion/completions/{COMMAND}",
         f"share/doc/{PROGRAM}/LICENSE",
     }
-    documents = [SOURCE / "docs" / name for name in ("user-guide.md", "codeset-format.md")]
+    documents = [
+        SOURCE / "docs" / name for name in ("user-guide.md", "spreadsheets.md", "codeset-format.md")
+    ]
     for folder in ("pictures", "print"):
         documents += (SOURCE / "docs" / folder).iterdir()
     files |= {f"share/doc/{PROGRAM}/{path.relative_to(SOURCE / 'docs')}" for path in documents}
