@@ -13,7 +13,6 @@
 #include "base/xml_writing.h"
 #include "bcp47.h"
 #include "sheet_layout.h"
-#include "tools/languages.h"
 #include "tools/sheet_style.h"
 #include "workspace/display_text.h"
 
@@ -53,11 +52,37 @@ void append_css_string(std::string &latin1_css, std::string_view latin1_text) {
   latin1_css += '"';
 }
 
+// Whether a text of the string has another tag than the first text that was asked about.
+bool has_other_tag(const VLangstr *langstr, const char *&first_tag) {
+  if (first_tag == nullptr && langstr != nullptr) {
+    first_tag = langstr->lang.get();
+  }
+  while (langstr != nullptr && std::strcmp(langstr->lang.get(), first_tag) == 0) {
+    langstr = langstr->next.get();
+  }
+  return langstr != nullptr;
+}
+
+// Most codesets show it by their names.
+bool has_several_tags(const VCodeset *codeset) {
+  const char *first_tag = nullptr;
+  if (has_other_tag(codeset->name.get(), first_tag) ||
+      has_other_tag(codeset->author.get(), first_tag)) {
+    return true;
+  }
+  const VRemark *remark = codeset->remarks->head.next;
+  while (remark != &codeset->remarks->tail &&
+         !has_other_tag(remark->description.get(), first_tag)) {
+    remark = remark->next;
+  }
+  return remark != &codeset->remarks->tail;
+}
+
 class SheetWriter {
 public:
   SheetWriter(const VCodeset *shown_codeset, const VSettings *wanted_settings)
       : codeset(shown_codeset), settings(wanted_settings),
-        has_several_languages(v_tools_collect_languages(codeset, true).size() > 1) {}
+        has_several_languages(has_several_tags(codeset)) {}
 
   OwnedUtf8String write() {
     append_head();
