@@ -110,6 +110,11 @@ int main(int argc, char **argv) {
   add_command("vantorelle-codeset check", {"check"});
   add_command("vantorelle-codeset list", {"list", "--language=sv"});
   add_command("vantorelle-codeset diff", {"diff"}, 2);
+  add_command("vantorelle-codeset export --to csv", {"export", "--to=csv"});
+  add_command("vantorelle-codeset export --to skos", {"export", "--to=skos"});
+  add_command("vantorelle-codeset export --to html", {"export", "--to=html"});
+  add_command("vantorelle-codeset export --to html --language sv",
+              {"export", "--to=html", "--language=sv"});
 
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
