@@ -16,6 +16,7 @@
 #include "support/scratch_folder.h"
 #include "support/stopwatch.h"
 #include "tools/commands.h"
+#include "tools/csv_writing.h"
 
 namespace {
 
@@ -104,6 +105,26 @@ void add_command(const char *what, std::vector<std::string> arguments, int files
   });
 }
 
+// Import also writes the codeset and reads it back.
+void add_import() {
+  const Row row{.what = "vantorelle-codeset import",
+                .size = "100,000 remarks, shuffled",
+                .baseline = "the same codeset is only read",
+                .target = 2.0};
+  v_bench_add_row(row, repetitions, [] {
+    const auto made = std::make_shared<Files>();
+    const OwnedCodeset codeset = require(v_codeset_io_read_from_file(made->first.c_str()));
+    const OwnedUtf8String csv = v_csv_write_codeset(codeset.get(), true);
+    const std::string table = made->folder.put("table.csv", {csv->str, csv->len});
+    const std::string output = made->folder.path_of("written.codeset");
+    return Comparison{
+        [=] { return measure_reading({made->first}); },
+        [=] {
+          return measure_command({"import", "--from=csv", table, "--force", "--output=" + output});
+        }};
+  });
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -115,6 +136,7 @@ int main(int argc, char **argv) {
   add_command("vantorelle-codeset export --to html", {"export", "--to=html"});
   add_command("vantorelle-codeset export --to html --language sv",
               {"export", "--to=html", "--language=sv"});
+  add_import();
 
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
