@@ -228,7 +228,7 @@ private:
   bool read_column_names();
   bool read_column_name(std::size_t column);
   bool read_line_above(const CsvRecord &record);
-  bool set_labelled_text(Label label, Place place, OwnedLangstr text);
+  bool set_labelled_text(Label label, const Place &place, OwnedLangstr text);
   bool read_remarks();
   bool read_remark(const CsvRecord &record);
   void set_code_twice_error() const;
@@ -325,7 +325,7 @@ bool TableReader::read_line_above(const CsvRecord &record) {
          set_labelled_text(*label, place, std::move(texts.langstr));
 }
 
-bool TableReader::set_labelled_text(Label label, Place place, OwnedLangstr text) {
+bool TableReader::set_labelled_text(Label label, const Place &place, OwnedLangstr text) {
   if (label == Label::name) {
     codeset->name = std::move(text);
   } else if (label == Label::author) {
