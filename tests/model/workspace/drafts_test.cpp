@@ -30,7 +30,7 @@ TEST_F(Drafts, ADraftIsACodesetFileForItsOwnerOnly) {
   OwnedCodeset codeset = codeset_with({{"sv", "Papper & p\xE4rm"}}, {{"7", {{"", "V\xE5gor"}}}});
   codeset->author = langstr_of({{"en-uk", "Anna"}});
   codeset->version = copy_text("1.2");
-  v_draft_write(draft.get(), codeset.get());
+  EXPECT_TRUE(v_draft_write(draft.get(), codeset.get()));
   umask(old_mask);
   EXPECT_THAT(names(), ElementsAre(EndsWith(".paper.codeset")));
   EXPECT_EQ(read_file(only_draft()), "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n"

@@ -1,5 +1,8 @@
 #include "support/gui/file_choosers.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "support/gui/widget_search.h"
 
 namespace {
@@ -14,6 +17,15 @@ bool top_chooser_has_list() {
   return list != nullptr && gtk_tree_view_get_model(list) != nullptr;
 }
 
+// The buttons of the path get their icons one by one.
+bool top_chooser_has_icons() {
+  const std::vector<GtkWidget *> images = find_widgets(GTK_WIDGET(top_chooser()), GTK_TYPE_IMAGE);
+  return std::none_of(images.begin(), images.end(), [](GtkWidget *image) {
+    return gtk_widget_get_mapped(image) &&
+           gtk_image_get_storage_type(GTK_IMAGE(image)) == GTK_IMAGE_EMPTY;
+  });
+}
+
 } // namespace
 
 GtkFileChooser *top_chooser() {
@@ -22,11 +34,11 @@ GtkFileChooser *top_chooser() {
 }
 
 std::function<bool()> chooser_to_be_loaded() {
-  return [latest_without_list = gint64{0}]() mutable {
+  return [latest_incomplete = gint64{0}]() mutable {
     const gint64 now = g_get_monotonic_time();
-    if (latest_without_list == 0 || !top_chooser_has_list()) {
-      latest_without_list = now;
+    if (latest_incomplete == 0 || !top_chooser_has_list() || !top_chooser_has_icons()) {
+      latest_incomplete = now;
     }
-    return now - latest_without_list > pause_between_loads;
+    return now - latest_incomplete > pause_between_loads;
   };
 }
