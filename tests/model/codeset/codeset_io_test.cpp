@@ -13,7 +13,7 @@
 #include "base/error.h"
 #include "support/child_process.h"
 #include "support/files.h"
-#include "support/values/remarks.h"
+#include "support/values/codesets.h"
 
 namespace {
 
@@ -50,16 +50,6 @@ protected:
   TemporaryFolder folder;
   std::string path = folder / "a.codeset";
 };
-
-OwnedCodeset codeset_of(const Translations &name, const Translations &author, const char *version,
-                        const Remarks &remarks) {
-  OwnedCodeset codeset = v_codeset_new();
-  codeset->name = langstr_of(name);
-  codeset->author = langstr_of(author);
-  codeset->version = copy_text(version);
-  codeset->remarks = list_of(remarks);
-  return codeset;
-}
 
 void expect_equal(const OwnedCodeset &a, const OwnedCodeset &b) {
   ASSERT_TRUE(a && b) << v_error_get();

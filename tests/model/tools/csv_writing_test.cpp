@@ -4,19 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include "support/values/remarks.h"
+#include "support/values/codesets.h"
 
 namespace {
 
-OwnedCodeset codeset_of(const Remarks &remarks, const Translations &name = {},
-                        const Translations &author = {}, const char *version = nullptr) {
-  OwnedCodeset codeset = v_codeset_new();
-  codeset->name = langstr_of(name);
-  codeset->author = langstr_of(author);
-  codeset->version = copy_text(version);
-  codeset->remarks = list_of(remarks);
-  return codeset;
-}
+// Without a name, an author and a version.
+OwnedCodeset table_of(const Remarks &remarks) { return codeset_of({}, {}, nullptr, remarks); }
 
 std::string csv_of(const VCodeset *codeset, bool with_header) {
   const OwnedUtf8String csv = v_csv_write_codeset(codeset, with_header);
@@ -24,9 +17,9 @@ std::string csv_of(const VCodeset *codeset, bool with_header) {
 }
 
 TEST(CsvWriting, WritesAColumnForEachLanguageInOrderOfFirstAppearance) {
-  const OwnedCodeset codeset = codeset_of({{"1", {{"sv", "ett"}}},
-                                           {"2", {{"en-uk", "two"}, {"sv", "tv\xE5"}}},
-                                           {"3", {{"", "III"}, {"en-uk", "three"}}}});
+  const OwnedCodeset codeset = table_of({{"1", {{"sv", "ett"}}},
+                                         {"2", {{"en-uk", "two"}, {"sv", "tv\xE5"}}},
+                                         {"3", {{"", "III"}, {"en-uk", "three"}}}});
   EXPECT_EQ(csv_of(codeset.get(), false), "code,sv,en-uk,\r\n"
                                           "1,ett,,\r\n"
                                           "2,tv\xC3\xA5,two,\r\n"
@@ -35,8 +28,8 @@ TEST(CsvWriting, WritesAColumnForEachLanguageInOrderOfFirstAppearance) {
 
 TEST(CsvWriting, QuotesTextsWithDelimitersAndQuotationMarks) {
   const OwnedCodeset codeset =
-      codeset_of({{"a,b", {{"sv", "\"x\""}, {"a;b", "; \xFF"}, {"de", "tab\there"}}},
-                  {"c", {{"sv", "'x'"}, {"de", "line\r\nend"}}}});
+      table_of({{"a,b", {{"sv", "\"x\""}, {"a;b", "; \xFF"}, {"de", "tab\there"}}},
+                {"c", {{"sv", "'x'"}, {"de", "line\r\nend"}}}});
   EXPECT_EQ(csv_of(codeset.get(), false), "code,sv,\"a;b\",de\r\n"
                                           "\"a,b\",\"\"\"x\"\"\",\"; \xC3\xBF\",\"tab\there\"\r\n"
                                           "c,'x',,\"line\r\nend\"\r\n");
@@ -44,14 +37,13 @@ TEST(CsvWriting, QuotesTextsWithDelimitersAndQuotationMarks) {
 
 TEST(CsvWriting, LeavesNameAuthorAndVersionOutUnlessTheyAreWanted) {
   const OwnedCodeset codeset =
-      codeset_of({{"1", {{"sv", "ett"}}}}, {{"en-uk", "Easel"}}, {{"de", "Anna"}}, "1.1");
+      codeset_of({{"en-uk", "Easel"}}, {{"de", "Anna"}}, "1.1", {{"1", {{"sv", "ett"}}}});
   EXPECT_EQ(csv_of(codeset.get(), false), "code,sv\r\n1,ett\r\n");
 }
 
 TEST(CsvWriting, WritesNameAuthorAndVersionAboveTheColumnNames) {
-  const OwnedCodeset codeset =
-      codeset_of({{"1", {{"sv", "ett"}}}}, {{"en-uk", "Easel"}, {"sv", "Staffli"}},
-                 {{"de", "Anna, Bo"}}, "1.1");
+  const OwnedCodeset codeset = codeset_of({{"en-uk", "Easel"}, {"sv", "Staffli"}},
+                                          {{"de", "Anna, Bo"}}, "1.1", {{"1", {{"sv", "ett"}}}});
   EXPECT_EQ(csv_of(codeset.get(), true), "name,Easel,Staffli,\r\n"
                                          "author,,,\"Anna, Bo\"\r\n"
                                          "version,1.1,,\r\n"
@@ -60,13 +52,13 @@ TEST(CsvWriting, WritesNameAuthorAndVersionAboveTheColumnNames) {
 }
 
 TEST(CsvWriting, LeavesOutTheLinesOfWhatACodesetDoesNotHave) {
-  const OwnedCodeset codeset = codeset_of({{"1", {{"sv", "ett"}}}});
+  const OwnedCodeset codeset = table_of({{"1", {{"sv", "ett"}}}});
   EXPECT_EQ(csv_of(codeset.get(), true), "code,sv\r\n1,ett\r\n");
 }
 
 TEST(CsvWriting, WritesOnlyTheColumnOfTheCodesWithoutRemarks) {
-  EXPECT_EQ(csv_of(codeset_of({}).get(), false), "code\r\n");
-  EXPECT_EQ(csv_of(codeset_of({}, {}, {}, "1").get(), true), "version\r\ncode\r\n");
+  EXPECT_EQ(csv_of(table_of({}).get(), false), "code\r\n");
+  EXPECT_EQ(csv_of(codeset_of({}, {}, "1", {}).get(), true), "version\r\ncode\r\n");
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/text_encoding.h"
-#include "support/values/remarks.h"
+#include "support/values/codesets.h"
 #include "tools/sheet_style.h"
 
 namespace {
@@ -13,16 +13,6 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
-
-OwnedCodeset codeset_of(const Translations &name, const Translations &author, const char *version,
-                        const Remarks &remarks) {
-  OwnedCodeset codeset = v_codeset_new();
-  codeset->name = langstr_of(name);
-  codeset->author = langstr_of(author);
-  codeset->version = copy_text(version);
-  codeset->remarks = list_of(remarks);
-  return codeset;
-}
 
 OwnedCodeset easel() {
   return codeset_of({{"en-uk", "Easel paintings"}, {"sv", "Stafflim\xE5lningar"}},

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
-#include "support/values/remarks.h"
+#include "support/values/codesets.h"
 
 namespace {
 
@@ -13,16 +13,6 @@ using testing::HasSubstr;
 using testing::Not;
 
 const SkosAddresses addresses = {"http://museum.example/easel", "http://museum.example/easel/"};
-
-OwnedCodeset codeset_of(const Translations &name, const Translations &author, const char *version,
-                        const Remarks &remarks) {
-  OwnedCodeset codeset = v_codeset_new();
-  codeset->name = langstr_of(name);
-  codeset->author = langstr_of(author);
-  codeset->version = copy_text(version);
-  codeset->remarks = list_of(remarks);
-  return codeset;
-}
 
 std::string turtle_of(const OwnedCodeset &codeset) {
   return v_skos_write_codeset(codeset.get(), addresses)->str;

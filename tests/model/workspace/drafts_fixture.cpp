@@ -1,10 +1,9 @@
 #include "drafts_fixture.h"
 
+#include "support/values/codesets.h"
+
 OwnedCodeset codeset_with(const Translations &name, const Remarks &remarks) {
-  OwnedCodeset codeset = v_codeset_new();
-  codeset->name = langstr_of(name);
-  codeset->remarks = list_of(remarks);
-  return codeset;
+  return codeset_of(name, {}, nullptr, remarks);
 }
 
 OwnedCodeset paper(const char *name) { return codeset_with({{"en-uk", name}}); }
