@@ -33,7 +33,7 @@ void remove_unfinished(int signal_number) {
 
 // A signal that is ignored, as by nohup, stays ignored.
 void handle_ending_signals() {
-  for (const int signal_number : {SIGHUP, SIGINT, SIGTERM}) {
+  for (const int signal_number : {SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGXFSZ}) {
     struct sigaction action = {};
     if (sigaction(signal_number, nullptr, &action) == 0 && action.sa_handler == SIG_DFL) {
       action.sa_handler = remove_unfinished;

@@ -123,6 +123,18 @@ class Streams(CommandTest):
             self.shell('mkdir t; TMPDIR=t "$PROGRAM" list - <a; ls -A t').stdout[-2:], "k\n"
         )
 
+    def test_leaves_nothing_when_nobody_reads_its_codeset(self):
+        rows = "".join(f"{i},{'x' * 50}\n" for i in range(2000))  # more than a pipe takes at once
+        self.write("table", f"code,sv\n{rows}".encode())
+        command = 'mkdir t; TMPDIR=t "$PROGRAM" import --from csv table -o - | true; ls -A t'
+        result = self.shell(command)
+        self.assertEqual((result.stdout, result.stderr), ("", ""))
+
+    def test_leaves_nothing_of_a_file_that_becomes_too_large(self):
+        self.write("table", f"code,sv\n1,{'x' * 5000}\n".encode())
+        self.shell('ulimit -f 1; "$PROGRAM" import --from csv table -o b.codeset')
+        self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["a", "table"])
+
     def test_reports_a_full_disk(self):
         for command in (
             "list a",
