@@ -112,6 +112,25 @@ bool remarks_are_equal(const VRemarkList *a, const VRemarkList *b) {
 
 } // namespace
 
+const char *v_tools_name_output(const char *file) {
+  return is_standard_stream(file) ? "standard output" : file;
+}
+
+bool v_tools_is_source(const char *output, const char *source) {
+  if (is_standard_stream(output) || is_standard_stream(source)) {
+    return false;
+  }
+  const VErrorKeeper keeper;
+  const OwnedText output_path = v_fs_utils_convert_osfsenc_to_utf8(output);
+  const OwnedText source_path = v_fs_utils_convert_osfsenc_to_utf8(source);
+  if (!output_path || !source_path) {
+    return false;
+  }
+  const OwnedText resolved_output = v_fs_utils_resolve_links(output_path.get());
+  const OwnedText resolved_source = v_fs_utils_resolve_links(source_path.get());
+  return resolved_source && g_strcmp0(resolved_source.get(), resolved_output.get()) == 0;
+}
+
 OwnedCodeset v_tools_read_codeset(const char *file) {
   const ProgressReport progress(file, "reading");
   if (is_stream(file)) {
@@ -144,7 +163,7 @@ bool v_tools_print(std::string_view text) {
 }
 
 bool v_tools_write_codeset(const VCodeset *codeset, const char *file, Overwriting overwriting) {
-  const ProgressReport progress(file == nullptr ? "standard output" : file, "writing");
+  const ProgressReport progress(v_tools_name_output(file), "writing");
   PlacedFile placed;
   if (!is_standard_stream(file)) {
     return placed.prepare(file, overwriting) && write_and_compare(codeset, placed) && placed.put();

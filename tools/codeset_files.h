@@ -9,9 +9,16 @@
 
 enum class Overwriting { refused, allowed };
 
+// The name of an output in messages: the file, or "standard output" for "-" and null.
+const char *v_tools_name_output(const char *file);
+
+// True when writing the output (null for standard output) would replace the file that is read,
+// whatever links lead to it.
+bool v_tools_is_source(const char *output, const char *source);
+
 // Reads a codeset as the window does. Null with the message of v_codeset_io_read_from_file, or with
-// "Cannot read standard input." before the reason. Standard input and named pipes are copied to a
-// temporary file first.
+// those of v_tools_read_text for standard input and named pipes, which are copied to a temporary
+// file first.
 OwnedCodeset v_tools_read_codeset(const char *file);
 
 // Reads all bytes. False with "Cannot open file." before the reason, or "File I/O error

@@ -98,22 +98,6 @@ bool find_addresses(Export &wanted, const char *file) {
   return true;
 }
 
-// Whether the output would replace the codeset that is read.
-bool replaces_source(const Export &wanted, const char *file) {
-  if (!wanted.output || std::strcmp(wanted.output.get(), "-") == 0) {
-    return false;
-  }
-  const VErrorKeeper keeper;
-  const OwnedText source = v_fs_utils_convert_osfsenc_to_utf8(file);
-  const OwnedText output = v_fs_utils_convert_osfsenc_to_utf8(wanted.output.get());
-  if (!source || !output) {
-    return false;
-  }
-  const OwnedText resolved_source = v_fs_utils_resolve_links(source.get());
-  const OwnedText resolved_output = v_fs_utils_resolve_links(output.get());
-  return resolved_source && g_strcmp0(resolved_source.get(), resolved_output.get()) == 0;
-}
-
 int fail_with_last_error(const char *file) {
   v_report_last_error(file);
   return v_tools_failed;
@@ -127,7 +111,7 @@ int run_export(Export &wanted, const char *file) {
   if (!find_addresses(wanted, file)) {
     return fail_with_last_error("export");
   }
-  if (replaces_source(wanted, file)) {
+  if (v_tools_is_source(wanted.output.get(), file)) {
     v_report_error(wanted.output.get(), "This is the codeset itself; it is not replaced.");
     return v_tools_failed;
   }
@@ -136,7 +120,7 @@ int run_export(Export &wanted, const char *file) {
     return fail_with_last_error(file);
   }
   if (!find_format(wanted.format.get())->write(wanted, file, codeset.get())) {
-    return fail_with_last_error(wanted.output ? wanted.output.get() : "standard output");
+    return fail_with_last_error(v_tools_name_output(wanted.output.get()));
   }
   return v_tools_good;
 }

@@ -183,7 +183,7 @@ int run_import(const Import &wanted, const char *file) {
   warn_of_unknown_languages(codeset.get(), file);
   if (!v_tools_write_codeset(codeset.get(), wanted.output.get(),
                              wanted.may_replace ? Overwriting::allowed : Overwriting::refused)) {
-    return fail_with_last_error(wanted.output.get());
+    return fail_with_last_error(v_tools_name_output(wanted.output.get()));
   }
   return v_tools_good;
 }

@@ -136,10 +136,14 @@ class Streams(CommandTest):
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["a", "table"])
 
     def test_reports_a_full_disk(self):
+        self.write("table", b"code,sv\n1,Spricka\n")
         for command in (
             "list a",
             "check a",
             "diff a <(sed s/Crack/Loss/ a)",
+            "export --to csv a",
+            "export --to csv a -o -",
+            "import --from csv table -o -",
             "--help",
             "--version",
             "list --help",
