@@ -171,6 +171,10 @@ int run_import(const Import &wanted, const char *file) {
   if (!read_header(header, wanted)) {
     return fail_with_last_error("import");
   }
+  if (v_tools_is_source(wanted.output.get(), file)) {
+    v_report_error(wanted.output.get(), "This is the table itself; it is not replaced.");
+    return v_tools_failed;
+  }
   std::string document;
   if (!v_tools_read_text(file, document)) {
     return fail_with_last_error(file);

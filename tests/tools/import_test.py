@@ -204,6 +204,17 @@ class Import(CommandTest):
         self.expect(self.import_table(TABLE, "--force"), GOOD)
         self.expect_codeset(CODESET)
 
+    def test_never_replaces_the_table_itself(self):
+        self.write("table.codeset", TABLE.encode())
+        (self.folder / "link.codeset").symlink_to("table.codeset")
+        for output in ("table.codeset", "link.codeset"):
+            self.expect_refused(
+                self.run_program("import", "--from=csv", "table.codeset", "--force", "-o", output),
+                "This is the table itself; it is not replaced.",
+                output,
+            )
+        self.assertEqual((self.folder / "table.codeset").read_bytes(), TABLE.encode())
+
     def test_keeps_the_old_file_when_the_table_is_refused(self):
         self.write("out.codeset", b"precious")
         self.assertEqual(self.import_table("code,sv\n1\n", "--force").status, FAILED)
