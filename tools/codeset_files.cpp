@@ -13,15 +13,13 @@
 
 namespace {
 
-bool is_standard_stream(const char *file) { return file == nullptr || std::strcmp(file, "-") == 0; }
-
 // A named pipe is what a shell passes for the output of another command.
 bool is_named_pipe(const char *file) {
   struct stat status;
   return stat(file, &status) == 0 && S_ISFIFO(status.st_mode);
 }
 
-bool is_stream(const char *file) { return is_standard_stream(file) || is_named_pipe(file); }
+bool is_stream(const char *file) { return v_tools_is_standard_stream(file) || is_named_pipe(file); }
 
 bool read_all(std::FILE *source, std::string &text) {
   char buffer[64 * 1024];
@@ -51,7 +49,7 @@ OwnedFile open_to_read(const char *file) {
 
 bool read_text(const char *file, std::string &text) {
   text.clear();
-  if (is_standard_stream(file)) {
+  if (v_tools_is_standard_stream(file)) {
     return read_all(stdin, text);
   }
   const OwnedFile opened = open_to_read(file);
@@ -112,12 +110,16 @@ bool remarks_are_equal(const VRemarkList *a, const VRemarkList *b) {
 
 } // namespace
 
+bool v_tools_is_standard_stream(const char *file) {
+  return file == nullptr || std::strcmp(file, "-") == 0;
+}
+
 const char *v_tools_name_output(const char *file) {
-  return is_standard_stream(file) ? "standard output" : file;
+  return v_tools_is_standard_stream(file) ? "standard output" : file;
 }
 
 bool v_tools_is_source(const char *output, const char *source) {
-  if (is_standard_stream(output) || is_standard_stream(source)) {
+  if (v_tools_is_standard_stream(output) || v_tools_is_standard_stream(source)) {
     return false;
   }
   const VErrorKeeper keeper;
@@ -146,7 +148,7 @@ bool v_tools_read_text(const char *file, std::string &text) {
 }
 
 bool v_tools_write_text(const char *file, std::string_view text, Overwriting overwriting) {
-  if (is_standard_stream(file)) {
+  if (v_tools_is_standard_stream(file)) {
     return write_all(stdout, text);
   }
   const ProgressReport progress(file, "writing");
@@ -165,7 +167,7 @@ bool v_tools_print(std::string_view text) {
 bool v_tools_write_codeset(const VCodeset *codeset, const char *file, Overwriting overwriting) {
   const ProgressReport progress(v_tools_name_output(file), "writing");
   PlacedFile placed;
-  if (!is_standard_stream(file)) {
+  if (!v_tools_is_standard_stream(file)) {
     return placed.prepare(file, overwriting) && write_and_compare(codeset, placed) && placed.put();
   }
   return placed.prepare_temporary() && write_and_compare(codeset, placed) && copy_to_output(placed);

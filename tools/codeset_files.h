@@ -9,6 +9,9 @@
 
 enum class Overwriting { refused, allowed };
 
+// True for "-" and null.
+bool v_tools_is_standard_stream(const char *file);
+
 // The name of an output in messages: the file, or "standard output" for "-" and null.
 const char *v_tools_name_output(const char *file);
 

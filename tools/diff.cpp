@@ -34,8 +34,6 @@ constexpr const char *removed = "-";
 constexpr const char *changed = "~";
 constexpr const char *changed_part = "*";
 
-const char *name_language(const char *tag) { return *tag == '\0' ? "undefined" : tag; }
-
 void Differences::add(std::initializer_list<const char *> latin1_fields) {
   bool is_first = true;
   for (const char *field : latin1_fields) {
@@ -50,7 +48,7 @@ void Differences::add(std::initializer_list<const char *> latin1_fields) {
 
 void Differences::add_description(const char *sign, const VRemark *remark) {
   for (const VLangstr *t = remark->description.get(); t != nullptr; t = t->next.get()) {
-    add({sign, remark->code.get(), name_language(t->lang.get()), t->text.get()});
+    add({sign, remark->code.get(), v_tools_name_language(t->lang.get()), t->text.get()});
   }
 }
 
@@ -63,13 +61,13 @@ void Differences::compare_texts(const char *sign, const char *subject, const VLa
   for (const VLangstr *t = a; t != nullptr; t = t->next.get()) {
     const char *other = v_langstr_get_string(b, t->lang.get(), false);
     if (other == nullptr || std::strcmp(t->text.get(), other) != 0) {
-      add({sign, subject, name_language(t->lang.get()), t->text.get(),
+      add({sign, subject, v_tools_name_language(t->lang.get()), t->text.get(),
            other == nullptr ? "" : other});
     }
   }
   for (const VLangstr *t = b; t != nullptr; t = t->next.get()) {
     if (v_langstr_get_string(a, t->lang.get(), false) == nullptr) {
-      add({sign, subject, name_language(t->lang.get()), "", t->text.get()});
+      add({sign, subject, v_tools_name_language(t->lang.get()), "", t->text.get()});
     }
   }
 }

@@ -1,4 +1,3 @@
-#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -88,7 +87,7 @@ bool find_addresses(Export &wanted, const char *file) {
   if (wanted.base) {
     return v_skos_set_base(wanted.addresses, wanted.base.get());
   }
-  const bool has_name = std::strcmp(file, "-") != 0;
+  const bool has_name = !v_tools_is_standard_stream(file);
   const OwnedText path = v_fs_utils_convert_osfsenc_to_utf8(has_name ? file : "codeset");
   if (!path) {
     return false;

@@ -11,7 +11,7 @@
 
 #include "base/text_encoding.h"
 #include "codeset/codeset_io.h"
-#include "langstr/supported_languages.h"
+#include "codeset_texts.h"
 #include "tools/languages.h"
 
 namespace {
@@ -78,7 +78,7 @@ std::string convert(const char *latin1_text) {
   return OwnedText(v_convert_latin1_to_utf8(latin1_text)).get();
 }
 
-std::string quote(const char *latin1_text) { return "\"" + convert(latin1_text) + "\""; }
+std::string quote(const char *latin1_text) { return v_tools_quote_text(latin1_text).get(); }
 
 // The codes of the remarks with these indices: "Ab1, Ab2", only the first few of many.
 std::string name_codes(const Contents &contents, const std::vector<std::size_t> &indices) {
@@ -99,14 +99,13 @@ void find_codes_not_read_back(const Contents &contents, std::vector<std::string>
   }
 }
 
-// A text of unknown language is no mistake: the window can write such texts.
 void find_unknown_languages(const VCodeset *codeset, const Contents &contents,
                             std::vector<std::string> &findings) {
-  std::set<std::string_view> unknown;
+  std::set<std::string_view> known;
   const auto find = [&](const char *tag) {
-    if (*tag != '\0' && v_supported_languages_get_index_for_tag(tag) < 0 &&
-        unknown.insert(tag).second) {
-      findings.push_back(std::string("The language \"") + tag + "\" is not one of the program's.");
+    const bool is_new = known.insert(tag).second;
+    if (const auto warning = v_tools_find_unknown_language(tag); warning && is_new) {
+      findings.push_back(*warning);
     }
   };
   for (const VLangstr *langstr : {codeset->name.get(), codeset->author.get()}) {

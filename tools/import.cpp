@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,7 +12,6 @@
 #include "base/whitespace.h"
 #include "codeset/codeset_io.h"
 #include "codeset_texts.h"
-#include "langstr/supported_languages.h"
 #include "tools/codeset_files.h"
 #include "tools/commands.h"
 #include "tools/csv_reading.h"
@@ -40,8 +38,6 @@ struct Header {
   OwnedText version;
 };
 
-bool is_standard_stream(const char *file) { return std::strcmp(file, "-") == 0; }
-
 // ---- The options --------------------------------------------------------------------------------
 
 const char *codeset_extension() {
@@ -57,7 +53,7 @@ const char *find_misuse(const Import &wanted) {
     return "The codeset to write must be named: --output OUT.codeset.";
   }
   const bool is_found =
-      is_standard_stream(wanted.output.get()) ||
+      v_tools_is_standard_stream(wanted.output.get()) ||
       v_utf8_has_suffix_case_insensitive_ascii(wanted.output.get(), codeset_extension());
   return is_found ? nullptr : "The name of a codeset must end in .codeset; others are not found.";
 }
@@ -112,7 +108,7 @@ bool read_header(Header &header, const Import &wanted) {
 // The name of the file without its ending, in ISO-8859-1; "" when it has none.
 OwnedText name_of_file(const char *file) {
   const OwnedText path =
-      is_standard_stream(file) ? nullptr : v_fs_utils_convert_osfsenc_to_utf8(file);
+      v_tools_is_standard_stream(file) ? nullptr : v_fs_utils_convert_osfsenc_to_utf8(file);
   std::string name = path ? v_fs_utils_find_entry_name_in_path(path.get()) : "";
   if (const std::size_t ending = name.rfind('.'); ending != std::string::npos) {
     name.erase(ending);
@@ -149,10 +145,8 @@ void set_header(VCodeset *codeset, Header header, const Import &wanted, const ch
 
 void warn_of_unknown_languages(const VCodeset *codeset, const char *file) {
   for (const std::string &tag : v_tools_collect_languages(codeset, true)) {
-    if (!tag.empty() && v_supported_languages_get_index_for_tag(tag.c_str()) < 0) {
-      const OwnedText message(
-          g_strdup_printf("The language \"%s\" is not one of the program's.", tag.c_str()));
-      v_report_warning(file, message.get());
+    if (const auto warning = v_tools_find_unknown_language(tag.c_str())) {
+      v_report_warning(file, warning->c_str());
     }
   }
 }

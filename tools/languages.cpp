@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/owned.h"
+#include "langstr/supported_languages.h"
 #include "tools/report.h"
 
 namespace {
@@ -57,9 +58,18 @@ std::string v_tools_format_languages(const std::vector<std::string> &languages) 
   std::string text;
   for (const std::string &language : languages) {
     text += text.empty() ? "" : ", ";
-    text += language.empty() ? "undefined" : language;
+    text += v_tools_name_language(language.c_str());
   }
   return text;
+}
+
+const char *v_tools_name_language(const char *tag) { return *tag == '\0' ? "undefined" : tag; }
+
+std::optional<std::string> v_tools_find_unknown_language(const char *tag) {
+  if (*tag == '\0' || v_supported_languages_get_index_for_tag(tag) >= 0) {
+    return std::nullopt;
+  }
+  return std::string("The language \"") + tag + "\" is not one of the program's.";
 }
 
 OwnedSettings v_tools_prefer_language(const char *language) {

@@ -1,6 +1,7 @@
 #pragma once
 // The languages of a codeset, and one text of it in the language that the user wants.
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,13 @@ std::vector<std::string> v_tools_collect_languages(const VCodeset *codeset, bool
 
 // The tags separated by ", ", where "" is "undefined"; "no language" when there is none.
 std::string v_tools_format_languages(const std::vector<std::string> &languages);
+
+// The tag of a text for messages: "undefined" for "".
+const char *v_tools_name_language(const char *tag);
+
+// A warning (UTF-8) when the program does not know the language. A text of unknown language, "", is
+// no mistake: the window can write such texts.
+std::optional<std::string> v_tools_find_unknown_language(const char *tag);
 
 // The settings of a user who wants texts in the language (tag; null for none) and, where there is
 // none, in the languages that the window prefers.

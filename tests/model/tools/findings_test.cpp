@@ -89,6 +89,13 @@ TEST(Findings, NameAllLanguagesOfTheSameDescriptionAtOnce) {
                           "3 codes have the same description in de: 1, 2, 3 (\"x\")"));
 }
 
+TEST(Findings, QuoteOnlyTheBeginningOfALongDescription) {
+  const std::string text(50, 'x');
+  EXPECT_THAT(findings_of({{"1", {{"sv", text}}}, {"2", {{"sv", text}}}}),
+              ElementsAre("2 codes have the same description in sv: 1, 2 (\"" +
+                          std::string(40, 'x') + "\u2026\")"));
+}
+
 TEST(Findings, DoNotCompareTextsOfDifferentLanguages) {
   EXPECT_THAT(
       findings_of({{"1", {{"sv", "Spor"}, {"nb", "a"}}}, {"2", {{"sv", "b"}, {"nb", "Spor"}}}}),
