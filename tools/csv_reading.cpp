@@ -152,7 +152,14 @@ std::optional<std::size_t> find_code_column(const CsvRecord &record) {
 }
 
 // How the lines look with one delimiter; the later, the more likely it is the right one.
-enum class Likelihood { faulty, without_code, code_alone, faulty_beside_code, whole };
+enum class Likelihood {
+  faulty,
+  without_code,
+  label_beside_code,
+  code_alone,
+  faulty_beside_code,
+  whole
+};
 
 // The lines down to the column names, with one delimiter.
 struct Head {
@@ -160,6 +167,7 @@ struct Head {
   std::vector<CsvRecord> lines_above = {};
   CsvRecord column_names = {}; // unless it is without code; after a fault, the fields up to it
   std::size_t code_column = 0;
+  std::size_t line_of_label = 0; // the line with a label beside a code, which can be column names
   Likelihood likelihood = Likelihood::without_code;
 };
 
@@ -187,6 +195,10 @@ Head read_head(const Document &document, char delimiter) {
       head.code_column = code_column.value_or(0);
       head.likelihood = judge(head, step == CsvStep::fault, code_column.has_value());
       break;
+    }
+    if (code_column) {
+      head.line_of_label = record.fields.front().line;
+      head.likelihood = Likelihood::label_beside_code;
     }
     head.lines_above.push_back(std::move(record));
   }
@@ -311,8 +323,8 @@ bool TableReader::read_line_above(const CsvRecord &record) {
   const std::optional<Label> label =
       code_column < record.fields.size() ? find_label(record.fields[code_column]) : std::nullopt;
   if (!label) {
-    return fail_at(place, "only lines that begin with \"name\", \"author\" or \"version\" can be "
-                          "above the names of the columns. Delete this line.");
+    return fail_at(place, "only lines with \"name\", \"author\" or \"version\" in the column "
+                          "\"code\" can be above the names of the columns. Delete this line.");
   }
   std::optional<std::size_t> &line = lines_of_labels[static_cast<std::size_t>(*label)];
   if (line) {
@@ -468,6 +480,11 @@ OwnedCodeset v_csv_read_codeset(std::string_view document) {
   switch (head.likelihood) {
   case Likelihood::without_code:
     fail_without_column_names(opened);
+    return nullptr;
+  case Likelihood::label_beside_code:
+    fail_at({head.line_of_label, 0},
+            "a line that begins with this word is for the whole codeset, so it cannot name the "
+            "columns. Make \"code\" the first column, and delete those that are of no language.");
     return nullptr;
   case Likelihood::faulty:
   case Likelihood::faulty_beside_code:

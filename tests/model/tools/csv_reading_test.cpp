@@ -255,8 +255,16 @@ INSTANTIATE_TEST_SUITE_P(
                 "Line 1, column 1 (code): there is no other column."},
         Refused{"NoCodes", "version,1\ncode,sv\n,\n",
                 "Line 2, column 1 (code): no codes are below."},
+        Refused{"ColumnOfNamesInFrontOfTheCodes", "\nName,code,sv\nx,1,a\n",
+                "Line 2, column 1: a line that begins with this word is for the whole codeset"},
+        Refused{"ColumnOfVersionsInFrontOfTheCodes", "version;code;sv\n1;1;a\n",
+                "Line 1, column 1: a line that begins with this word is for the whole codeset"},
         Refused{"TitleAboveTheTable", "Our list of codes\ncode,sv\n1,a\n",
-                "Line 1, column 1 (code): only lines that begin with"},
+                "Line 1, column 1 (code): only lines with \"name\", \"author\" or \"version\" in "
+                "the column \"code\" can be above"},
+        Refused{"LabelInAnotherColumnThanTheCodes", "author,Vera\nsv,code\na,1\n",
+                "Line 1, column 2 (code): only lines with \"name\", \"author\" or \"version\" in "
+                "the column \"code\" can be above"},
         Refused{"NameTwice", "name,a\nversion,1\nname,b\ncode,sv\n1,a\n",
                 "Line 3, column 1 (code): line 1 is labelled the same."},
         Refused{"TwoVersions", "version,1,2\ncode,en-uk,sv\n1,a\n",
