@@ -57,7 +57,7 @@ bool is_one_of(const char *text, const char *a, const char *b) {
 } // namespace
 
 int v_tools_run(int argc, char **argv) {
-  if (argc < 2) {
+  if (argc < 2 || *argv[1] == '\0') {
     v_report_error(nullptr, "No command is given; see \"vantorelle-codeset --help\"");
     return v_tools_failed;
   }

@@ -68,6 +68,10 @@ gboolean CommandOptions::take_value(const char *name, const char *value, void *c
                 name);
     return FALSE;
   }
+  if (value != nullptr && *value == '\0') {
+    g_set_error(error, G_OPTION_ERROR, G_OPTION_ERROR_BAD_VALUE, "The value of %s is empty", name);
+    return FALSE;
+  }
   option->take(value);
   return TRUE;
 }
@@ -94,6 +98,9 @@ std::optional<int> CommandOptions::parse(int argc, char **argv, std::size_t leas
   if (is_help_wanted) {
     const OwnedText help(g_option_context_get_help(context.get(), TRUE, nullptr));
     return v_tools_print(help.get()) ? v_tools_good : v_tools_failed;
+  }
+  if (std::count(files.begin(), files.end(), "") > 0) {
+    return fail("The name of a file is empty");
   }
   if (files.size() < least_files) {
     return fail(files.empty() ? "No file is named" : "A file is missing");

@@ -35,7 +35,8 @@ public:
 
   // Parses the arguments. Returns nothing when the command can run, else the exit status with which
   // it ends: help was shown, or a message was reported, which begins with the command's name. That
-  // is also the case when there are fewer files than least_files or more than most_files.
+  // is also the case when there are fewer files than least_files or more than most_files, and when
+  // the name of a file or a value is empty.
   std::optional<int> parse(int argc, char **argv, std::size_t least_files, std::size_t most_files);
 
   // The arguments: paths in the file system's encoding, or "-".

@@ -60,6 +60,9 @@ class Command(CommandTest):
             ("diff", "-", "-"): f"diff: Standard input can be read only once; {see_diff}",
             ("list", "--paint", "a"): f"list: Unknown option --paint; {see_list}",
             ("list", "a", "--language"): f"list: Missing argument for --language; {see_list}",
+            ("list", "a", "--language="): f"list: The value of --language is empty; {see_list}",
+            ("list", ""): f"list: The name of a file is empty; {see_list}",
+            ("",): f"No command is given; {see}",
         }.items():
             with self.subTest(arguments=arguments):
                 self.expect(
