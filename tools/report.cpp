@@ -11,7 +11,6 @@
 namespace {
 
 constexpr const char *bold = "\033[1m";
-constexpr const char *red = "\033[31m";
 constexpr const char *magenta = "\033[35m";
 constexpr const char *plain = "\033[0m";
 constexpr const char *erased_line = "\r\033[K";
@@ -43,14 +42,18 @@ std::string make_printable(const char *text) {
   return printable;
 }
 
-void report(const char *file, const char *kind, const char *kind_colour, const char *message) {
+// kind: in front of the message; null for none.
+void report(const char *file, const char *kind, const char *message) {
   const bool coloured = is_coloured();
   std::string text = coloured ? bold : "";
   text += "vantorelle-codeset: ";
   if (file != nullptr) {
     text += v_report_show_file(file) + ": ";
   }
-  text += coloured ? std::string(plain) + kind_colour + kind + plain : kind;
+  text += coloured ? plain : "";
+  if (kind != nullptr) {
+    text += coloured ? std::string(magenta) + kind + plain : kind;
+  }
   text += make_printable(message) + '\n';
   std::fputs(text.c_str(), stderr);
 }
@@ -61,13 +64,11 @@ std::string v_report_show_file(const char *file) {
   return std::string(file) == "-" ? "standard input" : make_printable(file);
 }
 
-void v_report_error(const char *file, const char *message) { report(file, "", red, message); }
+void v_report_error(const char *file, const char *message) { report(file, nullptr, message); }
 
 void v_report_last_error(const char *file) { v_report_error(file, v_error_get()); }
 
-void v_report_warning(const char *file, const char *message) {
-  report(file, "warning: ", magenta, message);
-}
+void v_report_warning(const char *file, const char *message) { report(file, "warning: ", message); }
 
 ProgressReport::ProgressReport(const char *file, const char *work)
     : text(v_report_show_file(file) + ": " + work) {

@@ -212,6 +212,11 @@ class Terminal(CommandTest):
             "\033[1mvantorelle-codeset: a: \033[0m\033[35mwarning: \033[0m"
             '2 codes have the same description in en-uk: 1, 2 ("Crack")\n',
         )
+        self.assertEqual(
+            self.run_on_terminal("paint"),
+            "\033[1mvantorelle-codeset: paint: \033[0m"
+            'Unknown command; see "vantorelle-codeset --help"\n',
+        )
 
     def test_uses_no_colour_that_the_user_does_not_want(self):
         self.assertNotIn("\033", self.run_on_terminal("list", "none", NO_COLOR="1"))
