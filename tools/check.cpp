@@ -17,13 +17,18 @@ std::string summarise(const char *file, const Findings &findings) {
          v_tools_format_languages(findings.languages) + '\n';
 }
 
+Findings collect_findings(const char *file, const VCodeset *codeset) {
+  const ProgressReport progress(file, "checking");
+  return v_findings_collect(codeset);
+}
+
 int check_file(const char *file) {
   const OwnedCodeset codeset = v_tools_read_codeset(file);
   if (!codeset) {
     v_report_last_error(file);
     return v_tools_failed;
   }
-  const Findings findings = v_findings_collect(codeset.get());
+  const Findings findings = collect_findings(file, codeset.get());
   if (!v_tools_print(summarise(file, findings))) {
     return v_tools_failed;
   }

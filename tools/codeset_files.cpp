@@ -47,15 +47,6 @@ OwnedFile open_to_read(const char *file) {
   return path ? v_fs_utils_open_file(path.get(), "rb") : nullptr;
 }
 
-bool read_text(const char *file, std::string &text) {
-  text.clear();
-  if (v_tools_is_standard_stream(file)) {
-    return read_all(stdin, text);
-  }
-  const OwnedFile opened = open_to_read(file);
-  return opened && read_all(opened.get(), text);
-}
-
 bool write_all(std::FILE *file, std::string_view text) {
   if (std::fwrite(text.data(), 1, text.size(), file) != text.size() || std::fflush(file) != 0) {
     v_error_set_from_errno();
@@ -73,7 +64,8 @@ bool write_new_file(const PlacedFile &placed, std::string_view text) {
 OwnedCodeset read_codeset_of_stream(const char *file) {
   std::string bytes;
   PlacedFile copy;
-  if (!read_text(file, bytes) || !copy.prepare_temporary() || !write_new_file(copy, bytes)) {
+  if (!v_tools_read_text(file, bytes) || !copy.prepare_temporary() ||
+      !write_new_file(copy, bytes)) {
     return nullptr;
   }
   return v_codeset_io_read_from_file(copy.path());
@@ -94,7 +86,7 @@ bool write_and_compare(const VCodeset *codeset, const PlacedFile &placed) {
 bool copy_to_output(const PlacedFile &placed) {
   const OwnedText name = v_fs_utils_convert_utf8_to_osfsenc(placed.path());
   std::string bytes;
-  return read_text(name.get(), bytes) && write_all(stdout, bytes);
+  return v_tools_read_text(name.get(), bytes) && write_all(stdout, bytes);
 }
 
 bool remarks_are_equal(const VRemarkList *a, const VRemarkList *b) {
@@ -143,8 +135,12 @@ OwnedCodeset v_tools_read_codeset(const char *file) {
 }
 
 bool v_tools_read_text(const char *file, std::string &text) {
-  const ProgressReport progress(file, "reading");
-  return read_text(file, text);
+  text.clear();
+  if (v_tools_is_standard_stream(file)) {
+    return read_all(stdin, text);
+  }
+  const OwnedFile opened = open_to_read(file);
+  return opened && read_all(opened.get(), text);
 }
 
 bool v_tools_write_text(const char *file, std::string_view text, Overwriting overwriting) {

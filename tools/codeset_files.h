@@ -24,8 +24,8 @@ bool v_tools_is_source(const char *output, const char *source);
 // file first.
 OwnedCodeset v_tools_read_codeset(const char *file);
 
-// Reads all bytes. False with "Cannot open file." before the reason, or "File I/O error
-// when reading file.".
+// Reads all bytes, without a report of the progress. False with "Cannot open file." before the
+// reason, or "File I/O error when reading file.".
 bool v_tools_read_text(const char *file, std::string &text);
 
 // Writes the bytes; null is standard output as well. A file is written beside its place and put

@@ -25,37 +25,31 @@ struct Export {
   bool may_replace = false;
 };
 
-bool put(const Export &wanted, const OwnedUtf8String &text) {
-  return v_tools_write_text(wanted.output.get(), {text->str, text->len},
-                            wanted.may_replace ? Overwriting::allowed : Overwriting::refused);
+OwnedUtf8String make_csv(const Export &wanted, const VCodeset *codeset) {
+  return v_csv_write_codeset(codeset, wanted.has_header);
 }
 
-bool write_csv(const Export &wanted, const char *, const VCodeset *codeset) {
-  return put(wanted, v_csv_write_codeset(codeset, wanted.has_header));
+OwnedUtf8String make_skos(const Export &wanted, const VCodeset *codeset) {
+  return v_skos_write_codeset(codeset, wanted.addresses);
 }
 
-bool write_skos(const Export &wanted, const char *, const VCodeset *codeset) {
-  return put(wanted, v_skos_write_codeset(codeset, wanted.addresses));
-}
-
-bool write_html(const Export &wanted, const char *file, const VCodeset *codeset) {
+OwnedUtf8String make_html(const Export &wanted, const VCodeset *codeset) {
   if (!wanted.language) {
-    return put(wanted, v_sheet_write_codeset(codeset, nullptr));
+    return v_sheet_write_codeset(codeset, nullptr);
   }
-  v_tools_warn_of_missing_language(file, codeset, wanted.language.get());
   const OwnedSettings settings = v_tools_prefer_language(wanted.language.get());
-  return put(wanted, v_sheet_write_codeset(codeset, settings.get()));
+  return v_sheet_write_codeset(codeset, settings.get());
 }
 
 struct Format {
   const char *name;
-  bool (*write)(const Export &wanted, const char *file, const VCodeset *codeset);
+  OwnedUtf8String (*make)(const Export &wanted, const VCodeset *codeset);
 };
 
 constexpr Format formats[] = {
-    {"csv", write_csv},
-    {"skos", write_skos},
-    {"html", write_html},
+    {"csv", make_csv},
+    {"skos", make_skos},
+    {"html", make_html},
 };
 
 const Format *find_format(const char *name) {
@@ -102,6 +96,11 @@ int fail_with_last_error(const char *file) {
   return v_tools_failed;
 }
 
+OwnedUtf8String convert(const Export &wanted, const char *file, const VCodeset *codeset) {
+  const ProgressReport progress(file, "converting");
+  return find_format(wanted.format.get())->make(wanted, codeset);
+}
+
 int run_export(Export &wanted, const char *file) {
   if (const char *misuse = find_misuse(wanted)) {
     v_report_error("export", misuse);
@@ -118,7 +117,12 @@ int run_export(Export &wanted, const char *file) {
   if (!codeset) {
     return fail_with_last_error(file);
   }
-  if (!find_format(wanted.format.get())->write(wanted, file, codeset.get())) {
+  if (wanted.language) {
+    v_tools_warn_of_missing_language(file, codeset.get(), wanted.language.get());
+  }
+  const OwnedUtf8String text = convert(wanted, file, codeset.get());
+  if (!v_tools_write_text(wanted.output.get(), {text->str, text->len},
+                          wanted.may_replace ? Overwriting::allowed : Overwriting::refused)) {
     return fail_with_last_error(v_tools_name_output(wanted.output.get()));
   }
   return v_tools_good;

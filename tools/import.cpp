@@ -156,6 +156,12 @@ int fail_with_last_error(const char *file) {
   return v_tools_failed;
 }
 
+OwnedCodeset read_table(const char *file) {
+  const ProgressReport progress(file, "reading");
+  std::string document;
+  return v_tools_read_text(file, document) ? v_csv_read_codeset(document) : nullptr;
+}
+
 int run_import(const Import &wanted, const char *file) {
   if (const char *misuse = find_misuse(wanted)) {
     v_report_error("import", misuse);
@@ -169,11 +175,7 @@ int run_import(const Import &wanted, const char *file) {
     v_report_error(wanted.output.get(), "This is the table itself; it is not replaced.");
     return v_tools_failed;
   }
-  std::string document;
-  if (!v_tools_read_text(file, document)) {
-    return fail_with_last_error(file);
-  }
-  const OwnedCodeset codeset = v_csv_read_codeset(document);
+  const OwnedCodeset codeset = read_table(file);
   if (!codeset) {
     return fail_with_last_error(file);
   }

@@ -223,10 +223,14 @@ class Terminal(CommandTest):
         self.assertIn("\033", self.run_on_terminal("list", "none", NO_COLOR=""))
 
     def test_shows_that_it_is_still_reading(self):
-        self.assertEqual(
-            self.run_on_terminal("list", "-", late_input=codeset_xml(REMARKS[:1])),
-            "\r\033[Kstandard input: reading, 1 s\r\033[K",
-        )
+        for arguments, late_input in (
+            (("list", "-"), codeset_xml(REMARKS[:1])),
+            (("import", "--from=csv", "-", "-o", "-"), b"code,sv\n1,Spricka\n"),
+        ):
+            self.assertEqual(
+                self.run_on_terminal(*arguments, late_input=late_input),
+                "\r\033[Kstandard input: reading, 1 s\r\033[K",
+            )
 
     def test_shows_nothing_when_it_is_quick(self):
         self.write("a", codeset_xml(REMARKS[:1]))
