@@ -1,7 +1,7 @@
 #pragma once
 // The records of a csv document as RFC 4180 has them, and as spreadsheets and people write them:
 // any delimiter, lines that end with a carriage return, a line feed or both, and white space around
-// quotation marks. Knows nothing of codesets.
+// quotation marks. Knows nothing of codesets. No library that the program links reads csv.
 
 #include <cstddef>
 #include <deque>
