@@ -18,7 +18,7 @@ std::string summarise(const char *file, const Findings &findings) {
 }
 
 Findings collect_findings(const char *file, const VCodeset *codeset) {
-  const ProgressReport progress(file, "checking");
+  const VProgressReport progress(file, "checking");
   return v_findings_collect(codeset);
 }
 
@@ -41,7 +41,7 @@ int check_file(const char *file) {
 } // namespace
 
 int v_tools_check(int argc, char **argv) {
-  CommandOptions options(
+  VCommandOptions options(
       "FILE...",
       "Reads each file as the program does and prints the number of its codes and the tags of\n"
       "its languages, in order of first appearance, or the reason why the program refuses it.",

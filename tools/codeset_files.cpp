@@ -126,7 +126,7 @@ bool v_tools_is_source(const char *output, const char *source) {
 }
 
 OwnedCodeset v_tools_read_codeset(const char *file) {
-  const ProgressReport progress(file, "reading");
+  const VProgressReport progress(file, "reading");
   if (is_stream(file)) {
     return read_codeset_of_stream(file);
   }
@@ -147,7 +147,7 @@ bool v_tools_write_text(const char *file, std::string_view text, Overwriting ove
   if (v_tools_is_standard_stream(file)) {
     return write_all(stdout, text);
   }
-  const ProgressReport progress(file, "writing");
+  const VProgressReport progress(file, "writing");
   PlacedFile placed;
   return placed.prepare(file, overwriting) && write_new_file(placed, text) && placed.put();
 }
@@ -161,7 +161,7 @@ bool v_tools_print(std::string_view text) {
 }
 
 bool v_tools_write_codeset(const VCodeset *codeset, const char *file, Overwriting overwriting) {
-  const ProgressReport progress(v_tools_name_output(file), "writing");
+  const VProgressReport progress(v_tools_name_output(file), "writing");
   PlacedFile placed;
   if (!v_tools_is_standard_stream(file)) {
     return placed.prepare(file, overwriting) && write_and_compare(codeset, placed) && placed.put();

@@ -115,7 +115,7 @@ OwnedCodeset read_or_report(const std::string &file) {
 } // namespace
 
 int v_tools_diff(int argc, char **argv) {
-  CommandOptions options(
+  VCommandOptions options(
       "A B", "Prints what has changed from codeset A to codeset B, one line for each language:",
       "  +  CODE  TAG  TEXT           a code that only B has\n"
       "  -  CODE  TAG  TEXT           a code that only A has\n"

@@ -19,7 +19,7 @@ struct Export {
   OwnedText format;
   OwnedText output; // null for standard output
   OwnedText base;
-  SkosAddresses addresses; // of the base or the file; for a vocabulary only
+  VSkosAddresses addresses; // of the base or the file; for a vocabulary only
   OwnedText language;
   bool has_header = false;
   bool may_replace = false;
@@ -97,7 +97,7 @@ int fail_with_last_error(const char *file) {
 }
 
 OwnedUtf8String convert(const Export &wanted, const char *file, const VCodeset *codeset) {
-  const ProgressReport progress(file, "converting");
+  const VProgressReport progress(file, "converting");
   return find_format(wanted.format.get())->make(wanted, codeset);
 }
 
@@ -131,7 +131,7 @@ int run_export(Export &wanted, const char *file) {
 } // namespace
 
 int v_tools_export(int argc, char **argv) {
-  CommandOptions options(
+  VCommandOptions options(
       "FILE",
       "Writes a codeset in another form, all of it in UTF-8:\n"
       "  csv   a table for spreadsheets: a column for the codes, one for each language\n"

@@ -157,7 +157,7 @@ int fail_with_last_error(const char *file) {
 }
 
 OwnedCodeset read_table(const char *file) {
-  const ProgressReport progress(file, "reading");
+  const VProgressReport progress(file, "reading");
   std::string document;
   return v_tools_read_text(file, document) ? v_csv_read_codeset(document) : nullptr;
 }
@@ -191,7 +191,7 @@ int run_import(const Import &wanted, const char *file) {
 } // namespace
 
 int v_tools_import(int argc, char **argv) {
-  CommandOptions options(
+  VCommandOptions options(
       "FILE",
       "Makes a codeset of a table that a spreadsheet has saved as csv in UTF-8. The first line\n"
       "has the names of the columns: \"code\", and for each language its tag, such as sv or en-uk.",

@@ -24,7 +24,7 @@ OwnedUtf8String write_list(const VCodeset *codeset, const VSettings *settings) {
 } // namespace
 
 int v_tools_list(int argc, char **argv) {
-  CommandOptions options(
+  VCommandOptions options(
       "FILE",
       "Prints one line for each code, in the order of the codes: the code, a tab and the\n"
       "description.",

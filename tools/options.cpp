@@ -7,7 +7,8 @@
 #include "tools/commands.h"
 #include "tools/report.h"
 
-CommandOptions::CommandOptions(const char *arguments, const char *summary, const char *description)
+VCommandOptions::VCommandOptions(const char *arguments, const char *summary,
+                                 const char *description)
     : context(g_option_context_new(nullptr)) {
   GOptionGroup *group = g_option_group_new("command", "", "", this, nullptr);
   g_option_context_set_summary(context.get(), summary);
@@ -23,8 +24,8 @@ CommandOptions::CommandOptions(const char *arguments, const char *summary, const
   g_option_group_add_entries(group, entries);
 }
 
-void CommandOptions::add(GOptionEntry entry, bool is_text,
-                         std::function<void(const char *value)> take) {
+void VCommandOptions::add(GOptionEntry entry, bool is_text,
+                          std::function<void(const char *value)> take) {
   entry.flags |= G_OPTION_FLAG_FILENAME;
   entry.arg = G_OPTION_ARG_CALLBACK;
   entry.arg_data = reinterpret_cast<void *>(take_value);
@@ -34,32 +35,32 @@ void CommandOptions::add(GOptionEntry entry, bool is_text,
                      is_text, std::move(take)});
 }
 
-void CommandOptions::add_switch(const char *name, char letter, const char *help, bool &is_given) {
+void VCommandOptions::add_switch(const char *name, char letter, const char *help, bool &is_given) {
   add({name, letter, G_OPTION_FLAG_NO_ARG, {}, nullptr, help, nullptr}, false,
       [&is_given](const char *) { is_given = true; });
 }
 
-void CommandOptions::add_text(const char *name, char letter, const char *help,
-                              const char *placeholder, OwnedText &value) {
+void VCommandOptions::add_text(const char *name, char letter, const char *help,
+                               const char *placeholder, OwnedText &value) {
   add({name, letter, 0, {}, nullptr, help, placeholder}, true,
       [&value](const char *given) { value = copy_text(given); });
 }
 
-void CommandOptions::add_texts(const char *name, char letter, const char *help,
-                               const char *placeholder, std::vector<std::string> &values) {
+void VCommandOptions::add_texts(const char *name, char letter, const char *help,
+                                const char *placeholder, std::vector<std::string> &values) {
   add({name, letter, 0, {}, nullptr, help, placeholder}, true,
       [&values](const char *given) { values.emplace_back(given); });
 }
 
-void CommandOptions::add_file(const char *name, char letter, const char *help,
-                              const char *placeholder, OwnedText &path) {
+void VCommandOptions::add_file(const char *name, char letter, const char *help,
+                               const char *placeholder, OwnedText &path) {
   add({name, letter, 0, {}, nullptr, help, placeholder}, false,
       [&path](const char *given) { path = copy_text(given); });
 }
 
-gboolean CommandOptions::take_value(const char *name, const char *value, void *command_options,
-                                    GError **error) {
-  auto *self = static_cast<CommandOptions *>(command_options);
+gboolean VCommandOptions::take_value(const char *name, const char *value, void *command_options,
+                                     GError **error) {
+  auto *self = static_cast<VCommandOptions *>(command_options);
   const auto option =
       std::find_if(self->options.begin(), self->options.end(),
                    [name](const Option &o) { return o.long_name == name || o.short_name == name; });
@@ -76,14 +77,14 @@ gboolean CommandOptions::take_value(const char *name, const char *value, void *c
   return TRUE;
 }
 
-gboolean CommandOptions::take_file(const char *, const char *value, void *command_options,
-                                   GError **) {
-  static_cast<CommandOptions *>(command_options)->files.emplace_back(value);
+gboolean VCommandOptions::take_file(const char *, const char *value, void *command_options,
+                                    GError **) {
+  static_cast<VCommandOptions *>(command_options)->files.emplace_back(value);
   return TRUE;
 }
 
-std::optional<int> CommandOptions::parse(int argc, char **argv, std::size_t least_files,
-                                         std::size_t most_files) {
+std::optional<int> VCommandOptions::parse(int argc, char **argv, std::size_t least_files,
+                                          std::size_t most_files) {
   const std::string command = argv[0];
   g_set_prgname(("vantorelle-codeset " + command).c_str());
   const auto fail = [&command](const char *message) {

@@ -12,13 +12,13 @@
 inline void free_option_context(GOptionContext *context) { g_option_context_free(context); }
 using OwnedOptionContext = Owned<GOptionContext, free_option_context>;
 
-class CommandOptions {
+class VCommandOptions {
 public:
   // arguments: as in "check [OPTION...] FILE...". summary and description: shown by --help before
   // and after the options. All static texts.
-  CommandOptions(const char *arguments, const char *summary, const char *description);
-  CommandOptions(const CommandOptions &) = delete;
-  CommandOptions &operator=(const CommandOptions &) = delete;
+  VCommandOptions(const char *arguments, const char *summary, const char *description);
+  VCommandOptions(const VCommandOptions &) = delete;
+  VCommandOptions &operator=(const VCommandOptions &) = delete;
 
   // Adds an option without value; letter is '\0' for none. The texts of these functions are static
   // too, and their variables must live until parse has returned.

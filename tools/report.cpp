@@ -70,14 +70,14 @@ void v_report_last_error(const char *file) { v_report_error(file, v_error_get())
 
 void v_report_warning(const char *file, const char *message) { report(file, "warning: ", message); }
 
-ProgressReport::ProgressReport(const char *file, const char *work)
+VProgressReport::VProgressReport(const char *file, const char *work)
     : text(v_report_show_file(file) + ": " + work) {
   if (is_terminal()) {
-    thread = std::thread(&ProgressReport::show_until_finished, this);
+    thread = std::thread(&VProgressReport::show_until_finished, this);
   }
 }
 
-ProgressReport::~ProgressReport() {
+VProgressReport::~VProgressReport() {
   if (thread.joinable()) {
     {
       const std::lock_guard lock(mutex);
@@ -88,7 +88,7 @@ ProgressReport::~ProgressReport() {
   }
 }
 
-void ProgressReport::show_until_finished() {
+void VProgressReport::show_until_finished() {
   std::unique_lock lock(mutex);
   int seconds = 0;
   while (!finishing.wait_for(lock, std::chrono::seconds(1), [this] { return is_finished; })) {

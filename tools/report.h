@@ -23,13 +23,13 @@ void v_report_warning(const char *file, const char *message);
 
 // Shows "FILE: <work>, <n> s" on a terminal while an object of this class exists, from one second
 // after its construction on. Report nothing meanwhile.
-class ProgressReport {
+class VProgressReport {
 public:
   // work: a verb, such as "reading".
-  ProgressReport(const char *file, const char *work);
-  ~ProgressReport();
-  ProgressReport(const ProgressReport &) = delete;
-  ProgressReport &operator=(const ProgressReport &) = delete;
+  VProgressReport(const char *file, const char *work);
+  ~VProgressReport();
+  VProgressReport(const VProgressReport &) = delete;
+  VProgressReport &operator=(const VProgressReport &) = delete;
 
 private:
   void show_until_finished();

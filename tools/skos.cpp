@@ -110,7 +110,7 @@ std::string escape(char byte) {
 // before it writes the first one, which takes seven times as long as reading the codeset.
 class TurtleWriter {
 public:
-  explicit TurtleWriter(const SkosAddresses &vocabulary)
+  explicit TurtleWriter(const VSkosAddresses &vocabulary)
       : addresses(vocabulary),
         membership(" ;\n    skos:inScheme <" + vocabulary.scheme + "> ;\n    skos:topConceptOf <" +
                    vocabulary.scheme + "> .\n") {}
@@ -206,7 +206,7 @@ private:
     append(membership);
   }
 
-  const SkosAddresses &addresses;
+  const VSkosAddresses &addresses;
   std::string membership; // the end of each concept
   Languages languages;
   OwnedUtf8String turtle = v_utf8_string_new("");
@@ -217,7 +217,7 @@ private:
 
 } // namespace
 
-bool v_skos_set_base(SkosAddresses &addresses, const char *base) {
+bool v_skos_set_base(VSkosAddresses &addresses, const char *base) {
   const std::string_view address = base;
   bool is_absolute = g_uri_is_valid(base, G_URI_FLAGS_NONE, nullptr) != FALSE;
   for (const char byte : address) {
@@ -235,18 +235,18 @@ bool v_skos_set_base(SkosAddresses &addresses, const char *base) {
   return true;
 }
 
-SkosAddresses v_skos_name_addresses(const char *file_name) {
+VSkosAddresses v_skos_name_addresses(const char *file_name) {
   std::string_view name = file_name;
   if (const std::size_t period = name.rfind('.'); period != std::string_view::npos && period > 0) {
     name = name.substr(0, period);
   }
-  SkosAddresses addresses;
+  VSkosAddresses addresses;
   addresses.scheme = "urn:x-codeset:";
   append_percent_encoded(addresses.scheme, name.empty() ? "codeset" : name);
   addresses.concept_prefix = addresses.scheme + ":";
   return addresses;
 }
 
-OwnedUtf8String v_skos_write_codeset(const VCodeset *codeset, const SkosAddresses &addresses) {
+OwnedUtf8String v_skos_write_codeset(const VCodeset *codeset, const VSkosAddresses &addresses) {
   return TurtleWriter(addresses).write(codeset);
 }

@@ -7,7 +7,7 @@
 #include "codeset/codeset.h"
 
 // The addresses in a vocabulary, absolute IRIs (UTF-8).
-struct SkosAddresses {
+struct VSkosAddresses {
   std::string scheme;
   std::string concept_prefix; // a concept's address is this and the percent-encoded code
 };
@@ -15,13 +15,13 @@ struct SkosAddresses {
 // Addresses below one that the user owns. The scheme has exactly this address; concepts have it
 // with a "/" behind, unless it ends in "/" or "#". False with "Not an absolute address: <base>" for
 // anything else than an absolute IRI. base: UTF-8.
-bool v_skos_set_base(SkosAddresses &addresses, const char *base);
+bool v_skos_set_base(VSkosAddresses &addresses, const char *base);
 // Addresses that nobody has to own, a URN made of the name of the codeset's file without its
 // ending: "urn:x-codeset:<name>" and "urn:x-codeset:<name>:<code>". file_name: UTF-8, without
 // folders; "" is treated as "codeset".
-SkosAddresses v_skos_name_addresses(const char *file_name);
+VSkosAddresses v_skos_name_addresses(const char *file_name);
 
 // The vocabulary in Turtle (UTF-8). Texts keep their languages as BCP 47 has them; a text whose
 // language cannot be told from that of an earlier one of the same string ("en-uk" and "en-gb") is
 // an alternative label.
-OwnedUtf8String v_skos_write_codeset(const VCodeset *codeset, const SkosAddresses &addresses);
+OwnedUtf8String v_skos_write_codeset(const VCodeset *codeset, const VSkosAddresses &addresses);

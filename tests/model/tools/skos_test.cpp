@@ -12,7 +12,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 
-const SkosAddresses addresses = {"http://museum.example/easel", "http://museum.example/easel/"};
+const VSkosAddresses addresses = {"http://museum.example/easel", "http://museum.example/easel/"};
 
 std::string turtle_of(const OwnedCodeset &codeset) {
   return v_skos_write_codeset(codeset.get(), addresses)->str;
@@ -108,7 +108,7 @@ TEST(Skos, PutsConceptsBelowTheUsersAddress) {
       {"http://museum.example/måleri", "http://museum.example/måleri/"},
   };
   for (const Row &row : rows) {
-    SkosAddresses found;
+    VSkosAddresses found;
     EXPECT_TRUE(v_skos_set_base(found, row.base)) << v_error_get();
     EXPECT_EQ(found.scheme, row.base);
     EXPECT_EQ(found.concept_prefix, row.concept_prefix);
@@ -120,7 +120,7 @@ TEST(Skos, RefusesAnAddressThatIsNotAbsolute) {
                            "http://museum.example/a b", "http://museum.example/<a>",
                            "http://museum.example/{a}", "http://museum.example/%zz",
                            "http://museum.example/a\nb", ":", "http://museum.example/a\\b"}) {
-    SkosAddresses found;
+    VSkosAddresses found;
     EXPECT_FALSE(v_skos_set_base(found, base));
     EXPECT_STREQ(v_error_get(), ("Not an absolute address: " + std::string(base)).c_str());
     EXPECT_EQ(found.scheme + found.concept_prefix, "");
@@ -140,7 +140,7 @@ TEST(Skos, MakesAddressesOfTheFileName) {
       {"", "urn:x-codeset:codeset"},
   };
   for (const Row &row : rows) {
-    const SkosAddresses found = v_skos_name_addresses(row.file_name);
+    const VSkosAddresses found = v_skos_name_addresses(row.file_name);
     EXPECT_EQ(found.scheme, row.scheme);
     EXPECT_EQ(found.concept_prefix, row.scheme + std::string(":"));
   }
