@@ -42,6 +42,8 @@ set_up_debian() {
     "${as_root[@]}" tee "$root/etc/dpkg/dpkg.cfg.d/fast" <<<"force-unsafe-io" >/dev/null
     "${as_root[@]}" tee "$root/usr/sbin/policy-rc.d" <<<$'#!/bin/sh\nexit 101' >/dev/null
     "${as_root[@]}" chmod +x "$root/usr/sbin/policy-rc.d"
+    # What an installation has beside its packages.
+    "${as_root[@]}" tee "$root/etc/hosts" <<<$'127.0.0.1 localhost\n::1 localhost' >/dev/null
 }
 
 # The checkout's path in such a Debian.
@@ -54,13 +56,13 @@ copy_checkout() {
     archive_checkout | "${as_root[@]}" tar --extract --no-same-owner --directory "$root$checkout_inside"
 }
 
-# Runs a command of the checkout's copy in the Debian in the folder, with an environment of its own.
-# Its root is the root of a mount namespace, not only of the process: programs that make namespaces
+# Runs a command of the checkout's copy in the Debian in the folder, with an environment and
+# terminals of its own. Its root is the root of a mount namespace, not only of the process: programs that make namespaces
 # themselves, and /proc, then work as on a real machine.
 run_inside() {
     # shellcheck disable=SC2016 # expanded by the sh that is started
-    local enter='mount --bind "$1" "$1" && cd "$1" && mount -t proc proc proc && shift &&
-        pivot_root . . && umount --lazy . && exec chroot . "$@"'
+    local enter='mount --bind "$1" "$1" && cd "$1" && mount -t proc proc proc &&
+        mount -t devpts devpts dev/pts && shift && pivot_root . . && umount --lazy . && exec chroot . "$@"'
     "${as_root[@]}" unshare --mount sh -c "$enter" sh "$1" \
         env -i --chdir="$checkout_inside" PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root \
         LC_ALL=C.UTF-8 "${@:2}"
