@@ -1,5 +1,6 @@
 #pragma once
-// What a document is before it is taken apart into records. Knows nothing of tables.
+// Opens a csv file: recognises other kinds of file and skips a byte order mark. Knows nothing of
+// tables.
 
 #include <cstddef>
 #include <string_view>

@@ -11,7 +11,7 @@
 // The name of the column of the codes.
 constexpr const char *v_csv_code_name = "code";
 
-// What a line above the column names is about.
+// The subject of a line above the column names.
 enum class CsvLabel { name, author, version };
 constexpr std::size_t v_csv_label_count = 3;
 

@@ -41,20 +41,20 @@ void VCommandOptions::add_switch(const char *name, char letter, const char *help
 }
 
 void VCommandOptions::add_text(const char *name, char letter, const char *help,
-                               const char *placeholder, OwnedText &value) {
-  add({name, letter, 0, {}, nullptr, help, placeholder}, true,
+                               const char *value_name, OwnedText &value) {
+  add({name, letter, 0, {}, nullptr, help, value_name}, true,
       [&value](const char *given) { value = copy_text(given); });
 }
 
 void VCommandOptions::add_texts(const char *name, char letter, const char *help,
-                                const char *placeholder, std::vector<std::string> &values) {
-  add({name, letter, 0, {}, nullptr, help, placeholder}, true,
+                                const char *value_name, std::vector<std::string> &values) {
+  add({name, letter, 0, {}, nullptr, help, value_name}, true,
       [&values](const char *given) { values.emplace_back(given); });
 }
 
 void VCommandOptions::add_file(const char *name, char letter, const char *help,
-                               const char *placeholder, OwnedText &path) {
-  add({name, letter, 0, {}, nullptr, help, placeholder}, false,
+                               const char *value_name, OwnedText &path) {
+  add({name, letter, 0, {}, nullptr, help, value_name}, false,
       [&path](const char *given) { path = copy_text(given); });
 }
 

@@ -24,13 +24,13 @@ public:
   // too, and their variables must live until parse has returned.
   void add_switch(const char *name, char letter, const char *help, bool &is_given);
   // Adds an option whose value is a text (UTF-8). Given twice, the last one counts.
-  void add_text(const char *name, char letter, const char *help, const char *placeholder,
+  void add_text(const char *name, char letter, const char *help, const char *value_name,
                 OwnedText &value);
   // Adds an option whose values are collected in the order in which they are given.
-  void add_texts(const char *name, char letter, const char *help, const char *placeholder,
+  void add_texts(const char *name, char letter, const char *help, const char *value_name,
                  std::vector<std::string> &values);
   // Adds an option whose value is a path (file system's encoding) or "-".
-  void add_file(const char *name, char letter, const char *help, const char *placeholder,
+  void add_file(const char *name, char letter, const char *help, const char *value_name,
                 OwnedText &path);
 
   // Parses the arguments. Returns nothing when the command can run, else the exit status with which

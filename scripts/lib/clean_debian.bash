@@ -42,7 +42,7 @@ set_up_debian() {
     "${as_root[@]}" tee "$root/etc/dpkg/dpkg.cfg.d/fast" <<<"force-unsafe-io" >/dev/null
     "${as_root[@]}" tee "$root/usr/sbin/policy-rc.d" <<<$'#!/bin/sh\nexit 101' >/dev/null
     "${as_root[@]}" chmod +x "$root/usr/sbin/policy-rc.d"
-    # What an installation has beside its packages.
+    # An installer writes this file; no package has it.
     "${as_root[@]}" tee "$root/etc/hosts" <<<$'127.0.0.1 localhost\n::1 localhost' >/dev/null
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-// What is true for every codeset that was read.
+// Checks that hold for every codeset that was read.
 
 #include "codeset/codeset.h"
 
