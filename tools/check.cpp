@@ -25,8 +25,7 @@ Findings collect_findings(const char *file, const VCodeset *codeset) {
 int check_file(const char *file) {
   const OwnedCodeset codeset = v_tools_read_codeset(file);
   if (!codeset) {
-    v_report_last_error(file);
-    return v_tools_failed;
+    return v_tools_fail_with_last_error(file);
   }
   const Findings findings = collect_findings(file, codeset.get());
   if (!v_tools_print(summarise(file, findings))) {

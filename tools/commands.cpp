@@ -56,6 +56,11 @@ bool is_one_of(const char *text, const char *a, const char *b) {
 
 } // namespace
 
+int v_tools_fail_with_last_error(const char *file) {
+  v_report_last_error(file);
+  return v_tools_failed;
+}
+
 int v_tools_run(int argc, char **argv) {
   if (argc < 2 || *argv[1] == '\0') {
     v_report_error(nullptr, "No command is given; see \"vantorelle-codeset --help\"");

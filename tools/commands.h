@@ -8,6 +8,10 @@ inline constexpr int v_tools_good = 0;
 inline constexpr int v_tools_noticed = 1; // check --strict: warnings; diff: differences
 inline constexpr int v_tools_failed = 2;  // an error was reported; also wrong arguments
 
+// Reports the message of base/error.h about the file, as v_report_last_error does. Returns
+// v_tools_failed.
+int v_tools_fail_with_last_error(const char *file);
+
 // Runs the command that the arguments of main name, or shows help or the version.
 int v_tools_run(int argc, char **argv);
 

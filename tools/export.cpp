@@ -91,11 +91,6 @@ bool find_addresses(Export &wanted, const char *file) {
   return true;
 }
 
-int fail_with_last_error(const char *file) {
-  v_report_last_error(file);
-  return v_tools_failed;
-}
-
 OwnedUtf8String convert(const Export &wanted, const char *file, const VCodeset *codeset) {
   const VProgressReport progress(file, "converting");
   return find_format(wanted.format.get())->make(wanted, codeset);
@@ -107,7 +102,7 @@ int run_export(Export &wanted, const char *file) {
     return v_tools_failed;
   }
   if (!find_addresses(wanted, file)) {
-    return fail_with_last_error("export");
+    return v_tools_fail_with_last_error("export");
   }
   if (v_tools_is_source(wanted.output.get(), file)) {
     v_report_error(wanted.output.get(), "This is the codeset itself; it is not replaced.");
@@ -115,7 +110,7 @@ int run_export(Export &wanted, const char *file) {
   }
   const OwnedCodeset codeset = v_tools_read_codeset(file);
   if (!codeset) {
-    return fail_with_last_error(file);
+    return v_tools_fail_with_last_error(file);
   }
   if (wanted.language) {
     v_tools_warn_of_missing_language(file, codeset.get(), wanted.language.get());
@@ -123,7 +118,7 @@ int run_export(Export &wanted, const char *file) {
   const OwnedUtf8String text = convert(wanted, file, codeset.get());
   if (!v_tools_write_text(wanted.output.get(), {text->str, text->len},
                           wanted.may_replace ? Overwriting::allowed : Overwriting::refused)) {
-    return fail_with_last_error(v_tools_name_output(wanted.output.get()));
+    return v_tools_fail_with_last_error(v_tools_name_output(wanted.output.get()));
   }
   return v_tools_good;
 }

@@ -151,11 +151,6 @@ void warn_of_unknown_languages(const VCodeset *codeset, const char *file) {
   }
 }
 
-int fail_with_last_error(const char *file) {
-  v_report_last_error(file);
-  return v_tools_failed;
-}
-
 OwnedCodeset read_table(const char *file) {
   const VProgressReport progress(file, "reading");
   std::string document;
@@ -169,7 +164,7 @@ int run_import(const Import &wanted, const char *file) {
   }
   Header header;
   if (!read_header(header, wanted)) {
-    return fail_with_last_error("import");
+    return v_tools_fail_with_last_error("import");
   }
   if (v_tools_is_source(wanted.output.get(), file)) {
     v_report_error(wanted.output.get(), "This is the table itself; it is not replaced.");
@@ -177,13 +172,13 @@ int run_import(const Import &wanted, const char *file) {
   }
   const OwnedCodeset codeset = read_table(file);
   if (!codeset) {
-    return fail_with_last_error(file);
+    return v_tools_fail_with_last_error(file);
   }
   set_header(codeset.get(), std::move(header), wanted, file);
   warn_of_unknown_languages(codeset.get(), file);
   if (!v_tools_write_codeset(codeset.get(), wanted.output.get(),
                              wanted.may_replace ? Overwriting::allowed : Overwriting::refused)) {
-    return fail_with_last_error(v_tools_name_output(wanted.output.get()));
+    return v_tools_fail_with_last_error(v_tools_name_output(wanted.output.get()));
   }
   return v_tools_good;
 }

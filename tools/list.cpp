@@ -38,8 +38,7 @@ int v_tools_list(int argc, char **argv) {
   const char *file = options.files[0].c_str();
   const OwnedCodeset codeset = v_tools_read_codeset(file);
   if (!codeset) {
-    v_report_last_error(file);
-    return v_tools_failed;
+    return v_tools_fail_with_last_error(file);
   }
   if (language) {
     v_tools_warn_of_missing_language(file, codeset.get(), language.get());
