@@ -58,6 +58,7 @@ TEST_F(BundledFileSelector, ListTakesTheRoomAboveTheButtons) {
     expect_window_layout(
         top_window(), WindowState::not_maximized,
         {{"list", gtk_widget_get_parent(GTK_WIDGET(list)), corner(), grows, grows},
+         {"rows", GTK_WIDGET(list), anywhere(), grows, grows},
          {"OK", GTK_WIDGET(find_button(window, "OK")), below("list", 8), stays, moves},
          {"Cancel", GTK_WIDGET(find_button(window, "Cancel")), end_of_row("OK"), moves, moves}});
     expect_buttons_at_both_ends(find_button(window, "OK"), find_button(window, "Cancel"));

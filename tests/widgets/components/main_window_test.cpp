@@ -97,6 +97,7 @@ TEST_F(MainWindow, ListTakesTheRoomBesideTheColumnOfButtons) {
         top_window(), WindowState::not_maximized,
         {{"notice", label(notice_text), corner(), stays, stays, {{0.0f, 0.5f}}},
          {"list", gtk_widget_get_parent(GTK_WIDGET(list)), below("notice", 8), grows, grows},
+         {"rows", GTK_WIDGET(list), anywhere(), grows, grows},
          {"label",
           label("File name of selected item:"),
           below("list", 8),

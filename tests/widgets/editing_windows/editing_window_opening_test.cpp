@@ -16,6 +16,7 @@ void expect_layout_of_window() {
   GtkWidget *codes_frame = GTK_WIDGET(frame("Remark codes: (Required)"));
   GtkWidget *list = gtk_widget_get_parent(GTK_WIDGET(codes()));
   GtkWidget *display = find_widget<GtkWidget>(window(), V_TYPE_LANGSTR_DISPLAY);
+  GtkWidget *text = gtk_bin_get_child(GTK_BIN(display));
   const auto button = [](const char *label) { return GTK_WIDGET(find_button(window(), label)); };
   std::vector<LayoutRow> rows = {
       {"name", name_editor(), corner(), grows, stays},
@@ -28,7 +29,9 @@ void expect_layout_of_window() {
   rows.insert(rows.end(),
               {{"codes", codes_frame, below("version", 8), grows, grows},
                {"list", list, anywhere(), grows_by_half, grows},
+               {"rows", GTK_WIDGET(codes()), anywhere(), grows_by_half, grows},
                {"description", display, beside("list", 8), moves_and_grows_by_half, grows},
+               {"text", text, anywhere(), moves_and_grows_by_half, grows},
                {"Add new", button("Add new"), below("list", 8), stays, moves},
                {"Edit", button("Edit"), beside("Add new", 8), stays, moves},
                {"Delete", button("Delete"), beside("Edit", 8), stays, moves},
