@@ -110,6 +110,14 @@ const char *v_tools_name_output(const char *file) {
   return v_tools_is_standard_stream(file) ? "standard output" : file;
 }
 
+std::string v_tools_get_bare_name(const char *file) {
+  const VErrorKeeper keeper;
+  const OwnedText path =
+      v_tools_is_standard_stream(file) ? nullptr : v_fs_utils_convert_osfsenc_to_utf8(file);
+  const std::string name = path ? v_fs_utils_find_entry_name_in_path(path.get()) : "";
+  return name.substr(0, name.rfind('.'));
+}
+
 bool v_tools_is_source(const char *output, const char *source) {
   if (v_tools_is_standard_stream(output) || v_tools_is_standard_stream(source)) {
     return false;

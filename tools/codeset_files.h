@@ -15,6 +15,10 @@ bool v_tools_is_standard_stream(const char *file);
 // The name of an output in messages: the file, or "standard output" for "-" and null.
 const char *v_tools_name_output(const char *file);
 
+// The name of a file without its folders and its ending, in UTF-8. "" for a standard stream, for
+// ".csv", and for a name that cannot be converted.
+std::string v_tools_get_bare_name(const char *file);
+
 // True when writing the output (null for standard output) would replace the file that is read,
 // whatever links lead to it.
 bool v_tools_is_source(const char *output, const char *source);

@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include "base/error.h"
-#include "base/fs_utils.h"
 #include "tools/codeset_files.h"
 #include "tools/commands.h"
 #include "tools/csv_writing.h"
@@ -81,13 +80,7 @@ bool find_addresses(Export &wanted, const char *file) {
   if (wanted.base) {
     return v_skos_set_base(wanted.addresses, wanted.base.get());
   }
-  const bool has_name = !v_tools_is_standard_stream(file);
-  const OwnedText path = v_fs_utils_convert_osfsenc_to_utf8(has_name ? file : "codeset");
-  if (!path) {
-    return false;
-  }
-  const OwnedText name(g_path_get_basename(path.get()));
-  wanted.addresses = v_skos_name_addresses(name.get());
+  wanted.addresses = v_skos_name_addresses(v_tools_get_bare_name(file).c_str());
   return true;
 }
 

@@ -7,7 +7,6 @@
 
 #include "base/error.h"
 #include "base/file_types.h"
-#include "base/fs_utils.h"
 #include "base/text_buffer.h"
 #include "base/whitespace.h"
 #include "codeset/codeset_io.h"
@@ -107,14 +106,8 @@ bool read_header(Header &header, const Import &wanted) {
 
 // The name of the file without its ending, in ISO-8859-1; "" when it has none.
 OwnedText name_of_file(const char *file) {
-  const OwnedText path =
-      v_tools_is_standard_stream(file) ? nullptr : v_fs_utils_convert_osfsenc_to_utf8(file);
-  std::string name = path ? v_fs_utils_find_entry_name_in_path(path.get()) : "";
-  if (const std::size_t ending = name.rfind('.'); ending != std::string::npos) {
-    name.erase(ending);
-  }
   return v_strip_surrounding_and_spacify_compactly_in_new_for_latin1(
-      v_codeset_io_make_substitute_name(name.c_str()).c_str());
+      v_codeset_io_make_substitute_name(v_tools_get_bare_name(file).c_str()).c_str());
 }
 
 // Untagged, because nobody knows the language of a file's name.

@@ -20,32 +20,19 @@ constexpr std::string_view prefixes = "@prefix skos: <http://www.w3.org/2004/02/
 
 // --- Addresses
 
-bool is_unreserved(char byte) {
-  return g_ascii_isalnum(byte) != 0 || (byte != '\0' && std::strchr("-._~", byte) != nullptr);
-}
-
 // Characters that no IRI of a Turtle document may have.
 bool is_forbidden(char byte) {
   return static_cast<unsigned char>(byte) <= ' ' || std::strchr("<>\"{}|^`\\", byte) != nullptr;
 }
 
-void append_percent_encoded_byte(std::string &iri, char byte) {
-  constexpr const char *digits = "0123456789ABCDEF";
-  const auto value = static_cast<unsigned char>(byte);
-  iri += '%';
-  iri += digits[value >> 4];
-  iri += digits[value & 0xF];
-}
-
-void append_percent_encoded(std::string &iri, std::string_view utf8_text) {
+void append_percent_encoded(VUtf8String *iri, const char *utf8_text) {
   // As a last segment these two mean a folder, and a reader of the file may resolve them.
-  const bool is_dot_segment = utf8_text == "." || utf8_text == "..";
-  for (const char byte : utf8_text) {
-    if (is_unreserved(byte) && !is_dot_segment) {
-      iri += byte;
-    } else {
-      append_percent_encoded_byte(iri, byte);
-    }
+  if (std::strcmp(utf8_text, ".") == 0) {
+    v_utf8_string_append(iri, "%2E");
+  } else if (std::strcmp(utf8_text, "..") == 0) {
+    v_utf8_string_append(iri, "%2E%2E");
+  } else {
+    g_string_append_uri_escaped(iri, utf8_text, nullptr, FALSE);
   }
 }
 
@@ -133,9 +120,10 @@ private:
   void append_concept_iri(const char *latin1_code) {
     g_string_truncate(code.get(), 0);
     v_utf8_string_append_latin1(code.get(), latin1_code);
-    (iri = '<') += addresses.concept_prefix;
-    append_percent_encoded(iri, {code->str, code->len});
-    append(iri += '>');
+    append("<");
+    append(addresses.concept_prefix);
+    append_percent_encoded(turtle.get(), code->str);
+    append(">");
   }
 
   // Appends a property whose value is a text.
@@ -210,9 +198,7 @@ private:
   std::string membership; // the end of each concept
   Languages languages;
   OwnedUtf8String turtle = v_utf8_string_new("");
-  // Kept for their memory.
-  OwnedUtf8String code = v_utf8_string_new("");
-  std::string iri;
+  OwnedUtf8String code = v_utf8_string_new(""); // kept for its memory
 };
 
 } // namespace
@@ -235,16 +221,10 @@ bool v_skos_set_base(VSkosAddresses &addresses, const char *base) {
   return true;
 }
 
-VSkosAddresses v_skos_name_addresses(const char *file_name) {
-  std::string_view name = file_name;
-  if (const std::size_t period = name.rfind('.'); period != std::string_view::npos && period > 0) {
-    name = name.substr(0, period);
-  }
-  VSkosAddresses addresses;
-  addresses.scheme = "urn:x-codeset:";
-  append_percent_encoded(addresses.scheme, name.empty() ? "codeset" : name);
-  addresses.concept_prefix = addresses.scheme + ":";
-  return addresses;
+VSkosAddresses v_skos_name_addresses(const char *name) {
+  const OwnedUtf8String scheme = v_utf8_string_new("urn:x-codeset:");
+  append_percent_encoded(scheme.get(), *name == '\0' ? "codeset" : name);
+  return {scheme->str, std::string(scheme->str) + ":"};
 }
 
 OwnedUtf8String v_skos_write_codeset(const VCodeset *codeset, const VSkosAddresses &addresses) {

@@ -16,10 +16,10 @@ struct VSkosAddresses {
 // with a "/" behind, unless it ends in "/" or "#". False with "Not an absolute address: <base>" for
 // anything else than an absolute IRI. base: UTF-8.
 bool v_skos_set_base(VSkosAddresses &addresses, const char *base);
-// Addresses that nobody has to own, a URN made of the name of the codeset's file without its
-// ending: "urn:x-codeset:<name>" and "urn:x-codeset:<name>:<code>". file_name: UTF-8, without
-// folders; "" is treated as "codeset".
-VSkosAddresses v_skos_name_addresses(const char *file_name);
+// Addresses that nobody has to own, a URN made of a name, such as that of the codeset's file:
+// "urn:x-codeset:<name>" and "urn:x-codeset:<name>:<code>". name: UTF-8; "" is treated as
+// "codeset".
+VSkosAddresses v_skos_name_addresses(const char *name);
 
 // The vocabulary in Turtle (UTF-8). Texts keep their languages as BCP 47 has them; a text whose
 // language cannot be told from that of an earlier one of the same string ("en-uk" and "en-gb") is

@@ -68,6 +68,16 @@ TEST_F(CodesetFiles, AreReadFromANamedPipe) {
   EXPECT_TRUE(v_tools_codesets_are_equal(read.get(), codeset.get()));
 }
 
+TEST_F(CodesetFiles, HaveABareNameWithoutFoldersAndEnding) {
+  EXPECT_EQ(v_tools_get_bare_name("easel_paintings.codeset"), "easel_paintings");
+  EXPECT_EQ(v_tools_get_bare_name("/a.b/Panel 2.1.codeset"), "Panel 2.1");
+  EXPECT_EQ(v_tools_get_bare_name("a.b/none"), "none");
+  EXPECT_EQ(v_tools_get_bare_name(".codeset"), "");
+  EXPECT_EQ(v_tools_get_bare_name("-"), "");
+  EXPECT_EQ(v_tools_get_bare_name(nullptr), "");
+  EXPECT_STREQ(v_error_get(), "of an earlier failure");
+}
+
 TEST_F(CodesetFiles, GiveAllBytesOfAText) {
   const std::string bytes("a\r\n\0b\xff", 6);
   write_file(path, bytes);
