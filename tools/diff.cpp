@@ -2,6 +2,8 @@
 #include <cstring>
 #include <initializer_list>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 
 #include "base/text_encoding.h"
 #include "tools/codeset_files.h"
@@ -11,6 +13,16 @@
 #include "tools/report.h"
 
 namespace {
+
+using TextsByLanguage = std::unordered_map<std::string_view, const char *>;
+
+TextsByLanguage index_texts(const VLangstr *langstr) {
+  TextsByLanguage texts;
+  for (; langstr != nullptr; langstr = langstr->next.get()) {
+    texts.emplace(langstr->lang.get(), langstr->text.get());
+  }
+  return texts;
+}
 
 // A difference is one line: its sign, the code (or the part of the codeset), and for each language
 // the tag and the texts, separated by tabs.
@@ -58,15 +70,18 @@ void Differences::compare_texts(const char *sign, const char *subject, const VLa
   if (v_langstr_is_identical(a, b)) {
     return;
   }
+  const TextsByLanguage texts_of_a = index_texts(a);
+  const TextsByLanguage texts_of_b = index_texts(b);
   for (const VLangstr *t = a; t != nullptr; t = t->next.get()) {
-    const char *other = v_langstr_get_string(b, t->lang.get(), false);
-    if (other == nullptr || std::strcmp(t->text.get(), other) != 0) {
+    const auto other = texts_of_b.find(t->lang.get());
+    const bool is_removed = other == texts_of_b.end();
+    if (is_removed || std::strcmp(t->text.get(), other->second) != 0) {
       add({sign, subject, v_tools_name_language(t->lang.get()), t->text.get(),
-           other == nullptr ? "" : other});
+           is_removed ? "" : other->second});
     }
   }
   for (const VLangstr *t = b; t != nullptr; t = t->next.get()) {
-    if (v_langstr_get_string(a, t->lang.get(), false) == nullptr) {
+    if (!texts_of_a.contains(t->lang.get())) {
       add({sign, subject, v_tools_name_language(t->lang.get()), "", t->text.get()});
     }
   }

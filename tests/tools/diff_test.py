@@ -1,6 +1,8 @@
 #!/usr/bin/python3
 """vantorelle-codeset diff."""
 
+import time
+
 from command import DELIVERED, FAILED, GOOD, NOTICED, CommandTest, codeset_xml, main
 
 OLD = [
@@ -80,6 +82,20 @@ class Diff(CommandTest):
         result = self.run_program("diff", metals, paper)
         self.assertEqual(result.status, NOTICED)
         self.expect_golden("diff/metals-and-works-on-paper.txt", result.output_bytes)
+
+    def test_takes_time_in_proportion_to_the_languages_of_a_text(self):
+        def codes(text):
+            return [("1", {f"x{i}": text for i in range(60_000)})]
+
+        reading = self.measure(lambda: self.diff(codes("a"), codes("a")))
+        comparing = self.measure(lambda: self.diff(codes("a"), codes("b")))
+        self.assertLess(comparing, 10 * reading, "seconds, and ten times those of equal files")
+
+    @staticmethod
+    def measure(action):
+        start = time.monotonic()
+        action()
+        return time.monotonic() - start
 
     def test_reports_each_file_that_is_refused(self):
         reason = "Error loading codeset file. Cannot open file. Error 2: No such file or directory"
