@@ -154,8 +154,6 @@ class Pace(WorkspaceJourney):
             dialog = program.window("Edit remark code")
             display.press("Escape")
             dialog.expect_closed()
-            # The window manager may take a moment to give the keyboard back.
-            editing.expect_active()
             display.press("Escape")
             question = program.dialog("Really close?")
             display.press("Escape")

@@ -131,6 +131,18 @@ def window_id(pid, title):
     return wait_until(find, f"an X window {title!r}")[-1]
 
 
+def active_process():
+    """The process of the window that has the keyboard, or None when no window has it."""
+    answer = subprocess.run(
+        ("xdotool", "getactivewindow", "getwindowpid"),
+        capture_output=True,
+        check=False,
+        text=True,
+        timeout=10,
+    )
+    return int(answer.stdout) if answer.returncode == 0 else None
+
+
 def window_class(window):
     """The instance and the class of an X window."""
     return tuple(re.findall(r'"([^"]*)"', window_property(window, "WM_CLASS")))

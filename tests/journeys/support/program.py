@@ -166,6 +166,15 @@ class Program:
     def active_window(self):
         return next((window for window in self.windows() if window.is_active), None)
 
+    def has_passed_keyboard_on(self):
+        """True when an open window has the keyboard: one of this program, if it still has any, or
+        one of another program."""
+        return (
+            not self.windows()
+            or self.active_window() is not None
+            or display.active_process() not in (None, self.pid)
+        )
+
     def focused(self):
         """The widget that has the keyboard focus in the active window, or None."""
         window = self.active_window()

@@ -469,7 +469,12 @@ class Window(Widget):
         return self
 
     def expect_closed(self, seconds=DEFAULT_SECONDS):
+        """Also waits until another window has the keyboard, because keys are lost until then."""
         self.program.wait(lambda: not self.is_open, lambda: f"{self!r} to close", seconds)
+        self.program.wait(
+            self.program.has_passed_keyboard_on,
+            lambda: f"another window to be active; the windows are {self.program.windows()!r}",
+        )
 
     @property
     def window_id(self):
