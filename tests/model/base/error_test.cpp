@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 #include <zip.h>
 
+#include "support/memory.h"
+
 namespace {
 
 constexpr const char *out_of_memory = "The program has run out of memory.";
@@ -264,6 +266,20 @@ TEST_F(Error, ZipErrorsBecomeTheLibrarysText) {
   }
   v_error_set_from_zip_error_code(ZIP_ER_NOENT);
   EXPECT_STREQ(v_error_get(), "No such file");
+}
+
+// The library allocates the text for a code that it does not know.
+TEST_F(Error, ZipErrorsLeaveNoMemoryBehind) {
+  constexpr int count = 10'000;
+  const auto set_messages = [] {
+    for (int i = 0; i < count; i++) {
+      v_error_set_from_zip_error_code(12345);
+    }
+  };
+  set_messages();
+  const std::size_t before = memory_in_use();
+  set_messages();
+  EXPECT_LT(memory_in_use(), before + count);
 }
 
 TEST_F(Error, CairoStatusesBecomeMessages) {

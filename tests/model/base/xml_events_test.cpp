@@ -7,14 +7,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <malloc.h>
 
+#include "support/memory.h"
 #include "xml_fixture.h"
-
-#ifdef __SANITIZE_ADDRESS__
-// A function of the checker's allocator. The compiler has no header that declares it.
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
-#endif
 
 using testing::StartsWith;
 
@@ -237,16 +232,6 @@ TEST_F(XmlEvents, OnlyFilesUpTo16MiBAreReportedByATree) {
     const std::string report = v_error_get();
     EXPECT_EQ(report.find("already defined") != std::string::npos, size == limit) << report;
   }
-}
-
-// Bytes that the allocator has given out.
-std::size_t memory_in_use() {
-#ifdef __SANITIZE_ADDRESS__
-  return __sanitizer_get_current_allocated_bytes();
-#else
-  const struct mallinfo2 info = mallinfo2();
-  return info.uordblks + info.hblkhd;
-#endif
 }
 
 // Each file is many times as large as the memory that may be in use.
