@@ -25,6 +25,31 @@
 
 namespace {
 
+// A file gets its permissions in two steps. This is the state between them, and the error with
+// which the second one fails; 0: it succeeds.
+mode_t permissions_before_change = 0;
+int change_error = 0;
+
+} // namespace
+
+extern "C" {
+int __real_fchmod(int descriptor, mode_t mode);
+int __wrap_fchmod(int descriptor, mode_t mode);
+
+int __wrap_fchmod(int descriptor, mode_t mode) {
+  struct stat status = {};
+  EXPECT_EQ(fstat(descriptor, &status), 0);
+  permissions_before_change = status.st_mode & 0777;
+  if (change_error == 0) {
+    return __real_fchmod(descriptor, mode);
+  }
+  errno = change_error;
+  return -1;
+}
+}
+
+namespace {
+
 std::string message_of(int number, const std::string &sentence) {
   return sentence + "\n\nError " + std::to_string(number) + ": " + g_strerror(number);
 }
@@ -424,6 +449,26 @@ TEST(FsUtils, ACreatedFileHasItsPermissionsBeforeAnythingIsWritten) {
     EXPECT_EQ(std::fputs("text", file.get()), 1);
   }
   EXPECT_EQ(read_file(folder / std::to_string(0600U)), "text");
+}
+
+TEST(FsUtils, OnlyTheOwnerCanOpenACreatedFileBeforeItHasItsPermissions) {
+  const TemporaryFolder folder;
+  write_file(folder / "old", "");
+  set_permissions(folder / "old", 0666);
+  const VFilePermissions permissions = v_fs_utils_get_permissions((folder / "old").c_str());
+  const mode_t mask = umask(0);
+  permissions_before_change = 0;
+  EXPECT_TRUE(v_fs_utils_create_file((folder / "new").c_str(), permissions));
+  EXPECT_EQ(permissions_before_change, 0600U);
+  EXPECT_EQ(permissions_of(folder / "new"), 0666U);
+
+  // As on a file system without permissions.
+  change_error = EPERM;
+  EXPECT_TRUE(v_fs_utils_create_file((folder / "other").c_str(), permissions)) << v_error_get();
+  change_error = 0;
+  umask(mask);
+  EXPECT_EQ(permissions_of(folder / "other"), 0600U);
+  EXPECT_EQ(v_fs_utils_get_last_error_number(), EPERM);
 }
 
 TEST(FsUtils, CreatingAFileWithPermissionsKeepsTheNumberOfAnEarlierError) {
