@@ -17,6 +17,28 @@
 
 namespace {
 
+// Takes the place of the system's answer for each link; null: the system answers.
+char *(*answer_for_links)(GError **error) = nullptr;
+
+} // namespace
+
+// The linker option --wrap redirects the program's calls to the second function.
+char *real_file_read_link(const char *path, GError **error) __asm__("__real_g_file_read_link");
+char *wrapped_file_read_link(const char *path, GError **error) __asm__("__wrap_g_file_read_link");
+
+char *wrapped_file_read_link(const char *path, GError **error) {
+  return answer_for_links != nullptr ? answer_for_links(error) : real_file_read_link(path, error);
+}
+
+namespace {
+
+char *refuse_link(GError **error) {
+  g_set_error_literal(error, G_FILE_ERROR, G_FILE_ERROR_ACCES, "Permission denied");
+  return nullptr;
+}
+
+char *give_name_that_is_not_utf8(GError **) { return g_strdup("/opt/\xe5/program"); }
+
 std::string executable() { return std::filesystem::read_symlink("/proc/self/exe").string(); }
 
 // Commands run in the background, so wait up to five seconds for the file.
@@ -43,6 +65,18 @@ TEST(Platform, ExePathIsThatOfTheTestProgram) {
 TEST(Platform, InstallFolderHoldsTheExecutable) {
   EXPECT_EQ(v_platform_get_install_folder_path().get(),
             std::filesystem::path(executable()).parent_path().string());
+}
+
+TEST(Platform, AnUnknownExePathFailsWithAMessage) {
+  for (const auto answer : {refuse_link, give_name_that_is_not_utf8}) {
+    for (const auto get_path : {v_platform_get_exe_path, v_platform_get_install_folder_path}) {
+      v_error_set("before");
+      answer_for_links = answer;
+      EXPECT_EQ(get_path(), nullptr);
+      answer_for_links = nullptr;
+      EXPECT_STREQ(v_error_get(), "Error getting exe path from system.");
+    }
+  }
 }
 
 TEST(Platform, UnknownProcessIdGivesNoExePathAndNoMessage) {
