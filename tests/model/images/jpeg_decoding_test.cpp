@@ -1,14 +1,37 @@
 #include "images/jpeg_decoding.h"
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
+#include <jpeglib.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <jerror.h>
 
 #include "base/error.h"
 #include "encoded_images.h"
 #include "support/files.h"
+
+namespace {
+
+bool is_out_of_memory = false;
+
+} // namespace
+
+extern "C" {
+boolean __real_jpeg_start_decompress(j_decompress_ptr library);
+boolean __wrap_jpeg_start_decompress(j_decompress_ptr library);
+
+// Reports a lack of memory as the library's own allocator does.
+boolean __wrap_jpeg_start_decompress(j_decompress_ptr library) {
+  if (is_out_of_memory) {
+    ERREXIT1(library, JERR_OUT_OF_MEMORY, 0);
+  }
+  return __real_jpeg_start_decompress(library);
+}
+}
 
 namespace {
 
@@ -118,6 +141,14 @@ TEST(JpegDecoding, OtherDataFails) {
   expect_failure("", "Failed decompressing JPEG image.\n\nPremature end of input file");
   expect_failure("\x89PNG\r\n\x1a\n",
                  "Failed decompressing JPEG image.\n\nNot a JPEG file: starts with 0x89 0x50");
+}
+
+TEST(JpegDecoding, ALackOfMemoryIsReportedAsOne) {
+  is_out_of_memory = true;
+  expect_failure(encode_jpeg(JpegKind::rgb, 24, 8, create_flat_rows(3)),
+                 "Failed decompressing JPEG image.\n\nThe program has run out of memory.");
+  is_out_of_memory = false;
+  EXPECT_TRUE(v_error_did_run_out_of_memory());
 }
 
 TEST(JpegDecoding, StreamsThatCannotBeReadKeepTheirMessage) {
