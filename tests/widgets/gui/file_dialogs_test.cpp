@@ -242,7 +242,7 @@ void save_as(GtkDialog *dialog, const std::string &folder, const char *name) {
   GtkFileChooser *chooser = as_chooser(dialog);
   enter_folder(chooser, folder);
   gtk_file_chooser_set_current_name(chooser, name);
-  const std::string path = folder + "/" + name;
+  const std::string path = std::filesystem::path(folder) / name;
   EXPECT_TRUE(wait_until("the choice of " + path,
                          [&] { return list_chosen(chooser) == std::vector{path}; }));
   accept(dialog);
@@ -477,6 +477,12 @@ TEST_F(FileDialogs, RememberTheLatestFolderUntilTheCleanUp) {
   v_file_dialog_clean_up();
   expect_start_elsewhere(folder / "second", FileDialogAction::open, {VFileType::remark_codeset});
   v_file_dialog_clean_up();
+}
+
+TEST_F(FileDialogs, RememberTheRootFolder) {
+  const OwnedText path = save("/", "no such file.codeset", VFileType::remark_codeset);
+  EXPECT_STREQ(path.get(), "/no such file.codeset");
+  expect_start_in("/", FileDialogAction::open, {VFileType::remark_codeset});
 }
 
 TEST_F(FileDialogs, ACancelledDialogOrAFolderDialogLeavesTheRememberedFolder) {
