@@ -134,6 +134,19 @@ TEST_F(WindowKeys, AHeldKeyPressesOnce) {
   EXPECT_EQ(take_clicks(), 2);
 }
 
+// Ctrl+N is also the toolkit's key for the next row of a list.
+TEST_F(WindowKeys, AHeldKeyDoesNothingElseInTheList) {
+  v_window_keys_add(window.get(), GDK_KEY_n, GDK_CONTROL_MASK, button);
+  v_list_place_set(list, 1);
+  for (int repetition = 0; repetition < 5; repetition++) {
+    send(GDK_KEY_PRESS, GDK_KEY_n, GDK_CONTROL_MASK);
+  }
+  send(GDK_KEY_RELEASE, GDK_KEY_n, GDK_CONTROL_MASK);
+  EXPECT_EQ(v_list_place_get(list), 1);
+  EXPECT_EQ(count_selected(), 0);
+  EXPECT_EQ(take_clicks(), 1);
+}
+
 TEST_F(WindowKeys, TheSearchFieldKeepsItsKeys) {
   v_window_keys_add_in_list(window.get(), list, GDK_KEY_Delete, button);
   v_window_keys_add_return_in_list(window.get(), list, button);
