@@ -9,7 +9,7 @@
 GtkFileChooser *top_chooser();
 
 // A condition for one wait: true once the top chooser has shown its list and its icons for a while.
-// The toolkit logs a critical when a chooser is destroyed while it loads a folder or an icon, so no
-// test may close one before. A chooser has no list while it loads, which may happen twice in a row,
-// and nothing signals the end.
+// The toolkit logs a critical when a chooser is destroyed, or its folder changed, while it loads a
+// folder or an icon, so no test may do so before. A chooser has no list while it loads, which may
+// happen twice in a row, and nothing signals the end.
 std::function<bool()> chooser_to_be_loaded();

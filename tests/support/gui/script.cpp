@@ -105,16 +105,14 @@ GuiScript &GuiScript::close(const std::string &title) {
 }
 
 GuiScript &GuiScript::choose(const std::string &path) {
-  when(
-      "a file chooser", [] { return top_chooser() != nullptr; },
-      [path] { gtk_file_chooser_set_filename(top_chooser(), path.c_str()); });
+  when("a loaded file chooser", chooser_to_be_loaded(),
+       [path] { gtk_file_chooser_set_filename(top_chooser(), path.c_str()); });
   return accept_chooser(path);
 }
 
 GuiScript &GuiScript::save_as(const std::string &folder, const std::string &name) {
-  when(
-      "a file chooser", [] { return top_chooser() != nullptr; },
-      [folder] { gtk_file_chooser_set_current_folder(top_chooser(), folder.c_str()); });
+  when("a loaded file chooser", chooser_to_be_loaded(),
+       [folder] { gtk_file_chooser_set_current_folder(top_chooser(), folder.c_str()); });
   when(
       folder + " in a file chooser", [folder] { return is_in_folder(folder); },
       [name] { gtk_file_chooser_set_current_name(top_chooser(), name.c_str()); });

@@ -212,6 +212,7 @@ std::vector<std::string> list_chosen(GtkFileChooser *chooser) {
 }
 
 void enter_folder(GtkFileChooser *chooser, const std::string &path) {
+  EXPECT_TRUE(wait_until("a loaded chooser", chooser_to_be_loaded()));
   gtk_file_chooser_set_current_folder(chooser, path.c_str());
   EXPECT_TRUE(
       wait_until("a chooser in " + path, [&] { return get_current_folder(chooser) == path; }));
