@@ -4,6 +4,7 @@
 
 #include "gui/css.h"
 #include "gui/screen_area.h"
+#include "gui/window_focus.h"
 
 struct _VHeightCappedScroller {
   GtkScrolledWindow parent_instance;
@@ -56,8 +57,7 @@ void get_preferred_width(GtkWidget *widget, int *minimum, int *natural) {
 
 // The focus widget when it is inside; else null.
 GtkWidget *find_focus_inside(GtkWidget *scroller) {
-  GtkWidget *window = gtk_widget_get_toplevel(scroller);
-  GtkWidget *focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+  GtkWidget *focus = v_window_focus_find_focus(scroller);
   return focus != nullptr && gtk_widget_is_ancestor(focus, scroller) ? focus : nullptr;
 }
 

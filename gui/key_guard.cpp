@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/owned.h"
+#include "gui/window_focus.h"
 
 namespace {
 
@@ -60,7 +61,7 @@ GtkWidget *find_receiver(GdkEvent *event) {
 }
 
 GtkWidget *get_focus(GtkWidget *window) {
-  return GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+  return window == nullptr ? nullptr : v_window_focus_find_focus(window);
 }
 
 bool is_repeat(const GdkEventKey *event) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/owned.h"
+#include "gui/window_focus.h"
 
 namespace {
 
@@ -89,12 +90,6 @@ void watch_cursor(GtkTreeView *view) {
   }
 }
 
-// Null when the view is not in a window.
-GtkWindow *window_of(GtkTreeView *view) {
-  GtkWidget *window = gtk_widget_get_toplevel(GTK_WIDGET(view));
-  return GTK_IS_WINDOW(window) ? GTK_WINDOW(window) : nullptr;
-}
-
 } // namespace
 
 VListWithoutSelection::VListWithoutSelection(GtkTreeView *view)
@@ -132,7 +127,7 @@ void v_list_place_set(GtkTreeView *view, int row) {
 }
 
 void v_list_place_reveal_focus(GtkTreeView *view) {
-  if (GtkWindow *window = window_of(view)) {
+  if (GtkWindow *window = v_window_focus_find_window(GTK_WIDGET(view))) {
     gtk_window_set_focus_visible(window, TRUE);
   }
 }
@@ -166,7 +161,7 @@ void v_list_place_grab_focus(GtkTreeView *view) {
 }
 
 void v_list_place_take_free_focus(GtkTreeView *view) {
-  GtkWindow *window = window_of(view);
+  GtkWindow *window = v_window_focus_find_window(GTK_WIDGET(view));
   if (window == nullptr || !gtk_widget_get_mapped(GTK_WIDGET(view)) ||
       !gtk_widget_is_sensitive(GTK_WIDGET(view))) {
     return;

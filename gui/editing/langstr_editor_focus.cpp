@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "gui/widgets.h"
+#include "gui/window_focus.h"
 
 namespace {
 
@@ -22,12 +23,6 @@ FocusKey to_focus_key(GtkDirectionType direction) {
     break;
   }
   return FocusKey::right;
-}
-
-// The focus widget of the editor's window; null when there is none.
-GtkWidget *get_focus_widget(GtkWidget *editor) {
-  GtkWidget *window = gtk_widget_get_toplevel(editor);
-  return GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
 }
 
 bool is_inside(GtkWidget *widget, gpointer container) {
@@ -56,7 +51,7 @@ std::vector<GtkWidget *> list_stops(const LangstrEditorRows &rows, GtkButton *pl
 
 VFocusPosition v_langstr_editor_focus_find(GtkWidget *editor, const LangstrEditorRows &rows,
                                            GtkButton *plus_button) {
-  GtkWidget *focus_widget = get_focus_widget(editor);
+  GtkWidget *focus_widget = v_window_focus_find_focus(editor);
   for (std::size_t i = 0; i < rows.size(); i++) {
     if (is_inside(focus_widget, rows[i]->text_field.get())) {
       return {VFocusPlace::text_field, i};
@@ -84,7 +79,7 @@ bool v_langstr_editor_focus_move_to_neighbour(GtkWidget *editor, const LangstrEd
                                               GtkButton *plus_button, FocusNeighbour neighbour) {
   const bool backward = neighbour == FocusNeighbour::previous;
   const std::vector<GtkWidget *> stops = list_stops(rows, plus_button);
-  GtkWidget *focus_widget = get_focus_widget(editor);
+  GtkWidget *focus_widget = v_window_focus_find_focus(editor);
   const auto current = std::find_if(stops.begin(), stops.end(), [focus_widget](GtkWidget *stop) {
     return is_inside(focus_widget, stop);
   });
@@ -96,7 +91,7 @@ bool v_langstr_editor_focus_move_to_neighbour(GtkWidget *editor, const LangstrEd
 }
 
 OwnedObject<GtkWidget> v_langstr_editor_focus_share(GtkWidget *editor) {
-  GtkWidget *focus_widget = get_focus_widget(editor);
+  GtkWidget *focus_widget = v_window_focus_find_focus(editor);
   return share(is_inside(focus_widget, editor) ? focus_widget : nullptr);
 }
 
