@@ -1,6 +1,6 @@
 #include "workspace/assistant/new_workspace_assistant.h"
 
-#include <utility>
+#include <string>
 
 #include "base/error.h"
 #include "base/fs_utils.h"
@@ -25,7 +25,6 @@ struct NewWorkspaceAssistant {
   int location_page = -1; // index
   GtkEntry *location_entry = nullptr;
   GtkButton *browse_button = nullptr;
-  OwnedText error; // null when none is to be shown
   int created = 0;
 };
 
@@ -142,14 +141,6 @@ void build_assistant(NewWorkspaceAssistant *state) {
   gtk_assistant_set_forward_page_func(state->assistant, forward_page_func, state, nullptr);
 }
 
-// ---- Update -------------------------------------------------------------------------------------
-
-void show_error(NewWorkspaceAssistant *state) {
-  if (const OwnedText error = std::exchange(state->error, nullptr)) {
-    v_message_show_error(state->window_stack, error.get());
-  }
-}
-
 // ---- Read ---------------------------------------------------------------------------------------
 
 // An absolute path (UTF-8): the other tools read it from the pointer file and run in other folders.
@@ -185,7 +176,7 @@ OwnedText create_workspace(const NewWorkspaceAssistant *state) {
 // typed meanwhile could change the location first.
 void location_activate_callback(GtkEntry *, NewWorkspaceAssistant *state) {
   GtkWidget *button = gtk_window_get_default_widget(GTK_WINDOW(state->assistant));
-  if (GTK_IS_BUTTON(button) && gtk_widget_is_sensitive(button)) {
+  if (gtk_widget_is_sensitive(button)) {
     gtk_button_clicked(GTK_BUTTON(button));
   }
 }
@@ -204,11 +195,13 @@ void browse_callback(GtkButton *, NewWorkspaceAssistant *state) {
 // press is answered (see gui/answering_button.h), so that an assistive technology that pressed the
 // button can read it.
 void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
-  state->error = create_workspace(state);
-  state->created = state->error == nullptr;
-  if (state->error) {
+  const OwnedText error = create_workspace(state);
+  state->created = !error;
+  if (error) {
     v_idle_call_add(GTK_WIDGET(state->assistant), G_PRIORITY_DEFAULT,
-                    [state] { show_error(state); });
+                    [window_stack = state->window_stack, message = std::string(error.get())] {
+                      v_message_show_error(window_stack, message.c_str());
+                    });
   }
 }
 
