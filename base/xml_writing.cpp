@@ -80,10 +80,7 @@ const char *escape(char byte) {
   }
 }
 
-struct CloseSaveContext {
-  void operator()(xmlSaveCtxt *context) const noexcept { xmlSaveClose(context); }
-};
-using OwnedSaveContext = std::unique_ptr<xmlSaveCtxt, CloseSaveContext>;
+using OwnedSaveContext = Owned<xmlSaveCtxt, xmlSaveClose>;
 
 // xmlSaveDoc succeeds even on a full disk; only xmlSaveClose, which writes the rest, fails.
 bool save(xmlDoc *document, OwnedSaveContext context) {
