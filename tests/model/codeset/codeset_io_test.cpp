@@ -14,6 +14,7 @@
 #include "support/child_process.h"
 #include "support/files.h"
 #include "support/values/codesets.h"
+#include "support/xml_roots.h"
 
 namespace {
 
@@ -50,6 +51,12 @@ protected:
   TemporaryFolder folder;
   std::string path = folder / "a.codeset";
 };
+
+TEST_F(CodesetIo, ADocumentWithoutARootIsRefused) {
+  const MissingXmlRoots missing;
+  EXPECT_EQ(message_of("<!DOCTYPE codeset><codeset/>"),
+            "Invalid codeset file.\n\nMissing root element in XML tree.");
+}
 
 void expect_equal(const OwnedCodeset &a, const OwnedCodeset &b) {
   ASSERT_TRUE(a && b) << v_error_get();

@@ -9,6 +9,7 @@
 #include "support/environment.h"
 #include "support/files.h"
 #include "support/values/remarks.h"
+#include "support/xml_roots.h"
 
 namespace {
 
@@ -451,6 +452,15 @@ TEST_F(Settings, AnotherRootElementIsAFailure) {
     EXPECT_FALSE(v_settings_load(settings.get(), -1)) << xml;
     EXPECT_EQ(fields_of(settings.get()), defaults);
   }
+}
+
+TEST_F(Settings, ADocumentWithoutARootIsAFailure) {
+  write("<settings/>");
+  const OwnedSettings settings = v_settings_new(folder.path());
+  const MissingXmlRoots missing;
+  EXPECT_FALSE(v_settings_load(settings.get(), -1));
+  EXPECT_EQ(fields_of(settings.get()), defaults);
+  EXPECT_STREQ(v_error_get(), "Missing root element in XML tree.");
 }
 
 TEST_F(Settings, AFileThatCannotBeParsedIsAFailure) {

@@ -11,6 +11,7 @@
 #include "support/child_process.h"
 #include "support/environment.h"
 #include "support/files.h"
+#include "support/xml_roots.h"
 
 namespace {
 
@@ -211,6 +212,15 @@ TEST_F(WorkspaceLocation, ReadsAPointerFile) {
     EXPECT_TRUE(v_workspace_get_saved_folder_path(path)) << file.content;
     EXPECT_STREQ(path.get(), file.path);
   }
+}
+
+TEST_F(WorkspaceLocation, RejectsAPointerFileWithoutARoot) {
+  write_pointer_file("<v><workspace path='/a'/></v>");
+  const MissingXmlRoots missing;
+  OwnedText path = copy_text("old");
+  EXPECT_FALSE(v_workspace_get_saved_folder_path(path));
+  EXPECT_EQ(path, nullptr);
+  EXPECT_STREQ(v_error_get(), "Missing root element in XML tree.");
 }
 
 TEST_F(WorkspaceLocation, RejectsAnInvalidPointerFile) {

@@ -71,8 +71,10 @@ TEST_F(KeyGuard, AHeldKeyThatActsDoesNotRepeat) {
       {"cursor", GDK_KEY_Down, true, true, true},
       {"rub out", GDK_KEY_BackSpace, true, true, true},
       {"Space", GDK_KEY_space, true, true, false},
+      {"Space of the keypad", GDK_KEY_KP_Space, true, true, false},
       {"Return", GDK_KEY_Return, false, true, false},
       {"Enter", GDK_KEY_KP_Enter, false, true, false},
+      {"Enter after a shift of the layout", GDK_KEY_ISO_Enter, false, true, false},
       {"Escape", GDK_KEY_Escape, false, false, false},
   };
   for (const Key &key : keys) {

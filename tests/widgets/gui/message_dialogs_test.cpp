@@ -463,6 +463,19 @@ TEST(MessageDialogs, KeysScrollALongTextFromAnyFocus) {
   v_message_show_error(nullptr, make_lines(120).c_str());
 }
 
+TEST(MessageDialogs, OtherKeysDoNotScrollALongText) {
+  when_dialog_shows([](GtkDialog *dialog) {
+    press_key(GTK_WIDGET(dialog), GDK_KEY_End);
+    for (const guint key : {GDK_KEY_x, GDK_KEY_F2, GDK_KEY_Left, GDK_KEY_Insert}) {
+      press_key(GTK_WIDGET(dialog), key);
+      settle();
+      EXPECT_NEAR(get_scrolled(dialog), 1.0, 0.001);
+    }
+    gtk_dialog_response(dialog, GTK_RESPONSE_CLOSE);
+  });
+  v_message_show_error(nullptr, make_lines(120).c_str());
+}
+
 TEST(MessageDialogs, TheTextIsSelectedByTabAndCopied) {
   const OwnedWindowStack stack = v_window_stack_new();
   when_dialog_shows([](GtkDialog *dialog) {

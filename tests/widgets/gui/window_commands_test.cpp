@@ -32,6 +32,19 @@ TEST(WindowCommands, AKeyCallsItsCommandFromAnyFocus) {
   }
 }
 
+TEST(WindowCommands, AKeyDoesNothingInACoveredWindow) {
+  TestWindow window;
+  int calls = 0;
+  v_window_commands_add(window.get(), GDK_KEY_z, GDK_CONTROL_MASK, count, &calls);
+  window.show_active();
+  gtk_widget_set_sensitive(window.widget(), FALSE);
+  gtk_accel_groups_activate(G_OBJECT(window.widget()), GDK_KEY_z, GDK_CONTROL_MASK);
+  EXPECT_EQ(calls, 0);
+  gtk_widget_set_sensitive(window.widget(), TRUE);
+  gtk_accel_groups_activate(G_OBJECT(window.widget()), GDK_KEY_z, GDK_CONTROL_MASK);
+  EXPECT_EQ(calls, 1);
+}
+
 TEST(WindowCommands, AButtonShowsTheKeyOfItsCommand) {
   TestWindow window;
   GtkWidget *button = v_answering_button_new("Button");
@@ -40,4 +53,5 @@ TEST(WindowCommands, AButtonShowsTheKeyOfItsCommand) {
   AtkObject *accessible = gtk_widget_get_accessible(button);
   EXPECT_EQ(tooltip_of(button), "Key: Ctrl+Return");
   EXPECT_STREQ(atk_action_get_keybinding(ATK_ACTION(accessible), 0), ";;Ctrl+Return");
+  EXPECT_EQ(atk_action_get_keybinding(ATK_ACTION(accessible), 1), nullptr);
 }
