@@ -1,6 +1,7 @@
 #include "workspace/drafts.h"
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <vector>
 
@@ -36,12 +37,24 @@ OwnedText find_location(const char *path) {
                      : OwnedText(g_canonicalize_filename(path, nullptr));
 }
 
-// The prefix of the names of this codeset file's drafts and of no other's. A digest, because a path
-// may be longer than a name can be.
-std::string find_prefix(const char *codeset_path) {
-  const OwnedText absolute = find_location(codeset_path);
-  const OwnedText digest(g_compute_checksum_for_string(G_CHECKSUM_SHA256, absolute.get(), -1));
+// The prefix of the names of the drafts of the file at this absolute path and of no other's. A
+// digest, because a path may be longer than a name can be.
+std::string make_prefix(const char *absolute_path) {
+  const OwnedText digest(g_compute_checksum_for_string(G_CHECKSUM_SHA256, absolute_path, -1));
   return std::string(digest.get()) + ".";
+}
+
+// The prefix for new drafts, and that of drafts from a time when the file's folder was away, and
+// the links in its path could not be resolved.
+std::array<std::string, 2> find_prefixes(const char *codeset_path) {
+  const OwnedText unresolved(g_canonicalize_filename(codeset_path, nullptr));
+  return {make_prefix(find_location(codeset_path).get()), make_prefix(unresolved.get())};
+}
+
+bool has_any_prefix(const char *name, const std::array<std::string, 2> &prefixes) {
+  return std::any_of(prefixes.begin(), prefixes.end(), [name](const std::string &prefix) {
+    return g_str_has_prefix(name, prefix.c_str());
+  });
 }
 
 // The last bytes of the name, which include the extension.
@@ -52,10 +65,10 @@ const char *shorten(const char *name) {
 }
 
 // A new path for each call: each editing of the file has its own draft.
-OwnedText make_path(const char *folder, const char *codeset_path) {
-  const OwnedText name(g_strdup_printf("%s%08x%08x.%s", find_prefix(codeset_path).c_str(),
-                                       g_random_int(), g_random_int(),
-                                       shorten(v_fs_utils_find_entry_name_in_path(codeset_path))));
+OwnedText make_path(const char *folder, const VDraft *draft) {
+  const char *codeset_name = v_fs_utils_find_entry_name_in_path(draft->codeset_path.get());
+  const OwnedText name(g_strdup_printf("%s%08x%08x.%s", draft->name_prefix.c_str(), g_random_int(),
+                                       g_random_int(), shorten(codeset_name)));
   return v_fs_utils_create_path_in_folder(folder, name.get());
 }
 
@@ -79,8 +92,7 @@ bool write_draft(VDraft *draft, const VCodeset *codeset) {
       !make_folder_if_missing(folder.get())) {
     return false;
   }
-  OwnedText path = draft->path ? copy_text(draft->path.get())
-                               : make_path(folder.get(), draft->codeset_path.get());
+  OwnedText path = draft->path ? copy_text(draft->path.get()) : make_path(folder.get(), draft);
   const OwnedText new_path(g_strconcat(path.get(), unfinished, nullptr));
   OwnedHeldFile held = v_private_files_create(new_path.get());
   if (!held) {
@@ -133,17 +145,17 @@ struct Candidate {
   std::int64_t time = 0;
 };
 
-// The drafts of the codeset file, newest first, whether held or not. Removes unfinished ones of
-// programs that ended while writing.
-std::vector<Candidate> list_candidates(const char *folder, const char *codeset_path) {
+// The drafts whose names begin with one of the prefixes, newest first, whether held or not. Removes
+// unfinished ones of programs that ended while writing.
+std::vector<Candidate> list_candidates(const char *folder,
+                                       const std::array<std::string, 2> &prefixes) {
   std::vector<Candidate> candidates;
-  const std::string prefix = find_prefix(codeset_path);
   const OwnedFolder listing = v_fs_utils_open_folder(folder);
   while (const OwnedText name =
              listing ? v_fs_utils_next_convertible_folder_entry(listing.get()) : nullptr) {
     OwnedText path = v_fs_utils_create_path_in_folder(folder, name.get());
     VFileInfo info;
-    if (!g_str_has_prefix(name.get(), prefix.c_str()) || g_str_has_suffix(name.get(), unreadable) ||
+    if (!has_any_prefix(name.get(), prefixes) || g_str_has_suffix(name.get(), unreadable) ||
         !v_fs_utils_get_info(path.get(), info) || !v_fs_utils_is_regular_file(info)) {
       continue;
     }
@@ -183,8 +195,10 @@ void v_draft_close(VDraft *draft) { delete draft; }
 OwnedDraft v_draft_open(const char *codeset_path) {
   OwnedDraft draft(new VDraft);
   draft->codeset_path = copy_text(codeset_path);
+  const std::array<std::string, 2> prefixes = find_prefixes(codeset_path);
+  draft->name_prefix = prefixes.front();
   if (const OwnedText folder = find_folder()) {
-    for (Candidate &candidate : list_candidates(folder.get(), codeset_path)) {
+    for (Candidate &candidate : list_candidates(folder.get(), prefixes)) {
       if (take_over(draft.get(), candidate)) {
         break;
       }

@@ -9,6 +9,7 @@
 // not depend on it.
 
 #include <cstdint>
+#include <string>
 
 #include "base/fs_utils.h"
 #include "base/private_files.h"
@@ -16,6 +17,9 @@
 
 struct VDraft {
   OwnedText codeset_path;
+  // Of the draft's name. Found when the codeset is opened, because links in its path cannot be
+  // resolved while its folder is away.
+  std::string name_prefix;
   // Of the codeset's file, when it was last saved over an existing file; unknown before.
   VFilePermissions codeset_permissions;
   OwnedText path;     // of the draft; null while there is none

@@ -185,6 +185,28 @@ TEST_F(Drafts, BelongsToTheSameFileThroughALinkedFolder) {
   EXPECT_EQ(left_name(v_draft_open((folder / "others/paper.codeset").c_str())), "none");
 }
 
+// Such as a disk that is reached through a link and is disconnected while the codeset is edited.
+TEST_F(Drafts, BelongsToTheSameFileWhenTheFolderWasAwayDuringTheFirstDraft) {
+  make_folder(folder / "disk");
+  std::filesystem::create_directory_symlink(folder / "disk", folder / "link");
+  path = folder / "link/paper.codeset";
+  {
+    const OwnedDraft draft = open();
+    std::filesystem::rename(folder / "disk", folder / "away");
+    EXPECT_TRUE(v_draft_write(draft.get(), paper("Written while away").get()));
+  }
+  std::filesystem::rename(folder / "away", folder / "disk");
+  EXPECT_EQ(left_name(open()), "Written while away");
+}
+
+TEST_F(Drafts, BelongsToTheSameFileWhenTheFolderWasAwayFromTheBeginning) {
+  std::filesystem::create_directory_symlink(folder / "disk", folder / "link");
+  path = folder / "link/paper.codeset";
+  leave_behind(paper("New while away").get());
+  make_folder(folder / "disk");
+  EXPECT_EQ(left_name(open()), "New while away");
+}
+
 TEST_F(Drafts, ARunningProgramKeepsItsDraft) {
   const OwnedDraft running = open();
   v_draft_write(running.get(), paper("Running").get());
