@@ -1,6 +1,7 @@
 #pragma once
-// Calls a function that writes the draft, soon after the first change that the draft lacks. Knows
-// neither the contents of a draft nor how it is written.
+// Calls a function that writes the draft, soon after the first change that the draft lacks, and
+// before one of the signals SIGTERM, SIGHUP and SIGINT ends the program. Knows neither the contents
+// of a draft nor how it is written.
 
 #include <glib.h>
 
@@ -19,6 +20,8 @@ public:
   void start();
   // The draft is up to date, or no longer needed.
   void stop();
+  // Calls the callback at once.
+  void write_now();
   // True while the draft lacks a change.
   bool is_running() const { return source != 0; }
 

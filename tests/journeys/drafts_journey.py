@@ -12,6 +12,7 @@ from xml.etree import ElementTree
 
 from support import MAIN_WINDOW, QUESTION, RESTORE, UK, WorkspaceJourney, codeset, main, wait_until
 from support import display
+from support.waiting import settle
 
 TITLE = "Edit remark codeset - wood.codeset"
 REMARKS = [("W1", "Split"), ("W2", "Worm")]
@@ -87,6 +88,27 @@ class Drafts(WorkspaceJourney):
 
     def test_interrupted(self):
         self.expect_restored_after(signal.SIGINT)
+
+    def test_the_last_word_before_a_signal_is_kept(self):
+        for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT):
+            with self.subTest(number=number):
+                self.put("wood.codeset", WOOD)
+                program, editing = self.open_wood()
+                editing.field(UK).enter("Changed")
+                editing.field(UK).expect_text("Changed")
+                program.kill(number)
+                self.assertEqual(program.process.returncode, -number)
+                self.assertEqual(self.drafts(), [CHANGED])
+                self.restore_and_save()
+
+    def test_a_signal_that_is_ignored_ends_nothing(self):
+        program, editing = self.open_wood(ignored_signals=(signal.SIGHUP,))
+        editing.field(UK).enter("Changed")
+        program.process.send_signal(signal.SIGHUP)
+        settle(DRAFT_SECONDS)
+        self.assertEqual(self.drafts(), [CHANGED])
+        editing.button("Save codeset").click()
+        self.end(program, program.window(MAIN_WINDOW))
 
     def start_x_server(self):
         """The server and the number of its display; ended after the test."""
