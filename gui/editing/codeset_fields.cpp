@@ -30,10 +30,13 @@ VSpacifyingEntry *pack_version(GtkBox *box, const char *version) {
   return entry;
 }
 
+using LangstrReader = int (*)(VLangstrEditor *editor, OwnedLangstr &langstr);
+
 // Leaves the value unchanged when the editor's text cannot be used.
-bool read_langstr(VLangstrEditor *editor, OwnedLangstr &value) {
+bool read_langstr(VLangstrEditor *editor, OwnedLangstr &value,
+                  LangstrReader read = v_langstr_editor_get_text) {
   OwnedLangstr text;
-  if (v_langstr_editor_get_text(editor, text) == 0) {
+  if (read(editor, text) == 0) {
     return false;
   }
   value = std::move(text);
@@ -83,8 +86,8 @@ bool v_codeset_fields_read(const VCodesetFields *fields, VCodeset *codeset) {
          read_version(fields, codeset);
 }
 
-void v_codeset_fields_read_valid(const VCodesetFields *fields, VCodeset *codeset) {
-  read_name(fields, codeset);
-  read_author(fields, codeset);
+void v_codeset_fields_read_all(const VCodesetFields *fields, VCodeset *codeset) {
+  read_langstr(fields->name_editor, codeset->name, v_langstr_editor_get_joined_text);
+  read_langstr(fields->author_editor, codeset->author, v_langstr_editor_get_joined_text);
   read_version(fields, codeset);
 }

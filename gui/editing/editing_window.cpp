@@ -33,6 +33,9 @@ struct EditingWindow {
   OwnedRemarkHistory history; // changes of the codeset's remarks since the window was opened
   OwnedDraft draft;
   VDraftTimer draft_timer = {write_draft, this};
+  VRemarkTyping typing = {[this] { draft_timer.start(); }, nullptr};
+  // The remark of the list that is being edited in the remark dialog; null for a new one.
+  const VRemark *retyped = nullptr;
   GtkWindow *window = nullptr;
   VCodesetFields fields;
   VCodesList codes;
@@ -157,6 +160,16 @@ void update_after_move(EditingWindow *state) {
   v_list_place_take_free_focus(state->codes.view);
 }
 
+// What was typed in the remark dialog has changed nothing, but may be in the draft.
+void forget_typing(EditingWindow *state, bool was_changed_before) {
+  if (was_changed_before) {
+    state->draft_timer.start();
+  } else {
+    state->draft_timer.stop();
+    v_draft_remove(state->draft.get());
+  }
+}
+
 void show_exchange(EditingWindow *state, const VRemarkExchange &exchange) {
   v_codes_list_follow_exchange(&state->codes, exchange);
   update_after_move(state);
@@ -191,20 +204,49 @@ VRemark *find_neighbour(const VRemarkList *list, const VRemark *remark, int step
   return step == 0 || neighbour == &list->head || neighbour == &list->tail ? nullptr : neighbour;
 }
 
+// True when the codeset was changed since it was opened or saved, or may have been.
+bool is_changed(const EditingWindow *state) {
+  return state->draft->path || state->draft_timer.is_running();
+}
+
+// Lets the user edit the remark, which is new or a copy of retyped. True when it is confirmed.
+bool run_remark_dialog(EditingWindow *state, VRemark *remark, const VRemark *retyped,
+                       VRemarkPass *pass) {
+  state->retyped = retyped;
+  return v_remark_gui_edit_remark_for_drafts(state->context->window_stack, settings_of(state),
+                                             remark, state->codeset.get(), "Edit remark code",
+                                             state->typing, pass) != 0;
+}
+
 // Lets the user edit a copy of the remark. Returns the remark to edit next; null when there is
 // none.
 VRemark *edit_remark(EditingWindow *state, VRemark *remark, VRemarkPass &pass) {
+  const bool was_changed = is_changed(state);
   OwnedRemark edited = v_remark_clone(remark);
-  if (v_remark_gui_edit_remark_in_pass(state->context->window_stack, settings_of(state),
-                                       edited.get(), state->codeset.get(), "Edit remark code",
-                                       pass) == 0) {
+  if (!run_remark_dialog(state, edited.get(), remark, &pass)) {
+    forget_typing(state, was_changed);
     return nullptr;
   }
   // Found first, because a new code may move the remark.
   VRemark *neighbour = find_neighbour(state->codeset->remarks.get(), remark, pass.step);
-  show_edit(state, remark,
-            v_remark_history_replace_remark(state->history.get(), remark, std::move(edited)));
+  const std::optional<VRemarkExchange> exchange =
+      v_remark_history_replace_remark(state->history.get(), remark, std::move(edited));
+  if (!exchange) {
+    forget_typing(state, was_changed);
+  }
+  show_edit(state, remark, exchange);
   return neighbour;
+}
+
+// A copy of the codeset with what is typed in the remark dialog.
+OwnedCodeset clone_with_typed(const EditingWindow *state, OwnedRemark typed) {
+  OwnedCodeset codeset = v_codeset_clone(state->codeset.get());
+  VRemarkList *remarks = codeset->remarks.get();
+  if (state->retyped != nullptr) {
+    v_remark_destroy(v_remark_list_get_remark_for_code(remarks, state->retyped->code.get()));
+  }
+  v_remark_list_add_remark_sorted(remarks, std::move(typed));
+  return codeset;
 }
 
 // Asks even when nothing was changed. When true, the window may be closed and the draft is removed.
@@ -229,10 +271,10 @@ bool confirm_closing(EditingWindow *state) {
 // could not be written.
 bool write_draft(void *editing_window) {
   auto *state = static_cast<EditingWindow *>(editing_window);
-  // A field that cannot be read, for instance while two rows have the same language, keeps its last
-  // valid value in the draft.
-  v_codeset_fields_read_valid(&state->fields, state->codeset.get());
-  return v_draft_write(state->draft.get(), state->codeset.get());
+  v_codeset_fields_read_all(&state->fields, state->codeset.get());
+  OwnedRemark typed = state->typing.read ? state->typing.read() : nullptr;
+  return v_draft_write(state->draft.get(), typed ? clone_with_typed(state, std::move(typed)).get()
+                                                 : state->codeset.get());
 }
 
 // "changed" of the name, the author and the version.
@@ -248,10 +290,12 @@ void selection_change_callback(GtkTreeSelection *, EditingWindow *state) { updat
 
 // "clicked" of "Add new", and Ctrl+N.
 void add_callback(GtkButton *, EditingWindow *state) {
+  const bool was_changed = is_changed(state);
   OwnedRemark remark = v_remark_new();
-  if (v_remark_gui_edit_remark(state->context->window_stack, settings_of(state), remark.get(),
-                               state->codeset.get(), "Edit remark code") != 0) {
+  if (run_remark_dialog(state, remark.get(), nullptr, nullptr)) {
     show_exchange(state, v_remark_history_add_remark(state->history.get(), std::move(remark)));
+  } else {
+    forget_typing(state, was_changed);
   }
 }
 

@@ -266,6 +266,23 @@ void finalize_callback(GObject *object) {
   G_OBJECT_CLASS(v_langstr_editor_parent_class)->finalize(object);
 }
 
+int collect_text(VLangstrEditor *editor, OwnedLangstr &langstr,
+                 RepeatedLanguage repeated_language) {
+  langstr.reset();
+  if (editor->state->broken) {
+    v_error_set(broken_message);
+    return 0;
+  }
+  OwnedLangstr collected;
+  for (const auto &row : editor->state->rows) {
+    if (!v_langstr_editor_row_add_translation(row.get(), collected, repeated_language)) {
+      return 0;
+    }
+  }
+  langstr = std::move(collected);
+  return 1;
+}
+
 } // namespace
 
 static void v_langstr_editor_class_init(VLangstrEditorClass *klass) {
@@ -309,19 +326,11 @@ GtkWidget *v_langstr_editor_new(VWindowStack *window_stack, const VSettings *set
 }
 
 int v_langstr_editor_get_text(VLangstrEditor *editor, OwnedLangstr &langstr) {
-  langstr.reset();
-  if (editor->state->broken) {
-    v_error_set(broken_message);
-    return 0;
-  }
-  OwnedLangstr collected;
-  for (const auto &row : editor->state->rows) {
-    if (!v_langstr_editor_row_add_translation(row.get(), collected)) {
-      return 0;
-    }
-  }
-  langstr = std::move(collected);
-  return 1;
+  return collect_text(editor, langstr, RepeatedLanguage::is_refused);
+}
+
+int v_langstr_editor_get_joined_text(VLangstrEditor *editor, OwnedLangstr &langstr) {
+  return collect_text(editor, langstr, RepeatedLanguage::is_joined);
 }
 
 OwnedText v_langstr_editor_get_focused_language(VLangstrEditor *editor) {

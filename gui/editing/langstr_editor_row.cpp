@@ -286,8 +286,9 @@ bool v_langstr_editor_row_has_language(const LangstrEditorRow *row, const char *
   return g_strcmp0(v_langstr_editor_row_get_language(row).get(), language) == 0;
 }
 
-bool v_langstr_editor_row_add_translation(const LangstrEditorRow *row, OwnedLangstr &collected) {
-  const OwnedText text = kind_of(row).get_text(row->text_field.get());
+bool v_langstr_editor_row_add_translation(const LangstrEditorRow *row, OwnedLangstr &collected,
+                                          RepeatedLanguage repeated_language) {
+  OwnedText text = kind_of(row).get_text(row->text_field.get());
   if (!text) {
     v_error_set_unknown();
     return false;
@@ -299,10 +300,13 @@ bool v_langstr_editor_row_add_translation(const LangstrEditorRow *row, OwnedLang
   if (!tag) {
     return false;
   }
-  if (v_langstr_get_string(collected.get(), tag.get(), false) != nullptr) {
-    v_error_set_utf8_printf(
-        "Each language may only appear once. Language \"%s\" appears several times.", tag.get());
-    return false;
+  if (const char *other = v_langstr_get_string(collected.get(), tag.get(), false)) {
+    if (repeated_language == RepeatedLanguage::is_refused) {
+      v_error_set_utf8_printf(
+          "Each language may only appear once. Language \"%s\" appears several times.", tag.get());
+      return false;
+    }
+    text.reset(g_strdup_printf("%s / %s", other, text.get()));
   }
   v_langstr_set_translation(collected, tag.get(), text.get());
   return true;

@@ -20,15 +20,19 @@ struct RemarkDialog {
   VRemark *remark = nullptr;
   const VCodeset *codeset = nullptr; // null: every code is free
   const char *title = nullptr;
-  VRemarkPass *pass = nullptr; // null: not in a pass
+  VRemarkTyping *typing = nullptr; // null: no drafts
+  VRemarkPass *pass = nullptr;     // null: not in a pass
   GtkWindow *window = nullptr;
   VSpacifyingEntry *code_entry = nullptr;
   VLangstrEditor *description_editor = nullptr;
   int result = 0;
 };
 
+OwnedRemark read_typed(const RemarkDialog *state);
 void ok_callback(GtkButton *button, RemarkDialog *state);
 void shrunk_callback(VLangstrEditor *editor, RemarkDialog *state);
+void changed_callback(GtkWidget *field, RemarkDialog *state);
+void destroy_callback(GtkWidget *window, RemarkDialog *state);
 void go_to_next(void *dialog);
 void go_to_previous(void *dialog);
 
@@ -67,6 +71,13 @@ void add_keys_of_pass(RemarkDialog *state) {
       "Keys: Return. Ctrl+Down and Ctrl+Up also open the next code or the one before.");
 }
 
+void offer_typing(RemarkDialog *state) {
+  state->typing->read = [state] { return read_typed(state); };
+  g_signal_connect(state->code_entry, "changed", G_CALLBACK(changed_callback), state);
+  g_signal_connect(state->description_editor, "changed", G_CALLBACK(changed_callback), state);
+  g_signal_connect(state->window, "destroy", G_CALLBACK(destroy_callback), state);
+}
+
 void build_window(RemarkDialog *state) {
   state->window = v_gui_create_window(state->title);
   v_gui_close_on_escape(state->window);
@@ -78,6 +89,9 @@ void build_window(RemarkDialog *state) {
   if (state->pass != nullptr) {
     add_keys_of_pass(state);
   }
+  if (state->typing != nullptr) {
+    offer_typing(state);
+  }
 }
 
 // ---- Read ---------------------------------------------------------------------------------------
@@ -87,6 +101,23 @@ bool code_is_taken(const RemarkDialog *state, const char *code) {
   const bool keeps_its_code = own_code != nullptr && std::strcmp(own_code, code) == 0;
   return state->codeset != nullptr && !keeps_its_code &&
          v_remark_list_get_remark_for_code(state->codeset->remarks.get(), code) != nullptr;
+}
+
+// The code, or one like it that is free; null when it cannot be read.
+OwnedText read_free_code(const RemarkDialog *state) {
+  OwnedText code = v_spacifying_entry_get_text(state->code_entry);
+  while (code && (*code == '\0' || code_is_taken(state, code.get()))) {
+    code.reset(g_strconcat(code.get(), "?", nullptr));
+  }
+  return code;
+}
+
+// See VRemarkTyping.
+OwnedRemark read_typed(const RemarkDialog *state) {
+  OwnedRemark typed = v_remark_new();
+  typed->code = read_free_code(state);
+  v_langstr_editor_get_joined_text(state->description_editor, typed->description);
+  return typed->code && typed->description ? std::move(typed) : nullptr;
 }
 
 // Null, after an error message, when there is no usable description.
@@ -150,6 +181,12 @@ void shrunk_callback(VLangstrEditor *, RemarkDialog *state) {
   v_gui_resize_window_to_minimum_unless_maximized(state->window);
 }
 
+// "changed" of the code and of the description editor.
+void changed_callback(GtkWidget *, RemarkDialog *state) { state->typing->changed(); }
+
+// "destroy": the fields cannot be read any more.
+void destroy_callback(GtkWidget *, RemarkDialog *state) { state->typing->read = nullptr; }
+
 // ---- Run ----------------------------------------------------------------------------------------
 
 // The field of the pass's language, or else the code.
@@ -176,10 +213,12 @@ int v_remark_gui_edit_remark(VWindowStack *window_stack, const VSettings *settin
   return run(state);
 }
 
-int v_remark_gui_edit_remark_in_pass(VWindowStack *window_stack, const VSettings *settings,
-                                     VRemark *remark, const VCodeset *codeset, const char *title,
-                                     VRemarkPass &pass) {
-  pass.step = 0;
-  RemarkDialog state = {window_stack, settings, remark, codeset, title, &pass};
+int v_remark_gui_edit_remark_for_drafts(VWindowStack *window_stack, const VSettings *settings,
+                                        VRemark *remark, const VCodeset *codeset, const char *title,
+                                        VRemarkTyping &typing, VRemarkPass *pass) {
+  if (pass != nullptr) {
+    pass->step = 0;
+  }
+  RemarkDialog state = {window_stack, settings, remark, codeset, title, &typing, pass};
   return run(state);
 }

@@ -1,6 +1,8 @@
 #pragma once
 // The modal window in which one remark's code and description are entered.
 
+#include <functional>
+
 #include "base/owned.h"
 #include "codeset/codeset.h"
 #include "gui/window_stack.h"
@@ -24,8 +26,18 @@ struct VRemarkPass {
   OwnedText language;
 };
 
-// The same, as a part of a pass: Ctrl+Down and Ctrl+Up confirm as OK does, and set the step to 1
-// and -1. Any other way to close the window sets the step to 0.
-int v_remark_gui_edit_remark_in_pass(VWindowStack *window_stack, const VSettings *settings,
-                                     VRemark *remark, const VCodeset *codeset, const char *title,
-                                     VRemarkPass &pass);
+// What is typed into the window, for a draft.
+struct VRemarkTyping {
+  std::function<void()> changed; // called after each change of a field
+  // Returns a remark with all that is typed, valid or not: a missing code is "?", a taken one gets
+  // a question mark at its end, and texts in one language are joined. Null when there is no
+  // description. Set while the window is open, otherwise empty.
+  std::function<OwnedRemark()> read;
+};
+
+// The same, for an owner of the codeset that writes drafts, and with a pass (null: not in one):
+// Ctrl+Down and Ctrl+Up confirm as OK does, and set the step to 1 and -1. Any other way to close
+// the window sets the step to 0.
+int v_remark_gui_edit_remark_for_drafts(VWindowStack *window_stack, const VSettings *settings,
+                                        VRemark *remark, const VCodeset *codeset, const char *title,
+                                        VRemarkTyping &typing, VRemarkPass *pass);

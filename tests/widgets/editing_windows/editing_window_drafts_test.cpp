@@ -174,6 +174,82 @@ TEST_F(EditingWindowDrafts, ContainEachChangeOfTheCodes) {
   EXPECT_THAT(drafts(), IsEmpty());
 }
 
+TEST_F(EditingWindowDrafts, ContainACodeThatIsBeingTyped) {
+  check([] {});
+  script.click("Add new");
+  type_remark("3", "Fold");
+  expect_draft(
+      codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"3", "Fold"}, {"10", "Stain"}}));
+  // What is typed is only in the draft until it is confirmed.
+  script.on(dialog_title, [this] { EXPECT_EQ(read_file(path()), paper_file); });
+  type_remark("3", "Folded");
+  const std::string folded =
+      codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"3", "Folded"}, {"10", "Stain"}});
+  expect_draft(folded);
+  script.click("OK");
+  script.on(title(), [this, folded] {
+    EXPECT_THAT(code_rows(), ElementsAre("1. Tear", "2. Loss", "3. Folded", "10. Stain"));
+    EXPECT_EQ(draft(), folded);
+  });
+  run_until_closed();
+}
+
+TEST_F(EditingWindowDrafts, ContainACodeThatIsBeingRetyped) {
+  edit_code(1);
+  type_remark("20", "Lost");
+  expect_draft(codeset_file(paper_head, {{"1", "Tear"}, {"10", "Stain"}, {"20", "Lost"}}));
+  script.click("Cancel");
+  expect_codes({"1. Tear", "2. Loss", "10. Stain"});
+  run_until_closed();
+}
+
+TEST_F(EditingWindowDrafts, MarkACodeThatIsMissingOrTakenWhileItIsBeingTyped) {
+  const std::pair<const char *, Codes> typed[] = {
+      {" ", {{"1", "Tear"}, {"2", "Loss"}, {"10", "Stain"}, {"?", "Fold"}}},
+      {"2", {{"1", "Tear"}, {"2", "Loss"}, {"2?", "Fold"}, {"10", "Stain"}}},
+  };
+  check([] {});
+  script.click("Add new");
+  for (const auto &[code, codes_of_draft] : typed) {
+    type_remark(code, "Fold");
+    expect_draft(codeset_file(paper_head, codes_of_draft));
+  }
+  script.click("Cancel");
+  run_until_closed();
+}
+
+TEST_F(EditingWindowDrafts, AreAsBeforeWhenWhatIsTypedIsCancelled) {
+  // Without another change there is no draft afterwards.
+  check([] {});
+  script.click("Add new");
+  type_remark("3", "Fold");
+  script.when(
+      "the draft", [this] { return !drafts().empty(); }, [] {});
+  script.click("Cancel");
+  script.on(title(), [] {});
+  script.holds_for(1500, "no draft", [this] { return drafts().empty(); });
+  // The same when it is confirmed but is what it was before.
+  edit_code(0);
+  type_remark("1", "Torn");
+  script.when(
+      "the draft", [this] { return !drafts().empty(); }, [] {});
+  type_remark("1", "Tear");
+  script.click("OK");
+  script.on(title(), [] {});
+  script.holds_for(1500, "no draft", [this] { return drafts().empty(); });
+  // With another change that one is in it.
+  check([] { gtk_entry_set_text(version_entry(), "3"); });
+  std::vector<std::string> head = paper_head;
+  head[3] = "<version>3</version>";
+  expect_draft(codeset_file(head, paper_codes));
+  script.click("Add new");
+  type_remark("3", "Fold");
+  expect_draft(codeset_file(head, {{"1", "Tear"}, {"2", "Loss"}, {"3", "Fold"}, {"10", "Stain"}}));
+  script.click("Cancel");
+  expect_draft(codeset_file(head, paper_codes));
+  run_until_closed();
+}
+
 TEST_F(EditingWindowDrafts, AreWrittenDuringTypingAndUnderOtherWindows) {
   // A key every 100 milliseconds, for three seconds at most.
   struct Typing {
@@ -210,17 +286,21 @@ TEST_F(EditingWindowDrafts, AreWrittenDuringTypingAndUnderOtherWindows) {
   run_until_closed();
 }
 
-TEST_F(EditingWindowDrafts, KeepTheLastValidValueOfAField) {
-  std::vector<std::string> head = paper_head;
-  check([] { enter(name_editor(), 0, "Card"); });
-  head[0] = "<name lang=\"en-uk\">Card</name>";
-  expect_draft(codeset_file(head, paper_codes));
+TEST_F(EditingWindowDrafts, ContainBothTextsWhenALanguageAppearsTwice) {
   // Both names are Swedish now.
-  check([] { gtk_combo_box_set_active(languages_of(name_editor())[0], 1); });
-  expect_refused_save("Each language may only appear once. Language \"sv\" appears several times.");
-  check([] { gtk_entry_set_text(version_entry(), "3"); });
-  head[3] = "<version>3</version>";
+  check([] {
+    enter(name_editor(), 0, "Card");
+    gtk_combo_box_set_active(languages_of(name_editor())[0], 1);
+  });
+  std::vector<std::string> head = {"<name lang=\"sv\">Card / Papper</name>", paper_head[2],
+                                   paper_head[3]};
   expect_draft(codeset_file(head, paper_codes));
+  check([] { gtk_entry_set_text(version_entry(), "3"); });
+  head[2] = "<version>3</version>";
+  expect_draft(codeset_file(head, paper_codes));
+  // Only in the draft: the fields are as they were, and refused.
+  expect_refused_save("Each language may only appear once. Language \"sv\" appears several times.");
+  check([] { EXPECT_EQ(shown_rows(name_editor()), "Swedish [sv]=Card\nSwedish [sv]=Papper\n"); });
   run_until_closed();
 }
 

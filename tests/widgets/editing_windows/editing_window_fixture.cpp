@@ -126,13 +126,17 @@ void EditingWindow::expect_refused_save(const std::string &message) {
   script.click("Save codeset").answer("Error", message, "Close");
 }
 
-void EditingWindow::enter_remark(const char *code, const char *description) {
+void EditingWindow::type_remark(const char *code, const char *description) {
   script.on(dialog_title, [code, description] {
     for (GtkWidget *entry : find_widgets(window(), V_TYPE_SPACIFYING_ENTRY)) {
       const bool in_editor = gtk_widget_get_ancestor(entry, V_TYPE_LANGSTR_EDITOR) != nullptr;
       gtk_entry_set_text(GTK_ENTRY(entry), in_editor ? description : code);
     }
   });
+}
+
+void EditingWindow::enter_remark(const char *code, const char *description) {
+  type_remark(code, description);
   script.click("OK");
 }
 

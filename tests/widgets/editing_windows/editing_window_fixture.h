@@ -66,7 +66,9 @@ protected:
   void dismiss_question();
   void close_without_saving();
   void expect_refused_save(const std::string &message);
-  // Fills in and confirms the remark dialog, which is open or about to open.
+  // Fills in the remark dialog, which is open or about to open.
+  void type_remark(const char *code, const char *description);
+  // The same, and confirms it.
   void enter_remark(const char *code, const char *description);
   void add_code(const char *code, const char *description);
   void edit_code(int row); // opens the remark dialog
