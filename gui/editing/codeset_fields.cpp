@@ -87,7 +87,7 @@ bool v_codeset_fields_read(const VCodesetFields *fields, VCodeset *codeset) {
 }
 
 void v_codeset_fields_read_all(const VCodesetFields *fields, VCodeset *codeset) {
-  read_langstr(fields->name_editor, codeset->name, v_langstr_editor_get_joined_text);
-  read_langstr(fields->author_editor, codeset->author, v_langstr_editor_get_joined_text);
+  read_langstr(fields->name_editor, codeset->name, v_langstr_editor_get_text_for_draft);
+  read_langstr(fields->author_editor, codeset->author, v_langstr_editor_get_text_for_draft);
   read_version(fields, codeset);
 }

@@ -18,6 +18,6 @@ VCodesetFields v_codeset_fields_pack(GtkBox *box, VWindowStack *window_stack,
 // Reads the fields into the codeset, up to the first one that is refused: false then, with the
 // reason in the error state. The values that were read before stay in the codeset.
 bool v_codeset_fields_read(const VCodesetFields *fields, VCodeset *codeset);
-// Reads all that is typed, for a draft: two texts in one language are joined, and without a name
+// Reads all that is typed, for a draft (see v_langstr_editor_get_text_for_draft); without a name
 // the codeset has none. The codeset keeps its value for a field that cannot be read.
 void v_codeset_fields_read_all(const VCodesetFields *fields, VCodeset *codeset);

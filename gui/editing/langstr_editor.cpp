@@ -266,8 +266,7 @@ void finalize_callback(GObject *object) {
   G_OBJECT_CLASS(v_langstr_editor_parent_class)->finalize(object);
 }
 
-int collect_text(VLangstrEditor *editor, OwnedLangstr &langstr,
-                 RepeatedLanguage repeated_language) {
+int collect_text(VLangstrEditor *editor, OwnedLangstr &langstr, TextUse use) {
   langstr.reset();
   if (editor->state->broken) {
     v_error_set(broken_message);
@@ -275,7 +274,7 @@ int collect_text(VLangstrEditor *editor, OwnedLangstr &langstr,
   }
   OwnedLangstr collected;
   for (const auto &row : editor->state->rows) {
-    if (!v_langstr_editor_row_add_translation(row.get(), collected, repeated_language)) {
+    if (!v_langstr_editor_row_add_translation(row.get(), collected, use)) {
       return 0;
     }
   }
@@ -326,11 +325,11 @@ GtkWidget *v_langstr_editor_new(VWindowStack *window_stack, const VSettings *set
 }
 
 int v_langstr_editor_get_text(VLangstrEditor *editor, OwnedLangstr &langstr) {
-  return collect_text(editor, langstr, RepeatedLanguage::is_refused);
+  return collect_text(editor, langstr, TextUse::codeset);
 }
 
-int v_langstr_editor_get_joined_text(VLangstrEditor *editor, OwnedLangstr &langstr) {
-  return collect_text(editor, langstr, RepeatedLanguage::is_joined);
+int v_langstr_editor_get_text_for_draft(VLangstrEditor *editor, OwnedLangstr &langstr) {
+  return collect_text(editor, langstr, TextUse::draft);
 }
 
 OwnedText v_langstr_editor_get_focused_language(VLangstrEditor *editor) {

@@ -28,9 +28,9 @@ GtkWidget *v_langstr_editor_new(VWindowStack *window_stack, const VSettings *set
 // Returns 1 with the rows that have a text, in row order (null when all are empty), or 0 with null
 // and a message: two texts in one language, or a field or language that cannot be read.
 int v_langstr_editor_get_text(VLangstrEditor *editor, OwnedLangstr &langstr);
-// The same, for a draft, which shall have all that is typed: texts in one language are joined by a
-// slash.
-int v_langstr_editor_get_joined_text(VLangstrEditor *editor, OwnedLangstr &langstr);
+// The same, for a draft, which is given all that is typed: texts in one language are joined by a
+// slash, and a text in an unknown language has no tag.
+int v_langstr_editor_get_text_for_draft(VLangstrEditor *editor, OwnedLangstr &langstr);
 // The language of the row whose text field has the focus, as the user reads it (UTF-8); null when
 // none has it.
 OwnedText v_langstr_editor_get_focused_language(VLangstrEditor *editor);

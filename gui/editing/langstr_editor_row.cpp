@@ -287,7 +287,7 @@ bool v_langstr_editor_row_has_language(const LangstrEditorRow *row, const char *
 }
 
 bool v_langstr_editor_row_add_translation(const LangstrEditorRow *row, OwnedLangstr &collected,
-                                          RepeatedLanguage repeated_language) {
+                                          TextUse use) {
   OwnedText text = kind_of(row).get_text(row->text_field.get());
   if (!text) {
     v_error_set_unknown();
@@ -296,12 +296,15 @@ bool v_langstr_editor_row_add_translation(const LangstrEditorRow *row, OwnedLang
   if (*text == '\0') {
     return true;
   }
-  const OwnedText tag = get_selected_langtag(row);
-  if (!tag) {
+  OwnedText tag = get_selected_langtag(row);
+  if (!tag && use == TextUse::codeset) {
     return false;
   }
+  if (!tag) {
+    tag = copy_text("");
+  }
   if (const char *other = v_langstr_get_string(collected.get(), tag.get(), false)) {
-    if (repeated_language == RepeatedLanguage::is_refused) {
+    if (use == TextUse::codeset) {
       v_error_set_utf8_printf(
           "Each language may only appear once. Language \"%s\" appears several times.", tag.get());
       return false;

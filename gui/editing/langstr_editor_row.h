@@ -47,14 +47,14 @@ void v_langstr_editor_row_detach(LangstrEditorRow *row);
 // As the user reads it (UTF-8); null when none is selected.
 OwnedText v_langstr_editor_row_get_language(const LangstrEditorRow *row);
 bool v_langstr_editor_row_has_language(const LangstrEditorRow *row, const char *language);
-// Two rows with texts in one language.
-enum class RepeatedLanguage { is_refused, is_joined };
+// A codeset is given only what it may have. A draft is given all that is typed: texts in one
+// language are joined by a slash, and a text in an unknown language has no tag.
+enum class TextUse { codeset, draft };
 
 // Adds the row's translation, unless its text is empty. False, with a message, when the text or the
-// language cannot be read or another row's text in that language is already there and may not be
-// joined with this one.
+// language cannot be read or, for a codeset, another row's text in that language is already there.
 bool v_langstr_editor_row_add_translation(const LangstrEditorRow *row, OwnedLangstr &collected,
-                                          RepeatedLanguage repeated_language);
+                                          TextUse use);
 // The object that emits "changed" when the text changes.
 gpointer v_langstr_editor_row_get_text_object(const LangstrEditorRow *row);
 

@@ -116,7 +116,7 @@ OwnedText read_free_code(const RemarkDialog *state) {
 OwnedRemark read_typed(const RemarkDialog *state) {
   OwnedRemark typed = v_remark_new();
   typed->code = read_free_code(state);
-  v_langstr_editor_get_joined_text(state->description_editor, typed->description);
+  v_langstr_editor_get_text_for_draft(state->description_editor, typed->description);
   return typed->code && typed->description ? std::move(typed) : nullptr;
 }
 

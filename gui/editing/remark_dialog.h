@@ -30,8 +30,8 @@ struct VRemarkPass {
 struct VRemarkTyping {
   std::function<void()> changed; // called after each change of a field
   // Returns a remark with all that is typed, valid or not: a missing code is "?", a taken one gets
-  // a question mark at its end, and texts in one language are joined. Null when there is no
-  // description. Set while the window is open, otherwise empty.
+  // a question mark at its end; for the description see v_langstr_editor_get_text_for_draft. Null
+  // when there is no description. Set while the window is open, otherwise empty.
   std::function<OwnedRemark()> read;
 };
 

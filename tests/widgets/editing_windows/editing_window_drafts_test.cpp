@@ -304,6 +304,15 @@ TEST_F(EditingWindowDrafts, ContainBothTextsWhenALanguageAppearsTwice) {
   run_until_closed();
 }
 
+TEST_F(EditingWindowDrafts, ContainATextInAnUnknownLanguageWithoutItsTag) {
+  write_file(path(), codeset_file({"<name lang=\"pl\">Papier</name>", "<version>1</version>"},
+                                  {{"1", "Tear"}}));
+  check([] { enter(name_editor(), 0, "Papiery"); });
+  expect_draft(
+      codeset_file({"<name lang=\"\">Papiery</name>", "<version>1</version>"}, {{"1", "Tear"}}));
+  run_until_closed();
+}
+
 TEST_F(EditingWindowDrafts, KeepTheLastCodesWhenAllAreDeleted) {
   for (int i = 0; i < 2; i++) {
     delete_code(0);
