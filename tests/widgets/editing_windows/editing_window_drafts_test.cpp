@@ -66,7 +66,7 @@ protected:
     std::remove(state.c_str());
     std::rename((state + "-away").c_str(), state.c_str());
   }
-  // Leaves a draft of this time, as a program that has ended does.
+  // Leaves a draft of this time, as a program that has ended does, beside an older file.
   void leave_draft(const std::string &content, std::time_t seconds = 1'700'000'000) const {
     const TemporaryFolder elsewhere;
     write_file(elsewhere / "codeset", content);
@@ -74,12 +74,18 @@ protected:
     const OwnedDraft left = v_draft_open(path().c_str());
     v_draft_write(left.get(), codeset.get());
     set_modification_time(left->path.get(), seconds);
+    if (path_exists(path())) {
+      set_modification_time(path(), seconds - 1);
+    }
   }
-  static std::string restore_question(std::time_t seconds = 1'700'000'000) {
+  static std::string date_and_time(std::time_t seconds) {
     char time[100];
     std::tm local;
     EXPECT_GT(std::strftime(time, sizeof time, "%c", localtime_r(&seconds, &local)), 0U);
-    return std::string("Unsaved changes to this codeset were found, from ") + time +
+    return time;
+  }
+  static std::string restore_question(std::time_t seconds = 1'700'000'000) {
+    return "Unsaved changes to this codeset were found, from " + date_and_time(seconds) +
            ". Restore them?";
   }
 
@@ -421,6 +427,23 @@ TEST_F(EditingWindowDrafts, AreRestoredAndSaved) {
   run_until_saved();
   EXPECT_EQ(read_file(path()), newer);
   EXPECT_THAT(drafts(), IsEmpty());
+}
+
+// By a colleague's copy or by another program; restoring and saving would undo that.
+TEST_F(EditingWindowDrafts, AreOfferedWithAWarningWhenTheFileWasChangedLater) {
+  leave_draft(newer);
+  set_modification_time(path(), 1'700'000'060);
+  const std::string question =
+      "Unsaved changes to this codeset were found, from " + date_and_time(1'700'000'000) +
+      ". The file was changed after that, at " + date_and_time(1'700'000'060) +
+      ", and will be replaced if you save them. Restore them?";
+  script.dismiss("Question", question);
+  expect_codes({"7. Fold"});
+  check([] { gtk_widget_destroy(window()); });
+  run();
+  script.answer("Question", question, "No");
+  expect_codes({"1. Tear", "2. Loss", "10. Stain"});
+  run_until_closed();
 }
 
 TEST_F(EditingWindowDrafts, AreRestoredByDefault) {
