@@ -9,7 +9,7 @@
 namespace {
 
 // Language, script, region, variants, extensions and private use, as RFC 5646 defines "langtag", or
-// private use alone. The irregular tags that it only keeps for old texts are left out.
+// private use alone. Grandfathered tags are left out.
 constexpr const char *well_formed = "^(?:"
                                     "(?:[a-z]{2,3}(?:-[a-z]{3}){0,3}|[a-z]{4,8})"
                                     "(?:-[a-z]{4})?"
@@ -53,9 +53,9 @@ std::string to_private_use(const std::string &lower_case_tag) {
   return result == "x" ? "" : result;
 }
 
-// Regions have capitals, scripts a first one; neither is the first subtag nor follows a single
-// letter, which begins an extension or a private use. The suite's "uk" is the United Kingdom, which
-// the standard knows as "GB".
+// Regions are in upper case and scripts begin with a capital; neither is the first subtag or
+// follows a singleton, which begins an extension or private use. The suite's "uk" is the United
+// Kingdom, whose code in the standard is "GB".
 std::string with_recommended_case(const std::string &lower_case_tag) {
   std::string result;
   std::size_t begin = 0;

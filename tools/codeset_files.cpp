@@ -13,7 +13,7 @@
 
 namespace {
 
-// A named pipe is what a shell passes for the output of another command.
+// For process substitution, "<(command)", a shell passes a named pipe.
 bool is_named_pipe(const char *file) {
   struct stat status;
   return stat(file, &status) == 0 && S_ISFIFO(status.st_mode);

@@ -10,7 +10,7 @@
 namespace {
 
 // Characters outside ISO-8859-1 that word processors and keyboards put into Western European texts,
-// and what can be written for them.
+// and substitutes for them.
 struct Replacement {
   gunichar character;
   const char *text;
@@ -34,7 +34,7 @@ const char *find_replacement(gunichar character) {
   return nullptr;
 }
 
-// "U+2019 (’)", without the character itself when it cannot be seen.
+// "U+2019 (’)", or only the number when the character is not visible.
 std::string describe(gunichar character) {
   const OwnedText number(g_strdup_printf("U+%04X", character));
   if (!g_unichar_isgraph(character)) {
@@ -72,7 +72,8 @@ gunichar find_outsider(const char *utf8_text) {
   return g_utf8_get_char(utf8_text);
 }
 
-// A letter followed by its accent, as some systems write it, is one character in ISO-8859-1.
+// A letter followed by a combining accent, as some systems write it, is one character in
+// ISO-8859-1.
 OwnedText compose(std::string_view utf8_text) {
   const auto length = static_cast<gssize>(utf8_text.size());
   if (!g_utf8_validate(utf8_text.data(), length, nullptr)) {
@@ -87,7 +88,7 @@ OwnedText compose(std::string_view utf8_text) {
   return v_convert_utf8_to_latin1(composed.get());
 }
 
-// After normalising, the only control characters below the space are those that XML forbids.
+// Once white space is normalised, the only C0 control characters left are those that XML forbids.
 bool has_no_control_characters(const char *latin1_text) {
   for (; *latin1_text != '\0'; latin1_text++) {
     if (*latin1_text > '\0' && *latin1_text < ' ') {

@@ -8,7 +8,7 @@ bool begins_with(std::string_view text, std::string_view beginning) {
   return text.substr(0, beginning.size()) == beginning;
 }
 
-// Every other byte of UTF-16 is zero as long as the text is Western European.
+// In UTF-16 without a byte order mark, every other byte of Western European text is zero.
 bool is_utf16(std::string_view document) {
   return begins_with(document, "\xFE\xFF") || begins_with(document, "\xFF\xFE") ||
          document.substr(0, 2).find('\0') != std::string_view::npos;

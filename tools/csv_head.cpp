@@ -41,7 +41,7 @@ std::optional<std::size_t> find_code_column(const CsvRecord &record) {
   return std::nullopt;
 }
 
-// How the lines look with one delimiter; the later, the more likely it is the right one.
+// The result of trying a delimiter, from the least to the most likely to be the right one.
 enum class Likelihood {
   faulty,
   without_code,
@@ -51,11 +51,11 @@ enum class Likelihood {
   whole
 };
 
-// The lines as they are with one delimiter. After a fault, the column names are the fields up to
-// it.
+// The lines as read with one delimiter. After a fault, column_names holds the fields up to and
+// including the faulty one.
 struct Attempt {
   CsvHead head;
-  std::size_t line_of_label = 0; // the line with a label beside a code, which can be column names
+  std::size_t line_of_label = 0; // a line with a label and "code", which may be the column names
   Likelihood likelihood = Likelihood::without_code;
 };
 
@@ -70,7 +70,7 @@ Attempt try_delimiter(const CsvDocument &document, char delimiter) {
   Attempt attempt{{CsvRecordReader(document.text, delimiter, document.first_line)}};
   CsvHead &head = attempt.head;
   CsvStep step = CsvStep::record;
-  // Each label occurs at most once, so the column names are close.
+  // Each label occurs at most once, so few lines can be above the column names.
   while (step == CsvStep::record && head.lines_above.size() <= v_csv_label_count) {
     CsvRecord record;
     step = head.reader.read(record);
@@ -108,7 +108,7 @@ Attempt try_delimiters(const CsvDocument &document) {
   return best;
 }
 
-// False with what is wrong and where, unless the lines can be the beginning of a table.
+// False with a message that says what is wrong and where, unless the lines can begin a table.
 bool accept(const Attempt &attempt, const CsvDocument &document) {
   const std::vector<CsvField> &fields = attempt.head.column_names.fields;
   switch (attempt.likelihood) {

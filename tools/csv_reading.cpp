@@ -46,7 +46,7 @@ private:
   std::size_t code_column;
   std::vector<OwnedText> column_names; // ASCII, normalised
   std::unordered_map<std::string_view, std::size_t> columns_of_names;
-  std::optional<std::size_t> nameless_column; // the one that has texts
+  std::optional<std::size_t> nameless_column; // the only one that may hold texts
   std::optional<std::size_t> lines_of_labels[v_csv_label_count];
   OwnedCodeset codeset = v_codeset_new();
   VRemarkCollection remarks;
@@ -64,7 +64,8 @@ OwnedCodeset TableReader::read() {
     }
   }
   const bool are_readable = read_remarks();
-  // Sorting finds out about equal codes by the way. They are above the line that cannot be read.
+  // Sorting detects duplicate codes. Report them first: they are above the line that cannot be
+  // read.
   if (!v_remark_list_sort_collection(remarks)) {
     set_code_twice_error();
     return nullptr;
@@ -90,7 +91,7 @@ bool TableReader::read_column_names() {
              "for example \"sv\" or \"en-uk\".");
 }
 
-// More than one column without name is allowed, because spreadsheets save empty columns.
+// Several columns may have no name, because spreadsheets save empty columns.
 bool TableReader::read_column_name(std::size_t column) {
   const CsvField &field = head.column_names.fields[column];
   OwnedText name =
@@ -187,7 +188,7 @@ bool TableReader::read_remark(const CsvRecord &record) {
   return true;
 }
 
-// Names the first code that a line above has already.
+// Reports the first code that already occurs in a line above.
 void TableReader::set_code_twice_error() const {
   std::unordered_map<std::string_view, std::size_t> lines;
   for (const auto &[code, line] : lines_of_codes) {
@@ -236,7 +237,7 @@ bool TableReader::read_translation(VLangstrCollection &translations, const CsvFi
   return true;
 }
 
-// False when no text can be in the column.
+// False when the column may not hold a text.
 bool TableReader::accept_column(const CsvPlace &place) {
   if (place.column_name == nullptr) {
     return v_csv_fail_at(place,

@@ -37,7 +37,7 @@ CsvRecordReader::FieldEnd CsvRecordReader::read_field(CsvRecord &record) {
   return end_field();
 }
 
-// A quotation mark inside a text that does not begin with one is a character like any other.
+// A quotation mark is an ordinary character in a field that does not begin with one.
 void CsvRecordReader::read_plain_field(CsvField &field) {
   const char *start = at;
   at = std::find_if(
@@ -48,7 +48,7 @@ void CsvRecordReader::read_plain_field(CsvField &field) {
 bool CsvRecordReader::read_quoted_field(CsvField &field, std::deque<std::string> &unescaped) {
   at++;
   field.text = read_to_quote();
-  std::string *joined = nullptr; // the text as soon as it has a quotation mark
+  std::string *joined = nullptr; // the unescaped text, from the first quotation mark on
   while (at != end && end - at > 1 && at[1] == '"') {
     if (joined == nullptr) {
       joined = &unescaped.emplace_back(field.text);

@@ -1,7 +1,8 @@
 #pragma once
-// The records of a csv document as RFC 4180 has them, and as spreadsheets and people write them:
-// any delimiter, lines that end with a carriage return, a line feed or both, and white space around
-// quotation marks. Knows nothing of codesets. No library that the program links reads csv.
+// Reads the records of a csv document as defined by RFC 4180, and variants that spreadsheets and
+// people write: any delimiter, lines that end with a carriage return, a line feed or both, and
+// white space around quotation marks. Knows nothing of codesets. No library that the program uses
+// reads csv.
 
 #include <cstddef>
 #include <deque>
@@ -14,30 +15,30 @@ struct CsvField {
   std::size_t line;      // of the document where the field begins, from 1
 };
 
-// Fields refer to texts that the record owns, so it is moved, never copied.
+// Fields may refer to texts that the record owns, so records are moved, never copied.
 struct CsvRecord {
   CsvRecord() = default;
   CsvRecord(CsvRecord &&) = default;
   CsvRecord &operator=(CsvRecord &&) = default;
 
   std::vector<CsvField> fields;      // at least one
-  std::deque<std::string> unescaped; // the texts that have quotation marks inside
+  std::deque<std::string> unescaped; // texts with escaped quotation marks, unescaped
 };
 
 enum class CsvStep { record, end, fault };
 
-// No spreadsheet has more columns, and no document can make a record much larger than itself.
+// No spreadsheet has more columns. Limits the memory that a record takes.
 constexpr std::size_t v_csv_maximum_fields = 16'384;
 
 class CsvRecordReader {
 public:
-  // The document is borrowed. Its first line has the given number.
+  // The document is borrowed. first_line: the number of its first line.
   CsvRecordReader(std::string_view document, char its_delimiter, std::size_t first_line);
 
-  // Reads the next record into one whose former fields are dropped. After a fault the record ends
-  // with the field that is at fault, and nothing can be read any more.
+  // Replaces the contents of record by the next record. After a fault, the faulty field is the last
+  // one of the record, and every further call returns CsvStep::fault with an empty record.
   CsvStep read(CsvRecord &record);
-  // Says what is wrong with that field, in plain words (static).
+  // A sentence that says what is wrong with that field (static); null before a fault.
   const char *fault() const { return fault_message; }
 
 private:

@@ -39,14 +39,14 @@ public:
     }
     write_line("code");
   }
-  // Each translation in its column.
+  // Writes each translation into the column of its language.
   void write_translations(const char *label, const VLangstr *langstr) {
     for (; langstr != nullptr; langstr = langstr->next.get()) {
       texts[columns.find(langstr->lang.get())->second] = langstr->text.get();
     }
     write_line(label);
   }
-  // The text in the first column of a language.
+  // Writes the text into the first language column.
   void write_text(const char *label, const char *text) {
     if (!texts.empty()) {
       texts.front() = text;
@@ -56,7 +56,7 @@ public:
   OwnedUtf8String take() { return std::move(csv); }
 
 private:
-  // Leaves the columns empty for the next line.
+  // Clears the texts for the next line.
   void write_line(const char *label) {
     append_field(csv.get(), label);
     for (const char *&text : texts) {
@@ -70,8 +70,8 @@ private:
   }
 
   std::vector<std::string> languages;
-  std::unordered_map<std::string_view, std::size_t> columns; // the keys are the languages
-  std::vector<const char *> texts; // of a line, one for each language; null for none
+  std::unordered_map<std::string_view, std::size_t> columns; // the keys borrow from languages
+  std::vector<const char *> texts; // of the current line, one for each language or null
   OwnedUtf8String csv = v_utf8_string_new(nullptr);
 };
 

@@ -24,8 +24,8 @@ TextsByLanguage index_texts(const VLangstr *langstr) {
   return texts;
 }
 
-// A difference is one line: its sign, the code (or the part of the codeset), and for each language
-// the tag and the texts, separated by tabs.
+// Each difference is one line of fields separated by tabs: a sign, the code or the part of the
+// codeset, the language tag and the texts.
 class Differences {
 public:
   void compare_codesets(const VCodeset *a, const VCodeset *b);

@@ -18,7 +18,7 @@ struct Export {
   OwnedText format;
   OwnedText output; // null for standard output
   OwnedText base;
-  VSkosAddresses addresses; // of the base or the file; for a vocabulary only
+  VSkosAddresses addresses; // from the base or the file name; used for skos only
   OwnedText language;
   bool has_header = false;
   bool may_replace = false;
@@ -60,7 +60,7 @@ const Format *find_format(const char *name) {
   return nullptr;
 }
 
-// The message for options that do not fit together; null when they do.
+// Returns a message when the options do not fit together, else null.
 const char *find_misuse(const Export &wanted) {
   if (find_format(wanted.format.get()) == nullptr) {
     return "The format must be given: --to csv, --to skos or --to html.";
@@ -75,7 +75,7 @@ const char *find_misuse(const Export &wanted) {
   return wanted.language && format != "html" ? "--language is for --to html." : nullptr;
 }
 
-// False with a message for a base that is no absolute address.
+// False with a message when the base is not an absolute address.
 bool find_addresses(Export &wanted, const char *file) {
   if (wanted.base) {
     return v_skos_set_base(wanted.addresses, wanted.base.get());

@@ -16,13 +16,13 @@
 
 namespace {
 
-constexpr std::size_t most_codes_named = 5;
+constexpr std::size_t maximum_codes_named = 5;
 
 // A description in one language.
 struct Text {
   std::size_t hash;
-  std::size_t remark; // its index in remark code order
-  const char *text;   // ISO-8859-1, the remark's
+  std::size_t remark; // index in remark code order
+  const char *text;   // ISO-8859-1, borrowed from the remark
 };
 
 struct Language {
@@ -30,8 +30,8 @@ struct Language {
   std::vector<Text> texts; // in remark code order
 };
 
-// What is compared, gathered in one pass: the remarks are scattered over the memory, and each pass
-// takes a good part of the time of reading the file.
+// The texts to compare, gathered in one pass: the remarks are scattered in memory, and a pass over
+// them takes a considerable part of the time that reading the file does.
 class Contents {
 public:
   explicit Contents(const VCodeset *codeset) {
@@ -80,14 +80,14 @@ std::string convert(const char *latin1_text) {
 
 std::string quote(const char *latin1_text) { return v_tools_quote_text(latin1_text).get(); }
 
-// The codes of the remarks with these indices: "Ab1, Ab2", only the first few of many.
+// The codes of the remarks with these indices, at most the first few: "Ab1, Ab2, ...".
 std::string name_codes(const Contents &contents, const std::vector<std::size_t> &indices) {
   std::string codes;
-  for (std::size_t i = 0; i < std::min(indices.size(), most_codes_named); i++) {
+  for (std::size_t i = 0; i < std::min(indices.size(), maximum_codes_named); i++) {
     codes += i == 0 ? "" : ", ";
     codes += convert(contents.remarks[indices[i]]->code.get());
   }
-  return indices.size() > most_codes_named ? codes + ", ..." : codes;
+  return indices.size() > maximum_codes_named ? codes + ", ..." : codes;
 }
 
 void find_codes_not_read_back(const Contents &contents, std::vector<std::string> &findings) {
@@ -146,7 +146,7 @@ void find_missing_translations(const Contents &contents, std::vector<std::string
   }
 }
 
-// Codes that have one description in common, and the languages in which they have it.
+// The languages in which the same codes share a description.
 struct Duplicate {
   std::vector<std::string> languages;
   const char *text; // ISO-8859-1, in the first of the languages
@@ -155,8 +155,8 @@ using Duplicates = std::map<std::vector<std::size_t>, Duplicate>;
 
 using Texts = std::vector<Text>;
 
-// Adds the codes from first on that have the text of the first one, and moves them to the front.
-// Returns the first of the others.
+// Moves the texts equal to *first to the front of the range, and adds their codes if there are
+// several. Returns the first text that differs.
 Texts::iterator add_duplicate(const std::string &tag, Texts::iterator first, Texts::iterator end,
                               Duplicates &duplicates) {
   const auto others = std::stable_partition(first, end, [text = first->text](const Text &t) {

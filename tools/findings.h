@@ -1,5 +1,5 @@
 #pragma once
-// Finds what the program accepts in a codeset although it is most likely a mistake.
+// Finds likely mistakes in a codeset that the program accepts.
 
 #include <string>
 #include <vector>
@@ -8,11 +8,11 @@
 
 struct Findings {
   std::size_t codes = 0;
-  // The tags of the descriptions, in order of first appearance; "" for a text of unknown language.
+  // The language tags of the descriptions, in order of first appearance; "" is unknown language.
   std::vector<std::string> languages;
-  // One text (UTF-8) for each finding, in this order: a code that could not be read back, a
-  // language that the program does not know, a translation that most codes have and some lack, and
-  // codes with the same description in the same language.
+  // One text (UTF-8) for each finding, in this order: codes that could not be read back, languages
+  // that the program does not know, translations that most codes have and some lack, and codes with
+  // the same description in the same language.
   std::vector<std::string> messages;
 };
 

@@ -30,7 +30,7 @@ struct Import {
   bool may_replace = false;
 };
 
-// Texts that replace those of the table.
+// Texts given by options; they replace those of the table.
 struct Header {
   OwnedLangstr name;
   OwnedLangstr author;
@@ -43,7 +43,7 @@ const char *codeset_extension() {
   return v_file_type_get_default_file_name_extension_with_period(VFileType::remark_codeset);
 }
 
-// The message for options that do not fit; null when they do.
+// Returns a message when an option is missing or wrong, else null.
 const char *find_misuse(const Import &wanted) {
   if (g_strcmp0(wanted.format.get(), "csv") != 0) {
     return "The format must be given: --from csv.";
@@ -63,7 +63,8 @@ bool fail_at_option(const char *option) {
   return false;
 }
 
-// Makes the text of an option's value, which must not be empty.
+// Converts the value of an option. False with a message that begins with the option, also for a
+// value of white space only.
 bool read_text(OwnedText &text, const char *option, std::string_view value) {
   text = v_tools_make_text(value);
   if (text && *text == '\0') {
@@ -73,7 +74,7 @@ bool read_text(OwnedText &text, const char *option, std::string_view value) {
   return text || fail_at_option(option);
 }
 
-// The tag in front of a value like "sv=Metaller"; "" for a value without one.
+// The tag before the "=" in a value like "sv=Metaller"; "" for a value without one.
 std::string_view find_tag(std::string_view value) {
   const std::size_t length = value.find('=');
   const std::string_view tag = length == std::string_view::npos ? "" : value.substr(0, length);
@@ -104,13 +105,13 @@ bool read_header(Header &header, const Import &wanted) {
 
 // ---- The codeset --------------------------------------------------------------------------------
 
-// The name of the file without its ending, in ISO-8859-1; "" when it has none.
+// The file name without its extension, in ISO-8859-1; "" for standard input and output.
 OwnedText name_of_file(const char *file) {
   return v_strip_surrounding_and_spacify_compactly_in_new_for_latin1(
       v_codeset_io_make_substitute_name(v_tools_get_bare_name(file).c_str()).c_str());
 }
 
-// Untagged, because nobody knows the language of a file's name.
+// Untagged, because the language of a file name is unknown.
 OwnedLangstr make_name(const char *output, const char *file) {
   OwnedText name = name_of_file(output);
   if (*name == '\0') {

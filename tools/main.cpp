@@ -5,9 +5,9 @@
 
 namespace {
 
-// A standard stream that the caller has closed would have the number of the next file that is
-// opened, and messages would be written into that file. Reading from the substitute for standard
-// input, and writing to those for the other two, fails as it would with a closed one.
+// The next file opened would get the descriptor of a standard stream that the caller has closed,
+// and messages would be written into that file. The substitutes are opened in the wrong direction,
+// so that reading and writing fail as they do on a closed stream.
 void occupy_closed_streams() {
   for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; stream++) {
     if (fcntl(stream, F_GETFD) == -1) {
@@ -18,7 +18,7 @@ void occupy_closed_streams() {
 
 } // namespace
 
-// Without setlocale: all texts, numbers and messages of the system are the same in every locale,
+// Does not call setlocale, so that texts, numbers and system messages are the same in every locale,
 // and UTF-8.
 int main(int argc, char **argv) {
   occupy_closed_streams();

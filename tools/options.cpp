@@ -83,8 +83,8 @@ gboolean VCommandOptions::take_file(const char *, const char *value, void *comma
   return TRUE;
 }
 
-std::optional<int> VCommandOptions::parse(int argc, char **argv, std::size_t least_files,
-                                          std::size_t most_files) {
+std::optional<int> VCommandOptions::parse(int argc, char **argv, std::size_t minimum_files,
+                                          std::size_t maximum_files) {
   const std::string command = argv[0];
   g_set_prgname(("vantorelle-codeset " + command).c_str());
   const auto fail = [&command](const char *message) {
@@ -103,10 +103,10 @@ std::optional<int> VCommandOptions::parse(int argc, char **argv, std::size_t lea
   if (std::count(files.begin(), files.end(), "") > 0) {
     return fail("The name of a file is empty");
   }
-  if (files.size() < least_files) {
+  if (files.size() < minimum_files) {
     return fail(files.empty() ? "No file is named" : "A file is missing");
   }
-  if (files.size() > most_files) {
+  if (files.size() > maximum_files) {
     return fail("Too many files are named");
   }
   if (std::count(files.begin(), files.end(), "-") > 1) {

@@ -1,6 +1,6 @@
 #pragma once
-// The options and arguments of a command, over the option parser of GLib. Values are taken as
-// bytes, so that they do not depend on the locale.
+// The options and arguments of a command, a layer over GLib's option parser. Values are not
+// converted from the locale's encoding.
 
 #include <functional>
 #include <optional>
@@ -14,30 +14,32 @@ using OwnedOptionContext = Owned<GOptionContext, free_option_context>;
 
 class VCommandOptions {
 public:
-  // arguments: as in "check [OPTION...] FILE...". summary and description: shown by --help before
-  // and after the options. All static texts.
+  // arguments: shown by --help after the name, such as "FILE...". summary and description: shown
+  // before and after the options. All texts are static.
   VCommandOptions(const char *arguments, const char *summary, const char *description);
   VCommandOptions(const VCommandOptions &) = delete;
   VCommandOptions &operator=(const VCommandOptions &) = delete;
 
-  // Adds an option without value; letter is '\0' for none. The texts of these functions are static
-  // too, and their variables must live until parse has returned.
+  // Adds an option without a value; letter is '\0' for none. The texts passed to the add functions
+  // are static too, and the variables must outlive the call of parse.
   void add_switch(const char *name, char letter, const char *help, bool &is_given);
-  // Adds an option whose value is a text (UTF-8). Given twice, the last one counts.
+  // Adds an option whose value is a text (UTF-8). If it is given several times, the last one
+  // counts.
   void add_text(const char *name, char letter, const char *help, const char *value_name,
                 OwnedText &value);
-  // Adds an option whose values are collected in the order in which they are given.
+  // Adds an option whose values (UTF-8) are collected in the order in which they are given.
   void add_texts(const char *name, char letter, const char *help, const char *value_name,
                  std::vector<std::string> &values);
   // Adds an option whose value is a path (file system's encoding) or "-".
   void add_file(const char *name, char letter, const char *help, const char *value_name,
                 OwnedText &path);
 
-  // Parses the arguments. Returns nothing when the command can run, else the exit status with which
-  // it ends: help was shown, or a message was reported, which begins with the command's name. That
-  // is also the case when there are fewer files than least_files or more than most_files, and when
-  // the name of a file or a value is empty.
-  std::optional<int> parse(int argc, char **argv, std::size_t least_files, std::size_t most_files);
+  // Parses the arguments. Returns nullopt when the command is to run, else the exit status: help
+  // was printed, or a message that begins with the command's name was reported. Fewer files than
+  // minimum_files, more than maximum_files, an empty file name or value, and "-" given twice are
+  // errors.
+  std::optional<int> parse(int argc, char **argv, std::size_t minimum_files,
+                           std::size_t maximum_files);
 
   // The arguments: paths in the file system's encoding, or "-".
   std::vector<std::string> files;

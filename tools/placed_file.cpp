@@ -15,12 +15,12 @@ namespace {
 
 constexpr const char *exists_already = "The file exists already; --force replaces it.";
 
-// What a signal that ends the program must remove, in the file system's encoding; null for nothing.
+// Paths that the signal handler removes (file system's encoding); null for none.
 std::atomic<const char *> unfinished_file;
 std::atomic<const char *> unfinished_folder;
-static_assert(std::atomic<const char *>::is_always_lock_free); // so that a handler may read it
+static_assert(std::atomic<const char *>::is_always_lock_free); // async-signal-safe
 
-// The signal is raised again when the handler returns, and then ends the program.
+// The signal is blocked while its handler runs: the one raised here ends the program after that.
 void remove_unfinished(int signal_number) {
   if (const char *file = unfinished_file) {
     unlink(file);
@@ -77,8 +77,8 @@ bool PlacedFile::create_folder(const char *parent, const char *name) {
   return true;
 }
 
-bool PlacedFile::prepare(const char *place, Overwriting overwriting) {
-  OwnedText path = v_fs_utils_convert_osfsenc_to_utf8(place);
+bool PlacedFile::prepare(const char *target_file, Overwriting overwriting) {
+  OwnedText path = v_fs_utils_convert_osfsenc_to_utf8(target_file);
   VFileInfo info;
   if (!path || !v_fs_utils_get_info(path.get(), info)) {
     return false;
@@ -104,9 +104,9 @@ bool PlacedFile::prepare(const char *place, Overwriting overwriting) {
 
 bool PlacedFile::prepare_temporary() { return create_folder(g_get_tmp_dir(), "codeset"); }
 
-// Only one program can create the file that the new one then replaces. Hard links would do the
-// same, but not every file system has them.
-bool PlacedFile::claim_place() {
+// Creates the empty file that the new one then replaces; only one program can succeed. A hard link
+// would do the same, but not every file system has them.
+bool PlacedFile::claim_target() {
   const int descriptor = g_open(target.get(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   if (descriptor != -1) {
     close(descriptor);
@@ -124,17 +124,17 @@ bool PlacedFile::put() {
     v_error_set_file_io_writing();
     return false;
   }
-  if (!may_replace && !claim_place()) {
+  if (!may_replace && !claim_target()) {
     return false;
   }
   if (g_rename(new_name.get(), target.get()) != 0) {
     fail_with_errno();
     if (!may_replace) {
-      g_unlink(target.get()); // the empty file of claim_place
+      g_unlink(target.get()); // the empty file of claim_target
     }
     return false;
   }
-  // Failures of this are ignored: the file is whole and in its place.
+  // Failing to flush the folder is ignored: the file is complete and in place.
   const OwnedText parent(g_path_get_dirname(target.get()));
   if (const OwnedText parent_path = v_fs_utils_convert_osfsenc_to_utf8(parent.get())) {
     v_private_files_sync(parent_path.get());

@@ -22,8 +22,8 @@ bool is_coloured() {
   return is_terminal() && (no_color == nullptr || *no_color == '\0');
 }
 
-// Valid UTF-8 without control characters, which could make a terminal do anything. Blank lines
-// become spaces; the lines after a line feed are indented.
+// Returns valid UTF-8 without control characters, which could be escape sequences of the terminal.
+// A blank line becomes a space; the lines after other line feeds are indented.
 std::string make_printable(const char *text) {
   const OwnedText valid(g_utf8_make_valid(text, -1));
   std::string printable;
@@ -42,7 +42,7 @@ std::string make_printable(const char *text) {
   return printable;
 }
 
-// kind: in front of the message; null for none.
+// kind: put in front of the message; null for none.
 void report(const char *file, const char *kind, const char *message) {
   const bool coloured = is_coloured();
   std::string text = coloured ? bold : "";

@@ -18,24 +18,24 @@
 
 namespace {
 
-// The sheet is written by hand: a style sheet for libxslt would need the whole tree of the file,
-// which takes three times as long as reading the codeset, and would have to sort by itself; and
-// libxml2's writer writes XML, in which "<dd/>" is a whole element and style sheets are escaped.
+// The sheet is written by hand. An XSLT stylesheet would need the tree of the whole file, which
+// takes three times as long to build as reading the codeset, and its own sort. libxml2's writer
+// writes XML, in which an empty element is "<dd/>" and style sheets are escaped.
 
-// Bytes that are still in the processor's cache when they are converted.
+// Bytes; few enough to be still in the processor's cache when they are converted.
 constexpr std::size_t converted_at_once = 32768;
 
-// Remarks with longer texts may be continued in the next column.
-constexpr std::size_t most_characters_in_one_piece = 600;
+// Remarks with longer texts may break across columns.
+constexpr std::size_t maximum_characters_in_one_piece = 600;
 
-// The letters that a code begins with, if a digit follows: "Cr" of "Cr14", "" of "Crack".
+// The characters before the first digit of a code: "Cr" for "Cr14"; "" if it has no digit.
 std::string_view family_of(std::string_view code) {
   const auto is_no_digit = [](char byte) { return byte < '0' || byte > '9'; };
   const auto digit = std::find_if_not(code.begin(), code.end(), is_no_digit);
   return code.substr(0, digit == code.end() ? 0 : static_cast<std::size_t>(digit - code.begin()));
 }
 
-// A text of a style sheet. An escape ends with a space.
+// Appends a CSS string. A space ends an escape.
 void append_css_string(std::string &latin1_css, std::string_view latin1_text) {
   latin1_css += '"';
   for (const char byte : latin1_text) {
@@ -52,7 +52,8 @@ void append_css_string(std::string &latin1_css, std::string_view latin1_text) {
   latin1_css += '"';
 }
 
-// Whether a text of the string has another tag than the first text that was asked about.
+// Whether a translation has another tag than first_tag, which the first call with a translation
+// sets.
 bool has_other_tag(const VLangstr *langstr, const char *&first_tag) {
   if (first_tag == nullptr && langstr != nullptr) {
     first_tag = langstr->lang.get();
@@ -63,7 +64,7 @@ bool has_other_tag(const VLangstr *langstr, const char *&first_tag) {
   return langstr != nullptr;
 }
 
-// Most codesets show it by their names.
+// Returns early for most codesets, whose names are already in several languages.
 bool has_several_tags(const VCodeset *codeset) {
   const char *first_tag = nullptr;
   if (has_other_tag(codeset->name.get(), first_tag) ||
@@ -102,13 +103,13 @@ private:
 
   bool is_in_all_languages() const { return settings == nullptr; }
 
-  // Whether a text of the string is in the language of the sheet.
+  // Whether there is a translation in the language of the sheet.
   bool is_translated(const VLangstr *langstr) const {
     const char *language = settings->preferred_languages.front().c_str();
     return v_langstr_get_string(langstr, language, true) != nullptr;
   }
 
-  // The translation that a sheet in one language shows, and the heading of a sheet in all.
+  // The translation that a sheet in one language shows; the first one for a sheet in all languages.
   const VLangstr *find_shown(const VLangstr *langstr) const {
     if (is_in_all_languages()) {
       return langstr;
@@ -120,7 +121,7 @@ private:
     return langstr;
   }
 
-  // The attribute "lang" of an element, already escaped.
+  // The attribute "lang" with a leading space, escaped.
   const std::string &find_lang_attribute(const char *tag) {
     const auto [entry, is_new] = lang_attributes.try_emplace(tag);
     if (is_new) {
@@ -145,7 +146,8 @@ private:
     append(">\n");
   }
 
-  // Calls visit with each translation that the sheet shows and with whether it shows its tag.
+  // Calls visit(translation, has_tag) for each translation that the sheet shows; has_tag: with its
+  // tag.
   template <typename Visit>
   void visit_shown(const VLangstr *langstr, Visit visit) const {
     if (langstr != nullptr && !is_in_all_languages()) {
@@ -198,7 +200,7 @@ private:
     visit_shown(langstr, [&](const VLangstr *translation, bool has_tag) {
       measure_text(lengths, translation, has_tag);
     });
-    constexpr std::size_t gap = 10; // with the tag
+    constexpr std::size_t gap = 10; // characters for the tag and the space around it
     for (const std::size_t length : lengths) {
       content.header_length += length + gap;
     }
@@ -206,7 +208,7 @@ private:
 
   void measure_remark(const VRemark *remark) {
     content.longest_code = std::max(content.longest_code, std::strlen(remark->code.get()));
-    if (content.rows.size() > v_sheet_most_rows_to_measure) {
+    if (content.rows.size() > v_sheet_maximum_rows_to_measure) {
       return;
     }
     SheetRow &row = content.rows.emplace_back();
@@ -277,7 +279,7 @@ private:
     visit_shown(remark->description.get(), [&](const VLangstr *translation, bool) {
       length += std::strlen(translation->text.get());
     });
-    return length > most_characters_in_one_piece;
+    return length > maximum_characters_in_one_piece;
   }
 
   void append_class(const VRemark *remark) {
@@ -317,8 +319,8 @@ private:
   const VSettings *settings; // null: all languages
   bool has_several_languages;
   SheetContent content;
-  std::unordered_map<std::string_view, std::string> lang_attributes; // the tags are the codeset's
-  std::string latin1_html; // written and not yet converted
+  std::unordered_map<std::string_view, std::string> lang_attributes; // keys borrow from the codeset
+  std::string latin1_html; // text that is not yet converted to UTF-8
   OwnedUtf8String html = v_utf8_string_new("");
 };
 

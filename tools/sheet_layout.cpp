@@ -7,37 +7,37 @@
 
 namespace {
 
-// Sizes of a letter are written "em". These figures are those of the style sheet.
+// These figures must match the style sheet.
 constexpr double page_width = 180;  // mm, without margins
 constexpr double page_height = 265; // mm, likewise
 constexpr double column_gap = 9;    // mm
 constexpr double line_height = 1.3; // em
-constexpr double row_padding = 0.7; // em, with the line between two rows
+constexpr double row_padding = 0.7; // em, including the rule between two rows
 constexpr double family_gap = 0.6;  // em
 constexpr double mm_of_point = 25.4 / 72;
 
-// Estimates: what a character takes in a text of one line and in one that is broken, in which each
-// line ends before a word that is too long for it.
+// Estimated average widths. A character of wrapped text takes more, because each line ends before a
+// word that does not fit.
 constexpr double character_width = 0.46;         // em
 constexpr double wrapped_character_width = 0.51; // em
 constexpr double code_character_width = 0.6;     // em, bold
 constexpr double tag_character_width = 0.4;      // em, small
 constexpr double code_gap = 0.5;                 // em
 constexpr double tag_gap = 0.6;                  // em
-// Rows are not broken, so that columns are not filled to the end.
+// Rows do not break across columns, so columns are not filled to the end.
 constexpr double usable_part = 0.96;
 
-// Longer codes and tags are broken.
-constexpr std::size_t least_code_length = 5;
-constexpr std::size_t most_code_length = 14;
-constexpr std::size_t most_tag_length = 9;
+// Characters for which space is reserved; longer codes and tags are wrapped.
+constexpr std::size_t minimum_code_length = 5;
+constexpr std::size_t maximum_code_length = 14;
+constexpr std::size_t maximum_tag_length = 9;
 
 struct Letters {
   int points;
   int columns;
 };
 
-// The largest first. Large letters need the whole width.
+// The largest first. Large fonts need the whole width.
 constexpr Letters choices[] = {{18, 1}, {16, 1}, {14, 1}, {14, 2}, {13, 2},
                                {12, 2}, {11, 2}, {10, 2}, {9, 2}};
 
@@ -57,7 +57,7 @@ double find_text_width(const SheetLayout &layout) {
   return column / em_in_mm(layout) - layout.code_width - layout.tag_width;
 }
 
-// Height of all rows below each other, in em.
+// Height of all rows in a single column, in em.
 double find_list_height(const SheetContent &content, const SheetLayout &layout) {
   const double width = find_text_width(layout);
   double height = 0;
@@ -71,7 +71,7 @@ double find_list_height(const SheetContent &content, const SheetLayout &layout) 
   return height;
 }
 
-// Height of the title with the lines below it, in em.
+// Height of the title and the lines below it, in em.
 double find_header_height(const SheetContent &content, const SheetLayout &layout) {
   constexpr double title_and_gaps = 4;
   const double width = page_width / em_in_mm(layout);
@@ -89,12 +89,12 @@ bool fits_on_one_page(const SheetContent &content, const SheetLayout &layout) {
 SheetLayout v_sheet_choose_layout(const SheetContent &content) {
   SheetLayout layout;
   const std::size_t code_length =
-      std::clamp(content.longest_code, least_code_length, most_code_length);
-  const std::size_t tag_length = std::min(content.longest_tag, most_tag_length);
+      std::clamp(content.longest_code, minimum_code_length, maximum_code_length);
+  const std::size_t tag_length = std::min(content.longest_tag, maximum_tag_length);
   layout.code_width = code_gap + code_character_width * static_cast<double>(code_length);
   layout.tag_width =
       tag_length == 0 ? 0 : tag_gap + tag_character_width * static_cast<double>(tag_length);
-  if (content.rows.size() > v_sheet_most_rows_to_measure) {
+  if (content.rows.size() > v_sheet_maximum_rows_to_measure) {
     return layout;
   }
   for (const Letters &letters : choices) {

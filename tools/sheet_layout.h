@@ -1,7 +1,7 @@
 #pragma once
-// How large the letters of a sheet are, and how wide its columns. A short list is read from afar,
-// so it gets the largest letters with which it still fits on one page. Widths of texts are
-// estimated: only the browser knows its fonts.
+// Chooses the font size and the column widths of a sheet. Sheets are read from a distance, so a
+// short list gets the largest font with which it fits on one page. Text widths are estimates,
+// because only the browser knows its fonts.
 
 #include <cstddef>
 #include <string>
@@ -17,19 +17,19 @@ struct SheetContent {
   std::vector<SheetRow> rows;
   std::size_t longest_code = 0;  // characters
   std::size_t longest_tag = 0;   // characters; 0 when no text has one
-  std::size_t header_length = 0; // characters below the title
+  std::size_t header_length = 0; // characters of the lines below the title
 };
 
-// Lists with more codes do not fit on one page.
-inline constexpr std::size_t v_sheet_most_rows_to_measure = 150;
+// Lists with more codes never fit on one page.
+inline constexpr std::size_t v_sheet_maximum_rows_to_measure = 150;
 
 struct SheetLayout {
-  int points = 10;       // size of the letters; this one for lists of several pages
+  int points = 10;       // font size; the default is for lists of several pages
   int columns = 2;       // likewise
-  double code_width = 0; // of the column of codes, in sizes of a letter
-  double tag_width = 0;  // of the column of tags, in the same unit
+  double code_width = 0; // of the codes, in em
+  double tag_width = 0;  // of the tags, in em
 };
 
 SheetLayout v_sheet_choose_layout(const SheetContent &content);
-// The layout as properties of a style sheet.
+// The layout as CSS custom properties.
 std::string v_sheet_format_layout(const SheetLayout &layout);

@@ -20,13 +20,13 @@ constexpr std::string_view prefixes = "@prefix skos: <http://www.w3.org/2004/02/
 
 // --- Addresses
 
-// Characters that no IRI of a Turtle document may have.
+// Characters that an IRI in Turtle may not contain.
 bool is_forbidden(char byte) {
   return static_cast<unsigned char>(byte) <= ' ' || std::strchr("<>\"{}|^`\\", byte) != nullptr;
 }
 
 void append_percent_encoded(VUtf8String *iri, const char *utf8_text) {
-  // As a last segment these two mean a folder, and a reader of the file may resolve them.
+  // Programs that resolve IRIs remove the segments "." and "..".
   if (std::strcmp(utf8_text, ".") == 0) {
     v_utf8_string_append(iri, "%2E");
   } else if (std::strcmp(utf8_text, "..") == 0) {
@@ -40,12 +40,12 @@ void append_percent_encoded(VUtf8String *iri, const char *utf8_text) {
 
 // A language of the vocabulary.
 struct Language {
-  std::string ending;                 // of a text: the quotation mark and "@en-GB", if there is one
-  const VLangstr *labelled = nullptr; // the last string that got a preferred label
+  std::string ending;                  // of a literal: the quotation mark and "@en-GB", if any
+  const VLangstr *labelled = nullptr;  // the last string that got a preferred label
   const VLangstr *preferred = nullptr; // that label
 };
 
-// The languages of all texts that have been written. Each tag is converted only once.
+// The languages of all texts written so far. Each tag is converted only once.
 class Languages {
 public:
   Language &find(const char *tag) {
@@ -60,19 +60,19 @@ public:
   }
 
 private:
-  std::unordered_map<std::string_view, Language *> by_tag; // the tags are the codeset's
+  std::unordered_map<std::string_view, Language *> by_tag; // the keys borrow from the codeset
   std::unordered_map<std::string, Language> by_bcp47;
 };
 
 // --- Turtle
 
-// The beginnings of properties whose values are texts, after the end of whatever is before them.
+// The beginnings of properties with literal values, with the separator before them.
 constexpr std::string_view preferred_label = " ;\n    skos:prefLabel \"";
 constexpr std::string_view alternative_label = " ;\n    skos:altLabel \"";
 constexpr std::string_view notation = " ;\n    skos:notation \"";
 constexpr std::string_view title = " ;\n    dcterms:title \"";
 constexpr std::string_view version = " ;\n    owl:versionInfo \"";
-// Not dcterms:creator, whose values are persons with addresses.
+// Not dcterms:creator, whose values must be resources, not literals.
 constexpr std::string_view creator = " ;\n    dc:creator \"";
 constexpr std::string_view without_language = "\"";
 
@@ -93,7 +93,7 @@ std::string escape(char byte) {
   }
 }
 
-// Turtle is written by hand: the serialiser of the raptor library keeps all triples in a tree
+// Turtle is written by hand: the serialiser of the raptor library builds a tree of all triples
 // before it writes the first one, which takes seven times as long as reading the codeset.
 class TurtleWriter {
 public:
@@ -126,7 +126,7 @@ private:
     append(">");
   }
 
-  // Appends a property whose value is a text.
+  // Appends a property whose value is a literal.
   void append_property(std::string_view beginning, const char *latin1_text,
                        std::string_view ending) {
     constexpr const char *escaped_bytes = "\"\\\n\r\t";
@@ -147,15 +147,15 @@ private:
     v_utf8_string_append_latin1(turtle.get(), escaped.c_str());
   }
 
-  // One property for each translation, whatever their languages.
+  // Appends one property for each translation, even if several have the same language.
   void append_texts(std::string_view beginning, const VLangstr *langstr) {
     for (; langstr != nullptr; langstr = langstr->next.get()) {
       append_property(beginning, langstr->text.get(), languages.find(langstr->lang.get()).ending);
     }
   }
 
-  // A resource has at most one preferred label in a language, and no text is both its preferred and
-  // its alternative label.
+  // SKOS allows one preferred label per language, and no label that is both preferred and
+  // alternative.
   void append_labels(const VLangstr *langstr) {
     for (const VLangstr *label = langstr; label != nullptr; label = label->next.get()) {
       Language &language = languages.find(label->lang.get());
@@ -198,7 +198,7 @@ private:
   std::string membership; // the end of each concept
   Languages languages;
   OwnedUtf8String turtle = v_utf8_string_new("");
-  OwnedUtf8String code = v_utf8_string_new(""); // kept for its memory
+  OwnedUtf8String code = v_utf8_string_new(""); // reused to avoid allocations
 };
 
 } // namespace

@@ -18,21 +18,21 @@ int points_of(std::size_t rows, std::size_t length) {
   return v_sheet_choose_layout(content_of(rows, {{length}, false})).points;
 }
 
-TEST(SheetLayout, GivesShortListsLargeLettersInOneColumn) {
+TEST(SheetLayout, GivesShortListsALargeFontInOneColumn) {
   const SheetLayout layout = v_sheet_choose_layout(content_of(10, {{30}, false}));
   EXPECT_EQ(layout.points, 18);
   EXPECT_EQ(layout.columns, 1);
 }
 
-TEST(SheetLayout, GivesListsOfSeveralPagesTheNormalLettersInTwoColumns) {
-  for (const std::size_t rows : {std::size_t(120), v_sheet_most_rows_to_measure + 1}) {
+TEST(SheetLayout, GivesListsOfSeveralPagesTheNormalFontInTwoColumns) {
+  for (const std::size_t rows : {std::size_t(120), v_sheet_maximum_rows_to_measure + 1}) {
     const SheetLayout layout = v_sheet_choose_layout(content_of(rows, {{60}, false}));
     EXPECT_EQ(layout.points, 10);
     EXPECT_EQ(layout.columns, 2);
   }
 }
 
-TEST(SheetLayout, GivesAListThatNearlyFitsOnOnePageSmallLetters) {
+TEST(SheetLayout, GivesAListThatNearlyFitsOnOnePageASmallFont) {
   int smallest = 10;
   for (std::size_t rows = 40; rows < 120; rows++) {
     smallest = std::min(smallest, points_of(rows, 40));
@@ -40,7 +40,7 @@ TEST(SheetLayout, GivesAListThatNearlyFitsOnOnePageSmallLetters) {
   EXPECT_EQ(smallest, 9);
 }
 
-TEST(SheetLayout, HasNoLargerLettersForALongerList) {
+TEST(SheetLayout, NeverGivesALongerListALargerFont) {
   int points = points_of(1, 30);
   for (std::size_t rows = 1; points > 10; rows++) {
     EXPECT_LE(points_of(rows, 30), points) << rows;
@@ -48,7 +48,7 @@ TEST(SheetLayout, HasNoLargerLettersForALongerList) {
   }
 }
 
-// How many of these rows fit on a page in the largest letters.
+// The number of such rows that fit on a page in the largest font.
 std::size_t count_rows_that_fit(const SheetRow &row, std::size_t header_length = 40) {
   std::size_t rows = 0;
   SheetContent content;
@@ -60,7 +60,7 @@ std::size_t count_rows_that_fit(const SheetRow &row, std::size_t header_length =
   return rows - 1;
 }
 
-TEST(SheetLayout, CountsEverythingThatNeedsRoom) {
+TEST(SheetLayout, CountsEverythingThatTakesSpace) {
   const std::size_t rows = count_rows_that_fit({{30}, false});
   EXPECT_LT(count_rows_that_fit({{200}, false}), rows) << "long texts";
   EXPECT_LT(count_rows_that_fit({{30, 30}, false}), rows) << "several languages";
@@ -68,7 +68,7 @@ TEST(SheetLayout, CountsEverythingThatNeedsRoom) {
   EXPECT_LT(count_rows_that_fit({{30}, false}, 900), rows) << "long names";
 }
 
-TEST(SheetLayout, KeepsRoomForACodeWithoutText) {
+TEST(SheetLayout, ReservesSpaceForACodeWithoutText) {
   EXPECT_LT(v_sheet_choose_layout(content_of(60, {})).points, 18);
 }
 
@@ -96,7 +96,7 @@ TEST(SheetLayout, HasAColumnForTagsOnlyWhereThereAreTags) {
   EXPECT_DOUBLE_EQ(width(9), width(1000));
 }
 
-TEST(SheetLayout, IsWrittenAsPropertiesInEveryLocale) {
+TEST(SheetLayout, IsFormattedAsCssInEveryLocale) {
   EXPECT_EQ(
       v_sheet_format_layout({.points = 12, .columns = 2, .code_width = 3.5, .tag_width = 2.25}),
       "article {\n"
