@@ -45,7 +45,7 @@ class Check(CommandTest):
         )
         self.assertEqual(self.run_program("check", "-s", "b.codeset").status, GOOD)
 
-    def test_tells_why_a_file_is_refused_and_checks_the_others(self):
+    def test_says_why_a_file_is_refused_and_checks_the_others(self):
         self.write("name.codeset", codeset_xml(SOUND, name=""))
         self.write("twice.codeset", codeset_xml(SOUND[:1] * 2))
         self.write("a.codeset", codeset_xml(SUSPICIOUS))

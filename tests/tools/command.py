@@ -26,12 +26,12 @@ class Result:
 
     @property
     def output(self):
-        """All but codesets are printed in UTF-8."""
+        """The output as text: everything but codesets is printed in UTF-8."""
         return self.output_bytes.decode("utf-8")
 
 
 def environment(**variables):
-    """The environment of a user with English texts and nothing of whoever runs the tests."""
+    """The environment of an English-speaking user, independent of that of the test run."""
     kept = {name: os.environ[name] for name in ("PATH", "LSAN_OPTIONS") if name in os.environ}
     return {**kept, "LC_ALL": "en_GB.UTF-8", **variables}
 
@@ -51,7 +51,7 @@ def run(*arguments, folder, stdin=b"", **variables):
 
 
 def codeset_xml(remarks, name="<name lang='en-uk'>A name</name>"):
-    """A codeset file of (code, {tag: text}) pairs. The empty tag is that of an unknown language."""
+    """A codeset file of (code, {tag: text}) pairs. The empty tag stands for unknown language."""
     xml = f"<?xml version='1.0' encoding='iso-8859-1'?><codeset>{name}"
     for code, description in remarks:
         xml += f"<remark><code>{saxutils.escape(code)}</code>"
@@ -63,7 +63,7 @@ def codeset_xml(remarks, name="<name lang='en-uk'>A name</name>"):
 
 
 class CommandTest(unittest.TestCase):
-    """Each test has an empty folder, which the program is run in."""
+    """Each test runs the program in an empty folder of its own."""
 
     maxDiff = None
 
@@ -84,7 +84,7 @@ class CommandTest(unittest.TestCase):
         self.assertEqual((result.status, result.output, result.errors), (status, output, errors))
 
     def expect_golden(self, name, content):
-        """The bytes are those of the golden file. scripts/accept-golden writes it anew."""
+        """The bytes equal the golden file, which scripts/accept-golden rewrites."""
         path = GOLDEN / name
         if os.environ.get("VANTORELLE_ACCEPT_GOLDEN"):
             path.parent.mkdir(parents=True, exist_ok=True)

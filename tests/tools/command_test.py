@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""vantorelle-codeset: its options and its behaviour as a command among others."""
+"""vantorelle-codeset: its options, and its behaviour in pipes and on terminals."""
 
 import os
 import pty
@@ -46,7 +46,7 @@ class Command(CommandTest):
         (version,) = re.findall(r"VERSION (\S+)", (SOURCE / "CMakeLists.txt").read_text())[1:2]
         self.expect(self.run_program("--version"), GOOD, f"vantorelle-codeset {version}\n")
 
-    def test_tells_what_is_wrong_with_its_arguments(self):
+    def test_says_what_is_wrong_with_its_arguments(self):
         see = 'see "vantorelle-codeset --help"'
         see_list = 'see "vantorelle-codeset list --help"'
         see_diff = 'see "vantorelle-codeset diff --help"'
@@ -85,7 +85,7 @@ class Command(CommandTest):
             result = self.run_program("check", "ä ü.codeset", LC_ALL=locale)
             self.assertEqual(result.output, "ä ü.codeset: 2 codes, en-uk\n")
 
-    def test_links_no_library_of_windows(self):
+    def test_links_no_gui_library(self):
         libraries = subprocess.run(
             ("ldd", PROGRAM), stdout=subprocess.PIPE, text=True, check=True
         ).stdout
@@ -121,19 +121,19 @@ class Streams(CommandTest):
         self.assertEqual(self.shell('"$PROGRAM" list <(cat a)').stdout, "1\tCrack\n2\tCrack\n")
         self.assertEqual(self.shell('cat a | "$PROGRAM" diff a -').returncode, GOOD)
 
-    def test_leaves_nothing_of_standard_input(self):
+    def test_leaves_no_copy_of_standard_input_behind(self):
         self.assertEqual(
             self.shell('mkdir t; TMPDIR=t "$PROGRAM" list - <a; ls -A t').stdout[-2:], "k\n"
         )
 
-    def test_leaves_nothing_when_nobody_reads_its_codeset(self):
+    def test_leaves_no_file_behind_when_nobody_reads_its_codeset(self):
         rows = "".join(f"{i},{'x' * 50}\n" for i in range(2000))  # more than a pipe takes at once
         self.write("table", f"code,sv\n{rows}".encode())
         command = 'mkdir t; TMPDIR=t "$PROGRAM" import --from csv table -o - | true; ls -A t'
         result = self.shell(command)
         self.assertEqual((result.stdout, result.stderr), ("", ""))
 
-    def test_leaves_nothing_of_a_file_that_becomes_too_large(self):
+    def test_leaves_no_part_of_a_file_that_becomes_too_large(self):
         self.write("table", f"code,sv\n1,{'x' * 5000}\n".encode())
         self.shell('ulimit -f 1; "$PROGRAM" import --from csv table -o b.codeset')
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["a", "table"])
@@ -181,7 +181,7 @@ class Terminal(CommandTest):
     """Standard error is a terminal."""
 
     def run_on_terminal(self, *arguments, late_input=None, **variables):
-        """Returns what the terminal received. Input that is late comes after more than a second."""
+        """Returns what the terminal received. Late input arrives after more than a second."""
         terminal, end = pty.openpty()
         with subprocess.Popen(
             (PROGRAM, *arguments),

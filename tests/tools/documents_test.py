@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The manual page of vantorelle-codeset and its completion know what its help shows."""
+"""The manual page and the completion of vantorelle-codeset cover all that its help shows."""
 
 import re
 import shlex

@@ -24,7 +24,7 @@ ESCAPED = re.compile(r"\\(?:u([0-9A-F]{4})|U([0-9A-F]{8})|(.))")
 EASEL = next(path for path in DELIVERED if path.name.startswith("easel"))
 
 REMARKS = [("Ab1", {"en-uk": "Abrasion", "sv": "Avnötning"}), ("Cr2", {"en-uk": "Crack"})]
-# Everything that a code, a text or a tag can have in a file.
+# Codes, texts and tags with odd characters of every kind.
 ODD_REMARKS = [
     (".", {"en-uk": 'A "quoted" \\ text'}),
     ("..", {"": "no language"}),
@@ -102,7 +102,7 @@ class Table(CommandTest):
         self.assertEqual(rows[2][:2], ["version", version])
         self.assertEqual(rows[3:], self.rows_of(EASEL))
 
-    def test_becomes_the_same_codeset_again(self):
+    def test_round_trips(self):
         for path in DELIVERED:
             with self.subTest(path.name):
                 table = self.write("table.csv", self.export(path, "--with-header").encode())
@@ -126,7 +126,7 @@ class Vocabulary(CommandTest):
         return values
 
     def expect_integrity(self, values, scheme):
-        """What SKOS asks of every vocabulary, and what every vocabulary of ours has."""
+        """The rules of SKOS for every vocabulary, and those of our own."""
         concepts = set(values) - {scheme}
         self.assertEqual(values[scheme][RDF_TYPE], [SKOS + "ConceptScheme"])
         self.assertEqual(set(values[scheme]["hasTopConcept"]), concepts)
@@ -190,7 +190,7 @@ class Vocabulary(CommandTest):
         self.write("large.codeset", codeset_xml(remarks))
         self.expect_same("large.codeset", "urn:x-codeset:large")
 
-    def test_is_whole_with_odd_codes_texts_and_tags(self):
+    def test_is_complete_with_odd_codes_texts_and_tags(self):
         self.write("odd.codeset", codeset_xml(ODD_REMARKS))
         for scheme, options in {
             "urn:x-codeset:odd": (),
@@ -312,7 +312,7 @@ class Sheet(CommandTest):
         document = self.export(EASEL)
         self.assertNotRegex(document, r"(?i)\b(?:src|href|url|@import|https?:)")
 
-    def test_tells_that_nothing_is_in_the_wanted_language(self):
+    def test_warns_that_nothing_is_in_the_wanted_language(self):
         self.write("a.codeset", codeset_xml(REMARKS))
         result = self.run_program("export", "--to=html", "a.codeset", "--language", "nl")
         self.assertEqual(
@@ -323,7 +323,7 @@ class Sheet(CommandTest):
 
 
 def without_style(document):
-    """The bytes of a sheet without the style sheet, which is a file of its own."""
+    """The bytes of a sheet without the style sheet, which has a file of its own."""
     return re.sub(
         r"(?s)<style>\n/\*.*?\n(?=@page \{\n  @bottom-left \{\n    content)", "<style>\n", document
     ).encode()
@@ -340,7 +340,7 @@ class Export(CommandTest):
             self.expect(self.run_program("export", "--to", form, "a.codeset", "-o", form), GOOD)
             self.assertEqual((self.folder / form).read_bytes(), printed)
 
-    def test_replaces_a_file_only_when_it_is_told_to(self):
+    def test_replaces_a_file_only_with_force(self):
         self.write("out", b"old")
         command = ("export", "--to", "html", "a.codeset", "--output", "out")
         self.expect(
@@ -387,7 +387,7 @@ class Export(CommandTest):
                     errors=f"vantorelle-codeset: export: {message}\n",
                 )
 
-    def test_tells_why_a_codeset_is_refused_and_writes_nothing(self):
+    def test_says_why_a_codeset_is_refused_and_writes_nothing(self):
         self.write("broken", b"<codeset>")
         result = self.run_program("export", "--to", "html", "broken", "-o", "out")
         self.assertEqual((result.status, result.output), (FAILED, ""))
@@ -396,7 +396,7 @@ class Export(CommandTest):
         )
         self.assertFalse((self.folder / "out").exists())
 
-    def test_tells_why_a_file_cannot_be_written(self):
+    def test_says_why_a_file_cannot_be_written(self):
         result = self.run_program("export", "--to", "html", "a.codeset", "-o", "none/out")
         self.assertEqual((result.status, result.output), (FAILED, ""))
         self.assertRegex(result.errors, r"^vantorelle-codeset: none/out: .*No such file.*\n$")

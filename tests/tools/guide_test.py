@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The guide to spreadsheets: its table and its commands give what it says."""
+"""The guide to spreadsheets: its tables and commands give the results that it shows."""
 
 import csv
 import io
@@ -26,7 +26,7 @@ class Guide(CommandTest):
             result = self.run_program(*arguments)
             self.assertEqual(result.output + result.errors, expected, command)
 
-    def test_its_two_tables_are_the_same(self):
+    def test_its_table_and_its_csv_have_the_same_content(self):
         (table,) = blocks("csv")
         lines = re.findall(r"(?m)^\|(?!-)(.*)\|$", GUIDE)
         rows = [[field.strip() for field in line.split("|")] for line in lines]

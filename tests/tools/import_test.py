@@ -114,7 +114,7 @@ class Import(CommandTest):
             CODESET[: CODESET.index("\t<name")] + head + CODESET[CODESET.index("\n\t<remark") :]
         )
 
-    def test_takes_a_sign_of_equality_in_a_name_for_one_behind_no_tag(self):
+    def test_keeps_an_equals_sign_that_does_not_follow_a_tag(self):
         self.expect(self.import_table("code,sv\n1,a\n", "--name", "2 x 2=4"), GOOD)
         self.assertIn(b'<name lang="">2 x 2=4</name>', (self.folder / "out.codeset").read_bytes())
         self.expect(self.import_table("code,sv\n1,a\n", "--name", "=x=y", "--force"), GOOD)

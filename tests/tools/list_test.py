@@ -51,7 +51,7 @@ class List(CommandTest):
         for locale in ("C", "de_DE.ISO-8859-1", "ja_JP.EUC-JP"):
             self.assertEqual(self.lines("-l", "sv", LC_ALL=locale)[1], "10\tKrackelé")
 
-    def test_tells_that_nothing_is_in_the_wanted_language(self):
+    def test_warns_that_nothing_is_in_the_wanted_language(self):
         self.expect(
             self.run_program("list", "-l", "nl", "a.codeset"),
             GOOD,
@@ -72,7 +72,7 @@ class List(CommandTest):
         result = self.run_program("list", easel, "--language=de")
         self.expect_golden("list/easel-paintings-de.txt", result.output_bytes)
 
-    def test_tells_why_a_file_is_refused(self):
+    def test_says_why_a_file_is_refused(self):
         self.expect(
             self.run_program("list", "none"),
             FAILED,

@@ -68,7 +68,7 @@ TEST_F(CodesetFiles, AreReadFromANamedPipe) {
   EXPECT_TRUE(v_tools_codesets_are_equal(read.get(), codeset.get()));
 }
 
-TEST_F(CodesetFiles, HaveABareNameWithoutFoldersAndEnding) {
+TEST_F(CodesetFiles, HaveABareNameWithoutFoldersAndExtension) {
   EXPECT_EQ(v_tools_get_bare_name("easel_paintings.codeset"), "easel_paintings");
   EXPECT_EQ(v_tools_get_bare_name("/a.b/Panel 2.1.codeset"), "Panel 2.1");
   EXPECT_EQ(v_tools_get_bare_name("a.b/none"), "none");
@@ -78,7 +78,7 @@ TEST_F(CodesetFiles, HaveABareNameWithoutFoldersAndEnding) {
   EXPECT_STREQ(v_error_get(), "of an earlier failure");
 }
 
-TEST_F(CodesetFiles, GiveAllBytesOfAText) {
+TEST_F(CodesetFiles, ReturnAllBytesOfAText) {
   const std::string bytes("a\r\n\0b\xff", 6);
   write_file(path, bytes);
   std::string text = "what was there";
@@ -86,7 +86,7 @@ TEST_F(CodesetFiles, GiveAllBytesOfAText) {
   EXPECT_EQ(text, bytes);
 }
 
-TEST_F(CodesetFiles, TellWhyATextCannotBeRead) {
+TEST_F(CodesetFiles, SayWhyATextCannotBeRead) {
   std::string text;
   EXPECT_FALSE(v_tools_read_text((folder / "none").c_str(), text));
   EXPECT_STREQ(v_error_get(), "Cannot open file.\n\nError 2: No such file or directory");
@@ -137,14 +137,14 @@ TEST_F(CodesetFiles, DoNotFollowALinkToNothing) {
   EXPECT_THAT(list_folder(folder.path()), ElementsAre("a.codeset"));
 }
 
-TEST_F(CodesetFiles, ReplaceNothingThatIsNoRegularFile) {
+TEST_F(CodesetFiles, ReplaceOnlyRegularFiles) {
   EXPECT_EQ(result_of(v_tools_write_text(folder.path(), "new", Overwriting::allowed)),
             "Not a regular file.");
   EXPECT_EQ(result_of(v_tools_write_text("/dev/null", "new", Overwriting::allowed)),
             "Not a regular file.");
 }
 
-TEST_F(CodesetFiles, TellWhyAFileCannotBeWritten) {
+TEST_F(CodesetFiles, SayWhyAFileCannotBeWritten) {
   EXPECT_EQ(result_of(v_tools_write_text((folder / "none/a").c_str(), "", Overwriting::refused)),
             "Cannot create file.\n\nError 2: No such file or directory");
   set_permissions(folder.path(), 0555);
@@ -167,7 +167,7 @@ TEST_F(CodesetFiles, LeaveTheOldFileWhenTheDiskIsFull) {
   EXPECT_THAT(list_folder(folder.path()), ElementsAre("a.codeset"));
 }
 
-// The number of the signal that ends a process which receives this one while it writes a file.
+// Sends the signal to a process that is writing a file; returns the signal that ended the process.
 int signal_that_ends_writing(const std::string &path, int signal_number) {
   const pid_t writer = fork();
   if (writer == 0) {
@@ -190,7 +190,7 @@ TEST_F(CodesetFiles, LeaveNothingWhenASignalEndsTheProgram) {
   }
 }
 
-TEST_F(CodesetFiles, AreWrittenInSpiteOfASignalThatIsIgnored) {
+TEST_F(CodesetFiles, AreWrittenDespiteAnIgnoredSignal) {
   const auto old_handler = signal(SIGHUP, SIG_IGN);
   EXPECT_EQ(signal_that_ends_writing(path, SIGHUP), 0);
   signal(SIGHUP, old_handler);
@@ -205,7 +205,7 @@ TEST_F(CodesetFiles, WriteACodesetAsTheWindowDoes) {
   EXPECT_EQ(read_file(path), read_file(expected));
 }
 
-TEST_F(CodesetFiles, DoNotPutACodesetInPlaceThatCannotBeReadBack) {
+TEST_F(CodesetFiles, AreNotReplacedByACodesetThatCannotBeReadBack) {
   const OwnedCodeset broken = codeset_of({{"a&b", {{"sv", "a"}}}});
   EXPECT_THAT(result_of(v_tools_write_codeset(broken.get(), path.c_str(), Overwriting::refused)),
               HasSubstr("Could not parse XML data."));

@@ -91,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "en-uk,CODE,sv\nAbrasion,Ab1,Avn\xC3\xB6tning\nWorn,Ab2,Sliten\n"},
         Spelling{"LinesInAnyOrder",
                  "code,en-uk,sv\nAb2,Worn,Sliten\nAb1,Abrasion,Avn\xC3\xB6tning\n"},
-        // An o followed by its dots as a character of its own.
+        // An o followed by a combining diaeresis.
         Spelling{"AccentsAsCharactersOfTheirOwn",
                  "code,en-uk,sv\nAb1,Abrasion,Avno\xCC\x88tning\nAb2,Worn,Sliten\n"}),
     [](const auto &tested) { return tested.param.name; });
@@ -106,17 +106,17 @@ TEST(CsvReading, TakesFieldsLiterally) {
                      {"3", {{"sv", "=1+1"}, {"de", "'x'"}}}}));
 }
 
-TEST(CsvReading, MakesOneSpaceOfWhiteSpaceInATextLikeTheReaderOfCodesets) {
+TEST(CsvReading, CollapsesWhitespaceLikeTheCodesetReader) {
   EXPECT_EQ(remarks_in("code,sv\n\" A\n1 \",\"  two\r\n\r\nlines\tand\ra  tab \"\n"),
             (Remarks{{"A 1", {{"sv", "two lines and a tab"}}}}));
 }
 
-TEST(CsvReading, TakesAnEmptyFieldForNoTranslation) {
+TEST(CsvReading, ReadsAnEmptyFieldAsNoTranslation) {
   EXPECT_EQ(remarks_in("code,en-uk,sv\n1,,ett\n2,two\n3,\" \",tre\n"),
             (Remarks{{"1", {{"sv", "ett"}}}, {"2", {{"en-uk", "two"}}}, {"3", {{"sv", "tre"}}}}));
 }
 
-TEST(CsvReading, TakesAColumnWithoutNameForTextsOfUnknownLanguage) {
+TEST(CsvReading, ReadsAColumnWithoutANameAsTextsOfUnknownLanguage) {
   EXPECT_EQ(remarks_in("code,,sv,\n1,x,ett,\n2,y,,\n"),
             (Remarks{{"1", {{"", "x"}, {"sv", "ett"}}}, {"2", {{"", "y"}}}}));
 }
@@ -163,7 +163,7 @@ TEST(CsvReading, LeavesNameAuthorAndVersionEmptyWithoutTheirLines) {
   EXPECT_EQ(codeset->version, nullptr);
 }
 
-TEST(CsvReading, ReadsANameThatIsTheWordForTheCodes) {
+TEST(CsvReading, ReadsALabelledLineThatHoldsTheWordCode) {
   EXPECT_EQ(translations_of(read("name,code\ncode,en-uk\n1,one\n")->name),
             (Translations{{"en-uk", "code"}}));
 }
@@ -332,7 +332,7 @@ TEST(CsvReading, RefusesALineWithMoreColumnsThanSpreadsheetsHave) {
               StartsWith("Line 3, column 16385: this line has more columns"));
 }
 
-// A fault of the growth would take minutes here.
+// A quadratic reader would take minutes here.
 TEST(CsvReading, ReadsLongTextsAndManyLinesInLinearTime) {
   std::string csv = "code,sv\n1,\"";
   for (int i = 0; i < 1'000'000; i++) {

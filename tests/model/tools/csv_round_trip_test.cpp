@@ -14,8 +14,8 @@
 
 namespace {
 
-// Name, author, version and remarks. The translations are sorted, because a table has them in the
-// order of its columns.
+// Name, author, version and remarks. The translations are sorted, because a table returns them in
+// the order of its columns.
 using Contents = std::tuple<Translations, Translations, std::string, Remarks>;
 
 Translations sorted(Translations translations) {
@@ -41,7 +41,7 @@ std::string csv_of(const VCodeset *codeset, bool with_header) {
   return {csv->str, csv->len};
 }
 
-// Writes the codeset as csv with its name, author and version, and reads it.
+// Writes the codeset as csv with its name, author and version, and reads it back.
 OwnedCodeset pass_through_csv(const VCodeset *codeset) {
   const std::string csv = csv_of(codeset, true);
   OwnedCodeset read = v_csv_read_codeset(csv);

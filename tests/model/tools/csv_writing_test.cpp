@@ -51,7 +51,7 @@ TEST(CsvWriting, WritesNameAuthorAndVersionAboveTheColumnNames) {
                                          "1,,ett,\r\n");
 }
 
-TEST(CsvWriting, LeavesOutTheLinesOfWhatACodesetDoesNotHave) {
+TEST(CsvWriting, LeavesOutLinesForMissingParts) {
   const OwnedCodeset codeset = table_of({{"1", {{"sv", "ett"}}}});
   EXPECT_EQ(csv_of(codeset.get(), true), "code,sv\r\n1,ett\r\n");
 }

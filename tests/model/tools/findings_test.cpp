@@ -31,7 +31,7 @@ TEST(Findings, AreNoneInACodesetWithoutMistakes) {
   EXPECT_THAT(findings_of({{"1", {{"sv", "a"}, {"", "x"}}}, {"2", {{"sv", "b"}}}}), IsEmpty());
 }
 
-TEST(Findings, TellWhichCodesCouldNotBeReadBack) {
+TEST(Findings, ReportCodesThatCouldNotBeReadBack) {
   const char *const reason =
       " could not be read back after saving: it has \"&\", \"<\" or \"]]>\".";
   EXPECT_THAT(findings_of({{"A&\xe4", {{"sv", "a"}}},
@@ -43,13 +43,13 @@ TEST(Findings, TellWhichCodesCouldNotBeReadBack) {
                           std::string("The code \"C]]>\"") + reason));
 }
 
-TEST(Findings, TellWhichLanguagesTheProgramDoesNotKnow) {
+TEST(Findings, ReportLanguagesThatTheProgramDoesNotKnow) {
   EXPECT_THAT(findings_of({{"1", {{"en-gb", "a"}}}, {"2", {{"en-uk", "b"}}}}, {{"SV", "Namn"}}),
               ElementsAre("The language \"SV\" is not one of the program's.",
                           "The language \"en-gb\" is not one of the program's."));
 }
 
-TEST(Findings, TellWhichCodesLackATranslationThatMostHave) {
+TEST(Findings, ReportCodesThatLackATranslationThatMostHave) {
   EXPECT_THAT(findings_of({{"1", {{"sv", "a"}}},
                            {"2", {{"sv", "b"}, {"de", "b"}}},
                            {"3", {{"sv", "c"}, {"de", "c"}}}}),
@@ -72,7 +72,7 @@ TEST(Findings, NameOnlyTheFirstOfManyCodes) {
               ElementsAre("6 of 13 codes have no description in sv: 10, 11, 12, 13, 14, ..."));
 }
 
-TEST(Findings, TellWhichCodesHaveTheSameDescription) {
+TEST(Findings, ReportCodesWithTheSameDescription) {
   EXPECT_THAT(findings_of({{"1", {{"sv", "Spr\xe5ng"}}},
                            {"2", {{"sv", "b"}}},
                            {"3", {{"sv", "Spr\xe5ng"}}},

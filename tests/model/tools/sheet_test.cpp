@@ -159,17 +159,17 @@ TEST(Sheet, HasNoLinesForMissingParts) {
                                                 "</dl>\n"));
 }
 
-// The letters of a list, as its style has them.
+// The font size of a list, from its style sheet.
 std::string letters_of(const std::string &html) {
   const std::size_t begin = html.find("--letters: ");
   return html.substr(begin + 11, html.find(';', begin) - begin - 11);
 }
 
-TEST(Sheet, HasLargeLettersForAShortList) {
+TEST(Sheet, UsesALargeFontForAShortList) {
   EXPECT_EQ(letters_of(sheet_of({{"A1", {{"en", "Tear"}}}})), "18pt");
 }
 
-TEST(Sheet, HasLargerLettersInOneLanguageThanInAll) {
+TEST(Sheet, UsesALargerFontForOneLanguageThanForAll) {
   Remarks remarks;
   for (int i = 10; i < 26; i++) {
     remarks.push_back({std::to_string(i), {{"en", "Tear"}, {"sv", "Reva"}, {"de", "Riss"}}});
@@ -179,7 +179,7 @@ TEST(Sheet, HasLargerLettersInOneLanguageThanInAll) {
   EXPECT_NE(letters_of(sheet_in_all_languages(codeset)), "18pt");
 }
 
-TEST(Sheet, HasNormalLettersForALongList) {
+TEST(Sheet, UsesTheNormalFontForALongList) {
   Remarks remarks;
   for (int i = 1000; i < 1151; i++) {
     remarks.push_back({std::to_string(i), {}});
@@ -204,12 +204,12 @@ TEST(Sheet, HasNoTagsWhenThereIsOnlyOneLanguage) {
   EXPECT_THAT(html, HasSubstr("<span lang=\"en\">Author</span>"));
 }
 
-TEST(Sheet, CarriesTheStyleOfPrintedCodesets) {
+TEST(Sheet, IncludesTheStyleSheetOfPrintedCodesets) {
   EXPECT_TRUE(v_ascii_test(v_sheet_style));
   EXPECT_THAT(sheet_of({}), HasSubstr(std::string("<style>\n") + v_sheet_style));
 }
 
-TEST(Sheet, IsWholeForManyCodes) {
+TEST(Sheet, IsCompleteForManyCodes) {
   Remarks remarks;
   for (int i = 1000; i < 9000; i++) {
     remarks.push_back({std::to_string(i), {{"sv", "\xE5"}}});
