@@ -38,7 +38,7 @@ void discard() {
   did_run_out_of_memory = false;
 }
 
-// The text is built before the old message is freed, so it may be derived from it.
+// The caller has already built the text, so it may be derived from the old message.
 void store(OwnedText text, bool out_of_memory = false) {
   error = std::move(text);
   did_run_out_of_memory = out_of_memory;

@@ -13,7 +13,7 @@ enum class VFileType {
   pdf,
   png,
   svg,
-  template_, // the bare word belongs to the language
+  template_, // "template" is a keyword
   tiff,
   truetype,
   xml,

@@ -9,16 +9,16 @@
 
 using VMd5Digest = std::array<std::uint8_t, 16>;
 
-// True when both files could be read and are the same byte for byte; false leaves no meaningful
-// message.
+// True when both files can be read and are identical byte for byte. After false the message is
+// meaningless.
 bool v_util_test_if_files_are_identical(const char *path_a, const char *path_b);
 
-// Fills the digest. False with the message of opening, or "File read error."; the digest then
-// stays.
+// Fills the digest. False with the message of v_fs_utils_open_file, or "File read error."; the
+// digest is then unchanged.
 bool v_util_get_file_md5sum(const char *path, VMd5Digest &digest);
-// True when the text is the digest in lower-case hexadecimal. A character that is no lower-case
-// hexadecimal digit, or a text that ends too soon, sets "Illegal base 16 character."; another
-// digest, or a longer text, is false without a message.
+// True when the text is the digest in lower-case hexadecimal. Stops at the first difference: a
+// character that is not a lower-case hexadecimal digit, or the end of a text that is too short,
+// sets "Illegal base 16 character."; another byte, or a longer text, is false without a message.
 bool v_util_verify_md5sum(const VMd5Digest &digest, const char *text);
 
 // New ASCII text of 2n lower-case hexadecimal digits.

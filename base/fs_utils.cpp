@@ -32,9 +32,9 @@ OwnedText convert(const char *name, decltype(&g_filename_to_utf8) converter, con
   return converted;
 }
 
-// Opening a named pipe blocks until its other end is opened, and reading a device may never end.
-// One that is found in a user's folder must not block the program.
-bool may_never_answer(const char *name, const char *mode) {
+// Opening a named pipe blocks until its other end is opened, and reading from a device may never
+// end. Such a file in a user's folder must not block the program.
+bool may_block_forever(const char *name, const char *mode) {
   struct stat status;
   return stat(name, &status) == 0 &&
          (S_ISFIFO(status.st_mode) || (S_ISCHR(status.st_mode) && *mode == 'r'));
@@ -81,7 +81,7 @@ OwnedFile v_fs_utils_open_file(const char *path, const char *mode) {
     return nullptr;
   }
   OwnedFile file;
-  if (may_never_answer(name.get(), mode)) {
+  if (may_block_forever(name.get(), mode)) {
     errno = ENXIO; // as open does for a socket
   } else {
     file.reset(std::fopen(name.get(), mode));
@@ -116,7 +116,7 @@ OwnedFile v_fs_utils_create_file(const char *path, const VFilePermissions &permi
   if (!name) {
     return nullptr;
   }
-  // Only the owner may read it until set_permissions.
+  // Only the owner can read the file until set_permissions is called.
   const int descriptor = open(name.get(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   OwnedFile file;
   if (descriptor != -1) {
@@ -205,7 +205,7 @@ bool v_fs_utils_delete_file_if_exists(const char *path) {
 void v_fs_utils_discard_file(const char *path) {
   const OwnedText name(g_filename_from_utf8(path, -1, nullptr, nullptr, nullptr));
   struct stat status;
-  // A device such as /dev/full existed before and holds none of our data.
+  // A device such as /dev/full existed before and has none of our data.
   const bool is_device = name && lstat(name.get(), &status) == 0 && !S_ISREG(status.st_mode) &&
                          !S_ISLNK(status.st_mode);
   if (name && !is_device && unlink(name.get()) != 0 && errno != ENOENT) {
@@ -220,7 +220,7 @@ bool v_fs_utils_replace_file(const char *path, const char *text) {
   }
   struct stat status;
   const bool is_file = stat(name.get(), &status) == 0 && S_ISREG(status.st_mode);
-  // The file is replaced by a rename, which would replace a link and not its target.
+  // A rename would replace a symbolic link itself and not its target.
   const SystemName target(is_file ? realpath(name.get(), nullptr) : nullptr);
   OwnedError error;
   if (!g_file_set_contents_full(target ? target.get() : name.get(), text, -1,
@@ -245,7 +245,7 @@ bool v_fs_utils_get_info(const char *path, VFileInfo &info) {
     return errno == ENOENT || fail_with_errno("Cannot get file status.");
   }
   // Tests single bits of the mode, as all tools of the suite do: a block device also has the bit of
-  // a folder, a socket has both bits.
+  // a folder, and a socket has both bits.
   info.exists = 1;
   info.is_folder = (status.st_mode & 0x4000) != 0;
   info.is_file = (status.st_mode & 0x8000) != 0;

@@ -1,6 +1,6 @@
 #pragma once
 // Strict decimal integers, independent of the locale: an optional sign, digits, nothing else. Every
-// function stores the value and returns true, or leaves *out alone, sets the message that names
+// function stores the value and returns true, or leaves *out unchanged, sets a message that says
 // what is wrong and returns false.
 
 #include <glib.h>

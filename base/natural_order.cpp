@@ -22,7 +22,7 @@ std::size_t digit_run_length(const char *text) {
   return length;
 }
 
-// The first differing digit decides; a run that ends first is smaller.
+// The first differing digit decides; a shorter run is smaller.
 int compare_left_aligned(const char *a, const char *b) {
   for (;; a++, b++) {
     if (!is_digit(*a) || !is_digit(*b)) {
@@ -141,7 +141,7 @@ std::uint64_t strnatzerocasecmp_key(const char *text) {
     append_character('0');
     if (length >= 0xFF) {
       append(0xFF);
-      return key; // longer numbers cannot be told apart by their count
+      return key; // the count of longer numbers does not fit
     }
     append(static_cast<unsigned>(length));
     for (std::size_t i = 0; i < length; i += 2) {

@@ -1,6 +1,6 @@
 #pragma once
-// Owning types for everything that the program allocates. Their values free what they hold; a raw
-// pointer never owns anything. They cost nothing at run time.
+// Owning types for everything that the program allocates. Their destructors free what they own; a
+// raw pointer never owns anything. They have no run-time overhead.
 
 #include <cstdio>
 #include <memory>
@@ -9,8 +9,8 @@
 #include <glib.h>
 #include <libxml/tree.h>
 
-// Deleter that calls one fixed function. The function is part of the type, so the owner is as small
-// as a pointer.
+// Deleter that calls a fixed function. The function is part of the type, so the owner is no larger
+// than a pointer.
 template <auto destroy>
 struct CallOnDestroy {
   template <typename T>
@@ -30,7 +30,7 @@ struct CloseFolder {
   void operator()(DIR *listing) const noexcept { closedir(listing); }
 };
 
-// xmlFree is a variable, not a function, and so cannot be named in a type.
+// xmlFree is a variable, not a function, so it cannot be a template argument.
 struct FreeXmlText {
   void operator()(xmlChar *text) const noexcept { xmlFree(text); }
 };
@@ -40,8 +40,7 @@ using OwnedText = Owned<char, g_free>;
 using OwnedError = Owned<GError, g_error_free>;
 using OwnedXmlDoc = Owned<xmlDoc, xmlFreeDoc>;
 using OwnedXmlText = std::unique_ptr<xmlChar, FreeXmlText>;
-// These two ignore a failure of closing; v_fs_utils_close_file and v_fs_utils_close_folder report
-// it.
+// These two ignore a failure to close; v_fs_utils_close_file and v_fs_utils_close_folder report it.
 using OwnedFile = std::unique_ptr<std::FILE, CloseFile>;
 using OwnedFolder = std::unique_ptr<DIR, CloseFolder>;
 

@@ -6,17 +6,17 @@
 
 // Path (UTF-8) of this program's executable. Null with "Error getting exe path from system.".
 OwnedText v_platform_get_exe_path();
-// Gives the path (UTF-8) of the executable of a running process, null when it cannot be converted.
-// False with null when there is no such process or the system refuses to tell; sets no message.
+// Sets the path (UTF-8) of the executable of a running process, null when it cannot be converted.
+// False with null when there is no such process or access is denied; sets no message.
 bool v_platform_get_exe_path_for_process_id(OwnedText &path, long process_id);
-// Ending of the file name of an installed program: ".app" where programs are bundles, else "".
+// The file name extension of installed programs: ".app" where programs are bundles, else "".
 const char *v_platform_get_program_ending();
 // The command line (UTF-8) that starts the program at the quoted path; arguments are inserted
 // unchanged ("" for none).
 OwnedText v_platform_create_launch_command_line(const char *quoted_program_path,
                                                 const char *arguments);
 
-// The folder (UTF-8) that holds the running executable, and beside it fonts and delivered
+// The folder (UTF-8) of the running executable, which also has the fonts and the delivered
 // components. Null when the executable cannot be found.
 OwnedText v_platform_get_install_folder_path();
 // The folder (UTF-8) in which the suite's printing code keeps its temporary files.

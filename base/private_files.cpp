@@ -24,7 +24,7 @@ OwnedHeldFile open_without_lock(const char *name, int flags) {
   return OwnedHeldFile(descriptor < 0 ? nullptr : new VHeldFile{descriptor});
 }
 
-// Between opening and locking, the program that held the file may have removed or replaced it.
+// Between opening and locking, the previous holder may have removed or replaced the file.
 bool is_still_at(const char *name, int descriptor) {
   struct stat at_name;
   struct stat opened;

@@ -101,7 +101,7 @@ bool write_memory(VOutputStream *stream, const void *data, std::size_t n) {
   if (!stream->memory) {
     stream->memory.reset(g_byte_array_new());
   }
-  // One byte stays free for the terminator.
+  // Reserves one byte for the terminator.
   if (n >= G_MAXUINT - stream->memory->len) {
     v_error_set_out_of_memory();
     return false;
@@ -111,7 +111,7 @@ bool write_memory(VOutputStream *stream, const void *data, std::size_t n) {
   return true;
 }
 
-// Sets no message: destroying a stream after a failure must not replace the message.
+// Sets no message: destroying a stream after a failure must keep the message of that failure.
 void finish_file(VOutputStream *stream) {
   if (!stream->file) {
     return;
@@ -128,7 +128,7 @@ bool copy(VInputStream *source, VOutputStream *destination) {
     const std::byte *data = nullptr;
     std::size_t length = 0;
     if (!v_input_stream_get_some(source, data, length)) {
-      // A copy of only a part must not pass for the whole.
+      // A partial copy must not be mistaken for a complete one.
       destination->is_incomplete = is_begun;
       return false;
     }
@@ -218,7 +218,7 @@ OwnedOutputStream v_output_stream_new_for_file_path(const char *path) {
   OwnedOutputStream stream(new VOutputStream);
   stream->kind = VStreamKind::file;
   // A file that cannot be deleted is not truncated instead: it may be the source of the copy, and
-  // the remains of a failed write could not be removed.
+  // what a failed write leaves could not be removed.
   if (v_fs_utils_delete_file_if_exists(path)) {
     stream->file.reset(v_fs_utils_open_file(path, "wb").release());
   }
@@ -303,8 +303,7 @@ bool v_stream_copy_from_file_path_to_file_path(const char *source, const char *d
   if (std::strcmp(source, destination) == 0) {
     return true;
   }
-  // The source is opened first: if both are spellings of the same path, the destination's stream
-  // deletes the file.
+  // Open the source first: if both paths name the same file, the destination's stream deletes it.
   const OwnedInputStream input = v_input_stream_new_for_file_path(source);
   const OwnedOutputStream output = v_output_stream_new_for_file_path(destination);
   return copy(input.get(), output.get());

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Tests eight bytes at a time: nearly all text that is read goes through here.
+// ASCII is tested eight bytes at a time, because nearly all text that is read passes through here.
 using Word = std::uint64_t;
 
 bool is_ascii(Word word) { return (word & 0x8080808080808080) == 0; }
@@ -37,7 +37,7 @@ const char *skip_ascii(const char *text, const char *end) {
   return text;
 }
 
-// Like skip_ascii, but copies the skipped bytes to out, which must have room for the whole text.
+// Like skip_ascii, but copies the skipped bytes to out, which must have space for the whole text.
 const char *copy_ascii(char *&out, const char *text, const char *end) {
   Word word;
   while (has_word(text, end)) {
@@ -89,7 +89,7 @@ void set_ascii_error() { v_error_set("Non-ascii byte found where not allowed.");
 } // namespace
 
 OwnedText v_convert_latin1_to_utf8(const char *latin1_text) {
-  // Long enough for a text in ASCII, which most texts are.
+  // Large enough for ASCII, which most texts are.
   OwnedUtf8String utf8_text(g_string_sized_new(std::strlen(latin1_text) + 1));
   v_utf8_string_append_latin1(utf8_text.get(), latin1_text);
   return v_utf8_string_free(std::move(utf8_text), false);

@@ -18,9 +18,9 @@ int utf8_space_length(const char *text) {
   return is_space ? g_utf8_skip[static_cast<unsigned char>(*text)] : 0;
 }
 
-// True when the text is words with one space between them, as most texts are; no rule changes such
-// a text. The loop has no branches and no early exit, so that the compiler can vectorise it: this
-// is several times faster than normalising.
+// True when the text consists of words separated by single spaces, as most texts do; no rule
+// changes such a text. The loop has no branches and no early exit, so that the compiler can
+// vectorise it, which makes it several times faster than normalising.
 bool is_normal_latin1(const char *text) {
   const std::size_t length = std::strlen(text);
   if (length == 0) {
@@ -35,7 +35,7 @@ bool is_normal_latin1(const char *text) {
   return faults == 0 && text[0] != ' ' && text[length - 1] != ' ';
 }
 
-// Writes the replacement of a whitespace character inside a text; returns its end.
+// Writes the replacement for a whitespace character inside a text; returns the end of the output.
 char *write_space(char *out, const char *space, int length, Rule rule) {
   if (rule == Rule::strip) {
     std::memmove(out, space, static_cast<std::size_t>(length));

@@ -1,17 +1,17 @@
 #pragma once
-// The ways in which every text from a file or a field is normalised. Three of them exist for
-// ISO-8859-1 (and ASCII, the same) and for UTF-8, in place or into a new text:
+// Normalises the whitespace of texts from files and fields. There are three operations, each for
+// ISO-8859-1 (and ASCII) and for UTF-8, in place or into a new text:
 //
-// - detabify: strip both ends; other whitespace than line feeds becomes a space, one by one.
-// - spacify: strip both ends; all whitespace becomes a space, one by one.
+// - detabify: strip both ends; each whitespace character but the line feed becomes a space.
+// - spacify: strip both ends; each whitespace character becomes a space.
 // - spacify compactly: strip both ends; each run of whitespace becomes one space.
 //
-// Names and paths are only stripped: white space inside belongs to them.
+// Names and paths are only stripped: whitespace inside is part of them.
 //
-// In ISO-8859-1 and ASCII whitespace is the six ASCII characters in every locale (a no-break space
-// is not); in UTF-8 g_unichar_isspace decides (a no-break space is, the vertical tab is not)
-// and bytes that are not UTF-8 pass through. "within_original" works in the caller's buffer and
-// returns a pointer into it, "in_new" leaves the text alone.
+// In ISO-8859-1 and ASCII, whitespace means the six ASCII characters in every locale (not the
+// no-break space); in UTF-8 it is what g_unichar_isspace accepts (the no-break space, not the
+// vertical tab), and bytes that are not UTF-8 are kept. "within_original" changes the caller's
+// buffer and returns it, "in_new" leaves the text unchanged.
 
 #include "base/owned.h"
 

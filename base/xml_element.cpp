@@ -11,8 +11,8 @@
 
 namespace {
 
-// Limit of entities nested in entities, the same as the parser's. A loop of entities can get past
-// the parser in the default of a declared attribute.
+// Limit of nested entities, the same as the parser's. In the declared default of an attribute, a
+// loop of entities can get past the parser.
 constexpr int maximum_entity_depth = 40;
 
 const char *as_text(const xmlChar *text) { return reinterpret_cast<const char *>(text); }
@@ -31,17 +31,17 @@ OwnedText copy_text(std::string_view text) {
   return OwnedText(g_strndup(text.data(), text.size()));
 }
 
-// Counts the text that the document's entities expand to; false beyond the limit. The sum is kept
-// with the document, so that many small texts cannot exceed together what is refused for one.
+// Adds to the amount of text that the document's entities expand to; false beyond the limit. The
+// sum is kept with the document, so that the limit holds for all its texts together.
 bool spend_expansion(xmlDoc *document, gsize amount) {
   const gsize spent = GPOINTER_TO_SIZE(document->_private) + amount;
   document->_private = GSIZE_TO_POINTER(spent);
   return spent <= v_xml_maximum_expansion;
 }
 
-// Appends the text of sibling nodes, at this nesting depth of entities. False when an entity is not
-// known or the entities expand beyond the limits. The library's own function copies the text again
-// for each piece.
+// Appends the text of sibling nodes; depth: the nesting of entities. False when an entity is
+// unknown or the entities expand beyond the limits. The library's own function copies the text
+// again for each piece.
 bool append_text(VUtf8String *text, xmlDoc *document, const xmlNode *siblings, int depth = 0) {
   if (depth > maximum_entity_depth) {
     return false;
@@ -64,7 +64,7 @@ bool append_text(VUtf8String *text, xmlDoc *document, const xmlNode *siblings, i
   return true;
 }
 
-// Most texts are a single node, which is borrowed instead of copied.
+// Most texts are a single node; its content is borrowed instead of copied.
 XmlText text_of(xmlDoc *document, const xmlNode *children) {
   if (children == nullptr) {
     return v_xml_borrowed_text("");
@@ -79,8 +79,8 @@ XmlText text_of(xmlDoc *document, const xmlNode *children) {
   return joined_text(v_utf8_string_free(std::move(text), false));
 }
 
-// The default that the document type declares for an absent attribute. It counts as an expansion,
-// like the text of an entity.
+// The default that the document type declares for an absent attribute. It counts towards the
+// expansion limit, like the text of an entity.
 XmlText declared_default(const xmlNode *node, const char *name) {
   const OwnedXmlText value(xmlGetProp(node, as_xml(name)));
   if (!value || !spend_expansion(node->doc, std::strlen(as_text(value.get())))) {
@@ -93,8 +93,7 @@ XmlText declared_default(const xmlNode *node, const char *name) {
                                               : unreadable_text();
 }
 
-// The text converted to the encoding. When that fails, null, with the sentence in front of the
-// reason.
+// Converts the text to the encoding. Null with the sentence in front of the reason on failure.
 OwnedText encode(std::string_view utf8_text, XmlEncoding encoding, const char *sentence) {
   OwnedText text;
   switch (encoding) {

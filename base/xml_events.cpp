@@ -22,15 +22,15 @@ namespace {
 
 const char *as_text(const xmlChar *text) { return reinterpret_cast<const char *>(text); }
 
-// The name as in the library's tree: an undeclared prefix is part of it. room: a buffer for a name
-// that has to be joined.
-const char *get_name(std::string &room, const xmlChar *local_name, const xmlChar *prefix,
+// The name as in the library's tree: an undeclared prefix is part of it. buffer: for a name that
+// has to be joined.
+const char *get_name(std::string &buffer, const xmlChar *local_name, const xmlChar *prefix,
                      const xmlChar *uri) {
   if (prefix == nullptr || uri != nullptr) {
     return as_text(local_name);
   }
-  room.assign(as_text(prefix)).append(":").append(as_text(local_name));
-  return room.c_str();
+  buffer.assign(as_text(prefix)).append(":").append(as_text(local_name));
+  return buffer.c_str();
 }
 
 // The entry that equals the name; null when there is none.
@@ -50,11 +50,11 @@ constexpr int grandchild_depth = 3;
 // Kept in the parser context's private field, which belongs to the application.
 struct EventReading {
   const XmlRootReader *reader = nullptr;
-  int depth = 0;    // number of open elements
-  std::string room; // buffer for get_name
+  int depth = 0;           // number of open elements
+  std::string name_buffer; // for get_name
   RecordedParent child;
-  RecordedElement *grandchild = nullptr; // the open grandchild; null when it is left out
-  bool is_child_recorded = false;        // the open child will be handed out
+  RecordedElement *grandchild = nullptr; // the open grandchild; null when it is skipped
+  bool is_child_recorded = false;        // the open child will be passed to the reader
   std::size_t text_length = 0;           // bytes of text since the last event of another kind
   bool needs_tree = false;
 };
@@ -63,27 +63,27 @@ EventReading &reading_of(void *context) {
   return *static_cast<EventReading *>(static_cast<xmlParserCtxt *>(context)->_private);
 }
 
-void leave_to_tree(void *context) {
+void switch_to_tree(void *context) {
   reading_of(context).needs_tree = true;
   xmlStopParser(static_cast<xmlParserCtxt *>(context));
 }
 
 // A document type may declare entities and defaults, which only a tree resolves.
 void document_type(void *context, const xmlChar *, const xmlChar *, const xmlChar *) noexcept {
-  leave_to_tree(context);
+  switch_to_tree(context);
 }
 
-// The library hands out five pointers for each attribute.
-void record_attributes(RecordedElement &element, std::string &room, int count,
+// The library passes five pointers for each attribute.
+void record_attributes(RecordedElement &element, std::string &name_buffer, int count,
                        const xmlChar **attributes) {
   for (const xmlChar **place = attributes; count > 0; count--, place += 5) {
     RecordedAttribute &attribute = element.attributes.add();
-    attribute.name = get_name(room, place[0], place[1], place[2]);
+    attribute.name = get_name(name_buffer, place[0], place[1], place[2]);
     attribute.value.assign(as_text(place[3]), static_cast<std::size_t>(place[4] - place[3]));
   }
 }
 
-// The record for the element or instruction that begins; null when it is left out.
+// The record for the element or instruction that begins; null when it is skipped.
 RecordedElement *begin_record(EventReading &reading, const char *item_name, int depth,
                               bool is_instruction) {
   const bool is_child = depth == child_depth;
@@ -113,14 +113,14 @@ void start_element(void *context, const xmlChar *local_name, const xmlChar *pref
   if (reading.depth > grandchild_depth) {
     return;
   }
-  const char *name = get_name(reading.room, local_name, prefix, uri);
+  const char *name = get_name(reading.name_buffer, local_name, prefix, uri);
   if (reading.depth == root_depth) {
     reading.reader->begin(name);
     return;
   }
   RecordedElement *element = begin_record(reading, name, reading.depth, false);
   if (element != nullptr) {
-    record_attributes(*element, reading.room, attribute_count, attributes);
+    record_attributes(*element, reading.name_buffer, attribute_count, attributes);
   }
   if (reading.depth == child_depth) {
     reading.is_child_recorded = element != nullptr;
@@ -154,7 +154,7 @@ void characters(void *context, const xmlChar *text, int length) noexcept {
   EventReading &reading = reading_of(context);
   reading.text_length += static_cast<std::size_t>(length);
   if (reading.text_length > XML_MAX_TEXT_LENGTH) { // a tree cannot hold it
-    leave_to_tree(context);
+    switch_to_tree(context);
   } else {
     append_text(reading, text, length);
   }
@@ -186,8 +186,7 @@ xmlSAXHandler event_handlers() {
   handlers.startElementNs = start_element;
   handlers.endElementNs = end_element;
   handlers.characters = characters;
-  // With another function here the library would report white space between elements to that
-  // function.
+  // The library reports whitespace between elements to this function if it is a different one.
   handlers.ignorableWhitespace = characters;
   handlers.cdataBlock = cdata_block;
   handlers.processingInstruction = processing_instruction;
@@ -197,7 +196,7 @@ xmlSAXHandler event_handlers() {
   return handlers;
 }
 
-// ---- The two ways -------------------------------------------------------------------------------
+// ---- Reading by events or as a tree -------------------------------------------------------------
 
 enum class Outcome { read, failed, needs_tree };
 
@@ -208,8 +207,8 @@ Outcome outcome_of(const EventReading &reading, const OwnedXmlDoc &document) {
   return document && !v_xml_has_lost_something() ? Outcome::read : Outcome::failed;
 }
 
-// Uses only the two fields of the context that are meant for applications, the table of handlers
-// and the private field. The resulting document is empty; it only shows that the file is
+// Uses only the two fields of the context that are meant for applications: the handler table and
+// the private field. The resulting document is empty; it only indicates that the file is
 // well-formed.
 Outcome read_by_events(int descriptor, const XmlRootReader &reader) {
   const XmlParserSettings settings;
@@ -220,7 +219,7 @@ Outcome read_by_events(int descriptor, const XmlRootReader &reader) {
   if (parser) {
     parser->_private = &reading;
     *parser->sax = event_handlers();
-    // Without this option an "&" in an attribute's value is reported as a reference.
+    // Without this option, an escaped "&" in an attribute's value is reported as a reference.
     document.reset(xmlCtxtReadFd(parser.get(), descriptor, nullptr, nullptr, XML_PARSE_NOENT));
   }
   const Outcome outcome = outcome_of(reading, document);
@@ -256,12 +255,12 @@ bool read_by_tree(int descriptor, const XmlRootReader &reader) {
   return true;
 }
 
-// Bytes. Building the tree of a larger file only for its report takes too much memory.
+// Bytes. For larger files, building a tree only for its report takes too much memory.
 constexpr off_t largest_file_reported_by_tree = 16 * 1024 * 1024;
 
-// The parse to a tree reports more: for instance faults of identifiers, and what follows a fault in
-// front of the document type. Its message replaces the first one. The file stays rejected even if
-// the second parse succeeds because the file has changed.
+// Parsing into a tree reports more, for instance invalid identifiers, and faults after one that is
+// before the document type. Its message replaces the first one. The file is rejected even if the
+// second parse succeeds because the file has changed.
 void report_by_tree(int descriptor) {
   struct stat status;
   if (fstat(descriptor, &status) != 0 || status.st_size > largest_file_reported_by_tree) {

@@ -13,7 +13,7 @@ constexpr int maximum_report_lines = 15;
 // Far more than is ever shown; limits the memory for a file with a million faults.
 constexpr gsize maximum_report_bytes = 64 * 1024;
 
-OwnedUtf8String report; // null while nothing is reported
+OwnedUtf8String report; // null if nothing was reported
 
 void collect_report(void *, const char *format, ...) G_GNUC_PRINTF(2, 3);
 

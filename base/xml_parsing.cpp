@@ -11,8 +11,9 @@
 
 namespace {
 
-// Cost of a reference to a parameter entity, besides its length, against v_xml_maximum_expansion.
-// The parser's own guard reacts only after some ten thousand references, and then never returns.
+// Cost of a reference to a parameter entity, in addition to its length, towards
+// v_xml_maximum_expansion. The parser's own guard triggers only after some ten thousand references,
+// and then never returns.
 constexpr gsize parameter_reference_cost = 10'000;
 
 // Kept in the parser context's private field, which belongs to the application.
@@ -21,8 +22,8 @@ struct ReferenceCount {
   bool is_exceeded() const { return spent > v_xml_maximum_expansion; }
 };
 
-// Adds the cost of a reference and stops the parser beyond the limit. The parser refuses entities
-// that expand to too much text, but follows those that expand to nothing or to comments for hours.
+// Adds the cost of a reference, and stops the parser beyond the limit. The parser refuses entities
+// that expand to too much text, but resolves those that expand to nothing or to comments for hours.
 bool spend_reference(void *context, gsize cost) {
   auto *parser = static_cast<xmlParserCtxt *>(context);
   auto *count = static_cast<ReferenceCount *>(parser->_private);
@@ -45,9 +46,9 @@ xmlEntity *look_up_parameter_entity(void *context, const xmlChar *name) {
   return spend_reference(context, parameter_reference_cost + length) ? entity : nullptr;
 }
 
-// Runs one of the parser's reading functions on a new context under our settings. Uses two fields
-// of the context: the private field, and the handler table ("sax"), because the library has no
-// other way to count references.
+// Runs one of the parser's reading functions on a new context with our settings. Uses two fields of
+// the context, the private field and the handler table ("sax"), because there is no other way to
+// count references.
 template <typename Read>
 OwnedXmlDoc parse(Read read) {
   const XmlParserSettings settings;

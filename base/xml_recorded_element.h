@@ -1,6 +1,6 @@
 #pragma once
-// An element or processing instruction of a document, gathered from the parser's events. The same
-// record is used again for the next one, and keeps its memory.
+// An element or processing instruction of a document, recorded from the parser's events. The record
+// is reused for the next one and keeps its memory.
 
 #include <algorithm>
 #include <cstring>

@@ -21,8 +21,7 @@ const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar 
 
 void ignore_report(void *, const char *, ...) {}
 
-// Keeps the library from printing failures, which the error state reports, and clears the library's
-// record of its last error.
+// Keeps the library from printing errors, which the error state reports, and clears its last error.
 class SilentLibrary {
 public:
   SilentLibrary() {
@@ -34,14 +33,14 @@ public:
   SilentLibrary &operator=(const SilentLibrary &) = delete;
 };
 
-// When memory runs out the library may go on with an incomplete result, for instance a node without
-// its name or a document without its encoding. Only its last error then shows it.
+// When memory runs out, the library may continue with an incomplete result, for instance a node
+// without a name or a document without its encoding. Only its last error indicates this.
 bool has_run_out_of_memory() {
   const xmlError *error = xmlGetLastError();
   return error != nullptr && error->code == XML_ERR_NO_MEMORY;
 }
 
-// Makes a part of a tree; null when the part is incomplete.
+// Makes a part of a tree; null when the result is incomplete.
 template <typename Make>
 auto make_whole(Make make) {
   const SilentLibrary silent;
@@ -82,7 +81,7 @@ const char *escape(char byte) {
 
 using OwnedSaveContext = Owned<xmlSaveCtxt, xmlSaveClose>;
 
-// xmlSaveDoc succeeds even on a full disk; only xmlSaveClose, which writes the rest, fails.
+// xmlSaveDoc succeeds even on a full disk; xmlSaveClose, which flushes the buffer, fails.
 bool save(xmlDoc *document, OwnedSaveContext context) {
   const bool is_saved = xmlSaveDoc(context.get(), document) != -1;
   const bool is_closed = xmlSaveClose(context.release()) != -1;
@@ -115,7 +114,7 @@ OwnedXmlDoc v_xml_new_doc() {
                                   "Error when creating new empty XML tree."));
 }
 
-// The node is put into the tree at once, so an incomplete one is freed with the tree.
+// The node is added to the tree at once, so an incomplete one is freed with the tree.
 xmlNode *v_xml_add_root_element(xmlDoc *document, const char *name) {
   return or_set_error(make_whole([&] {
                         xmlNode *root = xmlNewDocNode(document, nullptr, as_xml(name), nullptr);
@@ -198,7 +197,7 @@ bool v_xml_write_to_file(xmlDoc *document, const char *path, const char *encodin
     return false;
   }
   const bool is_written = v_xml_write_to_stream(document, file.get(), encoding);
-  // The file is closed even when writing failed; the message is that of the failed write.
+  // The destructor closes the file when writing failed; the message is that of the failed write.
   if (is_written && v_fs_utils_close_file(std::move(file))) {
     return true;
   }
