@@ -36,7 +36,7 @@ VCodeset *v_codeset_remove(VCodeset *codeset) {
 }
 
 int v_codeset_get_index(const VCodeset *codeset) {
-  int index = -1; // the list's first record is no codeset
+  int index = -1; // -1 for the head sentinel
   while ((codeset = codeset->prev) != nullptr) {
     index++;
   }

@@ -4,12 +4,12 @@
 #include "codeset/remark.h"
 
 struct VCodeset {
-  OwnedLangstr name;       // not empty in a codeset that was read from a file
+  OwnedLangstr name;       // never empty in a codeset read from a file
   OwnedLangstr author;     // empty when there is none
-  OwnedText version;       // null when there is none, else not empty
+  OwnedText version;       // null when there is none, never ""
   OwnedRemarkList remarks; // in remark code order, codes unique
   bool outdated = false;
-  // The neighbours in a list of codesets, whose ends are two records of this kind; null in no list.
+  // The neighbours in a list of codesets, including its sentinels; null when not in a list.
   VCodeset *prev = nullptr;
   VCodeset *next = nullptr;
 };
@@ -20,10 +20,10 @@ using OwnedCodeset = Owned<VCodeset, v_codeset_destroy>;
 
 // Empty name, author and remark list, no version, not outdated.
 OwnedCodeset v_codeset_new();
-// A deep copy in no list.
+// A deep copy that is not in a list.
 OwnedCodeset v_codeset_clone(const VCodeset *codeset);
-// Unlinks the codeset from the list that it must be in; it is the caller's from then on. Returns
-// the former predecessor (borrowed, perhaps the record at the list's end).
+// Unlinks the codeset from the list that it must be in; ownership passes to the caller. Returns its
+// former predecessor (borrowed, possibly the head sentinel).
 VCodeset *v_codeset_remove(VCodeset *codeset);
-// The codeset's place in its list, from 0.
+// The codeset's index in its list, from 0.
 int v_codeset_get_index(const VCodeset *codeset);

@@ -15,9 +15,9 @@
 
 namespace {
 
-// State of reading a codeset, one child of the root at a time. Faults are reported in the order
-// name, author, version, remarks, wherever they are in the file, so the first message of each is
-// kept until the end.
+// State while a codeset is read, one child of the root at a time. Faults are reported in the order
+// name, author, version, remarks, wherever they are in the file, so the first message of each kind
+// is kept until the end.
 struct CodesetReading {
   bool is_codeset = false;
   OwnedCodeset codeset = v_codeset_new();
@@ -81,7 +81,7 @@ void read_child(CodesetReading &reading, const XmlElement &child) {
 }
 
 bool finish_remarks(CodesetReading &reading) {
-  // A duplicate is among the remarks in front of the unreadable one, so it is reported first.
+  // A duplicate is among the remarks before the unreadable one, so it is reported first.
   if (!v_remark_list_sort_collection(reading.remarks)) {
     v_error_set("Duplicate remark codes.");
     return false;
@@ -140,7 +140,7 @@ void append_remark(std::string &xml, const VRemark *remark, Codes codes) {
   xml += "\t</remark>\n";
 }
 
-// Large writes take a fraction of the time of one write per remark.
+// A few large writes are much faster than one write per remark.
 constexpr std::size_t write_size = 64 * 1024; // bytes
 
 bool write_head_and_remarks(std::FILE *file, const VCodeset *codeset, const VLangstr *name,
@@ -160,7 +160,7 @@ bool write_head_and_remarks(std::FILE *file, const VCodeset *codeset, const VLan
   return v_xml_write_xml(file, xml);
 }
 
-// A full disk may show up only when the last buffer is written.
+// A full disk may be detected only when the last buffer is written.
 bool flush(std::FILE *file) {
   if (std::fflush(file) != 0) {
     v_error_set_file_io_writing();
@@ -174,7 +174,7 @@ bool write_codeset(std::FILE *file, const VCodeset *codeset, const VLangstr *nam
          v_util_fprintf(file, "\n</codeset>\n") && flush(file);
 }
 
-// Codes are written unescaped on purpose: the suite's other tools write and compare them like this.
+// Codes are intentionally unescaped: the suite's other tools write and compare them this way.
 bool write_codeset_as_it_is(std::FILE *file, const VCodeset *codeset) {
   return write_codeset(file, codeset, codeset->name.get(), Codes::as_they_are);
 }

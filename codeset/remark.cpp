@@ -60,7 +60,7 @@ bool link_in_order(VRemarkList *list, const std::vector<VRemarkKey> &keys) {
   return std::adjacent_find(keys.begin(), keys.end(), has_same_code) == keys.end();
 }
 
-// keys: of all remarks of the list; sorted in place.
+// keys: those of all remarks of the list; sorted in place.
 bool sort(VRemarkList *list, std::vector<VRemarkKey> &keys) {
   std::stable_sort(keys.begin(), keys.end(), is_before);
   return link_in_order(list, keys);
@@ -199,7 +199,7 @@ void v_remark_list_collect_remark(VRemarkCollection &collection, OwnedRemark rem
 }
 
 bool v_remark_list_sort_collection(VRemarkCollection &collection) {
-  // Nearly every file is in order already.
+  // Nearly every file is sorted already.
   return collection.is_in_order || sort(collection.list.get(), collection.keys);
 }
 
@@ -213,7 +213,7 @@ VRemark *v_remark_list_get_remark_for_code(const VRemarkList *list, const char *
 }
 
 void v_remark_list_copy_remarks(VRemarkList *to, const VRemarkList *from) {
-  // Both may be the same list: the copies must not be copied in turn.
+  // to and from may be the same list: the copies must not be copied again.
   const VRemark *last = from->tail.prev;
   for (const VRemark *remark = &from->head; remark != last;) {
     remark = remark->next;

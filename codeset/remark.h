@@ -1,6 +1,6 @@
 #pragma once
-// Remarks and the list that holds a codeset's remarks in the natural order of their codes. Codes
-// are ISO-8859-1 and compare byte for byte. Knows nothing of files and screens.
+// Remarks, and the list that holds a codeset's remarks in the natural order of their codes. Codes
+// are ISO-8859-1 and are equal only byte for byte. Knows nothing of files and screens.
 
 #include <cstdint>
 #include <vector>
@@ -10,7 +10,7 @@
 struct VRemark {
   OwnedText code; // null while the remark is being built, and only then
   OwnedLangstr description;
-  // The neighbours in the list that holds the remark, sentinels included; null in no list.
+  // The neighbours in the list, including its sentinels; null when not in a list.
   VRemark *prev = nullptr;
   VRemark *next = nullptr;
 };
@@ -19,7 +19,7 @@ struct VRemark {
 void v_remark_destroy(VRemark *remark);
 using OwnedRemark = Owned<VRemark, v_remark_destroy>;
 
-// Owns its remarks. They are walked from head.next until &tail.
+// Owns its remarks. Iterate from head.next until &tail.
 struct VRemarkList {
   VRemark head; // sentinels
   VRemark tail;
@@ -28,52 +28,52 @@ struct VRemarkList {
 void v_remark_list_destroy(VRemarkList *list);
 using OwnedRemarkList = Owned<VRemarkList, v_remark_list_destroy>;
 
-// A remark in no list, without code, with an empty description.
+// A remark without a code, with an empty description, not in a list.
 OwnedRemark v_remark_new();
-// A copy in no list.
+// A deep copy that is not in a list.
 OwnedRemark v_remark_clone(const VRemark *remark);
-// Unlinks the remark from the list that it must be in; it is the caller's from then on. Returns the
-// former predecessor (borrowed, perhaps the head sentinel).
+// Unlinks the remark from the list that it must be in; ownership passes to the caller. Returns its
+// former predecessor (borrowed, possibly the head sentinel).
 VRemark *v_remark_remove(VRemark *remark);
 // The same, but returns the remark itself, owned.
 OwnedRemark v_remark_take(VRemark *remark);
-// The remark's place in its list, from 0; linear.
+// The remark's index in its list, from 0. Takes linear time.
 int v_remark_get_index(const VRemark *remark);
 
-// Remark code order: natural order without regard to case and zeros, then with zeros, then with
-// case, then with both, then the bytes. A strict total order: 0 for identical codes alone.
+// Remark code order: natural order ignoring case and zeros, then only case, then only zeros, then
+// neither, then byte order. A strict total order: 0 only for identical codes.
 int v_remark_compare_codes(const char *a, const char *b);
 
 OwnedRemarkList v_remark_list_new();
-// Destroys every remark; the list stays, empty.
+// Destroys every remark; the list itself remains.
 void v_remark_list_destroy_remarks(VRemarkList *list);
 bool v_remark_list_is_empty(const VRemarkList *list);
 void v_remark_list_add_remark_first(VRemarkList *list, OwnedRemark remark);
 void v_remark_list_add_remark_last(VRemarkList *list, OwnedRemark remark);
-// Links the remark before the first one whose code is greater, at the end when it has no code.
-// Linear: to add many remarks, add them last and sort once.
+// Inserts the remark before the first one whose code is greater; at the end when it has no code.
+// Takes linear time: to add many remarks, add them last and sort once.
 void v_remark_list_add_remark_sorted(VRemarkList *list, OwnedRemark remark);
-// Links a remark that has a code at its place in a list in remark code order, after those with the
-// same code, and returns its index. The search begins at place, a remark of the list or its tail
-// sentinel; index: that of place, from 0. Linear in the distance between the two places.
+// Inserts a remark that has a code into a sorted list, after those with the same code, and returns
+// its index. The search begins at place, a remark of the list or its tail sentinel; index: that of
+// place, from 0. Takes time linear in the distance between the two places.
 int v_remark_list_add_remark_sorted_near(VRemark *place, int index, OwnedRemark remark);
-// Sorts a list whose remarks all have codes into remark code order; n log n. Returns true when no
-// code occurs twice.
+// Sorts a list whose remarks all have codes into remark code order, in n log n time. Returns false
+// when a code occurs twice.
 bool v_remark_list_sort(VRemarkList *list);
 
-// A remark (borrowed, with a code) and a key that in most cases decides its place among others, so
-// that the codes, which are scattered over the memory, need not be read.
+// A remark (borrowed, with a code) and a sort key that decides most comparisons, so that the codes,
+// which are scattered in memory, need not be read.
 struct VRemarkKey {
   std::uint64_t key; // strnatzerocasecmp_key of the code
   VRemark *remark;
 };
 
-// A list that is being read from a file, one remark after the other. The keys for sorting are made
-// while each remark is still in the processor's cache.
+// A list that is being read from a file, one remark at a time. The sort keys are made while each
+// remark is still in the processor's cache.
 struct VRemarkCollection {
-  OwnedRemarkList list = v_remark_list_new(); // until it is taken, only these functions change it
+  OwnedRemarkList list = v_remark_list_new(); // changed only by these functions until it is moved
   bool is_in_order = true;                    // each code is greater than the one before
-  std::vector<VRemarkKey> keys;               // of all remarks; none as long as they are in order
+  std::vector<VRemarkKey> keys;               // of all remarks; empty while they are in order
 };
 
 // Adds a remark that has a code at the end.
@@ -89,13 +89,13 @@ void v_remark_list_copy_remarks(VRemarkList *to, const VRemarkList *from);
 // True when there is a remark with this code and the identical description.
 bool v_remark_list_has_remark(const VRemarkList *list, const char *code,
                               const VLangstr *description);
-// True when b has, for every remark of a, one of the same code whose description contains that of
-// a.
+// True when, for every remark of a, b has one with the same code whose description contains that of
+// the remark (v_langstr_is_subset).
 bool v_remark_list_is_subset(const VRemarkList *a, const VRemarkList *b);
-// True when the list has no remark of that code, or one whose description can be merged with it.
+// True when the list has no remark with that code, or one with which the description can be merged.
 bool v_remark_list_remark_is_mergeable(const VRemarkList *list, const VRemark *remark);
 // True when v_remark_list_remark_is_mergeable holds in a for every remark of b.
 bool v_remark_list_remarks_are_mergeable(const VRemarkList *a, const VRemarkList *b);
 // Adds a clone of the remark at its sorted place, or merges its description into the list's remark
-// of that code.
+// with that code, if the two are mergeable.
 void v_remark_list_merge_remark(VRemarkList *list, const VRemark *remark);

@@ -6,8 +6,8 @@
 
 namespace {
 
-// Two remarks, either of which may be null. Doing and taking back a step both exchange the two; the
-// step is then ready for the opposite.
+// Two remarks, either of which may be null. Both redo and undo exchange the two; after one, the
+// step is ready for the other.
 struct Step {
   VRemark *listed = nullptr;
   OwnedRemark unlisted;
@@ -16,7 +16,7 @@ struct Step {
 VRemarkExchange exchange(VRemarkList *list, Step &step) {
   VRemarkExchange result;
   OwnedRemark removed;
-  // The search begins at the old place: an edited remark mostly keeps its code.
+  // The search begins at the old place: an edited remark usually keeps its code.
   VRemark *place = list->head.next;
   int index = 0;
   if (step.listed != nullptr) {
@@ -45,7 +45,7 @@ bool is_identical(const VRemark *a, const VRemark *b) {
 struct VRemarkHistory {
   VRemarkList *list = nullptr;
   std::vector<Step> steps;
-  std::size_t done = 0; // the first steps, up to this number, are done; the others are taken back
+  std::size_t done = 0; // the first steps, up to this number, are done; the others are undone
 };
 
 namespace {
@@ -84,22 +84,22 @@ VRemarkExchange v_remark_history_remove_remark(VRemarkHistory *history, VRemark 
   return do_new_step(history, remark, nullptr);
 }
 
-std::optional<VRemarkExchange> v_remark_history_take_back(VRemarkHistory *history) {
-  if (!v_remark_history_can_take_back(history)) {
+std::optional<VRemarkExchange> v_remark_history_undo(VRemarkHistory *history) {
+  if (!v_remark_history_can_undo(history)) {
     return std::nullopt;
   }
   return exchange(history->list, history->steps[--history->done]);
 }
 
-std::optional<VRemarkExchange> v_remark_history_do_again(VRemarkHistory *history) {
-  if (!v_remark_history_can_do_again(history)) {
+std::optional<VRemarkExchange> v_remark_history_redo(VRemarkHistory *history) {
+  if (!v_remark_history_can_redo(history)) {
     return std::nullopt;
   }
   return do_next_step(history);
 }
 
-bool v_remark_history_can_take_back(const VRemarkHistory *history) { return history->done > 0; }
+bool v_remark_history_can_undo(const VRemarkHistory *history) { return history->done > 0; }
 
-bool v_remark_history_can_do_again(const VRemarkHistory *history) {
+bool v_remark_history_can_redo(const VRemarkHistory *history) {
   return history->done < history->steps.size();
 }

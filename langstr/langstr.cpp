@@ -32,7 +32,7 @@ bool is_dialect_of(const char *tag, const char *lang, std::size_t lang_length) {
   return std::strncmp(tag, lang, lang_length) == 0 && tag[lang_length] == '-';
 }
 
-// A string without an index: each look-up walks through the list.
+// A string without an index: each look-up searches the list.
 class WalkedLangstr {
 public:
   explicit WalkedLangstr(OwnedLangstr &walked) : langstr(walked) {}
@@ -53,7 +53,7 @@ private:
   OwnedLangstr &langstr;
 };
 
-// The rules of v_langstr_set_translation, for a list with or without an index.
+// The rules of v_langstr_set_translation, with or without an index.
 template <typename Langstr>
 bool set_translation(Langstr &&langstr, OwnedText lang, OwnedText text) {
   if (VLangstr *same_tag = langstr.find(lang.get())) {
@@ -76,10 +76,10 @@ bool set_translation(Langstr &&langstr, OwnedText lang, OwnedText text) {
   return true;
 }
 
-// Up to this length walking is as fast as an index.
+// Up to this length, searching the list is as fast as an index.
 constexpr int longest_walk = 32;
 
-// True when b has the translation.
+// True when b has the translation; see v_langstr_is_subset.
 bool holds(const VLangstr *b, const VLangstr &translation) {
   if (is_untagged(translation)) {
     return has_text(b, translation.text.get());

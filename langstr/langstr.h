@@ -1,7 +1,7 @@
 #pragma once
-// Language-tagged strings: one text in several languages at once, as an ordered list of
-// translations. Tags are ASCII, texts ISO-8859-1; both compare byte for byte. The null list is the
-// empty string, and every operation takes it. Knows nothing of what the text describes.
+// Language-tagged strings: one text in several languages, as an ordered list of translations. Tags
+// are ASCII, texts ISO-8859-1; both compare byte for byte. The null list is the empty string, and
+// every function accepts it. Knows nothing of what the texts describe.
 
 #include "base/owned.h"
 
@@ -9,8 +9,8 @@ struct VLangstr;
 void v_langstr_free(VLangstr *langstr);
 using OwnedLangstr = Owned<VLangstr, v_langstr_free>;
 
-// One translation. The whole string is its first translation; its text is used for a
-// language that is missing. No two translations of a string have the same tag.
+// One translation, and the list node that holds it: a string is represented by its first one, whose
+// text stands in for missing languages. No two translations of a string have the same tag.
 struct VLangstr {
   OwnedText lang; // "" for a translation of unknown language
   OwnedText text;
@@ -18,10 +18,10 @@ struct VLangstr {
 };
 
 // The only way to add a translation, which keeps tags unique. Returns whether the string changed.
-//  - A translation with this tag gets the text.
-//  - An untagged text that some translation has already is not added.
-//  - A tagged text that the untagged translation has: that translation gets the tag.
-//    Its place stays.
+//  - If a translation has this tag, its text is replaced.
+//  - An untagged text is not added if any translation has the same text.
+//  - If the untagged translation has the same text as a tagged one, it gets the tag and keeps its
+//    position.
 //  - Anything else is appended.
 bool v_langstr_set_translation(OwnedLangstr &langstr, const char *lang, const char *text);
 // The same for an owned tag and text.
@@ -30,32 +30,32 @@ bool v_langstr_set_owned_translation(OwnedLangstr &langstr, OwnedText lang, Owne
 struct VLangstrIndex;
 void v_langstr_index_free(VLangstrIndex *index);
 
-// A string that is being read from a file, one translation after the other. Setting one walks
-// through the whole string, and a file can have any number of them, so a long collection keeps an
-// index.
+// A string that is being read from a file, one translation at a time. Without an index, setting a
+// translation searches the whole string, and a file can have any number of them; so a long
+// collection has one.
 struct VLangstrCollection {
-  OwnedLangstr langstr; // until it is taken, only v_langstr_collect_translation changes it
-  int walks = 0;        // translations that were set without an index
+  OwnedLangstr langstr; // changed only by v_langstr_collect_translation until it is moved
+  int walks = 0;        // number of translations set without an index
   Owned<VLangstrIndex, v_langstr_index_free> index;
 };
 
-// As v_langstr_set_owned_translation, in constant time.
+// The same as v_langstr_set_owned_translation, in constant time.
 bool v_langstr_collect_translation(VLangstrCollection &collection, OwnedText lang, OwnedText text);
 
-// The text for exactly this tag; failing that, with allow_dialect, for the first dialect of it
-// ("en" finds "en-uk", never the other way). Borrowed; null when there is none.
+// The text for exactly this tag, else, with allow_dialect, for its first dialect ("en" finds
+// "en-uk", but not vice versa). Borrowed; null when there is none.
 const char *v_langstr_get_string(const VLangstr *langstr, const char *lang, bool allow_dialect);
 
-// A deep copy in the same order.
+// A deep copy.
 OwnedLangstr v_langstr_clone(const VLangstr *langstr);
 // Removes the translation with exactly this tag. Returns whether there was one.
 bool v_langstr_remove_lang(OwnedLangstr &langstr, const char *lang);
-// Same translations in the same order.
+// True when both have the same translations in the same order.
 bool v_langstr_is_identical(const VLangstr *a, const VLangstr *b);
-// Every translation of a is in b: a tagged one under its tag, an untagged one under any.
+// True when every translation of a is in b: a tagged one with its tag, an untagged one with any.
 bool v_langstr_is_subset(const VLangstr *a, const VLangstr *b);
-// Some text is in both under compatible tags (equal, or one of them empty), and no tag has two
-// different texts. An empty a is not mergeable.
+// True when some text is in both with compatible tags (equal, or one of them empty), and no tag has
+// different texts in the two. An empty string is not mergeable.
 bool v_langstr_is_mergeable(const VLangstr *a, const VLangstr *b);
-// Sets every translation of b in a if the two are mergeable. Returns whether a changed.
+// Sets every translation of b in a if they are mergeable. Returns whether a changed.
 bool v_langstr_merge(OwnedLangstr &a, const VLangstr *b);

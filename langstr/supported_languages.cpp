@@ -14,8 +14,8 @@ struct Language {
   const char *default_dialect_tag;
 };
 
-// Other tools rely on the order, which numbers the languages. Files and windows have the tags and
-// names exactly as they are here.
+// Other tools rely on the order, which defines the indices. Files contain the tags, and windows the
+// names, exactly as they are here.
 constexpr Language languages[] = {
     {"af", "Afrikaans", nullptr},
     {"sq", "Albanian", nullptr},

@@ -52,8 +52,8 @@ void selection_change_callback(GtkTreeSelection *selection, EditingWindow *state
 void add_callback(GtkButton *button, EditingWindow *state);
 void edit_callback(GtkButton *button, EditingWindow *state);
 void delete_callback(GtkButton *button, EditingWindow *state);
-void take_back(void *editing_window);
-void do_again(void *editing_window);
+void undo(void *editing_window);
+void redo(void *editing_window);
 void save_button_clicked_callback(GtkButton *button, EditingWindow *state);
 void close_button_clicked_callback(GtkButton *button, EditingWindow *state);
 gboolean window_delete_event_callback(GtkWidget *window, GdkEvent *event, EditingWindow *state);
@@ -121,9 +121,9 @@ void pack_window_buttons(EditingWindow *state, GtkBox *box) {
 }
 
 void add_keys_of_history(EditingWindow *state) {
-  v_window_commands_add(state->window, GDK_KEY_z, GDK_CONTROL_MASK, take_back, state);
+  v_window_commands_add(state->window, GDK_KEY_z, GDK_CONTROL_MASK, undo, state);
   v_window_commands_add(state->window, GDK_KEY_z,
-                        static_cast<GdkModifierType>(GDK_CONTROL_MASK | GDK_SHIFT_MASK), do_again,
+                        static_cast<GdkModifierType>(GDK_CONTROL_MASK | GDK_SHIFT_MASK), redo,
                         state);
 }
 
@@ -315,19 +315,17 @@ void delete_callback(GtkButton *, EditingWindow *state) {
 }
 
 // Ctrl+Z.
-void take_back(void *editing_window) {
+void undo(void *editing_window) {
   auto *state = static_cast<EditingWindow *>(editing_window);
-  if (const std::optional<VRemarkExchange> exchange =
-          v_remark_history_take_back(state->history.get())) {
+  if (const std::optional<VRemarkExchange> exchange = v_remark_history_undo(state->history.get())) {
     show_exchange(state, *exchange);
   }
 }
 
 // Ctrl+Shift+Z.
-void do_again(void *editing_window) {
+void redo(void *editing_window) {
   auto *state = static_cast<EditingWindow *>(editing_window);
-  if (const std::optional<VRemarkExchange> exchange =
-          v_remark_history_do_again(state->history.get())) {
+  if (const std::optional<VRemarkExchange> exchange = v_remark_history_redo(state->history.get())) {
     show_exchange(state, *exchange);
   }
 }

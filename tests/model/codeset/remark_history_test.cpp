@@ -16,7 +16,7 @@ namespace {
 const Translations x = {{"sv", "x"}};
 const Translations y = {{"sv", "y"}};
 
-// A remark list with its history, and rows that are updated only from the reported exchanges, like
+// A remark list with its history, and rows that are updated only from the returned exchanges, like
 // the rows of a window.
 class History {
 public:
@@ -42,16 +42,12 @@ public:
     return follow(v_remark_history_remove_remark(history.get(), find(code)));
   }
 
-  std::optional<VRemarkExchange> take_back() {
-    return follow(v_remark_history_take_back(history.get()));
-  }
+  std::optional<VRemarkExchange> undo() { return follow(v_remark_history_undo(history.get())); }
 
-  std::optional<VRemarkExchange> do_again() {
-    return follow(v_remark_history_do_again(history.get()));
-  }
+  std::optional<VRemarkExchange> redo() { return follow(v_remark_history_redo(history.get())); }
 
-  bool can_take_back() const { return v_remark_history_can_take_back(history.get()); }
-  bool can_do_again() const { return v_remark_history_can_do_again(history.get()); }
+  bool can_undo() const { return v_remark_history_can_undo(history.get()); }
+  bool can_redo() const { return v_remark_history_can_redo(history.get()); }
 
   VRemark *find(const std::string &code) const {
     return v_remark_list_get_remark_for_code(list.get(), code.c_str());
@@ -96,12 +92,12 @@ private:
   std::vector<VRemark *> rows;
 };
 
-TEST(RemarkHistory, ANewHistoryHasNothingToTakeBackOrDoAgain) {
+TEST(RemarkHistory, ANewHistoryHasNothingToUndoOrRedo) {
   History history({{"1", x}});
-  EXPECT_FALSE(history.can_take_back());
-  EXPECT_FALSE(history.can_do_again());
-  EXPECT_EQ(history.take_back(), std::nullopt);
-  EXPECT_EQ(history.do_again(), std::nullopt);
+  EXPECT_FALSE(history.can_undo());
+  EXPECT_FALSE(history.can_redo());
+  EXPECT_EQ(history.undo(), std::nullopt);
+  EXPECT_EQ(history.redo(), std::nullopt);
   EXPECT_EQ(history.remarks(), (Remarks{{"1", x}}));
 }
 
@@ -113,18 +109,18 @@ TEST(RemarkHistory, AddingCanBeUndoneAndRedone) {
   EXPECT_EQ(added.inserted, history.find("2"));
   EXPECT_EQ(added.inserted_index, 1);
   EXPECT_EQ(history.remarks(), (Remarks{{"1", x}, {"2", y}, {"10", x}}));
-  EXPECT_TRUE(history.can_take_back());
-  EXPECT_FALSE(history.can_do_again());
+  EXPECT_TRUE(history.can_undo());
+  EXPECT_FALSE(history.can_redo());
 
-  EXPECT_EQ(history.take_back(), (VRemarkExchange{added.inserted, 1, nullptr, -1}));
+  EXPECT_EQ(history.undo(), (VRemarkExchange{added.inserted, 1, nullptr, -1}));
   EXPECT_EQ(history.remarks(), (Remarks{{"1", x}, {"10", x}}));
-  EXPECT_FALSE(history.can_take_back());
-  EXPECT_TRUE(history.can_do_again());
+  EXPECT_FALSE(history.can_undo());
+  EXPECT_TRUE(history.can_redo());
 
-  EXPECT_EQ(history.do_again(), added);
+  EXPECT_EQ(history.redo(), added);
   EXPECT_EQ(history.remarks(), (Remarks{{"1", x}, {"2", y}, {"10", x}}));
-  EXPECT_TRUE(history.can_take_back());
-  EXPECT_FALSE(history.can_do_again());
+  EXPECT_TRUE(history.can_undo());
+  EXPECT_FALSE(history.can_redo());
 }
 
 TEST(RemarkHistory, EditingCanBeUndoneAndRedone) {
@@ -134,10 +130,10 @@ TEST(RemarkHistory, EditingCanBeUndoneAndRedone) {
   EXPECT_EQ(edited, (VRemarkExchange{original, 0, history.find("11"), 2}));
   EXPECT_EQ(history.remarks(), (Remarks{{"2", x}, {"10", x}, {"11", y}}));
 
-  EXPECT_EQ(history.take_back(), (VRemarkExchange{edited->inserted, 2, original, 0}));
+  EXPECT_EQ(history.undo(), (VRemarkExchange{edited->inserted, 2, original, 0}));
   EXPECT_EQ(history.remarks(), (Remarks{{"1", x}, {"2", x}, {"10", x}}));
 
-  EXPECT_EQ(history.do_again(), edited);
+  EXPECT_EQ(history.redo(), edited);
   EXPECT_EQ(history.remarks(), (Remarks{{"2", x}, {"10", x}, {"11", y}}));
 }
 
@@ -147,10 +143,10 @@ TEST(RemarkHistory, DeletingCanBeUndoneAndRedone) {
   EXPECT_EQ(history.remove("2"), (VRemarkExchange{deleted, 1, nullptr, -1}));
   EXPECT_EQ(history.remarks(), (Remarks{{"1", x}, {"10", x}}));
 
-  EXPECT_EQ(history.take_back(), (VRemarkExchange{nullptr, -1, deleted, 1}));
+  EXPECT_EQ(history.undo(), (VRemarkExchange{nullptr, -1, deleted, 1}));
   EXPECT_EQ(history.remarks(), (Remarks{{"1", x}, {"2", y}, {"10", x}}));
 
-  EXPECT_EQ(history.do_again(), (VRemarkExchange{deleted, 1, nullptr, -1}));
+  EXPECT_EQ(history.redo(), (VRemarkExchange{deleted, 1, nullptr, -1}));
   EXPECT_EQ(history.remarks(), (Remarks{{"1", x}, {"10", x}}));
 }
 
@@ -165,7 +161,7 @@ TEST(RemarkHistory, AnEditThatKeepsTheCodeIsAStep) {
   History history({{"1", x}, {"2", x}});
   ASSERT_NE(history.edit("1", "1", y), std::nullopt);
   EXPECT_EQ(history.remarks(), (Remarks{{"1", y}, {"2", x}}));
-  ASSERT_NE(history.take_back(), std::nullopt);
+  ASSERT_NE(history.undo(), std::nullopt);
   EXPECT_EQ(history.remarks(), (Remarks{{"1", x}, {"2", x}}));
 }
 
@@ -173,7 +169,7 @@ TEST(RemarkHistory, AnEditThatChangesOnlyTheCaseOfTheCodeIsAStep) {
   History history({{"a", x}});
   ASSERT_NE(history.edit("a", "A", x), std::nullopt);
   EXPECT_EQ(history.codes(), (Codes{"A"}));
-  ASSERT_NE(history.take_back(), std::nullopt);
+  ASSERT_NE(history.undo(), std::nullopt);
   EXPECT_EQ(history.codes(), (Codes{"a"}));
 }
 
@@ -183,7 +179,7 @@ TEST(RemarkHistory, AnEditThatMovesATranslationIsAStep) {
   History history({{"1", both}});
   ASSERT_NE(history.edit("1", "1", moved), std::nullopt);
   EXPECT_EQ(history.remarks(), (Remarks{{"1", moved}}));
-  ASSERT_NE(history.take_back(), std::nullopt);
+  ASSERT_NE(history.undo(), std::nullopt);
   EXPECT_EQ(history.remarks(), (Remarks{{"1", both}}));
 }
 
@@ -192,15 +188,15 @@ TEST(RemarkHistory, AnEditThatChangesNothingIsNoStep) {
   const VRemark *remark = history.find("1");
   EXPECT_EQ(history.edit("1", "1", x), std::nullopt);
   EXPECT_EQ(history.find("1"), remark);
-  EXPECT_FALSE(history.can_take_back());
+  EXPECT_FALSE(history.can_undo());
 
   history.add("2");
-  history.take_back();
+  history.undo();
   EXPECT_EQ(history.edit("1", "1", x), std::nullopt);
-  EXPECT_TRUE(history.can_do_again());
+  EXPECT_TRUE(history.can_redo());
 }
 
-TEST(RemarkHistory, StepsOnTheSameRemarkAreTakenBackOneByOne) {
+TEST(RemarkHistory, StepsOnTheSameRemarkAreUndoneOneByOne) {
   History history;
   history.add("1", x);
   history.edit("1", "2", x);
@@ -208,16 +204,16 @@ TEST(RemarkHistory, StepsOnTheSameRemarkAreTakenBackOneByOne) {
   history.remove("2");
   const Remarks back[] = {{{"2", y}}, {{"2", x}}, {{"1", x}}, {}};
   for (const Remarks &remarks : back) {
-    EXPECT_NE(history.take_back(), std::nullopt);
+    EXPECT_NE(history.undo(), std::nullopt);
     EXPECT_EQ(history.remarks(), remarks);
   }
-  EXPECT_EQ(history.take_back(), std::nullopt);
+  EXPECT_EQ(history.undo(), std::nullopt);
   const Remarks again[] = {{{"1", x}}, {{"2", x}}, {{"2", y}}, {}};
   for (const Remarks &remarks : again) {
-    EXPECT_NE(history.do_again(), std::nullopt);
+    EXPECT_NE(history.redo(), std::nullopt);
     EXPECT_EQ(history.remarks(), remarks);
   }
-  EXPECT_EQ(history.do_again(), std::nullopt);
+  EXPECT_EQ(history.redo(), std::nullopt);
 }
 
 // Each function records one step.
@@ -235,22 +231,22 @@ TEST(RemarkHistory, ANewStepDropsTheStepsAhead) {
     history.edit("2", "3");
     history.edit("1", "4");
     history.remove("3");
-    while (history.can_take_back()) {
-      history.take_back();
+    while (history.can_undo()) {
+      history.undo();
     }
-    history.do_again(); // one step stays
+    history.redo(); // one step remains
     new_step(history);
     const Remarks remarks = history.remarks();
-    EXPECT_FALSE(history.can_do_again());
-    EXPECT_EQ(history.do_again(), std::nullopt);
+    EXPECT_FALSE(history.can_redo());
+    EXPECT_EQ(history.redo(), std::nullopt);
     EXPECT_EQ(history.remarks(), remarks);
-    history.take_back();
+    history.undo();
     EXPECT_EQ(history.remarks(), (Remarks{{"1", x}, {"2", {}}}));
-    history.take_back();
+    history.undo();
     EXPECT_EQ(history.remarks(), (Remarks{{"1", x}}));
-    EXPECT_FALSE(history.can_take_back());
-    history.do_again();
-    history.do_again();
+    EXPECT_FALSE(history.can_undo());
+    history.redo();
+    history.redo();
     EXPECT_EQ(history.remarks(), remarks);
   }
 }
@@ -260,7 +256,7 @@ TEST(RemarkHistory, TheListMayBeFreedFirst) {
   history.add("3");
   history.remove("1");
   history.edit("2", "4");
-  history.take_back();
+  history.undo();
   history.list.reset();
   history.history.reset();
 }
@@ -270,7 +266,7 @@ TEST(RemarkHistory, TheListOutlivesTheHistory) {
   history.add("3", y);
   history.edit("1", "5", y);
   history.remove("2");
-  history.take_back();
+  history.undo();
   history.history.reset();
   EXPECT_EQ(history.remarks(), (Remarks{{"2", x}, {"3", y}, {"5", y}}));
 }
@@ -279,7 +275,7 @@ TEST(RemarkHistory, ChangesToOtherRemarksStay) {
   History history({{"1", x}, {"3", x}});
   history.remove("3");
   history.find("1")->description = langstr_of(y);
-  history.take_back();
+  history.undo();
   EXPECT_EQ(history.remarks(), (Remarks{{"1", y}, {"3", x}}));
 }
 
@@ -391,15 +387,15 @@ TEST(RemarkHistory, AThousandRandomStepsBackAndForthGiveTheSameBytes) {
   RandomEditor editor;
   const std::vector<Snapshot> snapshots = snapshots_of_random_steps(editor);
   for (std::size_t step = many; step-- > 0;) {
-    ASSERT_NE(editor.editing.take_back(), std::nullopt);
+    ASSERT_NE(editor.editing.undo(), std::nullopt);
     ASSERT_NO_FATAL_FAILURE(expect_snapshot(editor, snapshots[step]));
   }
-  EXPECT_FALSE(editor.editing.can_take_back());
+  EXPECT_FALSE(editor.editing.can_undo());
   for (std::size_t step = 1; step <= many; step++) {
-    ASSERT_NE(editor.editing.do_again(), std::nullopt);
+    ASSERT_NE(editor.editing.redo(), std::nullopt);
     ASSERT_NO_FATAL_FAILURE(expect_snapshot(editor, snapshots[step]));
   }
-  EXPECT_FALSE(editor.editing.can_do_again());
+  EXPECT_FALSE(editor.editing.can_redo());
 }
 
 TEST(RemarkHistory, ARandomWalkThroughTheHistoryGivesTheSameBytes) {
@@ -409,10 +405,10 @@ TEST(RemarkHistory, ARandomWalkThroughTheHistoryGivesTheSameBytes) {
   for (int walk = 0; walk < 50; walk++) {
     const std::size_t target = editor.random() % snapshots.size();
     for (; step > target; step--) {
-      ASSERT_NE(editor.editing.take_back(), std::nullopt);
+      ASSERT_NE(editor.editing.undo(), std::nullopt);
     }
     for (; step < target; step++) {
-      ASSERT_NE(editor.editing.do_again(), std::nullopt);
+      ASSERT_NE(editor.editing.redo(), std::nullopt);
     }
     ASSERT_NO_FATAL_FAILURE(expect_snapshot(editor, snapshots[target]));
   }
@@ -425,22 +421,22 @@ TEST(RemarkHistory, NewStepsAmongUndoneAndRedoneOnesGiveTheSameBytes) {
   for (std::size_t i = 0; i < many; i++) {
     const auto kind = editor.random() % 4;
     if (kind == 0 && step > 0) {
-      ASSERT_NE(editor.editing.take_back(), std::nullopt);
+      ASSERT_NE(editor.editing.undo(), std::nullopt);
       step--;
     } else if (kind == 1 && step + 1 < snapshots.size()) {
-      ASSERT_NE(editor.editing.do_again(), std::nullopt);
+      ASSERT_NE(editor.editing.redo(), std::nullopt);
       step++;
     } else {
       editor.do_step();
       snapshots.resize(++step);
       snapshots.push_back({editor.editing.remarks(), editor.bytes()});
     }
-    ASSERT_EQ(editor.editing.can_take_back(), step > 0);
-    ASSERT_EQ(editor.editing.can_do_again(), step + 1 < snapshots.size());
+    ASSERT_EQ(editor.editing.can_undo(), step > 0);
+    ASSERT_EQ(editor.editing.can_redo(), step + 1 < snapshots.size());
     ASSERT_NO_FATAL_FAILURE(expect_snapshot(editor, snapshots[step]));
   }
   while (step-- > 0) {
-    ASSERT_NE(editor.editing.take_back(), std::nullopt);
+    ASSERT_NE(editor.editing.undo(), std::nullopt);
     ASSERT_NO_FATAL_FAILURE(expect_snapshot(editor, snapshots[step]));
   }
 }
