@@ -50,7 +50,7 @@ bool copy_if_missing(const char *source, const char *target) {
   if (target_info.exists || v_stream_copy_from_file_path_to_file_path(source, target)) {
     return true;
   }
-  // A partial copy would pass for an installed file the next time.
+  // Next time, a partial copy would be mistaken for an installed file.
   v_fs_utils_discard_file(target);
   return false;
 }
@@ -72,7 +72,7 @@ bool copy_missing_files(DIR *listing, const char *source_folder, const char *tar
   }
 }
 
-// Several layouts replace the earlier one: deletes its file and installs those that are missing.
+// The earlier layout was replaced by several: deletes its file and installs those that are missing.
 void upgrade_standard_layout(const char *workspace_folder, const char *layouts_folder) {
   const OwnedText path = v_fs_utils_create_path_in_folder(layouts_folder, standard_layout_name);
   VFileInfo info;

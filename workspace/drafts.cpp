@@ -12,12 +12,12 @@
 
 namespace {
 
-// Endings of file names. A draft is written with the first one and then renamed.
+// File name suffixes. A draft is written with the first one and then renamed.
 constexpr const char *unfinished = ".new";
 constexpr const char *unreadable = ".unreadable";
 
-// Bytes of the codeset file's name at the end of a draft's name, for people who look into the
-// folder.
+// Maximum length in bytes of the codeset's file name at the end of a draft's name, where it helps
+// people who look into the folder.
 constexpr std::size_t longest_repeated_name = 60;
 
 // The folder of drafts; null when the state folder's name cannot be converted.
@@ -27,8 +27,8 @@ OwnedText find_folder() {
                       : nullptr;
 }
 
-// The absolute path of the file with the links in its folder resolved. A link as the file itself is
-// kept, because saving replaces it.
+// The absolute path of the file, with symbolic links in the path of its folder resolved. If the
+// file itself is a link it is not resolved, because saving replaces it.
 OwnedText find_location(const char *path) {
   const OwnedText folder(g_path_get_dirname(path));
   const OwnedText real_folder = v_fs_utils_resolve_links(folder.get());
@@ -37,15 +37,15 @@ OwnedText find_location(const char *path) {
                      : OwnedText(g_canonicalize_filename(path, nullptr));
 }
 
-// The prefix of the names of the drafts of the file at this absolute path and of no other's. A
-// digest, because a path may be longer than a name can be.
+// The prefix of the names of this file's drafts and of no others. A digest, because a path may be
+// longer than the maximum length of a file name.
 std::string make_prefix(const char *absolute_path) {
   const OwnedText digest(g_compute_checksum_for_string(G_CHECKSUM_SHA256, absolute_path, -1));
   return std::string(digest.get()) + ".";
 }
 
-// The prefix for new drafts, and that of drafts from a time when the file's folder was away, and
-// the links in its path could not be resolved.
+// The prefix for new drafts, and that of drafts written while the file's folder was not accessible,
+// so that the links in its path could not be resolved.
 std::array<std::string, 2> find_prefixes(const char *codeset_path) {
   const OwnedText unresolved(g_canonicalize_filename(codeset_path, nullptr));
   return {make_prefix(find_location(codeset_path).get()), make_prefix(unresolved.get())};
@@ -57,14 +57,14 @@ bool has_any_prefix(const char *name, const std::array<std::string, 2> &prefixes
   });
 }
 
-// The last bytes of the name, which include the extension.
+// The end of the name, which includes the extension.
 const char *shorten(const char *name) {
   const std::size_t length = std::char_traits<char>::length(name);
   const char *rest = name + length - std::min(length, longest_repeated_name);
   return g_utf8_validate(rest, -1, nullptr) ? rest : g_utf8_find_next_char(rest, nullptr);
 }
 
-// A new path for each call: each editing of the file has its own draft.
+// Returns a different path each time: each editing session has its own draft.
 OwnedText make_path(const char *folder, const VDraft *draft) {
   const char *codeset_name = v_fs_utils_find_entry_name_in_path(draft->codeset_path.get());
   const OwnedText name(g_strdup_printf("%s%08x%08x.%s", draft->name_prefix.c_str(), g_random_int(),
@@ -84,8 +84,8 @@ bool write_content(const char *path, const VCodeset *codeset, const char *substi
          v_fs_utils_close_file(std::move(file));
 }
 
-// Writes the draft under another name, holds it and renames it, so that other programs never see
-// one that is incomplete or not held.
+// Writes the draft under a temporary name, locked, and renames it, so that other programs never see
+// one that is incomplete or not locked.
 bool write_draft(VDraft *draft, const VCodeset *codeset) {
   const OwnedText folder = find_folder();
   if (v_remark_list_is_empty(codeset->remarks.get()) || !folder ||
@@ -110,7 +110,7 @@ bool write_draft(VDraft *draft, const VCodeset *codeset) {
   return true;
 }
 
-// Forces the file's content, and its name in the folder, onto the disk.
+// Flushes the file's content, and its directory entry, to disk.
 bool sync_file(const char *path) {
   const OwnedText folder(g_path_get_dirname(path));
   return v_private_files_sync(path) && v_private_files_sync(folder.get());
@@ -127,7 +127,7 @@ void remember_permissions(VDraft *draft) {
   }
 }
 
-// True when the codeset file existed when it was saved, and does not exist now.
+// True when the codeset file existed when it was last saved, but no longer does.
 bool has_lost_its_file(const VDraft *draft) {
   VFileInfo info;
   return draft->codeset_permissions.are_known &&
@@ -145,8 +145,8 @@ struct Candidate {
   std::int64_t time = 0;
 };
 
-// The drafts whose names begin with one of the prefixes, newest first, whether held or not. Removes
-// unfinished ones of programs that ended while writing.
+// The drafts whose names begin with one of the prefixes, newest first, whether locked or not.
+// Removes unfinished ones of programs that ended while writing.
 std::vector<Candidate> list_candidates(const char *folder,
                                        const std::array<std::string, 2> &prefixes) {
   std::vector<Candidate> candidates;
@@ -170,7 +170,7 @@ std::vector<Candidate> list_candidates(const char *folder,
   return candidates;
 }
 
-// False when a running program holds the draft or it cannot be read.
+// False when another program has locked the draft or it cannot be read.
 bool take_over(VDraft *draft, Candidate &candidate) {
   OwnedHeldFile held = v_private_files_hold(candidate.path.get());
   if (!held) {
@@ -216,7 +216,7 @@ bool v_draft_save_codeset(VDraft *draft, const VCodeset *codeset) {
   remember_permissions(draft);
   if (!v_codeset_io_write_to_file_with_permissions(codeset, draft->codeset_path.get(),
                                                    draft->codeset_permissions)) {
-    // The failed save may have deleted the old file and so have made room on a full disk.
+    // The failed save may have freed space on a full disk by deleting the old file.
     if (!is_drafted) {
       const VErrorKeeper keeper;
       write_and_sync_draft(draft, codeset);
@@ -234,7 +234,7 @@ void v_draft_remove(VDraft *draft) {
   if (draft->path && !has_lost_its_file(draft)) {
     v_fs_utils_discard_file(draft->path.get());
   }
-  // The draft is released after it is deleted, so that no other program can take it over.
+  // Unlock the draft after deleting it, so that no other program can take it over.
   draft->path.reset();
   draft->held.reset();
 }

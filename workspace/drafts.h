@@ -1,11 +1,10 @@
 #pragma once
-// Drafts: unsaved changes of a codeset file, kept in
-// $XDG_STATE_HOME/vantorelle/drafts so that it outlives the program. A draft is an ordinary codeset
-// file. Its name tells the path of the codeset it belongs to, and the program that edits the
-// codeset holds it: a draft that nobody holds was left behind. Knows nothing of windows, nor of
-// when a draft is due.
+// Drafts: unsaved changes to a codeset file, kept in $XDG_STATE_HOME/vantorelle/drafts so that they
+// survive the end of the program. A draft is an ordinary codeset file. Its name begins with a
+// digest of the codeset's path, and the program that edits the codeset locks it: an unlocked draft
+// was left behind. Knows nothing of windows, nor of when to write a draft.
 //
-// Paths are UTF-8. A draft that cannot be written or removed is not reported: the user's work does
+// Paths are UTF-8. Failing to write or remove a draft is not reported, because the user's work does
 // not depend on it.
 
 #include <cstdint>
@@ -17,41 +16,40 @@
 
 struct VDraft {
   OwnedText codeset_path;
-  // Of the draft's name. Found when the codeset is opened, because links in its path cannot be
-  // resolved while its folder is away.
+  // The prefix of the draft's name. Determined when the codeset is opened, because links in its path
+  // cannot be resolved while its folder is not accessible.
   std::string name_prefix;
-  // Of the codeset's file, when it was last saved over an existing file; unknown before.
+  // Permissions of the codeset's file when it was last saved over; unknown before that.
   VFilePermissions codeset_permissions;
   OwnedText path;     // of the draft; null while there is none
-  OwnedHeldFile held; // holds the draft; null while there is none
-  // The draft that a program left behind when it ended, until it is taken or removed; null when
-  // there was none.
+  OwnedHeldFile held; // the lock on the draft; null while there is none
+  // The draft that an earlier program has left behind, until the caller moves or removes it; null
+  // when there was none.
   OwnedCodeset left_behind;
   std::int64_t left_behind_time = 0; // when it was written, in seconds since the epoch
 };
 
-// The draft stays on the disk and counts as left behind from then on.
+// The draft remains on disk and counts as left behind from then on.
 void v_draft_close(VDraft *draft);
 using OwnedDraft = Owned<VDraft, v_draft_close>;
 
-// The draft of one codeset file, which need not exist, while it is edited. The newest draft of it
-// that was left behind is taken over; older ones stay for the next time. A draft that cannot be
-// read is set aside: its name gets the ending ".unreadable", and it is not read again.
+// Opens the draft of a codeset file that is about to be edited; the file need not exist. Takes over
+// the newest draft of it that was left behind; older ones are kept for the next time. A draft that
+// cannot be read gets the suffix ".unreadable" and is not read again. Never null.
 OwnedDraft v_draft_open(const char *codeset_path);
 
-// Brings the draft up to date, in place of the older one. A codeset without name is given its
-// file's name. A codeset without remarks could not be read again: the older draft stays. False when
-// the draft could not be written, so that it may be tried again later.
+// Writes the draft, replacing the older one. A codeset without a name gets that of its file. Does
+// nothing for a codeset without remarks, which could not be read back: the older draft is kept.
+// False when writing failed, so that the caller can try again later.
 bool v_draft_write(VDraft *draft, const VCodeset *codeset);
 
-// Saves the codeset to its file as v_codeset_io_write_to_file does, and returns what that returns.
-// Before that the draft is brought up to date and forced onto the disk; it is removed once the file
-// is on the disk. It stays beside a file that cannot be read back (v_codeset_io_can_be_read_back):
-// then the draft alone holds the work. A failure of the draft does not stop the saving. A save that
-// is tried again gives the file the permissions that it had before it was lost.
+// Saves the codeset to its file as v_codeset_io_write_to_file does, with the same result. Writes
+// the draft first and flushes it to disk, and removes it once the file is on disk, unless the file
+// cannot be read back (v_codeset_io_can_be_read_back): then only the draft has the work. A failure
+// to write the draft does not prevent saving. When a save is repeated after one that lost the file,
+// the file gets its former permissions.
 bool v_draft_save_codeset(VDraft *draft, const VCodeset *codeset);
 
-// Removes the draft. The next one that is written is a new one. What is on the disk stays there,
-// and counts as left behind, when a failed save has taken the codeset's file away: then there is
-// nothing else.
+// Removes the draft; the next v_draft_write creates another one. If a failed save has lost the
+// codeset's file, the draft on disk is kept and counts as left behind, because it is the only copy.
 void v_draft_remove(VDraft *draft);

@@ -10,8 +10,8 @@
 
 namespace {
 
-// Applies one element to the record. False when something in the element could not be used and
-// loading must report it; an incomplete element is skipped without a report.
+// Applies one element to the record. False when the element has something invalid that loading must
+// report; an incomplete element is skipped silently.
 using Reader = bool (*)(VSettings &settings, xmlDoc *document, const xmlNode *element);
 
 struct ElementReader {
@@ -35,7 +35,7 @@ void set_text(OwnedText &text, const xmlNode *element, const char *attribute) {
   }
 }
 
-// The level of the first name that equals the text; else the fallback.
+// The level whose name equals the text; else the fallback.
 template <typename Level, std::size_t count>
 Level level_of(const char *text, const std::pair<const char *, Level> (&levels)[count],
                Level fallback) {
@@ -82,7 +82,7 @@ void read_layout(VPrintoutSettings &printout, const xmlNode *element) {
   set_text(printout.layout_file_name, element, "filename");
 }
 
-// Takes only the orientation: the print module alone knows the papers by their names.
+// Reads only the orientation, because only the print module knows the papers by name.
 void read_paper(VPrintoutSettings &printout, const xmlNode *element) {
   const OwnedText name = v_xml_get_required_attribute_value_as_utf8(element, "name");
   const OwnedText orientation = v_xml_get_required_attribute_value_as_utf8(element, "orientation");

@@ -1,6 +1,6 @@
 #pragma once
-// The personal settings of a workspace: one record with defaults, and the reader of the file
-// "settings.xml", which all tools of the suite share. This program never writes it.
+// The personal settings of a workspace: a record with defaults, and the reader of the file
+// "settings.xml", which all tools of the suite share. This program never writes the file.
 
 #include <string>
 #include <vector>
@@ -14,7 +14,7 @@ enum class VMarkFilterLevel { from_all_views = 1, from_this_view_only, from_no_v
 struct VPrintoutSettings {
   VIdentifierSetting identifier = VIdentifierSetting::object_id;
   OwnedText layout_file_name; // UTF-8, null for none
-  int paper_id = 0; // a number of the print module, which knows the papers; 0 is its default
+  int paper_id = 0; // assigned by the print module, which knows the papers; 0 is its default
   bool landscape = false;
   bool details_on_text_page = true;
   bool details_on_view_pages = false;
@@ -28,7 +28,7 @@ struct VPrintoutSettings {
   VMarkFilterLevel view_page_mark_filter = VMarkFilterLevel::from_all_views;
 };
 
-// Texts are UTF-8 unless said otherwise.
+// Texts are UTF-8 unless noted otherwise.
 struct VSettings {
   OwnedText file_path;
   OwnedText archive_path;
@@ -39,7 +39,7 @@ struct VSettings {
   OwnedText last_used_layout_file_name;
   OwnedText last_used_paper_id; // ASCII
   bool left_handed = false;
-  std::vector<std::string> preferred_languages; // tags, ASCII, most wanted first
+  std::vector<std::string> preferred_languages; // tags, ASCII, most preferred first
   OwnedRemarkList recent_custom_remarks;        // in the file's order
   bool remember_tool_choice = false;
 };
@@ -62,13 +62,13 @@ enum VSettingsElement : unsigned {
   v_settings_remember_tool_choice = 1024,
 };
 
-// The defaults for the workspace in that folder (UTF-8). The preferred languages are the user's
-// own, as the default dialect if it has one, then the same without its region; then "en-uk" and
-// "en", unless the user's language is English.
+// The defaults for the workspace in that folder (UTF-8). The preferred languages are the user's own
+// (in the default dialect, if there is one), the same without a region, and, unless the user's
+// language is English, "en-uk" and "en".
 OwnedSettings v_settings_new(const char *workspace_folder);
 
-// Applies the elements that the mask selects (-1: all) over what the record holds; no file leaves
-// it as it is. An element whose attributes are missing or unfit is skipped. False when the file
-// cannot be read or is no settings file, and also, after everything else has been applied, when a
-// paper id or a language tag was not ASCII or a remark could not be read.
+// Applies the elements that the mask selects (-1: all) to the record. True without a change when
+// there is no file. An element whose attributes are missing or invalid is skipped. False when the
+// file cannot be read or is not a settings file, and also, after everything else has been applied,
+// when a paper id or a language tag is not ASCII or a remark cannot be read.
 bool v_settings_load(VSettings *settings, int which);

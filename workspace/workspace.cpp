@@ -9,10 +9,10 @@
 
 namespace {
 
-// Sub-folders that a new workspace gets, in the order of installation.
+// Sub-folders of a new workspace, in the order of installation.
 constexpr const char *delivered_sub_folders[] = {"codesets", "layouts", "templates"};
 
-// Ignores whether reading succeeds: a pointer file that cannot be read counts as absent.
+// A pointer file that cannot be read counts as absent.
 OwnedText find_workspace_folder() {
   OwnedText path;
   v_workspace_get_saved_folder_path(path);
@@ -34,8 +34,8 @@ bool open_sub_folder(OwnedText &sub_folder_path, const char *folder_path, const 
   return info.exists ? info.is_folder != 0 : v_fs_utils_create_folder(sub_folder_path.get());
 }
 
-// Installs the delivered components, then saves the workspace's path. After a failure it removes
-// the installed ones again, in reverse order.
+// Installs the delivered components, then saves the workspace's path. After a failure, removes the
+// installed ones in reverse order.
 bool fill_new_workspace(const char *folder_path) {
   std::size_t installed = 0;
   while (installed < std::size(delivered_sub_folders) &&

@@ -1,12 +1,12 @@
 #pragma once
-// The workspace: one personal folder with a fixed set of sub-folders, found through the pointer
-// file. All paths are UTF-8.
+// The workspace: a personal folder with a fixed set of sub-folders, located by the pointer file.
+// All paths are UTF-8.
 
 #include "workspace/settings.h"
 
 struct VWorkspace {
   OwnedText codesets_folder_path;
-  OwnedText fonts_folder_path; // neither checked nor made here
+  OwnedText fonts_folder_path; // neither checked nor created here
   OwnedText layouts_folder_path;
   OwnedText documents_folder_path;
   OwnedText templates_folder_path;
@@ -18,12 +18,12 @@ struct VWorkspace {
 void v_workspace_close(VWorkspace *workspace);
 using OwnedWorkspace = Owned<VWorkspace, v_workspace_close>;
 
-// Opens the workspace where the pointer file says, else at its default place: makes sub-folders
-// that are missing and brings earlier delivered layouts up to date. Null when there is no such
-// folder, or when a sub-folder cannot be used or made; a message of the file layer may be set.
+// Opens the workspace at the location in the pointer file, else at the default one: creates missing
+// sub-folders and updates layouts delivered by earlier versions. Null when there is no such folder,
+// or when a sub-folder cannot be accessed or created; a message of the file layer may be set.
 OwnedWorkspace v_workspace_open();
 
-// Makes a new workspace with the delivered components and remembers it in the pointer file. False
-// when something is there already, which is not touched, or when a step fails: then nothing is left
-// of the workspace, and the pointer file is as it was before.
+// Creates a workspace with the delivered components and saves its path in the pointer file. False
+// when something already exists at the path, which is not changed, or when a step fails: the new
+// folder is then removed, and the pointer file is unchanged.
 bool v_workspace_create(const char *folder_path);

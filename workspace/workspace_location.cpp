@@ -24,14 +24,14 @@ bool write_pointer_file(const char *file_path, const char *folder_path) {
          v_xml_replace_file(document.get(), file_path, "UTF-8");
 }
 
-// For the root folder v_fs_utils_create_path_in_folder returns a relative path on purpose; this
-// function adds the "/".
+// For the root folder, v_fs_utils_create_path_in_folder intentionally returns a relative path; this
+// function prepends the slash.
 OwnedText join_in_absolute_folder(const char *folder, const char *name) {
   OwnedText path = v_fs_utils_create_path_in_folder(folder, name);
   return *path == '/' ? std::move(path) : OwnedText(g_strconcat("/", path.get(), nullptr));
 }
 
-// The part of the place below the home folder, without a "/" at its start.
+// The path relative to the home folder, without a leading slash.
 const char *skip_home_sign(const char *place) {
   if (*place == '~' && (place[1] == '/' || place[1] == '\0')) {
     place++;

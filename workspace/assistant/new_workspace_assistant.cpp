@@ -37,8 +37,8 @@ int forward_page_func(int current_page, void *data);
 
 constexpr const char *page_title = "Vantorelle Workspace Setup";
 
-// The texts have their own line breaks, so this only limits a long line.
-constexpr int widest_line = 120; // characters
+// In characters. The texts have their own line breaks, so this limits only overlong lines.
+constexpr int widest_line = 120;
 
 // Width in pixels of the margins around the text and around the page titles beside it, and of the
 // window's border.
@@ -130,7 +130,7 @@ void append_summary_page(NewWorkspaceAssistant *state) {
 
 void build_assistant(NewWorkspaceAssistant *state) {
   state->assistant = GTK_ASSISTANT(gtk_assistant_new());
-  // The title until the first page is shown; then the toolkit shows the page's title.
+  // Shown until the toolkit replaces it by the title of the first page.
   gtk_window_set_title(GTK_WINDOW(state->assistant), "Vantorelle");
   append_intro_page(state);
   append_location_page(state);
@@ -143,8 +143,8 @@ void build_assistant(NewWorkspaceAssistant *state) {
 
 // ---- Read ---------------------------------------------------------------------------------------
 
-// An absolute path (UTF-8): the other tools read it from the pointer file and run in other folders.
-// Null, with a message, when there is none.
+// Returns an absolute path (UTF-8), because the other tools read it from the pointer file and run
+// in other folders. Null with a message on failure.
 OwnedText read_location(const NewWorkspaceAssistant *state) {
   const OwnedText location =
       v_strip_surrounding_in_new_for_utf8(v_gui_get_entry_text(state->location_entry));
@@ -171,9 +171,9 @@ OwnedText create_workspace(const NewWorkspaceAssistant *state) {
 
 // ---- Handlers -----------------------------------------------------------------------------------
 
-// "activate" of the location. Return presses the button of the next page, which the assistant makes
-// the default on every page. The click acts at once: if the toolkit activated the button, keys
-// typed meanwhile could change the location first.
+// "activate" of the location. Return presses the button for the next page, which the assistant
+// makes the default on every page. The click acts at once: if the toolkit activated the button,
+// keys typed in the meantime could change the location first.
 void location_activate_callback(GtkEntry *, NewWorkspaceAssistant *state) {
   GtkWidget *button = gtk_window_get_default_widget(GTK_WINDOW(state->assistant));
   if (gtk_widget_is_sensitive(button)) {
@@ -190,10 +190,10 @@ void browse_callback(GtkButton *, NewWorkspaceAssistant *state) {
   }
 }
 
-// "apply", emitted once per press of the button, before the assistant calls forward_page_func. That
-// is also called without a press, so the workspace is created here. The error is shown after the
-// press is answered (see gui/answering_button.h), so that an assistive technology that pressed the
-// button can read it.
+// "apply", emitted once per press of the button, before the assistant calls forward_page_func. The
+// workspace is created here, because that function is also called without a press. The error is
+// shown after the press is answered (see gui/answering_button.h), so that an assistive technology
+// that pressed the button can read it.
 void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
   const OwnedText error = create_workspace(state);
   state->created = !error;
@@ -205,8 +205,8 @@ void apply_callback(GtkAssistant *, NewWorkspaceAssistant *state) {
   }
 }
 
-// Called by the assistant to find the next page. After an error it starts over at its first page;
-// the typed location remains.
+// Called by the assistant to find the next page. After an error, starts over at the first page with
+// the typed location.
 int forward_page_func(int current_page, void *data) {
   const auto *state = static_cast<const NewWorkspaceAssistant *>(data);
   return current_page == state->location_page && !state->created ? 0 : current_page + 1;
