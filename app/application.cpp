@@ -19,8 +19,8 @@ ApplicationConfiguration process_app_conf;
 bool startup_successful = false;
 bool running = false;
 
-// The shutdown of every tool of the suite has these two steps. They are empty here: this tool draws
-// no text sheets, and no style outlives its widget.
+// The shutdown of every tool of the suite has these two steps. They are empty here, because this
+// tool draws no text sheets and no style outlives its widget.
 void clean_up_text_sheet_drawing() {}
 void clean_up_widget_styles() {}
 
@@ -54,8 +54,8 @@ int v_main(int argc, char **argv) {
 }
 
 void app_startup_callback(GtkApplication *application, ApplicationConfiguration *configuration) {
-  // The font map searches the system's fonts in a thread of its own. Created this early, it is
-  // ready when the first text is measured.
+  // The font map loads the system's fonts in a thread of its own. It is created this early so that
+  // it is ready when the first text is measured.
   pango_cairo_font_map_get_default();
   g_idle_add_full(G_PRIORITY_LOW, set_icon_callback, configuration, nullptr);
   startup_successful = v_startup_run(application);

@@ -45,7 +45,7 @@ bool open_resources() {
   return true;
 }
 
-// The FreeType face becomes user data of the cairo face, which frees it at its end.
+// The FreeType face becomes user data of the cairo face, which frees it when it is destroyed.
 bool make_view_font(OwnedFtFace ft_face) {
   OwnedFontFace face(cairo_ft_font_face_create_for_ft_face(ft_face.get(), 0));
   if (cairo_font_face_status(face.get()) != CAIRO_STATUS_SUCCESS) {

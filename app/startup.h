@@ -1,19 +1,19 @@
 #pragma once
-// The one-time work before the tool can run, one function per step, and the matching releases at
-// shutdown. A step that fails returns false and leaves its message in the error state.
+// The one-time work before the tool can run, one function per step, and the matching clean-up at
+// shutdown. A step that fails returns false and sets a message.
 
 #include <cairo.h>
 #include <gtk/gtk.h>
 
 #include "images/image.h"
 
-// Runs all steps in order, up to the first that fails.
+// Runs all steps in order; stops at the first that fails.
 bool v_startup_run(GtkApplication *application);
 
-// The steps that can also be run on their own.
+// The steps that can also be run separately.
 // Fails with "Couldn't initialize the FreeType font library.".
 bool v_startup_init_font_library();
-// Halves the resolution of a screen that has 144 dots per inch or more.
+// Halves the resolution of a screen with 144 dots per inch or more.
 void v_startup_apply_resolution_rule(GdkScreen *screen);
 bool v_startup_load_icons();
 // Fails with "Couldn't find required fonts." before the reason, "Couldn't open required fonts.",

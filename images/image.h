@@ -1,6 +1,6 @@
 #pragma once
-// The image object: a picture of pixels or a parsed SVG, with its size. Knows nothing of where the
-// image comes from.
+// The image object: a raster image or a parsed SVG, with its size. Knows nothing of where the image
+// comes from.
 
 #include <cstdint>
 
@@ -35,10 +35,10 @@ using OwnedImage = Owned<VImage, v_gfx_image_destroy>;
 // buffer would have no pixel.
 OwnedPixels v_gfx_pixels_new(std::int64_t width, std::int64_t height);
 
-// The top byte of the pixels is ignored when the image is opaque; otherwise they are premultiplied.
-// Null with the graphics library's message, or with "Error transferring pixel buffer ownership to
-// image surface."; the pixels are freed then too.
+// Takes ownership of the pixels, also on failure. Their top byte is ignored when the image is
+// opaque; otherwise they are premultiplied. Null with the graphics library's message, or with
+// "Error transferring pixel buffer ownership to image surface.".
 OwnedImage v_gfx_image_new_for_pixels(OwnedPixels pixels, int width, int height, bool opaque);
-// The size is the one that the SVG states for itself, with its fractions. Null with the system's
-// reason when the library that made the handle cannot be loaded.
+// The size is that declared by the SVG, not rounded. Null with the system's reason when the library
+// that made the handle cannot be loaded.
 OwnedImage v_gfx_image_new_for_svg(OwnedSvg svg);

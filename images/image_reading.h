@@ -1,14 +1,15 @@
 #pragma once
-// Encoded images in a zip archive, turned into image objects.
+// Reads encoded images from a zip archive into image objects.
 
 #include "base/file_types.h"
 #include "images/image.h"
 
 struct zip;
 
-// Reads a PNG, JPEG or SVG entry of an open archive (entry name in UTF-8). With keep_encoded_data
+// Reads a PNG, JPEG or SVG entry of an open archive (entry name in UTF-8). With keep_encoded_data,
 // the surface of a PNG or JPEG also holds the entry's bytes, as MIME data of its type, for surfaces
-// that can pass them on as they are. A JPEG is always opaque.
+// that can embed them unchanged. A JPEG is always opaque.
+//
 // Null with "Could not load PNG." or "Could not load JPEG." before the reason, "Could not open
 // SVG." before the archive's message, the parser's message, or "Unsupported image file type:
 // <name>".

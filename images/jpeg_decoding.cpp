@@ -16,9 +16,9 @@ namespace {
 
 using OwnedRow = Owned<JSAMPLE, g_free>;
 
-// State of the guarded steps. An error of the library leaves a step by longjmp, so a step must have
-// no local with a destructor: this record, and the owners of what it borrows, are locals of the
-// step's caller.
+// State of the guarded steps. A library error leaves a step by longjmp, so a step must not have
+// locals with destructors: this record, and the owners of what it borrows, are locals of its
+// caller.
 struct Decoding {
   jpeg_decompress_struct library = {};
   jpeg_error_mgr errors = {};
@@ -51,7 +51,7 @@ Decoding *decoding_of(Library *library) {
 
 void ignore_message(j_common_ptr) {}
 
-// Errors of the library return here, with the message set.
+// Library errors jump here, with the message set.
 bool run_guarded(Decoding *decoding, void (*step)(Decoding *)) {
   if (setjmp(decoding->unwinding) != 0) {
     return false;
@@ -64,7 +64,7 @@ void begin_source(j_decompress_ptr) {}
 
 void end_source(j_decompress_ptr) {}
 
-// Called when the data ends too soon: all of it is in memory from the start.
+// Called when the data is truncated: all of it is in memory from the start.
 boolean fill_source(j_decompress_ptr library) {
   ERREXIT(library, JERR_INPUT_EOF);
   return FALSE;
@@ -115,7 +115,7 @@ Count divide_rounding_up(Count dividend, Count divisor) {
   return (dividend + divisor - 1) / divisor;
 }
 
-// The number of 8x8 blocks in all components of the picture.
+// The number of 8x8 blocks in all components of the image.
 Count count_blocks(const jpeg_decompress_struct &library) {
   const std::span components(library.comp_info, static_cast<std::size_t>(library.num_components));
   int widest = 1;
@@ -149,9 +149,9 @@ void read_rows(Decoding *decoding) {
 }
 
 // Upper bound for the number of blocks that the data can encode. A Huffman code has at least one
-// bit. Each block has a code for its first coefficient and, except in a progressive picture, one
-// that ends the others. Arithmetic coding can encode thousands of equal blocks in one bit, so such
-// pictures are always accepted up to a moderate size.
+// bit. Each block has a code for its first coefficient and, except in a progressive image, one that
+// ends the others. Arithmetic coding can encode thousands of equal blocks in one bit, so such
+// images are always accepted up to a moderate size.
 Count limit_blocks(const jpeg_decompress_struct &library, std::size_t length) {
   constexpr Count moderate_block_count = 1 << 18; // 16 million grey pixels
   const Count bits = Count{length} * 8;
@@ -174,7 +174,7 @@ OwnedPixels decompress(Decoding &decoding, const char *data, std::size_t length)
   if (!run_guarded(&decoding, read_header)) {
     return nullptr;
   }
-  // The library fills in missing parts of a picture and allocates memory for them.
+  // The library fills in missing parts of an image and allocates memory for them.
   if (count_blocks(decoding.library) > limit_blocks(decoding.library, length)) {
     v_error_set("Pixel buffer dimension out of range.");
     return nullptr;

@@ -22,9 +22,8 @@ struct Reader {
   Reader &operator=(const Reader &) = delete;
 };
 
-// State of the guarded steps. An error of the library leaves a step by longjmp, so a step must have
-// no local with a destructor: the owners of what this record borrows are locals of the step's
-// caller.
+// State of the guarded steps. A library error leaves a step by longjmp, so a step must not have
+// locals with destructors: the owners of what this record borrows are locals of its caller.
 struct Decoding {
   png_structp png = nullptr;
   png_infop info = nullptr;
@@ -34,7 +33,7 @@ struct Decoding {
   bool has_alpha = false;
   int pass_count = 1; // above 1: interlaced
   std::size_t row_size = 0;
-  png_bytep rows = nullptr; // the whole picture when it is interlaced, else one row
+  png_bytep rows = nullptr; // the whole image when it is interlaced, else one row
   std::uint32_t *pixels = nullptr;
   bool opaque = true;
 };
@@ -53,7 +52,7 @@ void read_bytes(png_structp png, png_bytep bytes, std::size_t n) {
   }
 }
 
-// Errors of the library return here.
+// Library errors jump here.
 bool run_guarded(Decoding *decoding, void (*step)(Decoding *)) {
   if (setjmp(png_jmpbuf(decoding->png)) != 0) {
     v_error_set("Error reading PNG data.");
@@ -94,8 +93,8 @@ void request_eight_bit_colours(Decoding *decoding) {
   }
 }
 
-// Chunks that do not affect pixels. The library would allocate the length that the chunk's header
-// states, up to 2 GiB in a file of 70 bytes.
+// Chunks that do not affect pixels. The library would allocate the length declared in the chunk's
+// header, up to 2 GiB for a file of 70 bytes.
 constexpr png_byte passed_over_chunks[] = "eXIf\0iTXt\0pCAL\0sCAL\0sPLT\0tEXt\0zTXt";
 constexpr int passed_over_chunk_count = sizeof passed_over_chunks / 5;
 

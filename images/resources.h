@@ -1,11 +1,11 @@
 #pragma once
-// The images and documents that are embedded in the program.
+// The images and documents embedded in the program.
 
 #include "base/file_types.h"
 #include "base/owned.h"
 #include "images/image.h"
 
-// Opens the archive; call it before any load. False with the archive layer's message.
+// Opens the archive; must be called before anything is loaded. False with the message of libzip.
 bool v_resources_open();
 // Closes the archive; does nothing when none is open. Loaded objects stay valid.
 void v_resources_clean_up();

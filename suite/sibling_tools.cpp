@@ -10,7 +10,7 @@ namespace {
 // Levels from a bundle's parent folder to its executable: <bundle>.app/Contents/MacOS.
 constexpr int bundle_depth = 3;
 
-// The MacOS folder of the bundle that holds the running program's bundle; null when there is none.
+// The MacOS folder of the bundle around the running program's bundle; null when there is none.
 OwnedText get_outer_program_folder(const char *install_folder) {
   OwnedText folder = copy_text(install_folder);
   for (int i = 0; i < bundle_depth; i++) {

@@ -22,8 +22,8 @@ struct Maker {
   std::int64_t fingerprint = 0;
 };
 
-// The name must match the pattern. A number out of range becomes the limit, which no process has as
-// its id.
+// The name must match the pattern. A number out of range becomes the limit, which is no process's
+// id.
 Maker get_maker(const char *file_name) {
   const char *process_id = file_name + prefix_length;
   const char *fingerprint = std::strchr(process_id, '.') + 1;
@@ -35,7 +35,7 @@ Maker get_maker(const char *file_name) {
 std::int64_t get_fingerprint(const VFileInfo &executable) { return executable.size & 0x7fffffff; }
 
 // False also when the executable cannot be examined, for instance because its name cannot be
-// converted: the maker may still run.
+// converted: the process may still be running.
 bool is_gone(const Maker &maker) {
   OwnedText path;
   if (!v_platform_get_exe_path_for_process_id(path, maker.process_id)) {
@@ -46,7 +46,7 @@ bool is_gone(const Maker &maker) {
          get_fingerprint(executable) != maker.fingerprint;
 }
 
-// Compares the prefix first, which takes a hundredth of the time of the regular expression: the
+// Compares the prefix first, which is a hundred times faster than the regular expression: the
 // folder is shared and may have thousands of entries.
 bool is_ours(const char *name, const GRegex *pattern) {
   return g_str_has_prefix(name, name_prefix) &&
@@ -83,9 +83,8 @@ bool clean_up(const char *folder) {
   if (!pattern) {
     return false;
   }
-  // A listing that ends with an error is not a failure: the next start deletes the rest. Names that
-  // cannot be converted are skipped: they are not ours, and failing on one would make every start
-  // fail.
+  // An error while listing is not a failure: the next start deletes the rest. Names that cannot be
+  // converted are not ours and are skipped; otherwise one would make every start fail.
   while (const OwnedText name = v_fs_utils_next_convertible_folder_entry(listing.get())) {
     clean_up_file(folder, name.get(), pattern.get());
   }
