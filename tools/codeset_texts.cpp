@@ -88,7 +88,7 @@ OwnedText compose(std::string_view utf8_text) {
   return v_convert_utf8_to_latin1(composed.get());
 }
 
-// Once white space is normalised, the only C0 control characters left are those that XML forbids.
+// Once whitespace is normalised, the only C0 control characters left are those that XML forbids.
 bool has_no_control_characters(const char *latin1_text) {
   for (; *latin1_text != '\0'; latin1_text++) {
     if (*latin1_text > '\0' && *latin1_text < ' ') {

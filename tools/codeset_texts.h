@@ -6,8 +6,8 @@
 
 #include "base/owned.h"
 
-// Converts the text (UTF-8, any bytes) to ISO-8859-1 and normalises its white space as reading a
-// codeset file does; "" when it is only white space. Combining accents are composed with their
+// Converts the text (UTF-8, any bytes) to ISO-8859-1 and normalises its whitespace as reading a
+// codeset file does; "" when it is only whitespace. Combining accents are composed with their
 // letters. Null with a sentence that begins in lower case, so that callers can put a place in front
 // of it: for bytes that are not UTF-8, for the first character outside ISO-8859-1 and for a control
 // character that XML forbids.

@@ -22,9 +22,9 @@ struct CsvHead {
   std::size_t code_column = 0;
 };
 
-// The label in the field, ignoring case and surrounding white space.
+// The label in the field, ignoring case and surrounding whitespace.
 std::optional<CsvLabel> v_csv_find_label(const CsvField &field);
-// True when all fields are empty or white space.
+// True when all fields are empty or whitespace.
 bool v_csv_is_blank(const CsvRecord &record);
 
 // Reads the lines with the delimiter that yields a column "code". Null with a message that says

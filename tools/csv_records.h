@@ -1,7 +1,7 @@
 #pragma once
 // Reads the records of a csv document as defined by RFC 4180, and variants that spreadsheets and
 // people write: any delimiter, lines that end with a carriage return, a line feed or both, and
-// white space around quotation marks. Knows nothing of codesets. No library that the program uses
+// whitespace around quotation marks. Knows nothing of codesets. No library that the program uses
 // reads csv.
 
 #include <cstddef>

@@ -64,7 +64,7 @@ bool fail_at_option(const char *option) {
 }
 
 // Converts the value of an option. False with a message that begins with the option, also for a
-// value of white space only.
+// value of whitespace only.
 bool read_text(OwnedText &text, const char *option, std::string_view value) {
   text = v_tools_make_text(value);
   if (text && *text == '\0') {
