@@ -239,9 +239,9 @@ bool v_remark_list_is_subset(const VRemarkList *a, const VRemarkList *b) {
 }
 
 bool v_remark_list_remark_is_mergeable(const VRemarkList *list, const VRemark *remark) {
-  const VRemark *present = v_remark_list_get_remark_for_code(list, remark->code.get());
-  return present == nullptr ||
-         v_langstr_is_mergeable(present->description.get(), remark->description.get());
+  const VRemark *existing = v_remark_list_get_remark_for_code(list, remark->code.get());
+  return existing == nullptr ||
+         v_langstr_is_mergeable(existing->description.get(), remark->description.get());
 }
 
 bool v_remark_list_remarks_are_mergeable(const VRemarkList *a, const VRemarkList *b) {
@@ -254,8 +254,8 @@ bool v_remark_list_remarks_are_mergeable(const VRemarkList *a, const VRemarkList
 }
 
 void v_remark_list_merge_remark(VRemarkList *list, const VRemark *remark) {
-  if (VRemark *present = v_remark_list_get_remark_for_code(list, remark->code.get())) {
-    v_langstr_merge(present->description, remark->description.get());
+  if (VRemark *existing = v_remark_list_get_remark_for_code(list, remark->code.get())) {
+    v_langstr_merge(existing->description, remark->description.get());
   } else {
     v_remark_list_add_remark_sorted(list, v_remark_clone(remark));
   }

@@ -18,7 +18,7 @@ void request_close(GtkWidget *window) {
   }
 }
 
-// "key-press-event". Closing waits for the main loop, as in gtk_window_close. That function holds
+// "key-press-event". Defers closing to the main loop, as gtk_window_close does. That function holds
 // no reference: if the window were destroyed first, for instance because the key repeats, it would
 // close a window that no longer exists.
 gboolean key_press_event_callback(GtkWidget *window, GdkEventKey *event, void *) {

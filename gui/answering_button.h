@@ -1,16 +1,15 @@
 #pragma once
-// The program's button. It differs from the toolkit's in how a key and an assistive technology
-// press it.
+// The program's button. It differs from the toolkit's in how keys and assistive technologies press
+// it.
 //
-// A key, Return in a text field of the window included, acts at once. The toolkit waits for a
-// quarter of a second, and what is typed in that time still changes the field that is being
-// confirmed.
+// A key, including Return in a text field of the window, acts at once. The toolkit's button waits
+// for a quarter of a second, during which typing still changes the field that is being confirmed.
 //
-// A request of an assistive technology is answered before the handlers run; the toolkit answers
-// after them. A window that a handler opens runs a main loop of its own, and until that loop ends
-// the request would be unanswered: a screen reader could not read the window that it has opened.
+// A request by an assistive technology is answered before the handlers run; the toolkit answers
+// afterwards. A window opened by a handler runs a nested main loop, and the request would not be
+// answered until that loop ends: a screen reader could not read the window that it has opened.
 //
-// The buttons of the toolkit's assistant and file chooser are the toolkit's own.
+// The toolkit's assistant and file chooser have the toolkit's buttons.
 
 #include <gtk/gtk.h>
 
@@ -19,6 +18,6 @@ G_DECLARE_FINAL_TYPE(VAnsweringButton, v_answering_button, V, ANSWERING_BUTTON, 
 
 // Floating, like every new widget. The label may be null.
 GtkWidget *v_answering_button_new(const char *label);
-// The key (UTF-8, as the user reads it, "Ctrl+N" for instance) that presses the button. Assistive
-// technology announces it. The caller makes the key work.
+// Sets the display name (UTF-8, such as "Ctrl+N") of the key that presses the button, for assistive
+// technologies to announce. Does not bind the key.
 void v_answering_button_set_key(VAnsweringButton *button, const char *key);

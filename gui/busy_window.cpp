@@ -9,7 +9,7 @@ namespace {
 
 void shrink_to_fit(GtkWindow *window) { gtk_window_resize(window, 1, 1); }
 
-// "destroy" of the window, by the stack or with its parent.
+// "destroy" of the window, by the stack or together with its parent.
 void destroy_callback(GtkWidget *, VBusyRecord *busy) {
   v_busy_window_disconnect(busy);
   *busy = VBusyRecord{.abort_requested = busy->abort_requested};
@@ -59,7 +59,7 @@ void build_abort_button(VBusyRecord *busy) {
 
 } // namespace
 
-// Builds a white area in a black frame of one pixel, with the content in the middle.
+// Builds a white area in a black frame one pixel wide, with the content in the middle.
 void v_busy_window_build(VBusyRecord *busy) {
   build_window(busy);
   build_content(busy);

@@ -14,13 +14,13 @@ struct VBusyRecord {
   int abort_requested = 0;           // 1 once the abort button is pressed
 };
 
-// Builds the window, without a message and not yet shown. It refuses requests to close it. The
-// record must outlive the window or be disconnected from it.
+// Builds the window without a message and without showing it. It refuses requests to close it. The
+// record must outlive the window, or be disconnected from it first.
 void v_busy_window_build(VBusyRecord *busy);
 // Disconnects all handlers that use the record from the window, if there is one.
 void v_busy_window_disconnect(VBusyRecord *busy);
 
-// The following need a window that is built, and return when the screen shows the change.
+// The following functions require a window, and return once the change is on the screen.
 
 // The text (UTF-8, shown bold) and title; null shows "Please wait".
 void v_busy_window_set_message(VBusyRecord *busy, const char *message);

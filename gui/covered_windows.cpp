@@ -6,21 +6,22 @@ namespace {
 
 // "event" of a window, emitted before "delete-event" and, when handled, instead of it. So a covered
 // window neither asks nor closes, whatever its own handlers do and whether or not the window above
-// holds a grab.
+// has a grab.
 gboolean event_callback(GtkWidget *, GdkEvent *event, WindowStackNode *entry) {
   const bool is_covered = entry != v_window_entries_get_top(entry->stack);
   return event->type == GDK_DELETE && is_covered ? GDK_EVENT_STOP : GDK_EVENT_PROPAGATE;
 }
 
-// A modal window loses its grab when it becomes insensitive. Hiding the window releases this grab,
-// like the one that showing it adds.
+// A modal window loses its grab when it becomes insensitive. Hiding the window releases the grab
+// added here, like the one that showing it adds.
 void restore_grab(GtkWindow *window) {
   if (gtk_window_get_modal(window) && gtk_widget_get_visible(GTK_WIDGET(window))) {
     gtk_grab_add(GTK_WIDGET(window));
   }
 }
 
-// False when, while covered, the widget left the window or became insensitive for another reason.
+// False when the widget was removed from the window, or became insensitive for another reason,
+// while the window was covered.
 bool can_have_focus(GtkWindow *window, GtkWidget *widget) {
   return gtk_widget_get_toplevel(widget) == GTK_WIDGET(window) && gtk_widget_is_sensitive(widget);
 }
@@ -31,7 +32,7 @@ void v_covered_windows_guard(WindowStackNode *entry) {
   g_signal_connect(entry->window, "event", G_CALLBACK(event_callback), entry);
 }
 
-// Remembers the focus widget: GTK forgets that of an insensitive window.
+// Saves the focus widget, because GTK drops that of an insensitive window.
 void v_covered_windows_cover(WindowStackNode *covered) {
   if (GtkWidget *focus_widget = gtk_window_get_focus(covered->window)) {
     covered->focus_widget = share(focus_widget);

@@ -1,6 +1,6 @@
 #pragma once
-// Style sheets attached to single widgets. The texts are constants of the program: the toolkit
-// reports one that does not parse.
+// Style sheets for single widgets. The texts are constants of the program; the toolkit prints a
+// warning for one that does not parse.
 
 #include <gtk/gtk.h>
 
@@ -8,6 +8,6 @@
 
 // A new provider loaded from a style sheet (UTF-8).
 OwnedObject<GtkCssProvider> v_css_create_provider(const char *css);
-// Applies a style sheet (UTF-8) to this widget alone, not to its children, at the toolkit's
-// application priority. The widget keeps it.
+// Applies a style sheet (UTF-8) to this widget only, not to its children, at the toolkit's
+// application priority.
 void v_css_style_widget(GtkWidget *widget, const char *css);

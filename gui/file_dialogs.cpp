@@ -93,7 +93,7 @@ void start_in_folder(GtkFileChooser *chooser, FileTypes file_types) {
     start_in_documents_folder(chooser);
     return;
   }
-  // The folder is empty for a file in the root folder.
+  // "" stands for the root folder.
   const std::string &folder = remembered->second;
   const OwnedText name =
       v_fs_utils_convert_utf8_to_glibfsenc(folder.empty() ? "/" : folder.c_str());

@@ -1,8 +1,8 @@
 #pragma once
 // The platform's file chooser, run modally on the window stack (null: without one), with filters
-// made from file types. The folder last used is remembered for each combination of file types,
-// until v_file_dialog_clean_up; without one, opening and saving start in the user's documents
-// folder, or else in the home folder. Texts and paths are UTF-8; a path that has no UTF-8 form
+// made from file types. The folder last used is remembered for each combination of file types until
+// v_file_dialog_clean_up; without one, opening and saving start in the user's documents folder,
+// else in the home folder. Texts and paths are UTF-8; a path that cannot be converted to UTF-8
 // counts as not chosen.
 
 #include <string>
@@ -19,8 +19,8 @@ enum class SelectMultiple { no, yes };
 
 // Each returns the chosen path, null when the dialog was cancelled.
 //
-// filter_name: the name of the filter for all types, used when there are two or more; null gives
-// "Matching files".
+// filter_name: the name of the filter for all types together, used when there are two or more; null
+// gives "Matching files".
 OwnedText v_file_dialog_get_file_path_for_reading_(VWindowStack *window_stack, const char *title,
                                                    const char *filter_name,
                                                    const VFileType *file_types, int count);
@@ -39,15 +39,16 @@ OwnedText v_file_dialog_get_file_path_for_writing(VWindowStack *window_stack,
                                                   const char *proposed_name, VFileType file_type);
 OwnedText v_file_dialog_get_folder_path(VWindowStack *window_stack, const char *title);
 
-// Shared by the three. Returns the chosen paths in the chooser's order, more than one only with
-// SelectMultiple::yes; empty when cancelled. Arguments that do not apply to the action are ignored.
+// Runs the dialog for the three functions above. Returns the chosen paths in the chooser's order,
+// more than one only with SelectMultiple::yes; empty when cancelled. Arguments that do not apply to
+// the action are ignored.
 std::vector<OwnedText> run_file_dialog(VWindowStack *window_stack, FileDialogAction action,
                                        SelectMultiple select_multiple, const char *title,
                                        const char *proposed_name, const char *filter_name,
                                        const VFileType *file_types, int count);
 
-// Its two parts that need no running dialog: the first sets up a new chooser of the action, the
-// second reads an accepted one and remembers its folder.
+// Its two parts that do not need a running dialog: the first sets up a new chooser for the action,
+// the second reads an accepted one and remembers its folder.
 void v_file_dialog_set_up_chooser(GtkFileChooser *chooser, FileDialogAction action,
                                   SelectMultiple select_multiple, const char *proposed_name,
                                   const char *filter_name, const VFileType *file_types, int count);
@@ -56,8 +57,8 @@ std::vector<OwnedText> v_file_dialog_take_over_choice(GtkFileChooser *chooser,
                                                       SelectMultiple select_multiple,
                                                       const VFileType *file_types, int count);
 
-// The text under which the folder of a dialog with these types is remembered: their names in the
-// order given, joined by "#"; empty without types.
+// The key under which the folder of a dialog with these types is remembered: their names in the
+// given order, joined by "#"; empty without types.
 std::string v_file_dialog_make_key(const VFileType *file_types, int count);
 // Forgets the remembered folders.
 void v_file_dialog_clean_up();

@@ -9,7 +9,7 @@
 struct _VHeightCappedScroller {
   GtkScrolledWindow parent_instance;
 
-  int least_height; // pixels; 0: as high as the content, up to the screen's height
+  int minimum_height; // pixels; 0: as high as the content, up to the screen's height
   // In pixels, from the last allocation.
   double content_height;
   double shown_height;
@@ -23,10 +23,10 @@ namespace {
 constexpr const char *scroller_css =
     "scrolledwindow { -GtkScrolledWindow-scrollbar-spacing: 8px; }";
 
-// A plain scrolled window has a minimum of almost no height.
+// A plain scrolled window has a minimum height of almost nothing.
 int limit_minimum(GtkWidget *widget, int natural) {
-  const int least_height = V_HEIGHT_CAPPED_SCROLLER(widget)->least_height;
-  return least_height == 0 ? natural : std::min(natural, least_height);
+  const int minimum_height = V_HEIGHT_CAPPED_SCROLLER(widget)->minimum_height;
+  return minimum_height == 0 ? natural : std::min(natural, minimum_height);
 }
 
 void get_preferred_height(GtkWidget *widget, int *minimum, int *natural) {
@@ -41,21 +41,21 @@ void get_preferred_height_for_width(GtkWidget *widget, int width, int *minimum, 
   *minimum = limit_minimum(widget, *natural);
 }
 
-// A plain scrolled window would reserve room for a scroll bar even when none is shown.
+// A plain scrolled window would reserve space for a scroll bar even when none is shown.
 void get_preferred_width(GtkWidget *widget, int *minimum, int *natural) {
   GTK_WIDGET_CLASS(v_height_capped_scroller_parent_class)
       ->get_preferred_width(widget, minimum, natural);
   GtkWidget *child = gtk_bin_get_child(GTK_BIN(widget));
-  int least_width = 0;
+  int minimum_width = 0;
   int height = 0;
-  gtk_widget_get_preferred_width(child, &least_width, nullptr);
-  gtk_widget_get_preferred_height_for_width(child, least_width, nullptr, &height);
+  gtk_widget_get_preferred_width(child, &minimum_width, nullptr);
+  gtk_widget_get_preferred_height_for_width(child, minimum_width, nullptr, &height);
   if (height <= gtk_scrolled_window_get_max_content_height(GTK_SCROLLED_WINDOW(widget))) {
     gtk_widget_get_preferred_width(child, minimum, natural);
   }
 }
 
-// The focus widget when it is inside; else null.
+// The focused widget if it is inside the scroller; else null.
 GtkWidget *find_focus_inside(GtkWidget *scroller) {
   GtkWidget *focus = v_window_focus_find_focus(scroller);
   return focus != nullptr && gtk_widget_is_ancestor(focus, scroller) ? focus : nullptr;
@@ -68,9 +68,9 @@ void scroll_to(GtkWidget *widget, GtkWidget *content, GtkAdjustment *place) {
   }
 }
 
-// Scrolls to the focus widget again: the toolkit scrolls to a widget when it gets the focus, but a
-// new widget has no position until it is allocated here. Nothing scrolls when no size has changed,
-// because the user may have scrolled elsewhere on purpose.
+// Scrolls to the focused widget again: the toolkit scrolls to a widget when it gets the focus, but
+// a new widget has no position until it is allocated here. Does not scroll when no size has
+// changed, because the user may have scrolled elsewhere deliberately.
 void size_allocate(GtkWidget *widget, GtkAllocation *allocation) {
   VHeightCappedScroller *scroller = V_HEIGHT_CAPPED_SCROLLER(widget);
   GTK_WIDGET_CLASS(v_height_capped_scroller_parent_class)->size_allocate(widget, allocation);
@@ -88,9 +88,9 @@ void size_allocate(GtkWidget *widget, GtkAllocation *allocation) {
   }
 }
 
-// "move-focus-out", which the toolkit binds to Ctrl+Tab. In a web browser it sometimes takes Tab
-// for that, because its keymap there leaves a mask of modifiers unset (seen with GTK 3.24.49). Tab
-// moves the focus to the next widget.
+// "move-focus-out", which the toolkit binds to Ctrl+Tab. In a web browser it sometimes mistakes Tab
+// for that, because its keymap there leaves a modifier mask unset (seen with GTK 3.24.49). In that
+// case, moves the focus to the next widget as Tab does.
 void move_focus_out(GtkScrolledWindow *scroller, GtkDirectionType direction) {
   GdkModifierType state = {};
   if (gtk_get_current_event_state(&state) && (state & GDK_CONTROL_MASK) == 0) {
@@ -116,18 +116,18 @@ static void v_height_capped_scroller_init(VHeightCappedScroller *scroller) {
   gtk_scrolled_window_set_policy(scrolled_window, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
   gtk_scrolled_window_set_overlay_scrolling(scrolled_window, FALSE);
   v_css_style_widget(GTK_WIDGET(scroller), scroller_css);
-  // The focus skips the scroller itself, with which a key can do nothing.
+  // The scroller itself does not take the focus, because keys have no effect on it.
   gtk_widget_set_can_focus(GTK_WIDGET(scroller), FALSE);
   gtk_scrolled_window_set_propagate_natural_height(scrolled_window, TRUE);
-  gtk_scrolled_window_set_max_content_height(scrolled_window,
-                                             v_screen_area_get_most_height(GTK_WIDGET(scroller)));
+  gtk_scrolled_window_set_max_content_height(
+      scrolled_window, v_screen_area_get_maximum_height(GTK_WIDGET(scroller)));
 }
 
 GtkWidget *v_height_capped_scroller_new() {
   return GTK_WIDGET(g_object_new(V_TYPE_HEIGHT_CAPPED_SCROLLER, nullptr));
 }
 
-void v_height_capped_scroller_set_least_height(VHeightCappedScroller *scroller, int height) {
-  scroller->least_height = height;
+void v_height_capped_scroller_set_minimum_height(VHeightCappedScroller *scroller, int height) {
+  scroller->minimum_height = height;
   gtk_widget_queue_resize(GTK_WIDGET(scroller));
 }

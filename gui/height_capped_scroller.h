@@ -1,7 +1,7 @@
 #pragma once
 // A scrolled window that is as high as its content, up to the height of the screen: it grows and
-// shrinks with the content, and scrolls only when the content is higher than the screen. The widget
-// that has the focus stays in view when the content or the room for it changes.
+// shrinks with the content, and scrolls only when the content is higher than the screen. Keeps the
+// focused widget in view when the height of the content or of the scroller changes.
 
 #include <gtk/gtk.h>
 
@@ -11,6 +11,7 @@ G_DECLARE_FINAL_TYPE(VHeightCappedScroller, v_height_capped_scroller, V, HEIGHT_
 
 // Floating, like every new widget.
 GtkWidget *v_height_capped_scroller_new();
-// Lets the scroller shrink to this height (pixels) when the other rows of the window need the room.
-// Without it the scroller is as high as its content, or the screen allows.
-void v_height_capped_scroller_set_least_height(VHeightCappedScroller *scroller, int height);
+// Lets the scroller shrink to this height (pixels) when the other rows of the window need the
+// space. Without it, the minimum height is the natural one: that of the content, limited by the
+// screen.
+void v_height_capped_scroller_set_minimum_height(VHeightCappedScroller *scroller, int height);

@@ -11,12 +11,12 @@ using OwnedEvent = Owned<GdkEvent, gdk_event_free>;
 
 constexpr const char *shield_key = "vantorelle-key-guard-shield";
 
-// Longest waits of a keyboard, in milliseconds, before its first repeat and between repeats.
+// Maximum delays of a keyboard, in milliseconds, before its first repeat and between repeats.
 constexpr guint32 longest_repeat_delay = 1000;
 constexpr guint longest_repeat_interval = 150;
-// Milliseconds. Longer than the pauses in slow typing, shorter than reading a message takes.
+// Milliseconds. Longer than the pauses in slow typing, shorter than the time to read a message.
 constexpr guint32 typing_pause = 400;
-// Milliseconds. Shorter than pressing the same key again as an answer takes.
+// Milliseconds. Shorter than the time to press the same key again as an answer.
 constexpr guint32 shortest_answer = 100;
 
 // The last press of a key other than a modifier.
@@ -32,8 +32,9 @@ struct LastPress {
 
 LastPress last_press;
 
-// A press that may be the first repeat of a key pressed in another window, or a new press after the
-// release was lost with that window. The next event decides: only a held key repeats at once.
+// A press that is either the first repeat of a key pressed in another window, or a new press after
+// the release was lost with that window. The next event decides, because only a key that is held
+// repeats at once.
 struct DoubtfulPress {
   OwnedEvent event; // null for none
   guint source = 0;
@@ -50,7 +51,7 @@ bool is_space(const GdkEventKey *event) {
   return event->keyval == GDK_KEY_space || event->keyval == GDK_KEY_KP_Space;
 }
 
-// The window that gets the key; a modal window also gets the keys of the other windows.
+// The window that receives the key; a modal window also receives the keys of the other windows.
 GtkWidget *find_receiver(GdkEvent *event) {
   GtkWidget *widget = gtk_get_event_widget(event);
   GtkWidget *grab_widget = gtk_grab_get_current();
@@ -139,8 +140,8 @@ void doubt(GdkEvent *event) {
 }
 
 // A second press of the same key means that the key is held; any other key, or the release, means
-// that it was pressed again. True when the event was put back into the queue: it follows the
-// doubtful press, whose handlers may run a main loop.
+// that it was pressed again. True when the event was put back into the queue, so that it comes
+// after the doubtful press, whose handlers may run a main loop.
 bool settle_doubt(GdkEvent *event) {
   if (!doubtful_press.event) {
     return false;

@@ -33,7 +33,7 @@ glong count_characters_of_longest_line(const char *text) {
   return longest;
 }
 
-// A hyphen at the end of a line could pass for part of a path.
+// A hyphen at the end of a line could be mistaken for part of a path.
 void forbid_hyphens(GtkLabel *label) {
   const Owned<PangoAttrList, pango_attr_list_unref> attributes(pango_attr_list_new());
   pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));

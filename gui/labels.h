@@ -13,9 +13,10 @@ GtkLabel *v_gui_create_label_for_input_field(const char *label, Required require
                                              float y_align);
 GtkLabel *v_gui_pack_label_for_input_field(GtkBox *box, const char *label, Required required,
                                            float x_align, float y_align);
-// Wraps the text of a label only when a line of it has more than widest_line characters or would
-// make the window wider than the screen, where the rest of the window takes reserved_width pixels.
-// The width is then fixed: the toolkit would keep the window as high as its narrowest form needs.
+// Wraps the text of a label only if one of its lines has more than widest_line characters or would
+// make the window wider than the screen; reserved_width: pixels that the rest of the window takes.
+// The width of the label is then fixed, because otherwise the toolkit would keep the window as high
+// as the narrowest form of the text needs.
 void v_gui_wrap_overlong_label(GtkLabel *label, int widest_line, int reserved_width);
 // Plain text: markup is shown literally.
 GtkLabel *v_gui_pack_label(GtkBox *box, const char *text, float x_align, float y_align);

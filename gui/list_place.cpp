@@ -54,8 +54,8 @@ int row_of_key(const GdkEventKey *event, int row, int rows) {
   }
 }
 
-// "key-press-event" of a list without a selection. There the toolkit's arrow keys only select the
-// cursor's row, and Home in the first row and End in the last do nothing.
+// "key-press-event" of a list. When nothing is selected, the toolkit's arrow keys would only select
+// the cursor's row, and Home in the first row and End in the last would do nothing.
 gboolean key_press_event_callback(GtkWidget *widget, GdkEventKey *event, void *) {
   GtkTreeView *view = GTK_TREE_VIEW(widget);
   if (!v_list_place_is_placed(view) || has_selection(view)) {
@@ -69,8 +69,7 @@ gboolean key_press_event_callback(GtkWidget *widget, GdkEventKey *event, void *)
   return GDK_EVENT_STOP;
 }
 
-// Scrolls in one step. The toolkit scrolls gradually, and stops when another window covers the
-// list.
+// Scrolls at once. The toolkit scrolls gradually, and stops when another window covers the list.
 void scroll_now(GtkTreeView *view, GtkTreePath *path) {
   GdkRectangle area;
   gtk_tree_view_get_background_area(view, path, nullptr, &area);
@@ -137,7 +136,7 @@ void v_list_place_show(GtkTreeView *view, int row) {
     return;
   }
   const OwnedTreePath path = path_of_row(row);
-  // The toolkit scrolls later to a row that has no height yet.
+  // Makes the toolkit scroll later if the row has no height yet.
   gtk_tree_view_scroll_to_cell(view, path.get(), nullptr, FALSE, 0.0f, 0.0f);
   if (gtk_widget_get_realized(GTK_WIDGET(view))) {
     scroll_now(view, path.get());

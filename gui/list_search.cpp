@@ -8,8 +8,8 @@
 
 namespace {
 
-// The search in one list. Keeps the folded texts: folding thousands of them for each key would be
-// slow.
+// The search in one list. Caches the folded texts, because folding thousands of them for each key
+// would be slow.
 struct ListSearch {
   OwnedObject<GtkTreeModel> model;
   VListTextCallback text_callback = nullptr;

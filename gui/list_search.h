@@ -1,10 +1,10 @@
 #pragma once
-// Searching a flat list by typing, in the toolkit's own search field. A row matches when it
-// contains the text; case and accents make no difference.
+// Search by typing in a flat list, in the toolkit's own search field. A row matches when it
+// contains the text, ignoring case and accents.
 //
-// The toolkit selects the first row that matches, and Up and Down move to the others, in the order
-// of the list. So that a row beginning with the text is selected first, the rows before it do not
-// match. When no row begins with the text, all rows that contain it match.
+// The toolkit selects the first row that matches, and Up and Down move to the others in list order.
+// If some row begins with the text, the rows before the first of these do not match, so that it is
+// selected first. If none does, all rows that contain the text match.
 
 #include <string>
 
@@ -15,8 +15,8 @@
 // The text (UTF-8) by which a row is found; null for none.
 using VListTextCallback = OwnedText (*)(GtkTreeModel *model, GtkTreeIter *row);
 
-// The model of the view must be set before, and must not change. search_column: a column of text,
-// without which the toolkit does not search.
+// The model of the view must already be set, and must not be replaced. search_column: a text
+// column, which the toolkit requires for searching.
 void v_list_search_enable(GtkTreeView *view, int search_column, VListTextCallback text_callback);
-// The text (UTF-8) without case and accents: texts that differ in nothing else become equal.
+// The text (UTF-8) without case and accents: texts that differ only in these become equal.
 std::string v_list_search_fold(const char *text);

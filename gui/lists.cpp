@@ -6,8 +6,8 @@
 
 namespace {
 
-// Themes draw the outline of the row with the focus so faintly that it is easy to miss when no row
-// is selected.
+// Themes draw the outline of the focused row so faintly that it is easy to miss when no row is
+// selected.
 constexpr const char *list_css =
     "treeview { outline-style: solid; outline-color: alpha(currentColor, 0.6); }";
 

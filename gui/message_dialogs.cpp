@@ -24,7 +24,7 @@ constexpr int width_beside_message = 150;
 struct ScrollKey {
   guint key;
   guint keypad_key;
-  // How far the key scrolls.
+  // The distance that the key scrolls.
   int steps, pages, texts;
 };
 
@@ -66,7 +66,7 @@ gboolean scroll_key_callback(GtkWidget *, GdkEventKey *event, GtkScrolledWindow 
   return GDK_EVENT_PROPAGATE;
 }
 
-// The text scrolls, so that the buttons stay visible below a text that is higher than the screen.
+// The text scrolls, so that the buttons remain visible below a text that is higher than the screen.
 void pack_message(GtkDialog *dialog, GtkBox *box, const char *text) {
   GtkBox *text_box = v_gui_pack_scrolling_vbox(box, Expand::yes, Spacing::standard);
   GtkLabel *label = v_gui_pack_label(text_box, text, 0.0f, 0.0f);
@@ -98,7 +98,7 @@ int run_dialog_of_kind(VWindowStack *window_stack, const MessageKind *kind, cons
       window_stack, create_dialog(kind->title, kind->icon_name, text, kind->button_set));
 }
 
-// Without this the first button gets the focus, which may be the unsafe one.
+// Without this, the first button gets the focus, which may not be the safe one.
 void focus_default_button(GtkDialog *dialog) {
   if (GtkWidget *button = gtk_window_get_default_widget(GTK_WINDOW(dialog))) {
     gtk_widget_grab_focus(button);
@@ -178,7 +178,7 @@ GtkDialog *v_message_create_question_dialog_utf8_printf(const char *title, const
 }
 
 int v_message_run_and_destroy_dialog(VWindowStack *window_stack, GtkDialog *dialog) {
-  // The dialog is destroyed while it runs when the window below it is.
+  // The dialog is destroyed while it runs if the window below it is destroyed.
   const OwnedObject<GtkDialog> held = share(dialog);
   if (window_stack != nullptr) {
     v_window_stack_push_window(window_stack, GTK_WINDOW(dialog));

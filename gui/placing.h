@@ -1,6 +1,6 @@
 #pragma once
-// The three steps that every new widget goes through: shown, added, packed. Each returns the widget
-// that it was given.
+// Shows a new widget, adds it to a container or packs it into a box. Each function returns its
+// widget argument.
 
 #include <gtk/gtk.h>
 

@@ -4,7 +4,7 @@ namespace {
 
 constexpr guint focus_loss_delay = 500; // milliseconds
 
-VTimeValue get_present_time() { return v_time_value_from_microseconds(g_get_real_time()); }
+VTimeValue get_current_time() { return v_time_value_from_microseconds(g_get_real_time()); }
 
 bool has_focus(const VWindowStack *stack) {
   for (WindowStackNode *entry = stack->bottom->next.get(); entry != stack->top;
@@ -17,7 +17,7 @@ bool has_focus(const VWindowStack *stack) {
   return false;
 }
 
-// Forgets the running source, which G_SOURCE_REMOVE removes.
+// Drops the id of the running source, which the returned G_SOURCE_REMOVE removes.
 gboolean end_current_source(VWindowStack *stack) {
   std::erase(stack->sources, g_source_get_id(g_main_current_source()));
   return G_SOURCE_REMOVE;
@@ -42,7 +42,7 @@ gboolean focus_loss_idle_callback(void *data) {
 // program may be about to get the focus.
 gboolean focus_out_event_callback(GtkWidget *, GdkEventFocus *, WindowStackNode *entry) {
   VWindowStack *stack = entry->stack;
-  stack->focus_lost_time = get_present_time();
+  stack->focus_lost_time = get_current_time();
   stack->sources.push_back(
       g_idle_add_full(G_PRIORITY_LOW, focus_loss_idle_callback, stack, nullptr));
   return GDK_EVENT_PROPAGATE;
@@ -57,7 +57,7 @@ gboolean focus_in_event_callback(GtkWidget *, GdkEventFocus *, WindowStackNode *
   stack->focus_lost = 0;
   if (stack->focus_callback != nullptr) {
     stack->focus_callback(
-        v_time_value_count_whole_seconds(stack->focus_lost_time, get_present_time()),
+        v_time_value_count_whole_seconds(stack->focus_lost_time, get_current_time()),
         stack->focus_callback_data);
   }
   return GDK_EVENT_PROPAGATE;

@@ -10,7 +10,7 @@ namespace {
 // fields of one language above the list need no scroll bar.
 constexpr int pixels_per_list_row = 70;
 
-constexpr int fewest_characters = 10;
+constexpr int minimum_characters = 10;
 
 // Null when no window of the program is active.
 GdkWindow *find_active_window() {
@@ -39,8 +39,8 @@ GdkMonitor *find_monitor(GtkWidget *widget) {
   return primary != nullptr ? primary : gdk_display_get_monitor(display, 0);
 }
 
-// Pixels per character, as the toolkit counts widths in characters: the greater of an average
-// letter and digit.
+// Pixels per character, as the toolkit measures widths in characters: the larger of an average
+// letter and an average digit.
 int measure_character(GtkWidget *widget) {
   PangoContext *context = gtk_widget_get_pango_context(widget);
   const Owned<PangoFontMetrics, pango_font_metrics_unref> metrics(
@@ -62,11 +62,11 @@ GdkRectangle v_screen_area_get(GtkWidget *widget) {
   return {0, 0, gdk_screen_get_width(screen), gdk_screen_get_height(screen)};
 }
 
-int v_screen_area_get_most_height(GtkWidget *widget) {
+int v_screen_area_get_maximum_height(GtkWidget *widget) {
   return v_screen_area_get(widget).height * 8 / 10;
 }
 
-int v_screen_area_get_least_height(GtkWidget *widget) {
+int v_screen_area_get_minimum_height(GtkWidget *widget) {
   return v_screen_area_get(widget).height * 3 / 10;
 }
 
@@ -78,5 +78,5 @@ int v_screen_area_count_characters(GtkWidget *widget, int reserved_characters,
                                    int reserved_pixels) {
   const int characters =
       (v_screen_area_get(widget).width - reserved_pixels) / measure_character(widget);
-  return std::max(characters - reserved_characters, fewest_characters);
+  return std::max(characters - reserved_characters, minimum_characters);
 }

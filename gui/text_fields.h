@@ -14,6 +14,6 @@ void v_gui_set_entry_text(GtkEntry *entry, const char *text);
 const char *v_gui_get_entry_text(GtkEntry *entry);
 // Wraps at words. Editable::no also hides the cursor.
 GtkTextView *v_gui_add_text_view(GtkContainer *container, Editable editable);
-// Switch emoji input off, where the toolkit offers it, and ask input methods for none.
+// Turn off the toolkit's emoji input, and tell input methods not to offer emojis.
 void v_gui_disable_emojis_in_entry(GtkEntry *entry);
 void v_gui_disable_emojis_in_text_view(GtkTextView *text_view);

@@ -1,6 +1,5 @@
 #pragma once
-// A point of wall-clock time, and the whole seconds between two of them. Reads no clock itself: the
-// caller passes the time.
+// A point in wall-clock time, and the whole seconds between two of them. Does not read a clock.
 
 #include <cstdint>
 
@@ -11,5 +10,5 @@ struct VTimeValue {
 
 // microseconds: since 1970, not negative.
 VTimeValue v_time_value_from_microseconds(std::int64_t microseconds);
-// Rounded down. Negative when the end is before the start, because the clock was set back.
+// Rounded down. Negative when the end is before the start, as after the clock was set back.
 long v_time_value_count_whole_seconds(const VTimeValue &start, const VTimeValue &end);

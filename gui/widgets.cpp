@@ -36,8 +36,8 @@ void make_default_if_asked(GtkButton *button, MakeDefault make_default) {
   }
 }
 
-// "close" of a dialog, emitted for Escape. The toolkit's own handler closes the window later, and
-// after a repeated key it would close a dialog that no longer exists.
+// "close" of a dialog, emitted for Escape. The toolkit's own handler defers closing the window, and
+// when the key repeats it would close a dialog that no longer exists.
 void dialog_close_callback(GtkDialog *dialog, void *) {
   g_signal_stop_emission_by_name(dialog, "close");
   gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
@@ -123,8 +123,8 @@ GtkBox *v_gui_pack_yielding_vbox(GtkBox *box, Spacing spacing) {
   GtkBox *inner_box = v_gui_pack_scrolling_vbox(box, Expand::no, spacing);
   GtkWidget *scroller =
       gtk_widget_get_ancestor(GTK_WIDGET(inner_box), V_TYPE_HEIGHT_CAPPED_SCROLLER);
-  v_height_capped_scroller_set_least_height(V_HEIGHT_CAPPED_SCROLLER(scroller),
-                                            v_screen_area_get_least_height(scroller));
+  v_height_capped_scroller_set_minimum_height(V_HEIGHT_CAPPED_SCROLLER(scroller),
+                                              v_screen_area_get_minimum_height(scroller));
   return inner_box;
 }
 

@@ -11,7 +11,7 @@ void disconnect(WindowStackNode *entry) {
   }
 }
 
-// "destroy" of an entry's window. The entry stays in the chain.
+// "destroy" of an entry's window. The entry remains in the list.
 void destroy_callback(GtkWidget *, WindowStackNode *entry) {
   disconnect(entry);
   entry->window = nullptr;

@@ -39,7 +39,7 @@ bool press(GtkButton *button) {
   return true;
 }
 
-// Compares all modifiers: the toolkit may ignore Shift, and the key would then work both with and
+// Compares all modifiers, because the toolkit may ignore Shift, so that the key would work with and
 // without it.
 bool has_modifiers_of(const Key *key) {
   GdkModifierType state = {};
@@ -94,9 +94,9 @@ bool is_handling_a_key() {
   return event && (event->type == GDK_KEY_PRESS || event->type == GDK_KEY_RELEASE);
 }
 
-// "row-activated", which the toolkit also emits for Space, and for Return in the search field.
-// Assistive technology emits it without a key: the button's action answers it before the button is
-// pressed.
+// "row-activated", which the toolkit also emits for Space, and for Return in the search field;
+// these are ignored. For assistive technologies, which emit it without a key, the button's action
+// answers the request before it presses the button.
 void row_activated_callback(GtkTreeView *, GtkTreePath *, GtkTreeViewColumn *, GtkButton *button) {
   if (!is_handling_a_key()) {
     atk_action_do_action(ATK_ACTION(gtk_widget_get_accessible(GTK_WIDGET(button))), 0);

@@ -109,7 +109,7 @@ void run_realize_callback(GtkWidget *, VWindowRun *run) {
   }
 }
 
-// The entry may be below the top: its window may be destroyed from outside.
+// The entry may be below the top, because other code may destroy its window.
 void remove_entry_of(VWindowRun *run) {
   if (run->node == nullptr) {
     return;

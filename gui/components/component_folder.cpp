@@ -34,8 +34,8 @@ bool check_extension(const VComponentFolder &folder, const char *path) {
   return false;
 }
 
-// Creates the managed folder if it is missing. On purpose the messages name the fonts folder for
-// every kind of file: all managers of the suite have the same messages.
+// Creates the managed folder if it is missing. The messages intentionally name the fonts folder for
+// every kind of file, because all managers of the suite share them.
 bool ensure_exists(const VComponentFolder &folder) {
   const char *path = folder.path.get();
   VFileInfo info;

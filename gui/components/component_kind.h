@@ -1,12 +1,12 @@
 #pragma once
-// The kind of files that the component manager and its two helper windows deal with: the name of
-// their folder, their file name extension, and a function that gives the display text of a file.
+// The kind of files that the component manager and its two helper windows handle: the name of their
+// folder, their file name extension, and a function that returns the display text of a file.
 
 #include "base/file_types.h"
 #include "base/owned.h"
 
-// The display text (UTF-8) of the file at the path (UTF-8); null when the file is not compatible
-// with this version of the program. The path need not be that of a file.
+// The display text (UTF-8) of the file at the path (UTF-8); null when it is not a file that this
+// version of the program can read.
 using VComponentTextCallback = OwnedText (*)(const char *path, void *user_data);
 
 struct VComponentKind {
@@ -15,10 +15,10 @@ struct VComponentKind {
   const char *folder_name = nullptr;
   VFileType file_type = VFileType::remark_codeset;
   VComponentTextCallback text_callback = nullptr;
-  void *user_data = nullptr; // handed to the callback
+  void *user_data = nullptr; // passed to the callback
 };
 
 // ".codeset" for the codesets.
 const char *v_component_kind_get_extension(const VComponentKind &kind);
-// True when the name or path ends in the extension; the case of ASCII letters is ignored.
+// True when the name or path ends in the extension, ignoring the case of ASCII letters.
 bool v_component_kind_has_extension(const VComponentKind &kind, const char *name);

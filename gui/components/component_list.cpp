@@ -15,7 +15,7 @@
 
 namespace {
 
-// The most characters that a row requests width for; fewer on a screen that is too narrow for them
+// Maximum width in characters that a row requests; less on a screen that is too narrow for it
 // beside the window's buttons.
 constexpr int longest_text = 100;
 constexpr char longest_text_key[] = "vantorelle_longest_text"; // on a view's cell renderer
@@ -27,7 +27,7 @@ VComponentRow read_row(GtkTreeModel *model, GtkTreeIter *row) {
           v_component_list_get_text(model, row, v_component_column_file)};
 }
 
-// The iterators stay valid while their rows exist, even when rows are sorted to other places.
+// The iterators remain valid while their rows exist, even when sorting moves them.
 std::vector<GtkTreeIter> all_rows(GtkListStore *list) {
   GtkTreeModel *model = GTK_TREE_MODEL(list);
   std::vector<GtkTreeIter> rows;
@@ -46,14 +46,15 @@ OwnedText get_file(GtkListStore *list, GtkTreeIter *row) {
 }
 
 void set_text(GtkListStore *list, GtkTreeIter *row, const char *text) {
-  const OwnedText present =
+  const OwnedText current =
       v_component_list_get_text(GTK_TREE_MODEL(list), row, v_component_column_text);
-  if (g_strcmp0(present.get(), text) != 0) {
+  if (g_strcmp0(current.get(), text) != 0) {
     gtk_list_store_set(list, row, v_component_column_text, text, -1);
   }
 }
 
-// Computed when the first row is shown: then the view is in its window and has its style.
+// Computed when the first row is shown, because by then the view is in its window and has its
+// style.
 int get_longest_text(GtkTreeViewColumn *column, GtkCellRenderer *cell) {
   if (const int known = GPOINTER_TO_INT(g_object_get_data(G_OBJECT(cell), longest_text_key))) {
     return known;

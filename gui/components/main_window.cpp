@@ -147,8 +147,8 @@ bool is_scrolled_to_top(const MainWindow *state) {
   return gtk_adjustment_get_value(adjustment) <= gtk_adjustment_get_lower(adjustment);
 }
 
-// Incompatible files are first in the list. When the notice appears the list scrolls to them; later
-// it keeps the user's place.
+// Incompatible files are at the top of the list. The list scrolls to them when the notice appears;
+// afterwards it keeps the user's position.
 void show_notice(const MainWindow *state, bool found_incompatible) {
   GtkWidget *notice = GTK_WIDGET(state->notice_label);
   const bool was_shown = gtk_widget_get_visible(notice);
@@ -161,7 +161,7 @@ void show_notice(const MainWindow *state, bool found_incompatible) {
 }
 
 // Leaves nothing selected. The cursor is on the row of the new file (an entry name; null for none),
-// or stays at its place in the list.
+// or keeps its position in the list.
 void refresh_list(const MainWindow *state, const char *new_file = nullptr) {
   if (state->window == nullptr) {
     return;
@@ -204,7 +204,8 @@ const char *get_entry_name(const OwnedText &path) {
 
 // ---- Handlers -----------------------------------------------------------------------------------
 
-// The list, and even the main window, may change while a handler waits for another window.
+// The list may change, and even the main window may be destroyed, while a handler waits for another
+// window.
 
 // Called by the list for each row that it draws or measures. Incompatible files are red.
 void cell_data_func(GtkTreeViewColumn *column, GtkCellRenderer *cell, GtkTreeModel *model,
@@ -217,7 +218,7 @@ void cell_data_func(GtkTreeViewColumn *column, GtkCellRenderer *cell, GtkTreeMod
   }
 }
 
-// "changed" of the list's selection; several times while rows are changed.
+// "changed" of the list's selection; emitted several times while rows are changed.
 void selection_change_callback(GtkTreeSelection *, MainWindow *state) {
   if (state->window == nullptr) {
     return;

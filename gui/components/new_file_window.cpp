@@ -59,7 +59,8 @@ bool is_permitted(char byte) {
   return g_ascii_islower(byte) || g_ascii_isdigit(byte) || byte == '_';
 }
 
-// True when the name is one or more permitted characters and the extension; else shows an error.
+// True when the name consists of one or more permitted characters and the extension; else shows an
+// error.
 bool check_form(const NewFileWindow *state, const char *name) {
   const char *extension = v_component_kind_get_extension(state->kind);
   const std::size_t length = std::strlen(name);
@@ -108,8 +109,8 @@ OwnedText read_path(const NewFileWindow *state) {
 
 // ---- Handlers -----------------------------------------------------------------------------------
 
-// "focus-in-event" of the entry. An entry selects its text when it gets the focus, and the first
-// key would replace the extension; so the cursor is put before it.
+// "focus-in-event" of the entry. An entry selects its text when it gets the focus, so the first key
+// would replace the extension; put the cursor before it instead.
 gboolean focus_in_event_callback(GtkWidget *entry, GdkEventFocus *, void *) {
   int start = 0;
   if (gtk_editable_get_selection_bounds(GTK_EDITABLE(entry), &start, nullptr)) {

@@ -1,6 +1,6 @@
 #pragma once
-// Asks for the file name of a new component. Creates no file: it only checks that the name is well
-// formed and not yet taken.
+// Asks for the file name of a new component. Only checks that the name is valid and not yet taken;
+// does not create the file.
 
 #include "gui/components/component_kind.h"
 #include "gui/window_stack.h"

@@ -12,8 +12,8 @@ namespace {
 
 enum CodesColumn { display_text_column, remark_column };
 
-// The column has a fixed height, because otherwise every row of a long list would be measured. A
-// text that is too wide ends in an ellipsis; the display beside the list shows it whole.
+// The column has fixed sizing, because otherwise every row of a long list would be measured. A text
+// that is too wide is ellipsised; the display beside the list shows all of it.
 void add_column(GtkTreeView *view) {
   GtkCellRenderer *renderer = gtk_cell_renderer_text_new();
   g_object_set(renderer, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
@@ -34,9 +34,9 @@ void format_row(const VCodesList *codes, const VRemark *remark, VUtf8String *tex
   }
 }
 
-// The values borrow what the store copies: gtk_list_store_insert_with_values would copy each text
-// once more, which makes filling a third slower. text: a buffer that the caller may use for many
-// rows. place: from 0; -1 is the end.
+// The values borrow the text, and the store copies it: gtk_list_store_insert_with_values would copy
+// it once more, which makes filling a third slower. text: a buffer that the caller can reuse for
+// other rows. place: from 0; -1 is the end.
 void insert_row(const VCodesList *codes, VRemark *remark, VUtf8String *text, int place) {
   format_row(codes, remark, text);
   int columns[] = {display_text_column, remark_column};
@@ -55,7 +55,7 @@ void remove_row(const VCodesList *codes, int place) {
   }
 }
 
-// Returns the index of the inserted row, or of the row that is now at the place of the removed one.
+// Returns the index of the inserted row, else that of the removed one.
 int change_rows(const VCodesList *codes, const VRemarkExchange &exchange) {
   if (exchange.removed != nullptr) {
     remove_row(codes, exchange.removed_index);
@@ -85,7 +85,7 @@ VCodesList v_codes_list_pack(GtkBox *box, const VSettings *settings) {
   return {settings, take(gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_POINTER)), view};
 }
 
-// The view gets the filled store, because otherwise it would react to each row.
+// The store is filled before the view gets it, because otherwise the view would process each row.
 void v_codes_list_show(VCodesList *codes, const VRemarkList *remarks) {
   const OwnedUtf8String text = v_utf8_string_new(nullptr);
   for (VRemark *remark = remarks->head.next; remark != &remarks->tail; remark = remark->next) {

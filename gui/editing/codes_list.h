@@ -1,6 +1,6 @@
 #pragma once
 // The list of remark codes in the editing window: one row for each remark, in the order of the
-// remark list. It shows remarks and follows their changes, but changes none itself.
+// remark list. Shows remarks and their changes, but never changes any.
 
 #include <gtk/gtk.h>
 
@@ -15,14 +15,14 @@ struct VCodesList {
   GtkTreeView *view = nullptr; // owned by the box
 };
 
-// Packs a scrolled list without rows, expanding. The settings must outlive it.
+// Packs an empty scrolled list, expanding. The settings must outlive it.
 VCodesList v_codes_list_pack(GtkBox *box, const VSettings *settings);
 // Fills the list, once. The remarks must outlive their rows.
 void v_codes_list_show(VCodesList *codes, const VRemarkList *remarks);
 // Borrowed from the remark list; null when no row is selected.
 VRemark *v_codes_list_get_selected(const VCodesList *codes);
-// Changes the rows as the remark list was changed, and puts the cursor on the row concerned, or on
-// the one that is now where it was. No row is selected afterwards.
+// Applies an exchange in the remark list to the rows, and puts the cursor on the inserted row, else
+// on the row that is now at the index of the removed one. No row is selected afterwards.
 void v_codes_list_follow_exchange(VCodesList *codes, const VRemarkExchange &exchange);
 // Puts the cursor on the row (from 0). No row is selected afterwards.
 void v_codes_list_set_place(VCodesList *codes, int row);

@@ -11,13 +11,13 @@ struct VCodesetFields {
   VSpacifyingEntry *version_entry = nullptr;
 };
 
-// Packs the fields, one below the other, with the codeset's values. The window stack and the
-// settings must outlive them.
+// Packs the fields below each other, with the codeset's values. The window stack and the settings
+// must outlive them.
 VCodesetFields v_codeset_fields_pack(GtkBox *box, VWindowStack *window_stack,
                                      const VSettings *settings, const VCodeset *codeset);
-// Reads the fields into the codeset, up to the first one that is refused: false then, with the
-// reason in the error state. The values that were read before stay in the codeset.
+// Reads the fields into the codeset. Stops at the first invalid one: false with a message, and the
+// codeset keeps the values read so far.
 bool v_codeset_fields_read(const VCodesetFields *fields, VCodeset *codeset);
-// Reads all that is typed, for a draft (see v_langstr_editor_get_text_for_draft); without a name
-// the codeset has none. The codeset keeps its value for a field that cannot be read.
+// Reads everything that is typed, for a draft (see v_langstr_editor_get_text_for_draft); without a
+// name the codeset has none. The codeset keeps its value for a field that cannot be read.
 void v_codeset_fields_read_all(const VCodesetFields *fields, VCodeset *codeset);

@@ -7,8 +7,8 @@
 
 namespace {
 
-// Short enough that, with the time for writing and the main loop's delay, a draft lacks no change
-// for more than two seconds.
+// Short enough that, including the time for writing and the main loop's delay, a draft is never
+// more than two seconds behind.
 constexpr guint delay = 1000; // milliseconds
 
 // The one whose draft lacks a change; null while there is none. There is one at most, because only

@@ -12,5 +12,5 @@ VLangstrEditor *v_gui_pack_langstr_editor(GtkBox *box, VWindowStack *window_stac
                                           const VLangstr *initial_value,
                                           const VLangstr *locked_texts,
                                           ActivatesDefault activates_default);
-// Packed expanding.
+// Packed, expanding.
 VLangstrDisplay *v_gui_pack_langstr_display(GtkBox *box, int width, int height);

@@ -30,7 +30,7 @@ struct EditingWindow {
   const RunContext *context = nullptr;
   const char *path = nullptr; // UTF-8
   OwnedCodeset codeset;
-  OwnedRemarkHistory history; // changes of the codeset's remarks since the window was opened
+  OwnedRemarkHistory history; // changes to the codeset's remarks since the window was opened
   OwnedDraft draft;
   VDraftTimer draft_timer = {write_draft, this};
   VRemarkTyping typing = {[this] { draft_timer.start(); }, nullptr};
@@ -133,8 +133,8 @@ void build_window(EditingWindow *state) {
   state->window = v_gui_create_window(title.get());
   v_gui_close_on_escape(state->window);
   GtkBox *box = v_gui_add_vbox(GTK_CONTAINER(state->window), Spacing::standard);
-  // Only the fields scroll: the codes and all buttons stay visible, however many translations there
-  // are.
+  // Only the fields scroll, so that the codes and all buttons remain visible, however many
+  // translations there are.
   pack_fields(state, v_gui_pack_yielding_vbox(box, Spacing::standard));
   pack_codes(state, box);
   pack_window_buttons(state, box);
@@ -154,7 +154,7 @@ void update_gui(EditingWindow *state) {
                              remark == nullptr ? nullptr : remark->description.get());
 }
 
-// After the cursor was put on another row, which may have made the focused button insensitive.
+// Called after the cursor has moved to another row, which may make the focused button insensitive.
 void update_after_move(EditingWindow *state) {
   update_gui(state);
   v_list_place_take_free_focus(state->codes.view);
@@ -176,7 +176,7 @@ void show_exchange(EditingWindow *state, const VRemarkExchange &exchange) {
   state->draft_timer.start();
 }
 
-// Without an exchange the remark is unchanged, and only the cursor moves to its row.
+// Without an exchange the remark is unchanged, so only the cursor moves to its row.
 void show_edit(EditingWindow *state, const VRemark *remark,
                const std::optional<VRemarkExchange> &exchange) {
   if (exchange) {
@@ -189,7 +189,7 @@ void show_edit(EditingWindow *state, const VRemark *remark,
 
 // ---- Read ---------------------------------------------------------------------------------------
 
-// When false, the reason is in the error state.
+// False with a message when there is no remark.
 bool check_remarks(const EditingWindow *state) {
   if (v_remark_list_is_empty(state->codeset->remarks.get())) {
     v_error_set("There must be at least one remark code in the codeset.");
@@ -209,7 +209,7 @@ bool is_changed(const EditingWindow *state) {
   return state->draft->path || state->draft_timer.is_running();
 }
 
-// Lets the user edit the remark, which is new or a copy of retyped. True when it is confirmed.
+// Lets the user edit the remark, which is new or a copy of retyped. True when the user confirms.
 bool run_remark_dialog(EditingWindow *state, VRemark *remark, const VRemark *retyped,
                        VRemarkPass *pass) {
   state->retyped = retyped;
@@ -218,8 +218,7 @@ bool run_remark_dialog(EditingWindow *state, VRemark *remark, const VRemark *ret
                                              state->typing, pass) != 0;
 }
 
-// Lets the user edit a copy of the remark. Returns the remark to edit next; null when there is
-// none.
+// Lets the user edit a copy of the remark. Returns the remark to edit next, or null.
 VRemark *edit_remark(EditingWindow *state, VRemark *remark, VRemarkPass &pass) {
   const bool was_changed = is_changed(state);
   OwnedRemark edited = v_remark_clone(remark);
@@ -227,7 +226,7 @@ VRemark *edit_remark(EditingWindow *state, VRemark *remark, VRemarkPass &pass) {
     forget_typing(state, was_changed);
     return nullptr;
   }
-  // Found first, because a new code may move the remark.
+  // Find it first, because a new code may move the remark.
   VRemark *neighbour = find_neighbour(state->codeset->remarks.get(), remark, pass.step);
   const std::optional<VRemarkExchange> exchange =
       v_remark_history_replace_remark(state->history.get(), remark, std::move(edited));
@@ -238,7 +237,7 @@ VRemark *edit_remark(EditingWindow *state, VRemark *remark, VRemarkPass &pass) {
   return neighbour;
 }
 
-// A copy of the codeset with what is typed in the remark dialog.
+// A copy of the codeset with the remark typed in the remark dialog.
 OwnedCodeset clone_with_typed(const EditingWindow *state, OwnedRemark typed) {
   OwnedCodeset codeset = v_codeset_clone(state->codeset.get());
   VRemarkList *remarks = codeset->remarks.get();
@@ -249,7 +248,7 @@ OwnedCodeset clone_with_typed(const EditingWindow *state, OwnedRemark typed) {
   return codeset;
 }
 
-// Asks even when nothing was changed. When true, the window may be closed and the draft is removed.
+// Asks even when nothing was changed. If the user confirms, removes the draft and returns true.
 bool confirm_closing(EditingWindow *state) {
   GtkDialog *dialog = v_message_create_question_dialog(
       "Really close?", "Are you sure you want to close the codeset without saving?");
@@ -285,7 +284,7 @@ void shrunk_callback(VLangstrEditor *, EditingWindow *state) {
   v_gui_resize_window_to_minimum_unless_maximized(state->window);
 }
 
-// "changed" of the list's selection; several times while rows are removed.
+// "changed" of the list's selection; emitted several times while rows are removed.
 void selection_change_callback(GtkTreeSelection *, EditingWindow *state) { update_gui(state); }
 
 // "clicked" of "Add new", and Ctrl+N.
@@ -330,7 +329,7 @@ void redo(void *editing_window) {
   }
 }
 
-// "clicked" of "Save codeset", and Ctrl+S. After a failure the window stays open.
+// "clicked" of "Save codeset", and Ctrl+S. After a failure the window remains open.
 void save_button_clicked_callback(GtkButton *, EditingWindow *state) {
   if (check_remarks(state) && v_codeset_fields_read(&state->fields, state->codeset.get()) &&
       v_draft_save_codeset(state->draft.get(), state->codeset.get())) {
@@ -349,12 +348,12 @@ void close_button_clicked_callback(GtkButton *, EditingWindow *state) {
   }
 }
 
-// "delete-event": the window manager's close button, and Escape. True keeps the window.
+// "delete-event": the window manager's close button, and Escape. TRUE keeps the window open.
 gboolean window_delete_event_callback(GtkWidget *, GdkEvent *, EditingWindow *state) {
   return !confirm_closing(state);
 }
 
-// "destroy". Writes pending changes, so that a draft that is kept has all of them.
+// "destroy". Writes pending changes, so that a draft that is kept is complete.
 void window_destroy_callback(GtkWidget *, EditingWindow *state) {
   if (state->draft_timer.is_running()) {
     state->draft_timer.stop();

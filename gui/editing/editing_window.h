@@ -9,12 +9,12 @@
 struct RunContext {
   VWindowStack *window_stack = nullptr; // borrowed
   VWorkspace *workspace = nullptr;      // borrowed
-  // The checkers stay loaded from one window to the next.
+  // Keeps the checkers loaded from one window to the next.
   VSpellCheckerCacheOwner spell_checkers = {};
 };
 
-// Edits the file at the path (UTF-8), or a new codeset when there is none, and returns when the
-// window is closed: 1 when the codeset was written, else 0. When the file cannot be read, an error
-// is shown and no window opens. While the window is open, changes are kept in a draft; a draft that
-// an earlier run has left behind is offered first.
+// Edits the file at the path (UTF-8), or a new codeset when there is no file, and returns when the
+// window is closed: 1 when the codeset was saved, else 0. When the file cannot be read, shows an
+// error and opens no window. While the window is open, changes are kept in a draft; a draft left
+// behind by an earlier run is offered first.
 int run_editing_window(const RunContext *context, const char *path);

@@ -2,7 +2,7 @@
 
 namespace {
 
-// The row that a key leads to, relative to the focused row.
+// The row to which a key moves the focus, relative to the focused row.
 enum class Target { outside, first_row, last_row, same_row, next_row, previous_row };
 
 struct Targets {

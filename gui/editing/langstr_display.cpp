@@ -21,7 +21,7 @@ G_DEFINE_TYPE(VLangstrDisplay, v_langstr_display, GTK_TYPE_SCROLLED_WINDOW)
 namespace {
 
 constexpr char bold_tag[] = "bold";
-// A frame for the focus, which a text without a cursor would not show.
+// A frame that shows the focus, because a text without a cursor does not.
 constexpr char focus_css[] =
     "textview:focus text { box-shadow: inset 0 0 0 1px @theme_selected_bg_color; }";
 constexpr int text_margin = 4; // pixels between the frame and the text
@@ -44,8 +44,8 @@ void finalize(GObject *display) {
   G_OBJECT_CLASS(v_langstr_display_parent_class)->finalize(display);
 }
 
-// The width is only the size request, whatever the text: the text wraps, and the rows beside the
-// display keep their places.
+// The width is the size request, whatever the text: the text wraps, and the widgets beside the
+// display do not move.
 void get_preferred_width(GtkWidget *, int *minimum, int *natural) {
   *minimum = 0;
   *natural = 0;
@@ -70,8 +70,8 @@ static void v_langstr_display_class_init(VLangstrDisplayClass *klass) {
 static void v_langstr_display_init(VLangstrDisplay *display) {
   display->state = new LangstrDisplayState;
   gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(display), FALSE);
-  // The size never depends on the text. Without this mode each new text would lay out and paint the
-  // whole window again, including a long list.
+  // The size never depends on the text. Without this mode, each new text would cause a new layout
+  // and redraw of the whole window, including a long list.
   gtk_container_set_resize_mode(GTK_CONTAINER(display), GTK_RESIZE_QUEUE);
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-// Shows all translations of a multilingual text, each under its language's name in bold, read only.
+// A read-only display of all translations of a multilingual text, each below its language in bold.
 
 #include <gtk/gtk.h>
 
@@ -8,7 +8,7 @@
 #define V_TYPE_LANGSTR_DISPLAY (v_langstr_display_get_type())
 G_DECLARE_FINAL_TYPE(VLangstrDisplay, v_langstr_display, V, LANGSTR_DISPLAY, GtkScrolledWindow)
 
-// Width and height are the least size, in pixels.
+// width, height: minimum size in pixels.
 GtkWidget *v_langstr_display_new(int width, int height);
-// Null empties the display. Returns 0 when the display is destroyed and has no text buffer, else 1.
+// Null clears the display. Returns 0 when the display is destroyed, else 1.
 int v_langstr_display_set_text(VLangstrDisplay *display, const VLangstr *langstr);

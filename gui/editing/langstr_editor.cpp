@@ -24,8 +24,8 @@ struct LangstrEditorState {
   LangstrEditorMode mode = LangstrEditorMode::single_line;
   ActivatesDefault activates_default = ActivatesDefault::no;
   LangstrEditorRows rows;
-  bool broken = false;       // some initial row could not be made
-  GtkTable *table = nullptr; // rebuilt after every change of the rows; null while rows change
+  bool broken = false;       // an initial row could not be created
+  GtkTable *table = nullptr; // rebuilt whenever the rows change; null while they change
   OwnedObject<GtkAlignment> plus_alignment; // around the plus button; null unless multi-line
   OwnedObject<GtkButton> plus_button;
   gulong clicked_handler = 0;
@@ -63,8 +63,8 @@ void connect_row(LangstrEditorRow *row) {
                    G_CALLBACK(row_changed_callback), row);
 }
 
-// Appends a row with the translation (null: empty). The row is not in a table yet. Null when it
-// cannot be made.
+// Appends a row with the translation (null: empty) without adding it to the table. Null when it
+// cannot be created.
 LangstrEditorRow *append_row(VLangstrEditor *editor, const VLangstr *translation) {
   LangstrEditorState *state = editor->state;
   std::unique_ptr<LangstrEditorRow> row = v_langstr_editor_row_new(
@@ -106,7 +106,7 @@ void add_plus_button(VLangstrEditor *editor) {
   }
 }
 
-// Appends one row per translation, up to the first that fails; for null one empty row.
+// Appends one row per translation, until one fails; for null, one empty row.
 bool append_initial_rows(VLangstrEditor *editor, const VLangstr *initial_value) {
   if (initial_value == nullptr) {
     return append_row(editor, nullptr) != nullptr;
@@ -152,8 +152,8 @@ void delete_row(VLangstrEditor *editor, LangstrEditorRow *row) {
 
 // ---- Handlers -----------------------------------------------------------------------------------
 
-// "clicked" of the plus button. Gives the new row the focus again, which dropping the old table
-// took from it.
+// "clicked" of the plus button. The new row gets the focus again, which it lost when the old table
+// was dropped.
 void add_row_callback(GtkButton *, VLangstrEditor *editor) {
   const LangstrEditorRow *row = append_row(editor, nullptr);
   if (row == nullptr) {
@@ -170,7 +170,7 @@ bool is_ctrl_return(const GdkEventKey *event) {
          (event->state & gtk_accelerator_get_default_mod_mask()) == GDK_CONTROL_MASK;
 }
 
-// "key-press-event" of a row's text field. A field of several lines would insert a line break.
+// "key-press-event" of a row's text field. A multi-line field would insert a line break.
 gboolean field_key_press_event_callback(GtkWidget *, GdkEventKey *event, LangstrEditorRow *row) {
   if (!is_ctrl_return(event)) {
     return GDK_EVENT_PROPAGATE;
@@ -179,7 +179,7 @@ gboolean field_key_press_event_callback(GtkWidget *, GdkEventKey *event, Langstr
   return GDK_EVENT_STOP;
 }
 
-// "clicked" of a row's delete button. The emission holds a reference to the button.
+// "clicked" of a row's delete button. The signal emission holds a reference to the button.
 void delete_row_callback(GtkButton *, LangstrEditorRow *row) {
   VLangstrEditor *editor = row->editor;
   if (editor->state->rows.size() == 1) {
@@ -189,7 +189,7 @@ void delete_row_callback(GtkButton *, LangstrEditorRow *row) {
   }
 }
 
-// "changed" of a row's text, or of its combo after the row has applied the language.
+// "changed" of a row's text, or of its combo box after the row has applied the language.
 void row_changed_callback(GObject *, LangstrEditorRow *row) {
   g_signal_emit(row->editor, changed_signal, 0);
 }

@@ -1,4 +1,4 @@
 #pragma once
-// The number of lines that the texts of a VLangstrEditor have.
+// Whether the texts of a VLangstrEditor have one or several lines.
 
 enum class LangstrEditorMode { single_line = 0, multi_line = 1 };

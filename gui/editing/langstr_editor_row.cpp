@@ -15,7 +15,7 @@
 
 namespace {
 
-// Enough for every supported language. A tag that only a file has may be longer.
+// Enough for every supported language. An unsupported tag from a file may be longer.
 constexpr int longest_language_chars = 40;
 // Width of a one-line field in characters, less on screens that are too narrow for it beside a
 // language and the buttons.
@@ -75,14 +75,14 @@ const FieldKind &kind_of(const LangstrEditorRow *row) {
 
 // ---- Spelling -----------------------------------------------------------------------------------
 
-// gspell's language for the tag; null when no dictionary for it is installed.
+// The gspell language for the tag; null when no dictionary for it is installed.
 const GspellLanguage *find_spelling_language(const char *tag) {
   const char *dictionary = v_spellcheck_get_dict_name_for_langtag(tag);
   return dictionary == nullptr ? nullptr : gspell_language_lookup(dictionary);
 }
 
-// Checks the row in the language; null switches checking off. The checker is set first, so that
-// gspell does not load the default language's dictionary.
+// Spell-checks the row in the language; null turns checking off. The checker is set first, so that
+// gspell does not load the dictionary of the default language.
 void set_spelling_language(LangstrEditorRow *row, const GspellLanguage *language) {
   kind_of(row).set_checker(row->text_field.get(), v_spell_checker_cache_get(language));
   kind_of(row).set_inline_checking(row->text_field.get(), language != nullptr);
@@ -90,8 +90,8 @@ void set_spelling_language(LangstrEditorRow *row, const GspellLanguage *language
   row->has_own_checker = false;
 }
 
-// "populate-popup" of the text field, before gspell fills its context menu. A language chosen or a
-// word ignored there applies to this field only, so the row gets a checker of its own.
+// "populate-popup" of the text field, before gspell fills its context menu. Choosing a language or
+// ignoring a word there affects only this field, so the row gets a checker of its own.
 void populate_popup_callback(GtkWidget *field, GtkWidget *, LangstrEditorRow *row) {
   if (row->spelling_language != nullptr && !row->has_own_checker) {
     const OwnedObject<GspellChecker> checker = take(gspell_checker_new(row->spelling_language));
@@ -118,7 +118,7 @@ void append_and_select(GtkComboBoxText *combo, const char *language) {
   }
 }
 
-// The languages of the settings as the user reads them, in their order; never empty.
+// The display texts of the preferred languages in the settings, in their order; never empty.
 std::vector<OwnedText> format_languages(const VSettings *settings) {
   std::vector<OwnedText> languages;
   for (const std::string &tag : settings->preferred_languages) {
@@ -163,7 +163,8 @@ OwnedText get_selected_langtag(const LangstrEditorRow *row) {
                   : copy_text("");
 }
 
-// Adapts spelling and accessible name to the selected language. The text field takes the focus.
+// Sets the spell checker and the accessible name for the selected language. The text field takes
+// the focus.
 void apply_language(LangstrEditorRow *row) {
   GtkWidget *field = row->text_field.get();
   const OwnedText tag = get_selected_langtag(row);
@@ -174,13 +175,13 @@ void apply_language(LangstrEditorRow *row) {
   v_gui_grab_focus_without_selecting(field);
 }
 
-// "changed" of the combo, connected before any handler of the editor.
+// "changed" of the combo box, connected before any handler of the editor.
 void lang_combo_box_text_changed_callback(GtkComboBox *, LangstrEditorRow *row) {
   apply_language(row);
 }
 
-// "scroll-event" of the combo, which would select another language when the user scrolls the window
-// with the pointer over it. The window gets the event instead.
+// "scroll-event" of the combo box, which would select another language when the user scrolls the
+// window with the pointer over it. The window gets the event instead.
 gboolean combo_scroll_event_callback(GtkWidget *combo, GdkEvent *, void *) {
   g_signal_stop_emission_by_name(combo, "scroll-event");
   return GDK_EVENT_PROPAGATE;
@@ -273,8 +274,8 @@ void v_langstr_editor_row_detach(LangstrEditorRow *row) {
   }
   g_signal_handlers_disconnect_by_data(row->text_field.get(), row);
   g_signal_handlers_disconnect_by_data(v_langstr_editor_row_get_text_object(row), row);
-  // Checking ends before the text view is destroyed: otherwise it marks words in a buffer that is
-  // half destroyed, which ends the program (seen with gspell 1.12 and GTK 3.24.38).
+  // Stop checking before the text view is destroyed: otherwise gspell marks words in a partly
+  // destroyed buffer, which crashes the program (seen with gspell 1.12 and GTK 3.24.38).
   kind_of(row).set_inline_checking(row->text_field.get(), false);
 }
 

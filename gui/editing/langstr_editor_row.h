@@ -1,6 +1,6 @@
 #pragma once
-// One row of a VLangstrEditor: a text field, its language and a delete button. Checks the text for
-// spelling in the row's language. Places no widget: the table does that.
+// One row of a VLangstrEditor: a text field, its language and a delete button. Spell-checks the
+// text in the row's language. The table places the widgets.
 
 #include <memory>
 #include <vector>
@@ -28,40 +28,40 @@ struct LangstrEditorRow {
   OwnedObject<GtkAlignment> delete_alignment; // around the delete button; null unless multi-line
   OwnedObject<GtkButton> delete_button;
   const GspellLanguage *spelling_language = nullptr; // null: the field is not checked
-  bool has_own_checker = false;                      // else it shares one with other fields
+  bool has_own_checker = false;                      // false: shares one with other fields
 };
 
 using LangstrEditorRows = std::vector<std::unique_ptr<LangstrEditorRow>>;
 
-// The choices are the preferred languages of the settings. The row has the text and the language of
-// the translation; for null it has no text and the first language that no other row has. Null when
-// the choice of the language cannot be made. The text field takes the focus.
+// Offers the preferred languages of the settings. The row gets the text and the language of the
+// translation; for null, no text and the first language that no other row has. Null when the combo
+// box for the language cannot be created. The text field takes the focus.
 std::unique_ptr<LangstrEditorRow>
 v_langstr_editor_row_new(VLangstrEditor *editor, LangstrEditorMode mode,
                          ActivatesDefault activates_default, const VSettings *settings,
                          const LangstrEditorRows &other_rows, const VLangstr *translation);
-// Disconnects all handlers that have the row as data, also the editor's. To be called before the
-// row is freed.
+// Disconnects all handlers that have the row as data, including the editor's. Must be called before
+// the row is freed.
 void v_langstr_editor_row_detach(LangstrEditorRow *row);
 
-// As the user reads it (UTF-8); null when none is selected.
+// The display text of the selected language (UTF-8); null when none is selected.
 OwnedText v_langstr_editor_row_get_language(const LangstrEditorRow *row);
 bool v_langstr_editor_row_has_language(const LangstrEditorRow *row, const char *language);
-// A codeset is given only what it may have. A draft is given all that is typed: texts in one
-// language are joined by a slash, and a text in an unknown language has no tag.
+// A codeset gets only valid texts. A draft gets everything that is typed: texts in one language are
+// joined with a slash, and a text in an unknown language has no tag.
 enum class TextUse { codeset, draft };
 
-// Adds the row's translation, unless its text is empty. False, with a message, when the text or the
-// language cannot be read or, for a codeset, another row's text in that language is already there.
+// Adds the row's translation unless its text is empty. False with a message when the text or the
+// language cannot be read or, for a codeset, when collected already has a text in that language.
 bool v_langstr_editor_row_add_translation(const LangstrEditorRow *row, OwnedLangstr &collected,
                                           TextUse use);
 // The object that emits "changed" when the text changes.
 gpointer v_langstr_editor_row_get_text_object(const LangstrEditorRow *row);
 
-// True when the text field has the focus then: a locked one does not take it.
+// True when the text field has the focus afterwards: a locked one does not take it.
 bool v_langstr_editor_row_grab_focus(const LangstrEditorRow *row);
-// row_count: of the editor. The only row cannot be deleted.
+// row_count: that of the editor. The only row cannot be deleted.
 void v_langstr_editor_row_update_sensitivity(const LangstrEditorRow *row, std::size_t row_count);
 
-// A button for an editor, whose sign says what it does. description: for screen readers.
+// A button of the editor, labelled with a symbol. description: for screen readers.
 GtkButton *v_langstr_editor_row_create_button(const char *sign, const char *description);

@@ -10,7 +10,7 @@ constexpr GtkAttachOptions shrink = GTK_SHRINK;
 constexpr auto shrink_and_fill = static_cast<GtkAttachOptions>(GTK_SHRINK | GTK_FILL);
 constexpr auto expand_and_fill = static_cast<GtkAttachOptions>(GTK_EXPAND | GTK_FILL);
 
-// Columns and rows of the table; right and bottom are the first ones outside.
+// Columns and rows of the table; right and bottom are exclusive.
 struct Cell {
   guint left;
   guint right;

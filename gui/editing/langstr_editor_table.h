@@ -3,9 +3,9 @@
 
 #include "langstr_editor_row.h"
 
-// plus_widget: the plus button, in multi-line mode the alignment around it. Floating, like every
-// new widget.
+// plus_widget: the plus button, or in multi-line mode the alignment around it. The table is
+// floating, like every new widget.
 GtkTable *v_langstr_editor_table_new(LangstrEditorMode mode, const LangstrEditorRows &rows,
                                      GtkWidget *plus_widget);
-// Removes all widgets from the table, and the hidden table from its container.
+// Removes all widgets from the table, and the table from its container.
 void v_langstr_editor_table_drop(GtkTable *table, GtkContainer *container);

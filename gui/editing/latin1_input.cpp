@@ -15,13 +15,13 @@ enum class Fate { keep, become_space, drop };
 // utf8_character: a pointer into valid UTF-8 text.
 Fate fate_of(const char *utf8_character, InputLines lines) {
   const gunichar character = g_utf8_get_char(utf8_character);
-  // For Unicode the vertical tab is not a space, but normalising treats it as one. Other programs
-  // put it on the clipboard as a line break.
+  // g_unichar_isspace does not accept the vertical tab, but normalising treats it as a space. Other
+  // programs put it on the clipboard as a line break.
   if (g_unichar_isspace(character) || character == '\v') {
     const bool is_fit = character == ' ' || (character == '\n' && lines == InputLines::several);
     return is_fit ? Fate::keep : Fate::become_space;
   }
-  // XML allows no control characters except white space, even as references.
+  // XML allows no control characters except whitespace, even as character references.
   const bool is_fit = character >= ' ' && v_convert_test_utf8_char_for_latin1(utf8_character);
   return is_fit ? Fate::keep : Fate::drop;
 }
@@ -86,7 +86,7 @@ void v_latin1_input_repair_insertion(void *instance, const char *utf8_text, gssi
   }
   const OwnedText fixed = v_latin1_input_fix_text(utf8_text, length, lines);
   if (fixed && *fixed != '\0') {
-    // Emits "insert-text" again, for which the handler accepts the repaired text.
+    // Emits "insert-text" again; the handler accepts the repaired text.
     insert(fixed.get());
   }
   g_signal_stop_emission_by_name(instance, "insert-text");

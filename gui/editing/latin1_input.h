@@ -1,7 +1,7 @@
 #pragma once
-// The rule for the program's text fields: they accept only what a codeset file, XML in ISO-8859-1,
-// can hold. The rule itself knows nothing of the toolkit; the last function applies it while text
-// is being inserted.
+// The rule for the program's text fields: they accept only text that a codeset file (XML in
+// ISO-8859-1) can hold. The rule itself is independent of the toolkit; the last function applies it
+// while text is being inserted.
 
 #include <functional>
 
@@ -9,20 +9,20 @@
 
 enum class InputLines { one, several };
 
-// True when the text is not UTF-8, or holds white space other than plain spaces (and, with several
-// lines, line feeds), a character that ISO-8859-1 does not have, or one of the control characters
-// that XML cannot hold. length: bytes; negative: up to the terminating zero.
+// True when the text is not UTF-8, or has whitespace other than spaces (and, with several lines,
+// line feeds), a character that is not in ISO-8859-1, or a control character that XML forbids.
+// length: in bytes; negative: up to the terminating zero.
 bool v_latin1_input_text_needs_fixing(const char *utf8_text, gssize length, InputLines lines);
-// New UTF-8 text with a plain space for each such white space and without the other such
-// characters; null, without a message, for what is not UTF-8.
+// New UTF-8 text in which such whitespace characters are replaced by spaces and such other
+// characters are dropped; null, without a message, for text that is not UTF-8.
 OwnedText v_latin1_input_fix_text(const char *utf8_text, gssize length, InputLines lines);
 
-// The text of a field in ISO-8859-1, repaired where needed; null with a message when it cannot be.
+// The text of a field in ISO-8859-1, repaired where needed; null with a message if it is not UTF-8.
 OwnedText v_latin1_input_convert(const char *utf8_text, InputLines lines);
 
-// For a handler of the instance's "insert-text" signal. A text that needs fixing is not inserted;
-// insert is called with its repaired form (unless that is empty), and the user hears a beep. Any
-// other text is left to the toolkit.
+// To be called by a handler of the instance's "insert-text" signal. Stops the signal for a text
+// that needs fixing, calls insert with the repaired text unless that is empty, and beeps. Leaves
+// any other text to the toolkit.
 void v_latin1_input_repair_insertion(void *instance, const char *utf8_text, gssize length,
                                      InputLines lines,
                                      const std::function<void(const char *repaired)> &insert);

@@ -131,7 +131,7 @@ OwnedLangstr read_description(RemarkDialog *state) {
   return description;
 }
 
-// When the input is valid, changes the remark and closes the window. Otherwise shows the error, or
+// If the input is valid, changes the remark and closes the window. Otherwise shows the error, or
 // does nothing when the code cannot be read.
 void confirm(RemarkDialog *state) {
   OwnedText code = v_spacifying_entry_get_text(state->code_entry);
@@ -189,7 +189,7 @@ void destroy_callback(GtkWidget *, RemarkDialog *state) { state->typing->read = 
 
 // ---- Run ----------------------------------------------------------------------------------------
 
-// The field of the pass's language, or else the code.
+// The field for the pass's language, else the code.
 GtkWidget *find_first_focus(const RemarkDialog *state) {
   GtkWidget *field = nullptr;
   if (state->pass != nullptr && state->pass->language) {

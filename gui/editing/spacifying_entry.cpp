@@ -12,17 +12,17 @@ struct _VSpacifyingEntry {
 
   Compact compact;
   gulong insert_text_handler;
-  gsize cut_length; // bytes of the text that the entry shows
+  gsize cut_length; // length in bytes of the text that the entry shows
 };
 
 G_DEFINE_TYPE(VSpacifyingEntry, v_spacifying_entry, GTK_TYPE_ENTRY)
 
 namespace {
 
-// Data of an entry that cannot hold its text: the whole text (UTF-8).
+// Object data of an entry that cannot hold its text: the whole text (UTF-8).
 constexpr char whole_text_key[] = "vantorelle_whole_text";
 
-// Keeps the whole text when the entry cut it off: the toolkit's entries hold 65,534 bytes.
+// Saves the whole text if the entry has truncated it: the toolkit's entries hold 65,534 bytes.
 void remember_if_cut(VSpacifyingEntry *entry, const char *utf8_text) {
   const char *shown = gtk_entry_get_text(GTK_ENTRY(entry));
   const bool is_cut = std::strcmp(shown, utf8_text) != 0;
@@ -31,7 +31,7 @@ void remember_if_cut(VSpacifyingEntry *entry, const char *utf8_text) {
                          is_cut ? copy_text(utf8_text).release() : nullptr, g_free);
 }
 
-// The whole text as long as the entry shows its unchanged first part; else the shown text.
+// The whole text while the entry shows its unchanged beginning; else the shown text.
 const char *get_whole_text(VSpacifyingEntry *entry) {
   const char *shown = gtk_entry_get_text(GTK_ENTRY(entry));
   const auto *whole = static_cast<const char *>(g_object_get_data(G_OBJECT(entry), whole_text_key));

@@ -1,6 +1,6 @@
 #pragma once
-// A text field of several lines with the rules of the one-line field (spacifying_entry.h), except
-// that line feeds are kept. Tab moves the focus.
+// A multi-line text field with the rules of the one-line field (spacifying_entry.h), except that
+// line feeds are kept. Tab moves the focus.
 
 #include <gtk/gtk.h>
 
@@ -12,6 +12,6 @@ G_DECLARE_FINAL_TYPE(VSpacifyingTextView, v_spacifying_text_view, V, SPACIFYING_
 
 GtkWidget *v_spacifying_text_view_new();
 void v_spacifying_text_view_set_text(VSpacifyingTextView *view, const char *latin1_text);
-// The text (ISO-8859-1) without white space at its ends and with spaces for tabs; null, with a
-// message, when it cannot be read.
+// The text (ISO-8859-1) with both ends stripped and tabs replaced by spaces; null with a message
+// when it cannot be read.
 OwnedText v_spacifying_text_view_get_text(VSpacifyingTextView *view);

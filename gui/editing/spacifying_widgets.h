@@ -1,6 +1,6 @@
 #pragma once
-// Places the spacifying text fields, with the conventions of gui/widgets.h: what is created is
-// shown, "pack" puts it at the start of a box, "add" into a container.
+// Creates and packs the spacifying text fields, with the conventions of gui/widgets.h: new widgets
+// are shown, "pack" puts them at the start of a box, "add" into a container.
 
 #include "gui/editing/spacifying_entry.h"
 #include "gui/editing/spacifying_text_view.h"

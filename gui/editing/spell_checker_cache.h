@@ -1,7 +1,6 @@
 #pragma once
-// One spell checker for each language, shared by all text fields. A checker loads a dictionary of
-// its own, which takes 50 to 90 ms, and without the cache each field and each new window would load
-// it again.
+// One spell checker per language, shared by all text fields. Each checker loads its dictionary,
+// which takes 50 to 90 ms; without the cache, each field in each new window would load it again.
 
 #include <gspell/gspell.h>
 
@@ -9,9 +8,9 @@
 // field that adds words or switches the language needs a checker of its own.
 GspellChecker *v_spell_checker_cache_get(const GspellLanguage *language);
 
-// Owns the cache, with any other owner; each run of the tool has one. The last owner frees all
-// checkers when it is destroyed, and no field may use one then. Without an owner the checkers would
-// outlive the libraries behind them, which are shut down before static objects.
+// Shares ownership of the cache; each run of the tool has an owner. Destroying the last owner frees
+// all checkers, which no field may use any more. Without owners, the checkers would outlive the
+// libraries behind them, which are shut down before static objects are destroyed.
 class VSpellCheckerCacheOwner {
 public:
   VSpellCheckerCacheOwner();

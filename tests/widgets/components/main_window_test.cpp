@@ -205,20 +205,20 @@ TEST_F(MainWindow, IncompatibleFilesAreRedAndFirstAndCauseANotice) {
 TEST_F(MainWindow, TheWindowGrowsAndShrinksWithTheNotice) {
   make_folders();
   write_file(managed("good.codeset"), "text:Ceramics");
-  int least_height = 0;
-  check([this, &least_height] {
-    least_height = height_of_top_window();
+  int minimum_height = 0;
+  check([this, &minimum_height] {
+    minimum_height = height_of_top_window();
     write_file(managed("bad.codeset"), "broken");
   });
   script.click("Refresh list");
   script.when(
-      "the window to grow", [&] { return height_of_top_window() > least_height; },
+      "the window to grow", [&] { return height_of_top_window() > minimum_height; },
       [] { EXPECT_TRUE(shows_notice()); });
   act_on("bad.codeset", "Delete");
   answer_question(deletion_question("bad.codeset"), "Yes");
   script.when(
       "the window to shrink",
-      [&] { return is_on_top(main_title) && height_of_top_window() == least_height; },
+      [&] { return is_on_top(main_title) && height_of_top_window() == minimum_height; },
       [] { EXPECT_FALSE(shows_notice()); });
   run_until_closed();
 }

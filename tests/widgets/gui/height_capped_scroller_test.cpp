@@ -156,7 +156,7 @@ TEST(HeightCappedScroller, KeepsTheFocusedWidgetInViewWhenTheWindowShrinks) {
   Tower tower;
   tower.add_rows(100);
   gtk_window_maximize(tower.window.get());
-  v_height_capped_scroller_set_least_height(tower.scroller(), 100);
+  v_height_capped_scroller_set_minimum_height(tower.scroller(), 100);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
   settle();
   const int before = tower.height();
@@ -186,7 +186,7 @@ TEST(HeightCappedScroller, StaysWhereTheUserHasScrolledIt) {
 TEST(HeightCappedScroller, RequestsItsLeastHeight) {
   Tower tower;
   tower.add_rows(100);
-  v_height_capped_scroller_set_least_height(tower.scroller(), 120);
+  v_height_capped_scroller_set_minimum_height(tower.scroller(), 120);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
   settle();
   int least = 0;
@@ -199,7 +199,7 @@ TEST(HeightCappedScroller, RequestsItsLeastHeight) {
 TEST(HeightCappedScroller, IsNoHigherThanItsContentForAnyLeastHeight) {
   Tower tower;
   tower.add_rows(1);
-  v_height_capped_scroller_set_least_height(tower.scroller(), 500);
+  v_height_capped_scroller_set_minimum_height(tower.scroller(), 500);
   gtk_widget_show(GTK_WIDGET(tower.window.get()));
   settle();
   EXPECT_LT(tower.height(), 200);
