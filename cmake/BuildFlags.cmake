@@ -30,7 +30,7 @@ if(VANTORELLE_COVERAGE)
   target_link_options(vantorelle_flags INTERFACE --coverage)
 endif()
 
-# Optimisation across files: reading a large codeset takes 4 % less time, and the program is a fifth
+# Link-time optimisation: reading a large codeset takes 4 % less time, and the program is a fifth
 # smaller.
 if(NOT VANTORELLE_SANITIZE AND NOT VANTORELLE_FUZZ AND NOT VANTORELLE_COVERAGE)
   include(CheckIPOSupported)
@@ -38,7 +38,7 @@ if(NOT VANTORELLE_SANITIZE AND NOT VANTORELLE_FUZZ AND NOT VANTORELLE_COVERAGE)
   set(CMAKE_INTERPROCEDURAL_OPTIMIZATION_RELEASE ${VANTORELLE_HAS_IPO})
 endif()
 
-# Hardening against the exploitation of a fault. Only in optimised builds: the fortified functions
+# Hardening against exploits. Only in optimised builds: the fortified functions
 # need the optimiser. Builds with sanitizers have their own checks.
 include(CheckCXXCompilerFlag)
 include(CheckCXXSourceCompiles)

@@ -1,4 +1,4 @@
-# All libraries of other projects. Each floor names those that it may use.
+# All third-party libraries. Each layer names those that it may use.
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0>=2.74)
 pkg_check_modules(LIBXML2 REQUIRED IMPORTED_TARGET libxml-2.0>=2.9.14)
@@ -18,7 +18,7 @@ if(APPLE)
 endif()
 
 # librsvg is loaded at run time (images/svg_library.h); the build needs only its headers. The older of
-# its two interfaces gives the size with its fractions and without a viewport.
+# its two interfaces returns the exact size and does not need a viewport.
 add_library(vantorelle_svg_headers INTERFACE)
 target_compile_definitions(vantorelle_svg_headers INTERFACE RSVG_DISABLE_DEPRECATION_WARNINGS)
 target_include_directories(vantorelle_svg_headers SYSTEM INTERFACE ${LIBRSVG_INCLUDE_DIRS})

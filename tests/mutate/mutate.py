@@ -93,9 +93,9 @@ def mirror(source, destination):
 
 def target(suite):
     """The executable of the test of that name in CTest."""
-    kind, _, floor = suite.partition(".")
-    floor = floor.partition(".")[0]
-    return f"{floor}_{kind.removesuffix('s')}_tests" if floor else f"{kind.removesuffix('s')}_tests"
+    kind, _, layer = suite.partition(".")
+    layer = layer.partition(".")[0]
+    return f"{layer}_{kind.removesuffix('s')}_tests" if layer else f"{kind.removesuffix('s')}_tests"
 
 
 class Copy:

@@ -1,15 +1,15 @@
-# vantorelle_add_floor(<library>
+# vantorelle_add_layer(<library>
 #   FOLDER   <folder of the sources, from the root>
 #   HEADERS  <headers that other folders may include>
 #   SOURCES  <sources>
-#   USES     <libraries of the floors below, as far as their headers are needed>
+#   USES     <libraries of lower layers whose headers it includes>
 #   PACKAGES <imported packages>)
 #
-# A floor is a static library. Its headers are included from the root ("base/error.h"), but the
-# root itself is on no include path: each floor gets a folder with links to its own headers, and
-# only a floor that names it under USES, directly or through another floor, has that folder on the
-# include path. A header of a higher floor, or one that is not listed, is therefore not found.
-function(vantorelle_add_floor library)
+# A layer is a static library. Its headers are included relative to the root ("base/error.h"), but
+# the root itself is on no include path: each layer gets a folder with links to its listed headers,
+# and that folder is on the include path only of layers that name it under USES, directly or through
+# another layer. A header of a higher layer, or one that is not listed, is therefore not found.
+function(vantorelle_add_layer library)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER" "HEADERS;SOURCES;USES;PACKAGES")
   set(include_root ${PROJECT_BINARY_DIR}/include/${library})
   file(MAKE_DIRECTORY ${include_root}/${arg_FOLDER})
