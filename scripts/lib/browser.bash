@@ -1,7 +1,7 @@
 # shellcheck shell=bash
-# Shows a GTK program in a web browser of this machine, through the toolkit's own display server. Sourced, not run.
+# Shows a GTK program in a web browser on this machine, through the toolkit's own display server. Sourced, not run.
 #
-# The server requires no secret, and its socket for programs is an abstract one, which has no
+# The server requires no authentication, and its socket for programs is an abstract one, which has no
 # permissions. So server and program run in a network namespace, and browsers reach the server
 # through a gateway (browser_gateway.py).
 
@@ -31,9 +31,9 @@ run_in_browser() {
     exit "$status"
 }
 
-# Replaces this process by the command, in a namespace where no other user reaches its abstract
-# sockets. It has its own /dev/shm, too: a killed program leaves its drawings there, and this one is
-# removed with the last process.
+# Replaces this process with the command, in a namespace where no other user can reach its abstract
+# sockets. The namespace also has its own /dev/shm, which is removed with its last process: a killed
+# program leaves its drawings there.
 enclosed() {
     # shellcheck disable=SC2016 # expanded by the sh that is started
     local enter='mount -t tmpfs -o mode=0700,nosuid,nodev tmpfs /dev/shm && exec "$@"'
@@ -42,13 +42,13 @@ enclosed() {
     elif ((EUID == 0)); then
         exec unshare --net --mount sh -c "$enter" sh "$@"
     fi
-    # Only root may mount, even in a namespace; afterwards the program gets the user's own number again.
+    # Only root can mount, even in a namespace; afterwards the program gets the user's own id again.
     exec unshare --map-root-user --net --mount sh -c "$enter" sh \
         unshare --map-user="$EUID" --map-group="$(id -g)" "$@"
 }
 
-# Some systems forbid namespaces. For root that is a container, whose other users are trusted; an
-# ordinary user must confirm that there are no others.
+# Some systems forbid namespaces. If the user is root, the system is a container, and its other users
+# are trusted; an ordinary user must confirm that there are no other users.
 check_enclosure() {
     local reason
     reason=$( (enclosed true) 2>&1) && return 0
@@ -76,7 +76,7 @@ make_session_folder() {
     session_folder=$(mktemp -d "$parent/vantorelle.XXXXXXXXXX")
 }
 
-# Replaces this process by the command, on a display of its own whose server ends with it. The folder
+# Replaces this process with the command, on a separate display whose server ends with it. The folder
 # is the runtime folder of both.
 show_program() {
     export XDG_RUNTIME_DIR=$1 GDK_BACKEND=broadway BROADWAY_DISPLAY=:0

@@ -2,7 +2,7 @@
 # Configures and builds with a preset. Sourced by scripts whose working folder is the checkout's
 # root.
 
-# Each preset is built in a sub-folder with its name. A read-only checkout needs another folder.
+# Each preset is built in a sub-folder of that name. A read-only checkout needs another folder.
 build_folder=$(realpath -m "${VANTORELLE_BUILD:-build}")
 readonly build_folder
 
@@ -14,7 +14,7 @@ ensure_build_folder() {
     fi
 }
 
-# Configures a new build folder, or one of a checkout that was moved since. Ninja detects all other
+# Configures a new build folder, or one whose checkout was moved since. Ninja detects all other
 # changes.
 configure_preset() {
     local preset=$1 folder=$build_folder/$1
@@ -29,7 +29,7 @@ build_preset() {
     cmake --build "$build_folder/$1"
 }
 
-# Writes the checkout, without what was built, to standard output as a tar archive. The arguments are
+# Writes the checkout without build products to standard output, as a tar archive. The arguments are
 # options for tar.
 archive_checkout() {
     tar --create --exclude=./.git --exclude=./build --exclude="./$(realpath --relative-to=. "$build_folder")" \

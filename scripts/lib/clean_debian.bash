@@ -20,7 +20,7 @@ own_suite() (
     echo "$VERSION_CODENAME"
 )
 
-# Prints the suite, or ends the script with status 1 when the program is not made for it.
+# Prints the suite, or ends the script with status 1 when the program does not support it.
 supported_suite() {
     case $1 in
     bookworm | trixie) echo "$1" ;;
@@ -49,16 +49,16 @@ set_up_debian() {
 # The checkout's path in such a Debian.
 readonly checkout_inside=/srv/vantorelle
 
-# Copies the checkout, without what was built, into the Debian in the folder.
+# Copies the checkout without build products into the Debian in the folder.
 copy_checkout() {
     local root=$1
     "${as_root[@]}" mkdir -p "$root$checkout_inside"
     archive_checkout | "${as_root[@]}" tar --extract --no-same-owner --directory "$root$checkout_inside"
 }
 
-# Runs a command of the checkout's copy in the Debian in the folder, with an environment and
-# terminals of its own. Its root is the root of a mount namespace, not only of the process: programs that make namespaces
-# themselves, and /proc, then work as on a real machine.
+# Runs a command of the checkout's copy in the Debian in the folder, with its own environment and
+# terminals. Its root is the root of a mount namespace, not only of the process, so that programs that create namespaces,
+# and /proc, work as on a real machine.
 run_inside() {
     # shellcheck disable=SC2016 # expanded by the sh that is started
     local enter='mount --bind "$1" "$1" && cd "$1" && mount -t proc proc proc &&

@@ -18,7 +18,7 @@ ensure_locales() (
     while read -r name definition charset; do
         [[ -z $name || -e $folder/$name/LC_CTYPE ]] && continue
         rm -rf "${folder:?}/$name.new"
-        # For characters that the character set lacks, localedef warns and ends with 1, but writes the locale.
+        # If the character set lacks characters, localedef warns and exits with status 1, but writes the locale.
         localedef --no-archive -i "$definition" -f "$charset" "$folder/$name.new" >"$folder/.log" 2>&1 || true
         if [[ ! -e $folder/$name.new/LC_CTYPE ]]; then
             cat "$folder/.log" >&2

@@ -144,7 +144,7 @@ package debootstrap
 bench   python3
 "
 
-# Prints the second column of the table for the purposes, each once.
+# Prints the names in the table for the purposes, each only once.
 names_for() {
     local table=$1 purpose name wanted
     while read -r purpose name; do
@@ -167,19 +167,19 @@ missing_packages() {
     comm -23 <(printf '%s\n' "$@" | sort -u) <(echo "$installed")
 }
 
-# Prints the modules of pkg-config that the build asks for, with their versions, in one line each.
+# Prints the pkg-config modules that the build requires, with their versions, one per line.
 required_modules() {
     sed -nE 's/^pkg_check_modules\([A-Z0-9_]+ REQUIRED IMPORTED_TARGET ([^)]*)\)$/\1/p' cmake/Packages.cmake |
         tr ' ' '\n' | sed 's/>=/ >= /'
 }
 
-# True when fontconfig finds the font that the build makes a part of the program.
+# Succeeds when fontconfig finds the font that the build includes in the program.
 has_view_font() {
     [[ $(fc-match --format='%{file}' "Liberation Sans:bold" 2>/dev/null) == */LiberationSans-Bold.ttf ]]
 }
 
-# Prints the programs for the purposes, the modules and the font that are missing. Without pkg-config
-# every module is missing, without fc-match the font.
+# Prints the missing programs for the purposes, modules and font. Without pkg-config all modules count as
+# missing, and without fc-match the font.
 missing_tools() {
     local tool module
     while read -r tool; do
@@ -191,8 +191,8 @@ missing_tools() {
     has_view_font || echo "font LiberationSans-Bold.ttf"
 }
 
-# For a distribution without Debian packages: ends the script with status 1 and one list when
-# anything is missing.
+# For distributions without Debian packages: ends the script with a list and status 1 when anything is
+# missing.
 ensure_tools() {
     local missing
     missing=$(missing_tools "$@")
@@ -202,8 +202,8 @@ ensure_tools() {
     exit 1
 }
 
-# Installs the missing packages for the purposes; uses no network when none is missing. A user
-# without the right to install gets the command to run, and the script ends with status 1.
+# Installs the missing packages for the purposes; does not use the network when none is missing. For a
+# user who may not install packages, prints the command to run and ends the script with status 1.
 ensure_packages() {
     local wanted missing command as_root=()
     if ! command -v apt-get >/dev/null; then
@@ -228,7 +228,7 @@ ensure_packages() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" </dev/null
 }
 
-# True when sudo needs no password or can ask for it on a terminal.
+# Succeeds when sudo needs no password or can ask for it on a terminal.
 may_use_sudo() {
     command -v sudo >/dev/null || return 1
     sudo -n true 2>/dev/null && return 0

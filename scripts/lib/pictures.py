@@ -21,7 +21,7 @@ from support.waiting import settle  # noqa: E402
 
 ASSISTANT = "Vantorelle Workspace Setup"
 
-# No blinking cursor, no animation, and a font that is on every machine that builds the program.
+# No blinking cursor, no animations, and a font that exists on every machine that builds the program.
 SETTINGS = """[Settings]
 gtk-font-name=Liberation Sans 10
 gtk-cursor-blink=false
@@ -101,7 +101,7 @@ class Album:
         display.move(0, 0)
         settle()
         left, top, width, height = self.framed_extents()
-        # Few colours make a small file, and are enough for the smoothed edges of letters.
+        # Few colours make a small file, and are enough for antialiased text.
         subprocess.run(
             (
                 "import",
