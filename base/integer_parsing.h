@@ -1,7 +1,7 @@
 #pragma once
 // Strict decimal integers, independent of the locale: an optional sign, digits, nothing else. Every
-// function stores the value and returns true, or leaves *out unchanged, sets a message that says
-// what is wrong and returns false.
+// function stores the value and returns true, or leaves *out unchanged, sets a message about the
+// fault and returns false.
 
 #include <glib.h>
 

@@ -218,7 +218,7 @@ OwnedOutputStream v_output_stream_new_for_file_path(const char *path) {
   OwnedOutputStream stream(new VOutputStream);
   stream->kind = VStreamKind::file;
   // A file that cannot be deleted is not truncated instead: it may be the source of the copy, and
-  // what a failed write leaves could not be removed.
+  // the part that a failed write leaves could not be removed.
   if (v_fs_utils_delete_file_if_exists(path)) {
     stream->file.reset(v_fs_utils_open_file(path, "wb").release());
   }

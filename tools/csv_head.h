@@ -27,6 +27,6 @@ std::optional<CsvLabel> v_csv_find_label(const CsvField &field);
 // True when all fields are empty or whitespace.
 bool v_csv_is_blank(const CsvRecord &record);
 
-// Reads the lines with the delimiter that yields a column "code". Null with a message that says
-// what is wrong and where.
+// Reads the lines with the delimiter that yields a column "code". Null with a message about
+// the fault and its place.
 std::optional<CsvHead> v_csv_read_head(const CsvDocument &document);

@@ -164,7 +164,7 @@ async def copy(reader, writer):
             writer.write(data)
             await writer.drain()
     except OSError:
-        pass  # treated like the end of the session
+        pass  # treated like the end of the stream
 
 
 async def run(folder):
