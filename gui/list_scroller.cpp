@@ -12,7 +12,7 @@ G_DEFINE_TYPE(VListScroller, v_list_scroller, GTK_TYPE_SCROLLED_WINDOW)
 
 namespace {
 
-// Null before there is a list with a column.
+// Null until the scroller has a list with a column.
 GtkTreeViewColumn *find_column(GtkWidget *scroller) {
   GtkWidget *list = gtk_bin_get_child(GTK_BIN(scroller));
   return list == nullptr ? nullptr : gtk_tree_view_get_column(GTK_TREE_VIEW(list), 0);

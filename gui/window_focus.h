@@ -1,9 +1,9 @@
 #pragma once
-// Finds the window that a widget is in, and its focus widget. Results are borrowed.
+// Finds a widget's window and the focused widget in it. Results are borrowed.
 
 #include <gtk/gtk.h>
 
-// Null when the widget is in no window.
+// Null when the widget is not in a window.
 GtkWindow *v_window_focus_find_window(GtkWidget *widget);
-// The focus widget of the window that the widget is in, or that it is; null when there is none.
+// The focused widget of the widget's window (or of the widget, if it is a window); null for none.
 GtkWidget *v_window_focus_find_focus(GtkWidget *widget);
