@@ -16,8 +16,8 @@
 
 struct VDraft {
   OwnedText codeset_path;
-  // The prefix of the draft's name. Determined when the codeset is opened, because links in its path
-  // cannot be resolved while its folder is not accessible.
+  // The prefix of the draft's name. Determined when the codeset is opened, because links in its
+  // path cannot be resolved while its folder is not accessible.
   std::string name_prefix;
   // Permissions of the codeset's file when it was last saved over; unknown before that.
   VFilePermissions codeset_permissions;

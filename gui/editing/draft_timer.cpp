@@ -11,11 +11,11 @@ namespace {
 // more than two seconds behind.
 constexpr guint delay = 1000; // milliseconds
 
-// The one whose draft lacks a change; null while there is none. There is one at most, because only
-// the top window can be changed.
+// The timer whose draft lacks a change; null for none. There is at most one, because only the top
+// window can be edited.
 VDraftTimer *due_timer = nullptr;
 
-// The program ends as if it did not watch the signal.
+// Afterwards the signal ends the program by its default action.
 gboolean ending_signal_callback(void *signal_number) {
   if (due_timer != nullptr) {
     due_timer->write_now();
@@ -26,14 +26,14 @@ gboolean ending_signal_callback(void *signal_number) {
   return G_SOURCE_CONTINUE;
 }
 
-// For instance by a program that is to outlive its terminal.
+// True for instance in a program that is meant to outlive its terminal (nohup).
 bool is_ignored(int signal_number) {
   struct sigaction action = {};
   return sigaction(signal_number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-// Watches the signals with which a user, a terminal or the end of a session ends a program. Never
-// stops watching: a signal that arrives in that moment would be lost.
+// Handles the signals with which a user, a terminal or the end of a session ends a program. The
+// handlers are never removed: a signal that arrives at that moment would be lost.
 void watch_ending_signals() {
   static bool are_watched = false;
   if (are_watched) {
@@ -68,7 +68,7 @@ void VDraftTimer::stop() {
 void VDraftTimer::write_now() {
   stop();
   if (!write_callback(callback_data)) {
-    start(); // a full disk may have room by then
+    start(); // a full disk may have space by then
   }
 }
 

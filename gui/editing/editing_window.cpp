@@ -160,7 +160,7 @@ void update_after_move(EditingWindow *state) {
   v_list_place_take_free_focus(state->codes.view);
 }
 
-// What was typed in the remark dialog has changed nothing, but may be in the draft.
+// The remark dialog has changed nothing, but the text typed there may be in the draft.
 void forget_typing(EditingWindow *state, bool was_changed_before) {
   if (was_changed_before) {
     state->draft_timer.start();

@@ -28,8 +28,8 @@ GtkWidget *v_langstr_editor_new(VWindowStack *window_stack, const VSettings *set
 // Returns 1 with the texts that are not empty, in row order (null when all are empty), or 0 with
 // null and a message: two texts in one language, or a field or language that cannot be read.
 int v_langstr_editor_get_text(VLangstrEditor *editor, OwnedLangstr &langstr);
-// The same for a draft, which gets everything that is typed: texts in one language are joined with a
-// slash, and a text in an unknown language has no tag.
+// The same for a draft, which gets everything that is typed: texts in one language are joined with
+// a slash, and a text in an unknown language has no tag.
 int v_langstr_editor_get_text_for_draft(VLangstrEditor *editor, OwnedLangstr &langstr);
 // The display text (UTF-8) of the language of the row whose text field has the focus; null when
 // none has.

@@ -28,8 +28,8 @@ struct VRemarkPass {
 // Access to the text typed into the window, for a draft.
 struct VRemarkTyping {
   std::function<void()> changed; // called after each change of a field
-  // Returns a remark with everything that is typed, valid or not: a missing code is "?", and a taken
-  // one gets a question mark at its end; for the description see
+  // Returns a remark with everything that is typed, valid or not: a missing code is "?", and a
+  // taken one gets a question mark at its end; for the description see
   // v_langstr_editor_get_text_for_draft. Null when there is no description. Set while the window is
   // open, otherwise empty.
   std::function<OwnedRemark()> read;
