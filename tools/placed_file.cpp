@@ -31,9 +31,11 @@ void remove_unfinished(int signal_number) {
   raise(signal_number);
 }
 
+constexpr int ending_signals[] = {SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGXFSZ};
+
 // A signal that is ignored, as by nohup, stays ignored.
 void handle_ending_signals() {
-  for (const int signal_number : {SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGXFSZ}) {
+  for (const int signal_number : ending_signals) {
     struct sigaction action = {};
     if (sigaction(signal_number, nullptr, &action) == 0 && action.sa_handler == SIG_DFL) {
       action.sa_handler = remove_unfinished;
@@ -42,6 +44,25 @@ void handle_ending_signals() {
     }
   }
 }
+
+// While it exists, signals wait: the handler does not know yet what is on the disk.
+class DelayedSignals {
+public:
+  DelayedSignals() {
+    sigset_t delayed;
+    sigemptyset(&delayed);
+    for (const int signal_number : ending_signals) {
+      sigaddset(&delayed, signal_number);
+    }
+    pthread_sigmask(SIG_BLOCK, &delayed, &old_mask);
+  }
+  ~DelayedSignals() { pthread_sigmask(SIG_SETMASK, &old_mask, nullptr); }
+  DelayedSignals(const DelayedSignals &) = delete;
+  DelayedSignals &operator=(const DelayedSignals &) = delete;
+
+private:
+  sigset_t old_mask;
+};
 
 bool fail_with_errno() {
   v_error_set_from_errno();
@@ -61,6 +82,7 @@ PlacedFile::~PlacedFile() {
 }
 
 bool PlacedFile::create_folder(const char *parent, const char *name) {
+  const DelayedSignals delayed;
   folder.reset(g_build_filename(parent, ".vantorelle-codeset-XXXXXX", nullptr));
   if (g_mkdtemp(folder.get()) == nullptr) {
     return fail_with_errno();
@@ -119,19 +141,27 @@ bool PlacedFile::claim_target() {
   return false;
 }
 
+bool PlacedFile::rename_to_target() {
+  const DelayedSignals delayed;
+  if (!may_replace && !claim_target()) {
+    return false;
+  }
+  if (g_rename(new_name.get(), target.get()) == 0) {
+    return true;
+  }
+  fail_with_errno();
+  if (!may_replace) {
+    g_unlink(target.get()); // the empty file of claim_target
+  }
+  return false;
+}
+
 bool PlacedFile::put() {
   if (!v_private_files_sync(new_path.get())) {
     v_error_set_file_io_writing();
     return false;
   }
-  if (!may_replace && !claim_target()) {
-    return false;
-  }
-  if (g_rename(new_name.get(), target.get()) != 0) {
-    fail_with_errno();
-    if (!may_replace) {
-      g_unlink(target.get()); // the empty file of claim_target
-    }
+  if (!rename_to_target()) {
     return false;
   }
   // Failing to flush the folder is ignored: the file is complete and in place.

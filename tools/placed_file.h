@@ -36,6 +36,7 @@ public:
 private:
   bool create_folder(const char *parent, const char *name);
   bool claim_target();
+  bool rename_to_target();
 
   OwnedText target;   // file system's encoding
   OwnedText folder;   // of the new file, file system's encoding

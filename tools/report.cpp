@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include <signal.h>
 #include <unistd.h>
 
 #include "base/error.h"
@@ -89,6 +90,10 @@ VProgressReport::~VProgressReport() {
 }
 
 void VProgressReport::show_until_finished() {
+  // Signals are for the main thread, which delays them at times.
+  sigset_t all_signals;
+  sigfillset(&all_signals);
+  pthread_sigmask(SIG_BLOCK, &all_signals, nullptr);
   std::unique_lock lock(mutex);
   int seconds = 0;
   while (!finishing.wait_for(lock, std::chrono::seconds(1), [this] { return is_finished; })) {

@@ -17,6 +17,26 @@
 
 namespace {
 
+// The signal that arrives just before a file is renamed; 0 for none.
+int signal_before_renaming = 0;
+
+} // namespace
+
+// The linker option --wrap redirects the program's own calls to this function.
+extern "C" {
+
+int __real_rename(const char *name, const char *new_name);
+
+int __wrap_rename(const char *name, const char *new_name) {
+  if (signal_before_renaming != 0) {
+    raise(signal_before_renaming);
+  }
+  return __real_rename(name, new_name);
+}
+}
+
+namespace {
+
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -167,14 +187,16 @@ TEST_F(CodesetFiles, LeaveTheOldFileWhenTheDiskIsFull) {
   EXPECT_THAT(list_folder(folder.path()), ElementsAre("a.codeset"));
 }
 
-// Sends the signal to a process that is writing a file; returns the signal that ended the process.
-int signal_that_ends_writing(const std::string &path, int signal_number) {
+// Puts a file in its place in another process. Returns the signal that ended the process, or 0.
+// write: called with the new file's path.
+template <typename Write>
+int signal_that_ends_writing(const std::string &path, const Write &write) {
   const pid_t writer = fork();
   if (writer == 0) {
     PlacedFile placed;
     if (placed.prepare(path.c_str(), Overwriting::refused)) {
-      write_file(placed.path(), "unfinished");
-      raise(signal_number);
+      write(placed.path());
+      placed.put();
     }
     _exit(1);
   }
@@ -185,14 +207,39 @@ int signal_that_ends_writing(const std::string &path, int signal_number) {
 
 TEST_F(CodesetFiles, LeaveNothingWhenASignalEndsTheProgram) {
   for (const int signal_number : {SIGHUP, SIGINT, SIGTERM}) {
-    EXPECT_EQ(signal_that_ends_writing(path, signal_number), signal_number);
+    EXPECT_EQ(signal_that_ends_writing(path,
+                                       [&](const char *new_path) {
+                                         write_file(new_path, "unfinished");
+                                         raise(signal_number);
+                                       }),
+              signal_number);
     EXPECT_THAT(list_folder(folder.path()), IsEmpty());
+  }
+}
+
+TEST_F(CodesetFiles, AreWholeWhenASignalArrivesWhileTheyAreRenamed) {
+  for (const int signal_number : {SIGHUP, SIGINT, SIGTERM}) {
+    EXPECT_EQ(signal_that_ends_writing(path,
+                                       [&](const char *new_path) {
+                                         write_file(new_path, "whole");
+                                         signal_before_renaming = signal_number;
+                                       }),
+              signal_number);
+    EXPECT_EQ(read_file(path), "whole");
+    EXPECT_THAT(list_folder(folder.path()), ElementsAre("a.codeset"));
+    std::remove(path.c_str());
   }
 }
 
 TEST_F(CodesetFiles, AreWrittenDespiteAnIgnoredSignal) {
   const auto old_handler = signal(SIGHUP, SIG_IGN);
-  EXPECT_EQ(signal_that_ends_writing(path, SIGHUP), 0);
+  EXPECT_EQ(signal_that_ends_writing(path,
+                                     [](const char *new_path) {
+                                       write_file(new_path, "whole");
+                                       raise(SIGHUP);
+                                     }),
+            0);
+  EXPECT_EQ(read_file(path), "whole");
   signal(SIGHUP, old_handler);
 }
 
