@@ -2,9 +2,13 @@
 # Configures and builds with a preset. Sourced by scripts whose working folder is the checkout's
 # root.
 
-# Each preset is built in a sub-folder of that name. A read-only checkout needs another folder.
-build_folder=$(realpath -m "${VANTORELLE_BUILD:-build}")
-readonly build_folder
+# Each preset is built in a sub-folder of that name. A read-only checkout needs another folder, whose
+# path is relative to the folder that the script was started in.
+if [[ -n ${VANTORELLE_BUILD:-} ]]; then
+    VANTORELLE_BUILD=$(cd "$OLDPWD" && realpath -m "$VANTORELLE_BUILD")
+    export VANTORELLE_BUILD
+fi
+readonly build_folder=${VANTORELLE_BUILD:-$PWD/build}
 
 # Ends the script with status 1 when nothing can be written to the build folder.
 ensure_build_folder() {

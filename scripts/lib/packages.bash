@@ -144,6 +144,22 @@ package debootstrap
 bench   python3
 "
 
+# The pkg-config modules and Python modules that only other purposes than the build need.
+readonly module_table="
+test    gmock
+test    gtest
+fuzz    gmock
+fuzz    gtest
+bench   benchmark
+"
+readonly python_module_table="
+test    clang.cindex
+test    gi.repository.Atspi
+check   clang.cindex
+check   gi.repository.Atspi
+mutate  clang.cindex
+"
+
 # Prints the names in the table for the purposes, each only once.
 names_for() {
     local table=$1 purpose name wanted
@@ -178,7 +194,7 @@ has_view_font() {
     [[ $(fc-match --format='%{file}' "Liberation Sans:bold" 2>/dev/null) == */LiberationSans-Bold.ttf ]]
 }
 
-# Prints the missing programs for the purposes, modules and font. Without pkg-config all modules count as
+# Prints the missing programs and modules for the purposes, and the font. Without pkg-config all modules count as
 # missing, and without fc-match the font.
 missing_tools() {
     local tool module
@@ -187,7 +203,13 @@ missing_tools() {
     done < <(names_for "$program_table" "$@")
     while read -r module; do
         pkg-config --exists "$module" 2>/dev/null || echo "pkg-config module $module"
-    done < <(required_modules)
+    done < <(
+        required_modules
+        names_for "$module_table" "$@"
+    )
+    while read -r module; do
+        /usr/bin/python3 -c "import $module" 2>/dev/null || echo "Python module $module"
+    done < <(names_for "$python_module_table" "$@")
     has_view_font || echo "font LiberationSans-Bold.ttf"
 }
 

@@ -70,12 +70,12 @@ class Refusal(unittest.TestCase):
         path.write_text(text)
         path.chmod(0o755)
 
-    def run_script(self, user=None, **environment):
+    def run_script(self, user=None, script="run", folder="/", **environment):
         options = {"user": user, "group": user, "extra_groups": []} if user else {}
         return subprocess.run(
-            (self.checkout / "scripts" / "run",),
+            (self.checkout / "scripts" / script,),
             env={"PATH": self.path, "HOME": str(self.folder), **environment},
-            cwd="/",
+            cwd=folder,
             stdin=subprocess.DEVNULL,
             capture_output=True,
             text=True,
@@ -131,6 +131,18 @@ class Refusal(unittest.TestCase):
         for module in modules:
             self.assertIn(f"pkg-config module {module}\n", ended.stderr)
 
+    def test_the_tests_need_modules_of_their_own(self):
+        self.use_other_distribution()
+        self.write_program(
+            self.folder / "programs" / "pkg-config", "#!/bin/bash\n[[ $2 != gmock ]]\n"
+        )
+        # Hides the module of this machine.
+        (self.folder / "gi.py").write_text("raise ImportError\n")
+        ended = self.run_script(script="test", PYTHONPATH=str(self.folder))
+        self.assertEqual(ended.returncode, 1)
+        modules = [line for line in ended.stderr.splitlines() if "module" in line]
+        self.assertEqual(modules, ["pkg-config module gmock", "Python module gi.repository.Atspi"])
+
     def test_a_read_only_checkout_gets_one_sentence(self):
         self.protect_checkout()
         ended = self.run_script(NOBODY if os.geteuid() == 0 else None)
@@ -155,7 +167,10 @@ class Refusal(unittest.TestCase):
         self.protect_checkout()
         # A display that the toolkit's query, which does nothing here, finds usable.
         ended = self.run_script(
-            NOBODY if os.geteuid() == 0 else None, VANTORELLE_BUILD=str(elsewhere), DISPLAY=":0"
+            NOBODY if os.geteuid() == 0 else None,
+            folder=self.folder,
+            VANTORELLE_BUILD="elsewhere",
+            DISPLAY=":0",
         )
         self.assertEqual(ended.stderr, "")
         self.assertEqual(
