@@ -101,6 +101,8 @@ class InstalledProgramJourney(Journey):
         assistant.button("Apply")
         self.expect_lines_as_written(assistant)
         assistant.button("Apply").click()
+        assistant.button("Close")
+        self.expect_lines_as_written(assistant)
         assistant.button("Close").click()
         assistant.expect_closed()
         window = program.window(MAIN_WINDOW)
