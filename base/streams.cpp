@@ -184,9 +184,9 @@ bool v_input_stream_read(VInputStream *stream, void *buffer, std::size_t n, std:
   case VStreamKind::memory:
     return read_memory(stream, buffer, n, count);
   case VStreamKind::zip_entry:
-    return read_zip_entry(stream, buffer, n, count);
+    break;
   }
-  return false;
+  return read_zip_entry(stream, buffer, n, count);
 }
 
 bool v_input_stream_get_some(VInputStream *stream, const std::byte *&data, std::size_t &length) {
@@ -207,9 +207,9 @@ bool v_input_stream_skip(VInputStream *stream, std::size_t n) {
   case VStreamKind::memory:
     return skip_memory(stream, n);
   case VStreamKind::zip_entry:
-    return skip_zip_entry(stream, n);
+    break;
   }
-  return false;
+  return skip_zip_entry(stream, n);
 }
 
 void v_input_stream_destroy(VInputStream *stream) { delete stream; }

@@ -287,7 +287,7 @@ bool v_xml_read_root_children(const char *path, const XmlRootReader &reader) {
     report_by_tree(descriptor);
     return false;
   case Outcome::needs_tree:
-    return read_by_tree(descriptor, reader);
+    break;
   }
-  return false;
+  return read_by_tree(descriptor, reader);
 }
