@@ -23,6 +23,7 @@ struct VRemarkExchange {
 
 // Owns the remarks of its steps while they are not in the list.
 struct VRemarkHistory;
+// Null is allowed.
 void v_remark_history_destroy(VRemarkHistory *history);
 using OwnedRemarkHistory = Owned<VRemarkHistory, v_remark_history_destroy>;
 

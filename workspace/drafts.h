@@ -29,7 +29,7 @@ struct VDraft {
   std::int64_t left_behind_time = 0; // when it was written, in seconds since the epoch
 };
 
-// The draft remains on disk and counts as left behind from then on.
+// The draft remains on disk and counts as left behind from then on. Null is allowed.
 void v_draft_close(VDraft *draft);
 using OwnedDraft = Owned<VDraft, v_draft_close>;
 

@@ -92,6 +92,8 @@ private:
   std::vector<VRemark *> rows;
 };
 
+TEST(RemarkHistory, DestroyingNoHistoryDoesNothing) { v_remark_history_destroy(nullptr); }
+
 TEST(RemarkHistory, ANewHistoryHasNothingToUndoOrRedo) {
   History history({{"1", x}});
   EXPECT_FALSE(history.can_undo());

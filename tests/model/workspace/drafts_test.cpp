@@ -171,6 +171,17 @@ TEST_F(Drafts, BelongsToOneFileUnderEverySpellingOfItsPath) {
   }
 }
 
+TEST_F(Drafts, IgnoresWhatIsNoFileAmongTheDrafts) {
+  const std::string draft = leave_behind(paper().get());
+  std::filesystem::remove(draft);
+  std::filesystem::create_symlink(draft, draft);
+  EXPECT_EQ(left_name(open()), "none");
+  std::filesystem::remove(draft);
+  std::filesystem::create_directory(draft);
+  EXPECT_EQ(left_name(open()), "none");
+  v_draft_close(nullptr);
+}
+
 TEST_F(Drafts, BelongsToTheSameFileThroughALinkedFolder) {
   make_folder(folder / "codesets");
   make_folder(folder / "others");
