@@ -187,14 +187,21 @@ def ask_client_to_close(window):
 
 
 def move_window(window, x, y):
-    """Asks the window manager for a place on the screen, as dragging the title bar does."""
-    xdotool("windowmove", window, x, y)
+    """Asks the window manager for a place on the screen, as dragging the title bar does, and waits
+    until it has answered."""
+    configure(window, "windowmove", window, x, y)
 
 
 def resize(window, width, height):
-    """Asks the window manager for a size, as dragging a corner does. The program may insist on
-    more."""
-    xdotool("windowsize", window, width, height)
+    """Asks the window manager for a size, as dragging a corner does, and waits until it has
+    answered. The program may insist on more."""
+    configure(window, "windowsize", window, width, height)
+
+
+def configure(window, *request):
+    # X answers the question for the geometry after it has passed the request on.
+    xdotool(*request, "getwindowgeometry", window)
+    xlib.await_manager()
 
 
 def screen_size():
@@ -218,5 +225,7 @@ def read_message():
 
 def xdotool(*arguments):
     global last_key_time
-    subprocess.run(("xdotool", *map(str, arguments)), check=True, timeout=60)
+    subprocess.run(
+        ("xdotool", *map(str, arguments)), stdout=subprocess.DEVNULL, check=True, timeout=60
+    )
     last_key_time = time.monotonic()

@@ -5,7 +5,7 @@ import time
 
 from gi.repository import Atspi
 
-from . import accessibility, display
+from . import accessibility, display, xlib
 from .waiting import DEFAULT_SECONDS, settle
 
 WINDOW_ROLES = (
@@ -489,7 +489,7 @@ class Window(Widget):
     def resize(self, width, height):
         """Requests a size, and returns the resulting extents."""
         display.resize(self.window_id, width, height)
-        settle(0.2)
+        settle()
         return self.resting_extents()
 
     def toggle_maximized(self):
@@ -500,7 +500,8 @@ class Window(Widget):
             lambda: display.is_maximized(self.window_id) != before,
             f"{self!r} to be {'restored' if before else 'maximized'}",
         )
-        settle(0.2)
+        xlib.await_manager()
+        settle()
         return self.resting_extents()
 
     def press(self, *keys):

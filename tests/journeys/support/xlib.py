@@ -1,13 +1,23 @@
-"""The few functions of Xlib for which there is no program: messages between windows, and the keys
-of the display."""
+"""The few functions of Xlib for which there is no program: messages between windows, the answers of
+the window manager, and the keys of the display."""
 
 import contextlib
 import ctypes
 
+from .waiting import wait_until
+
+PROPERTY_NOTIFY = 28
 CLIENT_MESSAGE = 33
+PROPERTY_CHANGE_MASK = 1 << 22
 TO_MANAGER = 1 << 19 | 1 << 20  # SubstructureNotifyMask | SubstructureRedirectMask
 
 KEYSYMS = ctypes.POINTER(ctypes.c_ulong)
+
+
+class Event(ctypes.Structure):
+    """XEvent of Xlib, any of its kinds."""
+
+    _fields_ = [("room", ctypes.c_long * 24)]
 
 
 class ClientMessage(ctypes.Structure):
@@ -62,6 +72,25 @@ def load():
     x11.XStringToKeysym.restype = ctypes.c_ulong
     x11.XFree.argtypes = (ctypes.c_void_p,)
     x11.XSync.argtypes = (ctypes.c_void_p, ctypes.c_int)
+    x11.XCreateSimpleWindow.argtypes = (
+        ctypes.c_void_p,
+        ctypes.c_ulong,
+        ctypes.c_int,
+        ctypes.c_int,
+        ctypes.c_uint,
+        ctypes.c_uint,
+        ctypes.c_uint,
+        ctypes.c_ulong,
+        ctypes.c_ulong,
+    )
+    x11.XCreateSimpleWindow.restype = ctypes.c_ulong
+    x11.XSelectInput.argtypes = (ctypes.c_void_p, ctypes.c_ulong, ctypes.c_long)
+    x11.XCheckTypedWindowEvent.argtypes = (
+        ctypes.c_void_p,
+        ctypes.c_ulong,
+        ctypes.c_int,
+        ctypes.c_void_p,
+    )
     return x11
 
 
@@ -84,6 +113,25 @@ def send_message(x11, display, receiver, window, kind, data, mask):
     event.data[:2] = data
     if not x11.XSendEvent(display, receiver, False, mask, ctypes.byref(event)):
         raise AssertionError(f"The message {kind} was not sent.")
+
+
+def await_manager():
+    """Returns when the window manager has handled all that X had passed on to it before. It handles
+    one thing after the other, and must answer the last one, the request of an invisible window for
+    the width of its frame."""
+    with connection() as (x11, display):
+        root = x11.XDefaultRootWindow(display)
+        window = x11.XCreateSimpleWindow(display, root, 0, 0, 1, 1, 0, 0, 0)
+        x11.XSelectInput(display, window, PROPERTY_CHANGE_MASK)
+        send_message(x11, display, root, window, "_NET_REQUEST_FRAME_EXTENTS", (0, 0), TO_MANAGER)
+        event = Event()
+        # The answer is a property of the window, which has no other.
+        wait_until(
+            lambda: x11.XCheckTypedWindowEvent(
+                display, window, PROPERTY_NOTIFY, ctypes.byref(event)
+            ),
+            "the answer of the window manager",
+        )
 
 
 def keysym_of_name(name):
