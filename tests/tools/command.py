@@ -15,6 +15,9 @@ GOLDEN = pathlib.Path(__file__).resolve().parent / "golden"
 
 GOOD, NOTICED, FAILED = 0, 1, 2
 
+# Seconds after which a run is given up. Ample, because other programs may have the processor.
+PATIENCE = 100
+
 
 class Result:
     """How a run of the program ended: its exit status and the bytes that it printed."""
@@ -46,6 +49,7 @@ def run(*arguments, folder, stdin=b"", **variables):
             stderr=subprocess.PIPE,
             env=environment(**variables),
             check=False,
+            timeout=PATIENCE,
         )
     )
 
