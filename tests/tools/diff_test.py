@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """vantorelle-codeset diff."""
 
-import time
+import resource
 
 from command import DELIVERED, FAILED, GOOD, NOTICED, CommandTest, codeset_xml, main
 
@@ -89,13 +89,21 @@ class Diff(CommandTest):
 
         reading = self.measure(lambda: self.diff(codes("a"), codes("a")))
         comparing = self.measure(lambda: self.diff(codes("a"), codes("b")))
-        self.assertLess(comparing, 10 * reading, "seconds, and ten times those of equal files")
+        self.assertLess(
+            comparing, 10 * reading, "seconds of the processor, and ten times those of equal files"
+        )
 
     @staticmethod
     def measure(action):
-        start = time.monotonic()
+        """The seconds for which the program had the processor."""
+
+        def used():
+            usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+            return usage.ru_utime + usage.ru_stime
+
+        start = used()
         action()
-        return time.monotonic() - start
+        return used() - start
 
     def test_reports_each_file_that_is_refused(self):
         reason = "Error loading codeset file. Cannot open file. Error 2: No such file or directory"
