@@ -7,12 +7,11 @@ import random
 import signal
 import stat
 import subprocess
-import time
 from xml.etree import ElementTree
 
 from support import MAIN_WINDOW, QUESTION, RESTORE, UK, WorkspaceJourney, codeset, main, wait_until
 from support import display
-from support.waiting import settle
+from support.waiting import Clock, settle
 
 TITLE = "Edit remark codeset - wood.codeset"
 REMARKS = [("W1", "Split"), ("W2", "Worm")]
@@ -42,10 +41,16 @@ class Drafts(WorkspaceJourney):
         return self.open_editing("wood.codeset", WOOD_TEXT, **options)
 
     def change(self, editing):
-        """Makes the one change of CHANGED and waits until it must be in the draft."""
+        """Makes the one change of CHANGED and waits until it is in the draft."""
         editing.field(UK).enter("Changed")
-        time.sleep(DRAFT_SECONDS)
-        self.assertEqual(self.drafts(), [CHANGED])
+        self.expect_draft(editing.program)
+
+    def expect_draft(self, program):
+        program.wait(
+            lambda: self.drafts() == [CHANGED],
+            lambda: f"the change in the draft; the drafts are {self.drafts()!r}",
+            DRAFT_SECONDS,
+        )
 
     def reopen(self, answer, row=WOOD_TEXT):
         """A new program, in which the question about the changes is answered."""
@@ -105,8 +110,7 @@ class Drafts(WorkspaceJourney):
         program, editing = self.open_wood(ignored_signals=(signal.SIGHUP,))
         editing.field(UK).enter("Changed")
         program.process.send_signal(signal.SIGHUP)
-        settle(DRAFT_SECONDS)
-        self.assertEqual(self.drafts(), [CHANGED])
+        self.expect_draft(program)
         editing.button("Save codeset").click()
         self.end(program, program.window(MAIN_WINDOW))
 
@@ -196,8 +200,7 @@ class Drafts(WorkspaceJourney):
         display.press("ctrl+a")
         display.type_text("Changed")
         editing.field(UK).expect_text("Changed")
-        time.sleep(DRAFT_SECONDS)
-        self.assertEqual(self.drafts(), [CHANGED])
+        self.expect_draft(program)
         compositor.kill()
         program.expect_exit(1)
         self.restore_and_save()
@@ -273,7 +276,7 @@ class Drafts(WorkspaceJourney):
         self.state.write_text("a file")
         program, editing = self.open_wood()
         editing.field(UK).enter("Changed")
-        time.sleep(DRAFT_SECONDS)
+        settle(DRAFT_SECONDS)
         self.assertEqual(
             [window.title for window in program.windows() if window.is_active], [TITLE]
         )
@@ -343,11 +346,11 @@ class Drafts(WorkspaceJourney):
                     draft.unlink()
                 program, editing = self.open_editing("wood.codeset", "Many 1")
                 editing.field("Version").enter("2")
-                started = time.monotonic()
+                editing.field("Version").expect_text("2")
+                clock = Clock()
                 if is_saving:
                     editing.button("Save codeset").act()
-                time.sleep(max(0, started + wait - time.monotonic()))
-                waited = time.monotonic() - started
+                clock.run(wait)
                 program.kill()
                 in_file, in_drafts = self.versions_left()
                 self.assertNotIn(None, in_drafts, "a draft is not whole")
@@ -355,8 +358,13 @@ class Drafts(WorkspaceJourney):
                     self.assertTrue({"1", "2"} & in_file or "2" in in_drafts, (in_file, in_drafts))
                 else:
                     self.assertEqual(in_file, {"1"})
-                    if waited >= DRAFT_SECONDS:
-                        self.assertEqual(in_drafts, {"2"})
+                    if clock.counted >= DRAFT_SECONDS:
+                        self.assertEqual(
+                            in_drafts,
+                            {"2"},
+                            f"killed {clock.elapsed:.1f} s after the change, "
+                            f"and was without work for {clock.counted:.1f} s of them",
+                        )
                 if in_file != {"1"}:
                     # Once the old file changes, the work must be in the file or in a draft.
                     self.assertIn("2", in_file | in_drafts)

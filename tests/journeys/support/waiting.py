@@ -22,24 +22,46 @@ class JourneyTimeout(AssertionError):
     """A condition that a journey waited for did not become true."""
 
 
+class Clock:
+    """Counts the time in which no program works, or would if the machine let it, as long as it is
+    looked at often."""
+
+    def __init__(self):
+        self.begin = self.latest = time.monotonic()
+        self.counted = 0  # seconds
+
+    @property
+    def elapsed(self):
+        """All seconds up to the last look."""
+        return self.latest - self.begin
+
+    def look(self):
+        now = time.monotonic()
+        if not are_programs_working():
+            self.counted += min(now - self.latest, LOOK_SECONDS)
+        self.latest = now
+
+    def run(self, seconds):
+        """Lets so many seconds pass, counted or not."""
+        while (rest := self.begin + seconds - time.monotonic()) > 0:
+            time.sleep(min(rest, PAUSE_SECONDS))
+            self.look()
+
+
 def wait_until(condition, what, seconds=DEFAULT_SECONDS):
     """Calls `condition` until it returns something true, and returns that. `what` completes "Waited
     in vain for ..."; it may be a function, called only on failure. Time in which a program works,
     or would if the machine let it, does not count."""
-    begin = latest = time.monotonic()
-    counted = 0
+    clock = Clock()
     while True:
         pump()
         value = condition()
         if value:
             return value
-        now = time.monotonic()
-        if not are_programs_working():
-            counted += min(now - latest, LOOK_SECONDS)
-        latest = now
-        if counted > seconds or now - begin > seconds + WORK_SECONDS:
+        clock.look()
+        if clock.counted > seconds or clock.elapsed > seconds + WORK_SECONDS:
             raise JourneyTimeout(
-                f"Waited {now - begin:.1f} s in vain for {describe(what)} "
+                f"Waited {clock.elapsed:.1f} s in vain for {describe(what)} "
                 f"(at most {seconds} s in which no program worked)"
             )
         time.sleep(PAUSE_SECONDS)
