@@ -3,8 +3,11 @@ WebDriver."""
 
 import base64
 import json
+import os
 import re
+import select
 import subprocess
+import time
 import urllib.error
 import urllib.request
 from dataclasses import dataclass
@@ -64,7 +67,6 @@ class Browser:
             stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT,
-            text=True,
             env={"PATH": "/usr/bin:/bin", "HOME": str(folder), "TMPDIR": str(folder)},
         )
         # The machine's proxy must not be used.
@@ -86,11 +88,17 @@ class Browser:
 
     def read_port(self):
         printed = ""
-        for line in self.driver.stdout:
-            printed += line
-            if started := re.search(r"started successfully on port (\d+)", line):
-                return started[1]
-        raise AssertionError(f"The browser's driver did not start.\n{printed}")
+        end = time.monotonic() + ANSWER_SECONDS
+        while not (started := re.search(r"started successfully on port (\d+)\D", printed)):
+            if not select.select([self.driver.stdout], [], [], max(0, end - time.monotonic()))[0]:
+                raise AssertionError(
+                    f"Waited {ANSWER_SECONDS} s in vain for the browser's driver.\n{printed}"
+                )
+            piece = os.read(self.driver.stdout.fileno(), 4096).decode()
+            if not piece:
+                raise AssertionError(f"The browser's driver did not start.\n{printed}")
+            printed += piece
+        return started[1]
 
     def call(self, method, path, **parameters):
         """The value of WebDriver's answer."""
@@ -103,6 +111,10 @@ class Browser:
                 return json.load(answer)["value"]
         except urllib.error.HTTPError as error:
             raise AssertionError(f"{method} {path}: {error.read().decode()}") from error
+        except TimeoutError as error:
+            raise AssertionError(
+                f"Waited {ANSWER_SECONDS} s in vain for the answer to {method} {path}"
+            ) from error
 
     def end(self):
         try:

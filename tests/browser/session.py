@@ -3,6 +3,7 @@
 import os
 import pathlib
 import re
+import select
 import signal
 import socket
 import struct
@@ -14,7 +15,7 @@ sys.path.insert(0, str(SOURCE / "tests" / "journeys"))
 
 from support import wait_until  # noqa: E402
 from support.journey import delivered_stage  # noqa: E402
-from support.program import EXECUTABLE  # noqa: E402
+from support.program import EXECUTABLE, START_SECONDS  # noqa: E402
 
 # A command that a shell starts in the background ignores the interrupt.
 START = (
@@ -48,15 +49,24 @@ class Session:
             stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT,
-            text=True,
+            bufsize=0,  # so that the next line is in the pipe, where it can be waited for
             cwd=home,
             env={**kept, **own, **environment},
             start_new_session=True,
         )
 
+    def read_line(self):
+        """The next line that is printed; empty when the script ends before."""
+        wait_until(
+            lambda: select.select([self.process.stdout], [], [], 0)[0],
+            "what the script prints",
+            START_SECONDS,
+        )
+        return self.process.stdout.readline().decode()
+
     def read_address(self):
         """The address that is printed for the user, and its port and secret."""
-        line = self.process.stdout.readline()
+        line = self.read_line()
         told = re.fullmatch(
             r"Open (http://127\.0\.0\.1:(\d+)/([\w-]{43,})/) in a web browser\.\n", line, re.ASCII
         )
@@ -107,7 +117,7 @@ class Session:
     def expect_end(self, status, printed=""):
         """Expects the exit status, that no process is left, and that no more was printed than the
         regular expression matches."""
-        output, _ = self.process.communicate(timeout=20)
+        output = self.process.communicate(timeout=20)[0].decode()
         if self.process.returncode != status or not re.fullmatch(printed, output):
             raise AssertionError(
                 f"The script ended with status {self.process.returncode}, not {status}, "

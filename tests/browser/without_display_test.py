@@ -229,7 +229,7 @@ class WithoutDisplay(unittest.TestCase):
         else:
             self.start(PATH=path).expect_end(1, re.escape(NOT_ENCLOSED + SAY_SO))
             alone = self.start(PATH=path, VANTORELLE_SOLE_USER="1")
-        self.assertEqual(alone.process.stdout.readline(), NOT_ENCLOSED)
+        self.assertEqual(alone.read_line(), NOT_ENCLOSED)
         _, port, _ = alone.read_address()
         self.expect_local(alone, port)
         # Here the program uses the machine's own shared memory, and the toolkit leaves some of it
