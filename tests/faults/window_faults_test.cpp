@@ -72,6 +72,7 @@ private:
         +[](void *user) -> gboolean {
           static_cast<User *>(user)->schedule();
           static_cast<User *>(user)->look();
+          end_if_too_long(static_cast<User *>(user)->wait, "the main window to close");
           return G_SOURCE_REMOVE;
         },
         this, nullptr);
@@ -143,6 +144,7 @@ private:
   const char *row;
   const char *button;
   bool has_answered = false;
+  Wait wait = Wait(60 * G_USEC_PER_SEC);
   guint source = 0;
 };
 

@@ -14,6 +14,7 @@
 #include "base/fs_utils.h"
 #include "support/child_process.h"
 #include "support/files.h"
+#include "support/wait.h"
 
 namespace {
 
@@ -41,12 +42,9 @@ char *give_name_that_is_not_utf8(GError **) { return g_strdup("/opt/\xe5/program
 
 std::string executable() { return std::filesystem::read_symlink("/proc/self/exe").string(); }
 
-// Commands run in the background, so wait up to five seconds for the file.
-bool appears(const std::string &path) {
-  for (int attempt = 0; attempt < 500 && !path_exists(path); attempt++) {
-    usleep(10'000);
-  }
-  return path_exists(path);
+// Commands run in the background.
+testing::AssertionResult appears(const std::string &path) {
+  return sleep_until(path, [&] { return path_exists(path); });
 }
 
 std::string quoted(const std::string &text) {

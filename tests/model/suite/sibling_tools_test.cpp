@@ -8,6 +8,7 @@
 #include "base/error.h"
 #include "base/platform.h"
 #include "support/files.h"
+#include "support/wait.h"
 
 namespace {
 
@@ -107,15 +108,12 @@ public:
   const std::string path;
 };
 
-// The report of the started program; "" when it takes too long.
+// The report of the started program; "" when it takes too long, which is a failure.
 std::string await_report(const std::string &report) {
-  for (int tenth_seconds = 0; tenth_seconds < 100; tenth_seconds++) {
-    if (path_exists(report)) {
-      return read_file(report);
-    }
-    g_usleep(G_USEC_PER_SEC / 10);
-  }
-  return "";
+  const auto is_there =
+      sleep_until("the report of the program", [&] { return path_exists(report); });
+  EXPECT_TRUE(is_there);
+  return is_there ? read_file(report) : "";
 }
 
 TEST(LaunchBundledProgram, StartsTheWorkspaceToolWithoutArguments) {

@@ -15,6 +15,7 @@
 #include "base/error.h"
 #include "base/owned.h"
 #include "support/files.h"
+#include "support/wait.h"
 
 namespace {
 
@@ -36,13 +37,10 @@ public:
     }
     // Until exec has run, the child still has the executable of this program.
     const OwnedText link(g_strdup_printf("/proc/%d/exe", id));
-    for (;;) {
+    EXPECT_TRUE(sleep_until("a process of " + executable, [&] {
       const OwnedText path(g_file_read_link(link.get(), nullptr));
-      if (path && executable == path.get()) {
-        break;
-      }
-      g_usleep(1000);
-    }
+      return path && executable == path.get();
+    }));
   }
   ~Process() {
     kill(id, SIGKILL);

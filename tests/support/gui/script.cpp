@@ -159,7 +159,7 @@ void GuiScript::take_turn() {
 // Closes one window at a time, so that the nested loops end from the innermost one outwards.
 void GuiScript::give_up(const std::string &what) {
   if (!gave_up) {
-    ADD_FAILURE() << wait->describe_failure(what);
+    ADD_FAILURE() << describe_failure(*wait, what);
     gave_up = true;
   }
   GtkWindow *window = top_window();

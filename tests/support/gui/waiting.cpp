@@ -1,25 +1,14 @@
 #include "support/gui/waiting.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <iomanip>
 #include <memory>
-#include <sstream>
 
 #include "support/gui/widget_search.h"
 
 namespace {
 
-constexpr gint64 longest_turn = G_USEC_PER_SEC / 10;
 constexpr unsigned look_interval = 10; // milliseconds
-
-std::string format_seconds(gint64 microseconds) {
-  std::ostringstream text;
-  text << std::fixed << std::setprecision(1)
-       << static_cast<double>(microseconds) / static_cast<double>(G_USEC_PER_SEC) << " s";
-  return text.str();
-}
 
 void run_main_loop_briefly() {
   if (!g_main_context_iteration(nullptr, FALSE)) {
@@ -43,10 +32,8 @@ struct Step {
 void look(const std::shared_ptr<Step> &step) {
   if (!gtk_events_pending() && step->ready()) {
     step->action();
-  } else if (step->wait.is_too_long()) {
-    std::fprintf(stderr, "%s\n", step->wait.describe_failure(step->what).c_str());
-    std::abort();
   } else {
+    end_if_too_long(step->wait, step->what);
     after(look_interval, [step] { look(step); });
   }
 }
@@ -62,16 +49,15 @@ GtkDialog *find_active_dialog() {
 
 } // namespace
 
-bool Wait::is_too_long() {
-  const gint64 now = g_get_monotonic_time();
-  counted += std::min(now - latest, longest_turn);
-  latest = now;
-  return counted > patience;
+std::string describe_failure(const Wait &wait, const std::string &what) {
+  return wait.describe_failure(what) + ". Windows:" + describe_windows();
 }
 
-std::string Wait::describe_failure(const std::string &what) const {
-  return "Waited " + format_seconds(g_get_monotonic_time() - begin) + " in vain for " + what +
-         ". Windows:" + describe_windows();
+void end_if_too_long(Wait &wait, const std::string &what) {
+  if (wait.is_too_long()) {
+    std::fprintf(stderr, "%s\n", describe_failure(wait, what).c_str());
+    std::abort();
+  }
 }
 
 Hold::Hold(unsigned milliseconds) : end(begin + gint64{1000} * milliseconds) {}
@@ -105,7 +91,7 @@ testing::AssertionResult wait_until(const std::string &what,
   Wait wait;
   while (!condition()) {
     if (wait.is_too_long()) {
-      return testing::AssertionFailure() << wait.describe_failure(what);
+      return testing::AssertionFailure() << describe_failure(wait, what);
     }
     run_main_loop_briefly();
   }

@@ -8,26 +8,13 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
-// Measures how long a test has waited for one thing.
-class Wait {
-public:
-  static constexpr gint64 ten_seconds = 10 * G_USEC_PER_SEC;
+#include "support/wait.h"
 
-  // limit: microseconds.
-  explicit Wait(gint64 limit = ten_seconds) : patience(limit) {}
-  // To be called each time the wait is not over. True when it has lasted longer than the limit;
-  // a turn of the main loop counts a tenth of a second at most, because the layout of a long text
-  // may take several seconds.
-  bool is_too_long();
-  // "Waited 10.0 s in vain for <what>", and the windows that are shown.
-  std::string describe_failure(const std::string &what) const;
+// "Waited 10.0 s in vain for <what>", and the windows that are shown.
+std::string describe_failure(const Wait &wait, const std::string &what);
 
-private:
-  gint64 patience;
-  gint64 begin = g_get_monotonic_time();
-  gint64 latest = begin;
-  gint64 counted = 0; // microseconds
-};
+// Ends the program when the wait is too long, because the code under test would wait forever.
+void end_if_too_long(Wait &wait, const std::string &what);
 
 // Observes that a condition holds for a time.
 class Hold {

@@ -52,7 +52,7 @@ protected:
           *is_late = wait->is_too_long();
           return draft() == content;
         },
-        [wait, is_late] { EXPECT_FALSE(*is_late) << wait->describe_failure("the draft"); });
+        [wait, is_late] { EXPECT_FALSE(*is_late) << describe_failure(*wait, "the draft"); });
   }
   // Makes the folder of drafts impossible to create, and takes this back.
   static void block_drafts() {
