@@ -1,9 +1,11 @@
 #include "support/gui/file_choosers.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "support/gui/widget_search.h"
+#include "support/wait.h"
 
 namespace {
 
@@ -34,11 +36,10 @@ GtkFileChooser *top_chooser() {
 }
 
 std::function<bool()> chooser_to_be_loaded() {
-  return [latest_incomplete = gint64{0}]() mutable {
-    const gint64 now = g_get_monotonic_time();
-    if (latest_incomplete == 0 || !top_chooser_has_list() || !top_chooser_has_icons()) {
-      latest_incomplete = now;
+  return [pause = std::optional<Wait>()]() mutable {
+    if (!pause || !top_chooser_has_list() || !top_chooser_has_icons()) {
+      pause.emplace(pause_between_loads);
     }
-    return now - latest_incomplete > pause_between_loads;
+    return pause->is_too_long();
   };
 }
