@@ -6,6 +6,7 @@ both sides, and brackets of a template have none.
 """
 
 import bisect
+import collections
 import dataclasses
 import re
 
@@ -51,7 +52,8 @@ NOTHING = ("nullptr", "{}")
 @dataclasses.dataclass(frozen=True)
 class Change:
     """Bytes of a file and what takes their place. The lines are those touched, without blanks
-    around them: `removed` as they are, `added` as they become."""
+    around them: `removed` as they are, `added` as they become. The ordinal counts, from 1,
+    the changes of the declaration that have the same lines; it is 0 when there is only one."""
 
     file: str
     declaration: str  # the function, variable or type that it is in
@@ -62,19 +64,26 @@ class Change:
     line: int
     removed: tuple
     added: tuple
+    ordinal: int = 0
 
     def identity(self):
         """Is the same for the same change after lines were moved."""
-        return self.file, self.declaration, self.removed, self.added
+        return self.file, self.declaration, self.ordinal, self.removed, self.added
 
     def diff(self):
-        lines = [f"{self.file} {self.declaration}"]
-        lines += [f"-{line}" for line in self.removed]
-        lines += [f"+{line}" for line in self.added]
-        return "\n".join(lines)
+        return described(self.identity())
 
     def applied_to(self, source):
         return source[: self.start] + self.text.encode() + source[self.end :]
+
+
+def described(identity):
+    """The change with that identity as it is printed and listed."""
+    file, declaration, ordinal, removed, added = identity
+    lines = [f"{file} {declaration}" + (f" #{ordinal}" if ordinal else "")]
+    lines += [f"-{line}" for line in removed]
+    lines += [f"+{line}" for line in added]
+    return "\n".join(lines)
 
 
 def altered_integer(text):
@@ -123,7 +132,7 @@ class Source:
 
     @property
     def changes(self):
-        return [self.places[place] for place in sorted(self.places)]
+        return with_ordinals([self.places[place] for place in sorted(self.places)])
 
     def text(self, cursor):
         return self.contents[cursor.extent.start.offset : cursor.extent.end.offset].decode()
@@ -278,6 +287,18 @@ class Source:
             self.add_wrapped("result", value, "({}) + 1")
         elif result.kind != TypeKind.VOID and self.text(value) not in NOTHING:
             self.add_wrapped("result", value, "{{}}")
+
+
+def with_ordinals(places):
+    totals = collections.Counter(change.identity() for place in places for change in place)
+    counts = collections.Counter()
+
+    def numbered(change):
+        identity = change.identity()
+        counts[identity] += 1
+        return dataclasses.replace(change, ordinal=counts[identity] if totals[identity] > 1 else 0)
+
+    return [[numbered(change) for change in place] for place in places]
 
 
 def stripped_lines(text):

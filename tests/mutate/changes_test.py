@@ -146,7 +146,82 @@ class Changes(unittest.TestCase):
         self.assertEqual(changed, SOURCE.replace("count < 3", "!(count < 3)"))
 
 
+TWICE = """
+bool decide(int count) {
+  if (count < 3) {
+    return false;
+  }
+  if (count > 5) {
+    return false;
+  }
+  return true;
+}
+bool other() { return false; }
+"""
+
+
+def changes_of(source):
+    with tempfile.TemporaryDirectory(prefix="changes.") as folder:
+        path = pathlib.Path(folder) / "source.cpp"
+        path.write_text(source)
+        places = changes.changes_in(path, "area/source.cpp", ["-std=c++20"])
+        return [change for place in places for change in place]
+
+
+class EqualChanges(unittest.TestCase):
+    def test_those_of_one_function_are_numbered_from_the_top(self):
+        diffs = [change.diff() for change in changes_of(TWICE) if "return false;" in change.removed]
+        self.assertEqual(
+            diffs,
+            [
+                "area/source.cpp decide #1\n-return false;\n+return true;",
+                "area/source.cpp decide #2\n-return false;\n+return true;",
+            ],
+        )
+
+    def test_one_that_is_alone_in_its_function_has_no_number(self):
+        [diff] = [change.diff() for change in changes_of(TWICE) if change.declaration == "other"]
+        self.assertTrue(diff.startswith("area/source.cpp other\n"), diff)
+
+    def test_each_can_be_listed(self):
+        for change in changes_of(TWICE):
+            listed = mutate.read_equivalents(f"{change.diff()}\n Why.\n")
+            self.assertEqual(listed, {change.identity(): "Why."})
+
+
 class Equivalents(unittest.TestCase):
+    def faults(self, heading, diff):
+        listed = mutate.read_equivalents(f"area/source.cpp {heading}\n{diff}\n Why.\n")
+        return mutate.faulty_entries(listed, {change.identity() for change in changes_of(TWICE)})
+
+    def test_one_that_matches_a_single_place_is_right(self):
+        self.assertEqual(self.faults("decide #2", "-return false;\n+return true;"), [])
+        self.assertEqual(self.faults("decide", "-return true;\n+return false;"), [])
+
+    def test_one_that_matches_several_places_is_named(self):
+        diff = "-return false;\n+return true;"
+        self.assertEqual(
+            self.faults("decide", diff),
+            [f"Matches several places:\narea/source.cpp decide\n{diff}"],
+        )
+
+    def test_one_that_matches_no_place_is_named(self):
+        for heading in ("decide #3", "elsewhere"):
+            diff = "-return false;\n+return true;"
+            self.assertEqual(
+                self.faults(heading, diff),
+                [f"Matches no place:\narea/source.cpp {heading}\n{diff}"],
+            )
+
+    def test_one_that_is_listed_twice_is_refused(self):
+        with self.assertRaisesRegex(ValueError, "listed twice:\narea/source.cpp decide"):
+            mutate.read_equivalents("area/source.cpp decide\n-a\n+b\n Why.\n\n" * 2)
+
+    def test_a_name_with_blanks_is_read(self):
+        text = "area/source.h operator bool #2\n-a\n+b\n Why.\n"
+        identity = ("area/source.h", "operator bool", 2, ("a",), ("b",))
+        self.assertEqual(mutate.read_equivalents(text), {identity: "Why."})
+
     def test_a_change_is_found_again_by_what_is_printed_of_it(self):
         change = changes.Change(
             file="area/source.cpp",
@@ -158,6 +233,7 @@ class Equivalents(unittest.TestCase):
             line=9,
             removed=("first();", "second();"),
             added=("second();", "first();"),
+            ordinal=2,
         )
         listed = mutate.read_equivalents(
             f"# Rules\n\n{change.diff()}\n Neither sees\n the other.\n"

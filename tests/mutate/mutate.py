@@ -67,6 +67,8 @@ SLOWNESS = 5
 PATIENCE_SECONDS = 10
 # After this many cases that each fail once and pass when run alone, the failure counts.
 CHANCES = 4
+# The first line of a listed equivalent.
+HEADING = re.compile(r"(\S+) (.+?)(?: #([0-9]+))?")
 CASE = re.compile(r"\[ +(RUN|OK|FAILED) +\] ([\w/]+\.[\w/]+)(?:.*\((\d+) ms\))?")
 
 
@@ -269,14 +271,39 @@ def read_equivalents(text):
         lines = [line for line in block.splitlines() if not line.startswith("#")]
         if not lines:
             continue
-        file, declaration = lines[0].split()
+        file, declaration, ordinal = HEADING.fullmatch(lines[0]).groups()
         removed = tuple(line[1:] for line in lines if line.startswith("-"))
         added = tuple(line[1:] for line in lines if line.startswith("+"))
         reason = " ".join(line.strip() for line in lines if line.startswith(" "))
         if not reason:
             raise ValueError(f"An equivalent change has no reason:\n{block}")
-        found[file, declaration, removed, added] = reason
+        identity = file, declaration, int(ordinal or 0), removed, added
+        if identity in found:
+            raise ValueError(f"An equivalent change is listed twice:\n{block}")
+        found[identity] = reason
     return found
+
+
+def faulty_entries(equivalents, possible):
+    """Describes the listed equivalents that are not exactly one of the possible changes."""
+    faults = []
+    for identity in equivalents:
+        if identity not in possible:
+            file, declaration, _, removed, added = identity
+            is_ambiguous = (file, declaration, 1, removed, added) in possible and not identity[2]
+            problem = "Matches several places" if is_ambiguous else "Matches no place"
+            faults.append(f"{problem}:\n{changes.described(identity)}")
+    return faults
+
+
+def check_equivalents(equivalents, folders, places):
+    """Ends the script if a listed equivalent in one of the folders, or in none that has tests, is
+    faulty."""
+    possible = {change.identity() for place in places for change in place}
+    others = set(SUITES) - set(folders)
+    checked = [each for each in equivalents if str(pathlib.Path(each[0]).parent) not in others]
+    if faults := faulty_entries(checked, possible):
+        sys.exit("\n\n".join((f"Faulty entries in {EQUIVALENTS}:", *faults)))
 
 
 def matching_cases(file):
@@ -405,14 +432,11 @@ def main(arguments):
     jobs = int(os.environ.get("VANTORELLE_MUTATE_JOBS", os.cpu_count()))
     copies = [Copy(FOLDER / str(number)) for number in range(jobs)]
     suites = list(dict.fromkeys(suite for each in folders for suite in SUITES[each]))
+    places = [place for each in folders for place in places_in(copies[0], each)]
+    check_equivalents(equivalents, folders, places)
     for copy in copies:
         copy.prepare(suites)
     times = measure(copies[0], suites)
-    places = [place for each in folders for place in places_in(copies[0], each)]
-    possible = {change.identity() for place in places for change in place}
-    for identity in equivalents:
-        if str(pathlib.Path(identity[0]).parent) in folders and identity not in possible:
-            print(f"No longer possible, though listed as equivalent: {identity}", file=sys.stderr)
 
     choice = random.Random(int(seed))
     choice.shuffle(places)
