@@ -43,7 +43,13 @@ FUNCTIONS = (
     CursorKind.CONSTRUCTOR,
     CursorKind.DESTRUCTOR,
 )
-OTHER_DECLARATIONS = (CursorKind.STRUCT_DECL, CursorKind.CLASS_DECL, CursorKind.VAR_DECL)
+OTHER_DECLARATIONS = (
+    CursorKind.STRUCT_DECL,
+    CursorKind.CLASS_DECL,
+    CursorKind.CLASS_TEMPLATE,
+    CursorKind.ENUM_DECL,
+    CursorKind.VAR_DECL,
+)
 SCOPES = (CursorKind.TRANSLATION_UNIT, CursorKind.NAMESPACE)
 INTEGERS = (TypeKind.INT, TypeKind.UINT, TypeKind.LONG, TypeKind.ULONG, TypeKind.SHORT)
 NOTHING = ("nullptr", "{}")
@@ -125,6 +131,7 @@ class Source:
         self.file = file
         self.contents = contents
         self.declarations = []
+        self.attributes = []
         self.places = {}
         self.visit(unit.cursor, unit.spelling, None)
         self.declarations.sort()
@@ -170,9 +177,10 @@ class Source:
 
     def add_tokens(self, unit):
         directives = [match.span() for match in DIRECTIVE.finditer(self.contents.decode("latin-1"))]
+        skipped = directives + self.attributes
         for token in unit.get_tokens(extent=unit.cursor.extent):
             start, end = token.extent.start.offset, token.extent.end.offset
-            if any(first <= start < last for first, last in directives):
+            if any(first <= start < last for first, last in skipped):
                 continue
             text = token.spelling
             if token.kind.name == "LITERAL":
@@ -193,8 +201,12 @@ class Source:
                 continue
             inner = result
             is_function = child.kind in FUNCTIONS and child.is_definition()
+            if is_function and "{" not in self.text(child):
+                continue  # made by a macro, or defaulted
             if is_function:
                 inner = child.result_type
+            elif child.kind in FUNCTIONS:
+                self.attributes.append(self.span_after_parameters(child))
             elif child.kind == CursorKind.LAMBDA_EXPR:
                 inner = None
             if is_function or (cursor.kind in SCOPES and child.kind in OTHER_DECLARATIONS):
@@ -202,6 +214,12 @@ class Source:
                 self.declarations.append((extent.start.offset, extent.end.offset, child.spelling))
             self.add_of(child, inner)
             self.visit(child, main, inner)
+
+    def span_after_parameters(self, declaration):
+        """The bytes of the attributes and the "= 0" of a function that is only declared."""
+        extents = [each.extent for each in declaration.get_arguments()]
+        start = extents[-1].end if extents else declaration.extent.start
+        return start.offset, self.contents.find(b";", declaration.extent.end.offset)
 
     def add_of(self, cursor, result):
         if cursor.kind in CONDITIONS:
@@ -309,7 +327,7 @@ def changes_in(path, file, arguments):
     """The changes of each place in the file at the path, in their order. `file` is its name in
     what is printed; the arguments are those of the compiler."""
     contents = path.read_bytes()
-    unit = cindex.Index.create().parse(str(path), args=arguments)
+    unit = cindex.Index.create().parse(str(path), args=["-xc++", *arguments])
     errors = [str(each) for each in unit.diagnostics if each.severity >= cindex.Diagnostic.Error]
     if errors:
         raise ValueError("\n".join(errors))

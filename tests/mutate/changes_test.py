@@ -160,12 +160,87 @@ bool other() { return false; }
 """
 
 
-def changes_of(source):
+def changes_of(source, name="source.cpp"):
     with tempfile.TemporaryDirectory(prefix="changes.") as folder:
-        path = pathlib.Path(folder) / "source.cpp"
+        path = pathlib.Path(folder) / name
         path.write_text(source)
-        places = changes.changes_in(path, "area/source.cpp", ["-std=c++20"])
+        places = changes.changes_in(path, f"area/{name}", ["-std=c++20"])
         return [change for place in places for change in place]
+
+
+HEADER = """
+#pragma once
+enum class Fruit { apple = 1, pear };
+const char *translated(const char *text, int count = 3) __attribute__((format_arg(1)));
+#define DECLARE(type) inline bool is_##type(int thing) { return thing; }
+DECLARE(basket)
+struct Basket {
+  virtual bool is_ripe() const = 0;
+  bool is_full = false;
+};
+template <typename T>
+class Store {
+public:
+  bool has(T thing) const { return thing != first; }
+
+private:
+  T first;
+  int size = 0;
+};
+"""
+
+
+class Headers(unittest.TestCase):
+    def test_what_a_header_defines_is_changed(self):
+        self.assertEqual(
+            [
+                (change.kind, change.declaration, change.text)
+                for change in changes_of(HEADER, "header.h")
+            ],
+            [
+                ("constant", "Fruit", "2"),
+                ("constant", "Fruit", "0"),
+                ("constant", "-", "4"),
+                ("constant", "-", "2"),
+                ("constant", "Basket", "true"),
+                ("result", "has", "!(thing != first)"),
+                ("comparison", "has", "=="),
+                ("constant", "Store", "1"),
+            ],
+        )
+
+    def test_those_that_sources_of_their_folder_include_are_compiled_like_them(self):
+        texts = {
+            "area/a.cpp": '#include "area/a.h"\n',
+            "area/b.cpp": '#include "area/b.h"\n#include "other/far.h"\n#include <vector>\n',
+            "area/a.h": '#include "area/shared.h"\n',
+            "area/b.h": '#include "area/shared.h"\n#include "area/b.h"\n',
+            "area/shared.h": "",
+            "area/unused.h": "",
+            "other/far.h": '#include "area/far.h"\n',
+            "area/far.h": "",
+        }
+        with tempfile.TemporaryDirectory(prefix="changes.") as name:
+            folder = pathlib.Path(name)
+            for file, text in texts.items():
+                (folder / file).parent.mkdir(exist_ok=True)
+                (folder / file).write_text(text)
+            sources = {folder / "area/b.cpp": "build b", folder / "area/a.cpp": "build a"}
+            commands = {
+                str(path.relative_to(folder)): command
+                for path, command in mutate.with_headers(folder, sources).items()
+            }
+        self.assertEqual(
+            commands,
+            {
+                "area/a.cpp": "build a",
+                "area/b.cpp": "build b",
+                "area/a.h": "build a",
+                "area/b.h": "build b",
+                "area/shared.h": "build a",
+                "area/far.h": "build b",
+            },
+        )
 
 
 class EqualChanges(unittest.TestCase):

@@ -67,6 +67,7 @@ SLOWNESS = 5
 PATIENCE_SECONDS = 10
 # After this many cases that each fail once and pass when run alone, the failure counts.
 CHANCES = 4
+INCLUDE = re.compile(r'^#include "(.+)"$', re.MULTILINE)
 # The first line of a listed equivalent.
 HEADING = re.compile(r"(\S+) (.+?)(?: #([0-9]+))?")
 CASE = re.compile(r"\[ +(RUN|OK|FAILED) +\] ([\w/]+\.[\w/]+)(?:.*\((\d+) ms\))?")
@@ -249,11 +250,35 @@ def compiler_arguments(command):
             yield word
 
 
+def included_by(root, path):
+    """The files of the checkout that the file includes, also indirectly."""
+    found, unread = set(), [path]
+    while unread:
+        names = INCLUDE.findall(unread.pop().read_text(encoding="utf-8"))
+        added = {root / name for name in names if (root / name).exists()} - found
+        found |= added
+        unread += added
+    return found
+
+
+def with_headers(root, commands):
+    """Adds to the sources and their commands the headers that they include from their own folders,
+    each with the command of the first such source."""
+    found = dict(commands)
+    for source in sorted(commands):
+        for path in included_by(root, source):
+            if path.parent == source.parent:
+                found.setdefault(path, commands[source])
+    return found
+
+
 def places_in(copy, folder):
-    """For each place in the folder's sources the changes that are possible there."""
+    """For each place in the folder's sources and headers the changes that are possible there."""
     database = json.loads((copy.build_folder / "compile_commands.json").read_text())
     commands = {pathlib.Path(entry["file"]): entry["command"] for entry in database}
-    paths = sorted(path for path in (copy.source / folder).glob("*.cpp") if path in commands)
+    sources = [path for path in (copy.source / folder).glob("*.cpp") if path in commands]
+    commands = with_headers(copy.source, {path: commands[path] for path in sources})
+    paths = sorted(commands)
     with concurrent.futures.ProcessPoolExecutor() as pool:
         files = [str(path.relative_to(copy.source)) for path in paths]
         arguments = [list(compiler_arguments(commands[path])) for path in paths]
