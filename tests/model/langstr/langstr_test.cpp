@@ -1,5 +1,6 @@
 #include "langstr/langstr.h"
 
+#include <ctime>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -319,6 +320,28 @@ TEST(LangstrCollection, TheRulesHoldInALongCollection) {
         setting.changes);
     EXPECT_EQ(translations_of(collection.langstr), after);
   }
+}
+
+double processor_seconds() {
+  return static_cast<double>(std::clock()) / static_cast<double>(CLOCKS_PER_SEC);
+}
+
+TEST(LangstrCollection, CollectsAHundredThousandLanguagesQuickly) {
+  constexpr int many = 100'000;
+  // Seconds: ample for constant time per translation, even in an instrumented build, and far too
+  // short for a search of the list for each.
+  constexpr double patience = 10;
+  VLangstrCollection collection;
+  const double start = processor_seconds();
+  int collected = 0;
+  // Ends early rather than after minutes.
+  while (collected < many && processor_seconds() - start < patience) {
+    const std::string number = std::to_string(collected);
+    v_langstr_collect_translation(collection, copy_text(("t" + number).c_str()),
+                                  copy_text(("x" + number).c_str()));
+    collected++;
+  }
+  EXPECT_EQ(collected, many);
 }
 
 TEST(LangstrCollection, AnEmptyCollectionIsTheEmptyString) {
