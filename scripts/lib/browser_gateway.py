@@ -93,8 +93,8 @@ class Gateway:
         """The requested page, and the request that the server gets instead of the browser's: only
         checked values reach the server."""
         path, fields = parse_head(head)
-        # Another site can make its own host name resolve to this address (DNS rebinding), but cannot
-        # change the host name that the browser sends.
+        # Another site can make its own host name resolve to this address (DNS rebinding), but it
+        # cannot change the host name that the browser sends.
         host = fields.get("host")
         if host not in (f"{ADDRESS}:{self.port}", f"localhost:{self.port}"):
             raise Refused

@@ -21,7 +21,7 @@ from support.waiting import settle  # noqa: E402
 
 ASSISTANT = "Vantorelle Workspace Setup"
 
-# No blinking cursor, no animations, and a font that exists on every machine that builds the program.
+# No blinking cursor, no animations, and a font that is on every machine that builds the program.
 SETTINGS = """[Settings]
 gtk-font-name=Liberation Sans 10
 gtk-cursor-blink=false
