@@ -49,13 +49,19 @@ void act_on_all(AtkObject *accessible) {
   }
 }
 
+// A tooltip appears by itself, half a second after a widget has appeared under the pointer.
+bool is_tooltip(GtkWindow *window) {
+  return gtk_window_get_type_hint(window) == GDK_WINDOW_TYPE_HINT_TOOLTIP;
+}
+
 // Includes menus.
 std::vector<GtkWidget *> mapped_windows() {
   std::vector<GtkWidget *> windows;
   GList *all = gtk_window_list_toplevels();
   for (GList *node = all; node != nullptr; node = node->next) {
-    if (gtk_widget_get_mapped(GTK_WIDGET(node->data))) {
-      windows.push_back(GTK_WIDGET(node->data));
+    auto *window = static_cast<GtkWindow *>(node->data);
+    if (gtk_widget_get_mapped(GTK_WIDGET(window)) && !is_tooltip(window)) {
+      windows.push_back(GTK_WIDGET(window));
     }
   }
   g_list_free(all);
