@@ -13,6 +13,24 @@
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+// Takes the place of the home folder; null for the user's own.
+const char *other_home_folder = nullptr;
+
+} // namespace
+
+// The linker option --wrap redirects the program's own calls to this function.
+extern "C" {
+
+const char *__real_g_get_home_dir();
+
+const char *__wrap_g_get_home_dir() {
+  return other_home_folder == nullptr ? __real_g_get_home_dir() : other_home_folder;
+}
+}
 
 namespace {
 
@@ -276,6 +294,21 @@ TEST_F(NewWorkspaceAssistant, ShowsTheReasonWhenThePlaceCannotBeExamined) {
                 "a directory",
                 "Close");
   cancel_on_first_page(folder / "file/workspace");
+  EXPECT_FALSE(run());
+}
+
+TEST_F(NewWorkspaceAssistant, FailsForARelativePlaceInAHomeFolderThatIsNotUtf8) {
+  enter("workspace");
+  script.then([] { other_home_folder = "/home/\xe5sa"; });
+  script.click("Apply");
+  script.on("Error", [] {
+    other_home_folder = nullptr;
+    EXPECT_THAT(message_of(top_window()),
+                StartsWith("Cannot access the specified location.\n\n"
+                           "Could not convert filename to unicode.\n\nGError 1: "));
+  });
+  script.click("Close");
+  cancel_on_first_page("workspace");
   EXPECT_FALSE(run());
 }
 
