@@ -186,7 +186,7 @@ TEST_F(EditingWindowDrafts, ContainACodeThatIsBeingTyped) {
   type_remark("3", "Fold");
   expect_draft(
       codeset_file(paper_head, {{"1", "Tear"}, {"2", "Loss"}, {"3", "Fold"}, {"10", "Stain"}}));
-  // What is typed is only in the draft until it is confirmed.
+  // Text in the open dialog is only in the draft until it is confirmed.
   script.on(dialog_title, [this] { EXPECT_EQ(read_file(path()), paper_file); });
   type_remark("3", "Folded");
   const std::string folded =
