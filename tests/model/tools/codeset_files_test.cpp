@@ -17,13 +17,25 @@
 
 namespace {
 
-// The signal that arrives just before a file is renamed; 0 for none.
+// The signals that arrive just before a file is renamed, and just after a folder was created; 0 for
+// none.
 int signal_before_renaming = 0;
+int signal_after_creating = 0;
 
 } // namespace
 
-// The linker option --wrap redirects the program's own calls to this function.
+// The linker option --wrap redirects the program's own calls to these functions.
 extern "C" {
+
+char *__real_g_mkdtemp(char *name);
+
+char *__wrap_g_mkdtemp(char *name) {
+  char *created = __real_g_mkdtemp(name);
+  if (signal_after_creating != 0) {
+    raise(signal_after_creating);
+  }
+  return created;
+}
 
 int __real_rename(const char *name, const char *new_name);
 
@@ -215,6 +227,15 @@ TEST_F(CodesetFiles, LeaveNothingWhenASignalEndsTheProgram) {
               signal_number);
     EXPECT_THAT(list_folder(folder.path()), IsEmpty());
   }
+}
+
+TEST_F(CodesetFiles, LeaveNothingWhenASignalArrivesWhileTheirFolderIsCreated) {
+  for (const int signal_number : {SIGHUP, SIGINT, SIGTERM}) {
+    signal_after_creating = signal_number;
+    EXPECT_EQ(signal_that_ends_writing(path, [](const char *) {}), signal_number);
+    EXPECT_THAT(list_folder(folder.path()), IsEmpty());
+  }
+  signal_after_creating = 0;
 }
 
 TEST_F(CodesetFiles, AreWholeWhenASignalArrivesWhileTheyAreRenamed) {
